@@ -1,0 +1,6 @@
+// cfgmgr32.h
+//
+// setupapi: the configuration manager.
+#pragma once
+
+#include <windows.h>

@@ -1,0 +1,6 @@
+// dwmapi.h
+//
+// dwmapi: desktop composition.
+#pragma once
+
+#include <windows.h>

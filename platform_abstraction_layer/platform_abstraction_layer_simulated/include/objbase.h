@@ -1,0 +1,6 @@
+// objbase.h
+//
+// ole32: COM.
+#pragma once
+
+#include <windows.h>

@@ -1,0 +1,6 @@
+// setupapi.h
+//
+// setupapi: the device installer.
+#pragma once
+
+#include <windows.h>

@@ -1,0 +1,6 @@
+// shlobj.h
+//
+// shell32: known folders.
+#pragma once
+
+#include <windows.h>

@@ -1,0 +1,6 @@
+// shlwapi.h
+//
+// shlwapi: paths and text.
+#pragma once
+
+#include <windows.h>

@@ -1,0 +1,19 @@
+// windows.h
+//
+// The part of Windows that the plug-in, its host and its service use, declared with the documented names,
+// values and layouts. Functions stand in the header of the area that Windows documents them in.
+#pragma once
+
+#include <windef.h>
+
+#include <winerror.h>
+#include <winnt.h>
+
+#include <winbase.h>
+#include <winnls.h>
+#include <winreg.h>
+#include <winsecurity.h>
+#include <winuser.h>
+#include <winversion.h>
+
+#include <runtime.h>

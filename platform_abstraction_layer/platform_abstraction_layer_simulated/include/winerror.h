@@ -1,0 +1,77 @@
+// winerror.h
+//
+// The error numbers that the simulated platform answers, with their documented values.
+#pragma once
+
+#include <windef.h>
+
+#define NO_ERROR 0L
+#define ERROR_SUCCESS 0L
+#define ERROR_INVALID_FUNCTION 1L
+#define ERROR_FILE_NOT_FOUND 2L
+#define ERROR_PATH_NOT_FOUND 3L
+#define ERROR_ACCESS_DENIED 5L
+#define ERROR_INVALID_HANDLE 6L
+#define ERROR_NOT_ENOUGH_MEMORY 8L
+#define ERROR_INVALID_DATA 13L
+#define ERROR_OUTOFMEMORY 14L
+#define ERROR_WRITE_FAULT 29L
+#define ERROR_GEN_FAILURE 31L
+#define ERROR_SHARING_VIOLATION 32L
+#define ERROR_LOCK_VIOLATION 33L
+#define ERROR_NOT_SUPPORTED 50L
+#define ERROR_FILE_EXISTS 80L
+#define ERROR_INVALID_PARAMETER 87L
+#define ERROR_DISK_FULL 112L
+#define ERROR_CALL_NOT_IMPLEMENTED 120L
+#define ERROR_INSUFFICIENT_BUFFER 122L
+#define ERROR_INVALID_NAME 123L
+#define ERROR_MOD_NOT_FOUND 126L
+#define ERROR_PROC_NOT_FOUND 127L
+#define ERROR_DIR_NOT_EMPTY 145L
+#define ERROR_BAD_PATHNAME 161L
+#define ERROR_BUSY 170L
+#define ERROR_ALREADY_EXISTS 183L
+#define ERROR_FILENAME_EXCED_RANGE 206L
+#define ERROR_MORE_DATA 234L
+#define ERROR_NO_MORE_ITEMS 259L
+#define ERROR_DIRECTORY 267L
+#define ERROR_TOO_MANY_POSTS 298L
+#define ERROR_INVALID_ADDRESS 487L
+#define ERROR_NOT_FOUND 1168L
+#define ERROR_BADDB 1009L
+#define ERROR_BADKEY 1010L
+#define ERROR_CANTOPEN 1011L
+#define ERROR_CANTREAD 1012L
+#define ERROR_CANTWRITE 1013L
+#define ERROR_KEY_DELETED 1018L
+#define ERROR_NO_UNICODE_TRANSLATION 1113L
+#define ERROR_IO_DEVICE 1117L
+#define ERROR_NOT_ALL_ASSIGNED 1300L
+#define ERROR_NO_SUCH_PRIVILEGE 1313L
+#define ERROR_PRIVILEGE_NOT_HELD 1314L
+#define ERROR_NONE_MAPPED 1332L
+#define ERROR_INVALID_SID 1337L
+#define ERROR_FILE_INVALID 1006L
+
+#define S_OK static_cast<HRESULT>(0)
+#define S_FALSE static_cast<HRESULT>(1)
+#define E_NOTIMPL static_cast<HRESULT>(0x80004001)
+#define E_NOINTERFACE static_cast<HRESULT>(0x80004002)
+#define E_POINTER static_cast<HRESULT>(0x80004003)
+#define E_FAIL static_cast<HRESULT>(0x80004005)
+#define E_ACCESSDENIED static_cast<HRESULT>(0x80070005)
+#define E_INVALIDARG static_cast<HRESULT>(0x80070057)
+#define REGDB_E_CLASSNOTREG static_cast<HRESULT>(0x80040154)
+#define CO_E_NOTINITIALIZED static_cast<HRESULT>(0x800401F0)
+#define CO_E_CLASSSTRING static_cast<HRESULT>(0x800401F3)
+#define RPC_E_CHANGED_MODE static_cast<HRESULT>(0x80010106)
+
+#define SUCCEEDED(result) (static_cast<HRESULT>(result) >= 0)
+#define FAILED(result) (static_cast<HRESULT>(result) < 0)
+
+constexpr HRESULT HRESULT_FROM_WIN32(DWORD error)
+{
+    return static_cast<HRESULT>(error) <= 0 ? static_cast<HRESULT>(error)
+                                            : static_cast<HRESULT>((error & 0xFFFFu) | 0x80070000u);
+}

@@ -1,0 +1,6 @@
+// winnls.h
+//
+// kernel32: code pages.
+#pragma once
+
+#include <winnt.h>

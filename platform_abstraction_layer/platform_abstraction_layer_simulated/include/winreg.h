@@ -1,0 +1,6 @@
+// winreg.h
+//
+// advapi32: the registry.
+#pragma once
+
+#include <winnt.h>

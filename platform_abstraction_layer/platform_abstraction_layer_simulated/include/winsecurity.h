@@ -1,0 +1,6 @@
+// winsecurity.h
+//
+// advapi32: accounts, security identifiers, tokens, security descriptors.
+#pragma once
+
+#include <winnt.h>

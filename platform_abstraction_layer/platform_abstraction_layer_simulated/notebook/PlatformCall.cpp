@@ -1,0 +1,136 @@
+// notebook/PlatformCall.cpp
+//
+// The entrance of the platform functions: observation, faults, last error, trace.
+
+#include "notebook/PlatformCall.h"
+
+#include "notebook/PlugInModule.h"
+#include "notebook/Text.h"
+#include "notebook/Trace.h"
+#include "notebook/TraceSink.h"
+
+#include <array>
+#include <cstdio>
+
+namespace simulated
+{
+
+namespace
+{
+
+constexpr std::array<const char*, static_cast<std::size_t>(CallClass::kCount)> kClassNames = {
+    "file",   "log",    "profile", "registry", "object", "thread", "memory", "module", "power",
+    "device", "driver", "account", "shell",    "text",   "com",    "window", "system"};
+
+// Long texts would drown the line; what is cut is seldom what the reader looks for.
+constexpr std::size_t kLongestText = 120;
+
+} // namespace
+
+const char* Name(CallClass callClass) noexcept
+{
+    return kClassNames[static_cast<std::size_t>(callClass)];
+}
+
+PlatformCall::PlatformCall(CallClass callClass, const char* function, const void* caller) noexcept
+    : m_class(callClass), m_function(function), m_observed(IsInPlugIn(caller)),
+      m_traced(m_observed && TraceSink::IsListening()),
+      m_fault(m_observed ? TraceSink::Enter(callClass, function) : ERROR_SUCCESS)
+{
+}
+
+PlatformCall::~PlatformCall() = default;
+
+void PlatformCall::AppendArgument(const std::string& text)
+{
+    if (!m_arguments.empty())
+    {
+        m_arguments += ", ";
+    }
+    m_arguments += text;
+}
+
+BOOL PlatformCall::FinishBoolean(DWORD error)
+{
+    if (error != ERROR_SUCCESS)
+    {
+        SetError(error);
+    }
+    Note(error == ERROR_SUCCESS, error == ERROR_SUCCESS ? "TRUE" : "FALSE", error);
+    return error == ERROR_SUCCESS ? TRUE : FALSE;
+}
+
+void PlatformCall::Note(bool succeeded, const std::string& answer, DWORD error)
+{
+    if (m_traced)
+    {
+        TraceSink::Add({m_class, m_function, m_arguments, answer, succeeded, error});
+    }
+}
+
+std::string PlatformCall::Describe(const wchar_t* text)
+{
+    // A resource or ordinal number travels in a text pointer.
+    if (reinterpret_cast<std::uintptr_t>(text) < 0x10000)
+    {
+        return text == nullptr ? "null" : Describe(reinterpret_cast<std::uintptr_t>(text));
+    }
+    std::string shown = ToUtf8(text);
+    if (shown.size() > kLongestText)
+    {
+        shown = shown.substr(0, kLongestText) + "...";
+    }
+    return '"' + shown + '"';
+}
+
+std::string PlatformCall::Describe(const char* text)
+{
+    if (reinterpret_cast<std::uintptr_t>(text) < 0x10000)
+    {
+        return text == nullptr ? "null" : Describe(reinterpret_cast<std::uintptr_t>(text));
+    }
+    return '"' + std::string(text).substr(0, kLongestText) + '"';
+}
+
+std::string PlatformCall::Describe(const void* pointer)
+{
+    if (pointer == nullptr)
+    {
+        return "null";
+    }
+    char text[24];
+    std::snprintf(text, sizeof text, "%p", pointer);
+    return text;
+}
+
+std::string PlatformCall::Describe(const GUID& guid)
+{
+    char text[40];
+    std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.Data1,
+                  guid.Data2, guid.Data3, guid.Data4[0], guid.Data4[1], guid.Data4[2], guid.Data4[3],
+                  guid.Data4[4], guid.Data4[5], guid.Data4[6], guid.Data4[7]);
+    return text;
+}
+
+std::string PlatformCall::Describe(long long number)
+{
+    return std::to_string(number);
+}
+
+std::string PlatformCall::Describe(unsigned long long number)
+{
+    if (number < 1024)
+    {
+        return std::to_string(number);
+    }
+    char text[24];
+    std::snprintf(text, sizeof text, "0x%llX", number);
+    return text;
+}
+
+std::string PlatformCall::Describe(double number)
+{
+    return std::to_string(number);
+}
+
+} // namespace simulated

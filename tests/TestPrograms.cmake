@@ -1,0 +1,25 @@
+# add_test_program(NAME SOURCES... [LIBRARIES ...] [LABELS ...])
+#
+# A test program of GoogleTest and one CTest entry that runs it whole. A skipped test fails the entry, unless
+# the program says why a skip is right by writing "allowed skip:" with the reason.
+
+set(GTEST_SOURCES /usr/src/googletest CACHE PATH "Where the sources of GoogleTest lie")
+if(NOT EXISTS ${GTEST_SOURCES}/CMakeLists.txt)
+  message(FATAL_ERROR "The sources of GoogleTest are missing in ${GTEST_SOURCES}: install the package libgtest-dev")
+endif()
+set(INSTALL_GTEST OFF)
+if(WIN32)
+  set(gtest_disable_pthreads ON)
+endif()
+add_subdirectory(${GTEST_SOURCES} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+
+function(add_test_program name)
+  cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "LIBRARIES;LABELS")
+  add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE project_flags ${ARG_LIBRARIES} gtest gmock gtest_main)
+  target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+  add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+  set_tests_properties(${name} PROPERTIES
+    FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\]"
+    LABELS "${ARG_LABELS}")
+endfunction()
