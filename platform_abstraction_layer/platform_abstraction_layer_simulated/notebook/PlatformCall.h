@@ -170,7 +170,7 @@ public:
     static std::string Describe(unsigned long long number);
     static std::string Describe(double number);
     template <class Number>
-        requires std::is_integral_v<Number>
+    requires std::is_integral_v<Number>
     static std::string Describe(Number number)
     {
         if constexpr (std::is_signed_v<Number>)

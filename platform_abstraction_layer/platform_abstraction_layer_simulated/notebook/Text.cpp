@@ -50,13 +50,15 @@ void AppendUtf8(std::string& target, unsigned point)
 // The code point at `place`, which moves behind it. A byte that begins no sequence stands for U+FFFD.
 unsigned NextPoint(std::string_view source, std::size_t& place)
 {
-    const auto byteAt = [source](std::size_t at) {
-        return at < source.size() ? static_cast<unsigned char>(source[at]) : 0u;
-    };
+    const auto byteAt = [source](std::size_t at)
+    { return at < source.size() ? static_cast<unsigned char>(source[at]) : 0u; };
     const unsigned lead = byteAt(place++);
-    const unsigned trailing = lead < 0x80 ? 0 : lead < 0xC2 ? 4 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2
-                                                                            : lead < 0xF5   ? 3
-                                                                                            : 4;
+    const unsigned trailing = lead < 0x80   ? 0
+                              : lead < 0xC2 ? 4
+                              : lead < 0xE0 ? 1
+                              : lead < 0xF0 ? 2
+                              : lead < 0xF5 ? 3
+                                            : 4;
     if (trailing == 0)
     {
         return lead;

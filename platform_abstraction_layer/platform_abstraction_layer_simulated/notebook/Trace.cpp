@@ -73,8 +73,8 @@ struct State
             }
             const unsigned long nth = std::strtoul(entry.c_str() + first + 1, nullptr, 10);
             const unsigned long error = std::strtoul(entry.c_str() + second + 1, nullptr, 10);
-            faults.push_back({entry.substr(0, first), static_cast<unsigned>(nth),
-                              static_cast<DWORD>(error), false, false});
+            faults.push_back({entry.substr(0, first), static_cast<unsigned>(nth), static_cast<DWORD>(error),
+                              false, false});
         }
     }
 };
@@ -200,7 +200,8 @@ bool Faults::AllHit()
 {
     State& state = TheState();
     const std::lock_guard lock(state.mutex);
-    return std::all_of(state.faults.begin(), state.faults.end(), [](const Fault& fault) { return fault.hit; });
+    return std::all_of(state.faults.begin(), state.faults.end(),
+                       [](const Fault& fault) { return fault.hit; });
 }
 
 void Leaks::Opened(const char* kind, const void* thing, const char* function)
