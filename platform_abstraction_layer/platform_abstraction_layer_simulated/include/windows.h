@@ -11,6 +11,7 @@
 
 #include <winbase.h>
 #include <winnls.h>
+#include <winpower.h>
 #include <winreg.h>
 #include <winsecurity.h>
 #include <winuser.h>
