@@ -1,0 +1,43 @@
+// agents/CpuAgent.h
+//
+// The processor's performance as a percentage of its top speed, reached by a bus ratio with its voltage and
+// by the duty cycle of the clock, through model-specific registers.
+#pragma once
+
+#include "foundation/OrvlBase.h"
+
+class ORVL_API CCpuAgent : public CORVLBase
+{
+public:
+    CCpuAgent() noexcept;
+    CCpuAgent(const CCpuAgent&) noexcept;
+    CCpuAgent& operator=(const CCpuAgent&) noexcept;
+
+    ULONG GetVersion() noexcept override;
+    ~CCpuAgent() override;
+
+    /// Opens the channel and reads the processor's range. 1, or 0 on failure.
+    int Initialize() noexcept;
+
+    /// The present percentage, or -1.
+    int GetEblLevel() noexcept;
+
+    /// Goes to the lowest speed that reaches `level`, 1 to 100, and gives the percentage reached, which may
+    /// stand above. -1 on failure, which can leave the ratio changed and the duty not, or only some cores.
+    /// The calling thread stays bound to the last core written.
+    int SetEblLevel(int level) noexcept;
+
+private:
+    ULONG GetCBRRange() noexcept;
+    int CalcVID(int cbr) noexcept;
+    int SetCBR(int cbr) noexcept;
+    int GetCBR() noexcept;
+    int GetModulation() noexcept;
+    int SetModulation(int duty) noexcept;
+
+    ULONG m_nMinCBR;
+    ULONG m_nMaxCBR;
+    ULONG m_nMinVID;
+    ULONG m_nMaxVID;
+    bool m_bInitialized;
+};

@@ -1,0 +1,64 @@
+// agents/LanAgent.h
+//
+// The network adapters as the operating system sees them, found by words in their description: the link
+// speed in the registry, the restart that makes it count, and the device state of wired and wireless.
+#pragma once
+
+#include "foundation/OrvlBase.h"
+#include "foundation/Text.h"
+
+/// `Initialize` comes before anything else. Failures are -1; the log says why. The first matching adapter
+/// counts, except for `SetLanSpeed`, which changes all.
+class ORVL_API CLanAgent : public CORVLBase
+{
+public:
+    CLanAgent() noexcept;
+    CLanAgent(const CLanAgent&) noexcept;
+    CLanAgent& operator=(const CLanAgent&) noexcept;
+
+    ULONG GetVersion() noexcept override;
+    ~CLanAgent() override;
+
+    /// Fills in the description words. Always 1.
+    int Initialize() noexcept;
+
+    /// Stores a speed level from 0 on for the next start of each wired adapter. The level when at least one
+    /// took it. A level above 5 is refused where the adapter has only the standard value, whose numbers are
+    /// known up to 5.
+    int SetLanSpeed(int level) noexcept;
+
+    /// The stored speed level of the first wired adapter that has one.
+    int GetLanSpeed() noexcept;
+
+    /// Restarts the first wired adapter. 1 when there is one, also when it didn't restart.
+    int ApplySettings() noexcept;
+
+    /// 1 enabled, 0 disabled, -1 unknown or failed.
+    int GetLANConnectStatus() noexcept;
+    int GetWLANConnectStatus() noexcept;
+
+    /// Enables (nonzero) or disables the adapter. 1 when done, -1 when that failed or had nothing to do.
+    int SetLANConnectStatus(int enable) noexcept;
+    int SetWLANConnectStatus(int enable) noexcept;
+
+    /// Clears the support status and gives 0.
+    ULONG CheckSupportStatus() noexcept;
+
+    /// The network has no levels: both give 0.
+    int GetEblLevel() noexcept;
+    int SetEblLevel(int level) noexcept;
+
+protected:
+    ULONG m_nSupportStatus;
+    wchar_t m_szLanDesc1[text::kPathCapacity];
+    wchar_t m_szLanDesc2[text::kPathCapacity];
+    wchar_t m_szWlanDesc1[text::kPathCapacity];
+    wchar_t m_szWlanDesc2[text::kPathCapacity];
+    wchar_t m_szSpeedValue[text::kPathCapacity];
+
+private:
+    bool IsWiredDescription(const wchar_t* description) const noexcept;
+    void NoteSpeedValue(const wchar_t* description) noexcept;
+    int StoreSpeed(HKEY adapter, int level) noexcept;
+    int LoadSpeed(HKEY adapter, int& level) noexcept;
+};
