@@ -1,0 +1,177 @@
+// notebook/WholeFile.cpp
+//
+// Whole files: read, replace by rename, lock.
+
+#include "notebook/WholeFile.h"
+
+#include "notebook/Text.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace simulated
+{
+
+namespace
+{
+
+constexpr std::string_view kHousekeepingBegin = ".~";
+constexpr std::string_view kLockEnd = ".lock";
+constexpr std::string_view kSideEnd = ".new";
+
+class Descriptor
+{
+public:
+    explicit Descriptor(int value) noexcept : m_value(value)
+    {
+    }
+    ~Descriptor()
+    {
+        if (m_value >= 0)
+        {
+            const int kept = errno;
+            close(m_value);
+            errno = kept;
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int Get() const noexcept
+    {
+        return m_value;
+    }
+
+private:
+    int m_value;
+};
+
+// "folder/name" becomes "folder/.~name.lock". The name is folded: spellings of one name share a lock.
+std::string Beside(const std::string& path, std::string_view end)
+{
+    const std::size_t slash = path.rfind('/');
+    const std::size_t nameBegin = slash == std::string::npos ? 0 : slash + 1;
+    std::string beside = path.substr(0, nameBegin);
+    beside += kHousekeepingBegin;
+    beside += FoldCase(std::string_view(path).substr(nameBegin));
+    beside += end;
+    return beside;
+}
+
+bool WriteAll(int file, std::string_view bytes)
+{
+    while (!bytes.empty())
+    {
+        const ssize_t written = write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR)
+        {
+            return false;
+        }
+        bytes.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+// Readers know a changed file by its times, and the file system's own clock is coarser than two writes.
+void StampExactly(int file)
+{
+    timespec now[2] = {};
+    clock_gettime(CLOCK_REALTIME, &now[0]);
+    now[1] = now[0];
+    futimens(file, now);
+}
+
+bool WriteSide(const std::string& side, std::string_view bytes, mode_t mode)
+{
+    const Descriptor file(open(side.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode));
+    if (file.Get() < 0 || !WriteAll(file.Get(), bytes))
+    {
+        return false;
+    }
+    StampExactly(file.Get());
+    return true;
+}
+
+} // namespace
+
+std::optional<std::string> ReadWhole(const std::string& path)
+{
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    struct stat status = {};
+    if (file.Get() < 0 || fstat(file.Get(), &status) != 0)
+    {
+        return std::nullopt;
+    }
+    if (!S_ISREG(status.st_mode))
+    {
+        errno = EISDIR;
+        return std::nullopt;
+    }
+    std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
+    std::size_t filled = 0;
+    while (filled < bytes.size())
+    {
+        const ssize_t got = read(file.Get(), bytes.data() + filled, bytes.size() - filled);
+        if (got < 0 && errno != EINTR)
+        {
+            return std::nullopt;
+        }
+        if (got == 0)
+        {
+            break;
+        }
+        filled += got < 0 ? 0 : static_cast<std::size_t>(got);
+    }
+    bytes.resize(filled);
+    return bytes;
+}
+
+bool WriteWhole(const std::string& path, std::string_view bytes)
+{
+    struct stat status = {};
+    const mode_t mode = stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0666;
+    const std::string side = Beside(path, kSideEnd);
+    if (!WriteSide(side, bytes, mode) || std::rename(side.c_str(), path.c_str()) != 0)
+    {
+        const int kept = errno;
+        unlink(side.c_str());
+        errno = kept;
+        return false;
+    }
+    return true;
+}
+
+FileLock::FileLock(const std::string& path)
+    : m_descriptor(open(Beside(path, kLockEnd).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666))
+{
+    while (m_descriptor >= 0 && flock(m_descriptor, LOCK_EX) != 0)
+    {
+        if (errno != EINTR)
+        {
+            const int kept = errno;
+            close(m_descriptor);
+            errno = kept;
+            m_descriptor = -1;
+        }
+    }
+}
+
+FileLock::~FileLock()
+{
+    if (m_descriptor >= 0)
+    {
+        close(m_descriptor);
+    }
+}
+
+bool IsHousekeepingName(std::string_view name) noexcept
+{
+    return name.starts_with(kHousekeepingBegin) && (name.ends_with(kLockEnd) || name.ends_with(kSideEnd));
+}
+
+} // namespace simulated

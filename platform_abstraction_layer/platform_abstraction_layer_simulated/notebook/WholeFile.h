@@ -1,0 +1,48 @@
+// notebook/WholeFile.h
+//
+// Files of the host that are read whole and replaced whole, and the locks that keep writers apart. Paths are
+// the host's.
+#pragma once
+
+#include <windef.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace simulated
+{
+
+/// The content of a file, or nothing when it can't be opened or read (`errno` says why).
+std::optional<std::string> ReadWhole(const std::string& path);
+
+/// Replaces a file or makes it: the bytes are written to a file beside it, which then takes its name, so that
+/// a reader or a crash meets the old content or the new. The mode of an existing file is kept. False, with
+/// `errno` set, when that can't be done. Writers of one file must hold its `FileLock`.
+bool WriteWhole(const std::string& path, std::string_view bytes);
+
+/// The lock of a file's writers: a file of its own beside it, since the one that is written gives way to
+/// another. Excludes threads as well as processes, and ends with its holder, killed or not.
+class FileLock
+{
+public:
+    /// Waits for the lock of the file at `path`, which needn't exist; its folder must.
+    explicit FileLock(const std::string& path);
+    ~FileLock();
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+    /// False when the lock file can't be made; `errno` says why.
+    bool IsHeld() const noexcept
+    {
+        return m_descriptor >= 0;
+    }
+
+private:
+    int m_descriptor;
+};
+
+/// True for the names of lock files and of files that are being written, which are no part of the machine.
+bool IsHousekeepingName(std::string_view name) noexcept;
+
+} // namespace simulated
