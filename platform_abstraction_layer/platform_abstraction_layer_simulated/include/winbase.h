@@ -1,11 +1,190 @@
 // winbase.h
 //
-// kernel32: files, kernel objects, threads, modules, memory, time.
+// kernel32: kernel objects, waits, threads, modules, memory, time, devices. Files and profile functions stand
+// in headers of their own, which this one brings along.
 #pragma once
 
 #include <winnt.h>
 
 #define INVALID_HANDLE_VALUE (reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(-1)))
 
+#define INFINITE 0xFFFFFFFFU
+#define WAIT_OBJECT_0 0x00000000U
+#define WAIT_ABANDONED 0x00000080U
+#define WAIT_TIMEOUT 258U
+#define WAIT_FAILED 0xFFFFFFFFU
+#define MAXIMUM_WAIT_OBJECTS 64
+
 SIM_API DWORD WINAPI GetLastError();
 SIM_API void WINAPI SetLastError(DWORD error);
+
+// Handles
+
+struct SECURITY_ATTRIBUTES
+{
+    DWORD nLength;
+    LPVOID lpSecurityDescriptor;
+    BOOL bInheritHandle;
+};
+static_assert(sizeof(void*) != 4 || sizeof(SECURITY_ATTRIBUTES) == 12);
+using PSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
+using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
+
+/// Natively all synchronous; a call that names one of these is refused.
+struct OVERLAPPED
+{
+    ULONG_PTR Internal;
+    ULONG_PTR InternalHigh;
+    DWORD Offset;
+    DWORD OffsetHigh;
+    HANDLE hEvent;
+};
+static_assert(sizeof(void*) != 4 || sizeof(OVERLAPPED) == 20);
+using LPOVERLAPPED = OVERLAPPED*;
+
+SIM_API BOOL WINAPI CloseHandle(HANDLE handle);
+
+// Events, semaphores, waits
+
+SIM_API HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES attributes, BOOL manualReset, BOOL initialState,
+                                   LPCWSTR name);
+SIM_API HANDLE WINAPI OpenEventW(DWORD access, BOOL inherit, LPCWSTR name);
+SIM_API BOOL WINAPI SetEvent(HANDLE event);
+SIM_API BOOL WINAPI ResetEvent(HANDLE event);
+
+SIM_API HANDLE WINAPI CreateSemaphoreW(LPSECURITY_ATTRIBUTES attributes, LONG initialCount, LONG maximumCount,
+                                       LPCWSTR name);
+SIM_API HANDLE WINAPI OpenSemaphoreW(DWORD access, BOOL inherit, LPCWSTR name);
+SIM_API BOOL WINAPI ReleaseSemaphore(HANDLE semaphore, LONG releaseCount, LPLONG previousCount);
+
+SIM_API DWORD WINAPI WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+SIM_API DWORD WINAPI WaitForMultipleObjects(DWORD count, const HANDLE* handles, BOOL waitAll,
+                                            DWORD milliseconds);
+
+// File mappings. Only those backed by the page file exist natively.
+
+#define FILE_MAP_COPY 0x0001
+#define FILE_MAP_WRITE SECTION_MAP_WRITE
+#define FILE_MAP_READ SECTION_MAP_READ
+#define FILE_MAP_ALL_ACCESS SECTION_ALL_ACCESS
+
+SIM_API HANDLE WINAPI CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES attributes, DWORD protection,
+                                         DWORD maximumSizeHigh, DWORD maximumSizeLow, LPCWSTR name);
+SIM_API HANDLE WINAPI OpenFileMappingW(DWORD access, BOOL inherit, LPCWSTR name);
+SIM_API LPVOID WINAPI MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh, DWORD offsetLow,
+                                    SIZE_T size);
+SIM_API BOOL WINAPI UnmapViewOfFile(LPCVOID view);
+
+// Threads and processes
+
+#define STILL_ACTIVE 259U
+#define CREATE_SUSPENDED 0x00000004
+#define STACK_SIZE_PARAM_IS_A_RESERVATION 0x00010000
+
+using PTHREAD_START_ROUTINE = DWORD(WINAPI*)(LPVOID);
+using LPTHREAD_START_ROUTINE = PTHREAD_START_ROUTINE;
+
+SIM_API HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES attributes, SIZE_T stackSize,
+                                   LPTHREAD_START_ROUTINE start, LPVOID parameter, DWORD flags,
+                                   LPDWORD threadId);
+SIM_API __attribute__((noreturn)) void WINAPI ExitThread(DWORD exitCode);
+SIM_API __attribute__((noreturn)) void WINAPI FreeLibraryAndExitThread(HMODULE module, DWORD exitCode);
+SIM_API BOOL WINAPI GetExitCodeThread(HANDLE thread, LPDWORD exitCode);
+SIM_API HANDLE WINAPI GetCurrentThread();
+SIM_API DWORD WINAPI GetCurrentThreadId();
+SIM_API HANDLE WINAPI GetCurrentProcess();
+SIM_API DWORD WINAPI GetCurrentProcessId();
+SIM_API DWORD_PTR WINAPI SetThreadAffinityMask(HANDLE thread, DWORD_PTR mask);
+SIM_API BOOL WINAPI GetProcessAffinityMask(HANDLE process, PDWORD_PTR processMask, PDWORD_PTR systemMask);
+
+// Critical sections. The fields are the system's own business.
+
+struct RTL_CRITICAL_SECTION
+{
+    alignas(void*) BYTE opaque[8 + 4 * sizeof(void*)];
+};
+static_assert(sizeof(void*) != 4 || sizeof(RTL_CRITICAL_SECTION) == 24);
+using CRITICAL_SECTION = RTL_CRITICAL_SECTION;
+using PCRITICAL_SECTION = CRITICAL_SECTION*;
+using LPCRITICAL_SECTION = CRITICAL_SECTION*;
+
+SIM_API void WINAPI InitializeCriticalSection(LPCRITICAL_SECTION section);
+SIM_API void WINAPI EnterCriticalSection(LPCRITICAL_SECTION section);
+SIM_API BOOL WINAPI TryEnterCriticalSection(LPCRITICAL_SECTION section);
+SIM_API void WINAPI LeaveCriticalSection(LPCRITICAL_SECTION section);
+SIM_API void WINAPI DeleteCriticalSection(LPCRITICAL_SECTION section);
+
+// Interlocked operations; each is a full barrier, as on Windows.
+
+inline LONG InterlockedExchange(LONG volatile* target, LONG value) noexcept
+{
+    return __atomic_exchange_n(target, value, __ATOMIC_SEQ_CST);
+}
+inline LONG InterlockedCompareExchange(LONG volatile* target, LONG exchange, LONG comparand) noexcept
+{
+    __atomic_compare_exchange_n(target, &comparand, exchange, false, __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
+    return comparand;
+}
+inline LONG InterlockedExchangeAdd(LONG volatile* target, LONG value) noexcept
+{
+    return __atomic_fetch_add(target, value, __ATOMIC_SEQ_CST);
+}
+inline LONG InterlockedIncrement(LONG volatile* target) noexcept
+{
+    return __atomic_add_fetch(target, 1, __ATOMIC_SEQ_CST);
+}
+inline LONG InterlockedDecrement(LONG volatile* target) noexcept
+{
+    return __atomic_sub_fetch(target, 1, __ATOMIC_SEQ_CST);
+}
+inline PVOID InterlockedExchangePointer(PVOID volatile* target, PVOID value) noexcept
+{
+    return __atomic_exchange_n(target, value, __ATOMIC_SEQ_CST);
+}
+inline PVOID InterlockedCompareExchangePointer(PVOID volatile* target, PVOID exchange,
+                                               PVOID comparand) noexcept
+{
+    __atomic_compare_exchange_n(target, &comparand, exchange, false, __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
+    return comparand;
+}
+
+// Modules
+
+#define GET_MODULE_HANDLE_EX_FLAG_PIN 0x00000001
+#define GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT 0x00000002
+#define GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS 0x00000004
+
+SIM_API HMODULE WINAPI LoadLibraryW(LPCWSTR name);
+SIM_API BOOL WINAPI FreeLibrary(HMODULE module);
+SIM_API FARPROC WINAPI GetProcAddress(HMODULE module, LPCSTR nameOrOrdinal);
+SIM_API HMODULE WINAPI GetModuleHandleW(LPCWSTR name);
+SIM_API BOOL WINAPI GetModuleHandleExW(DWORD flags, LPCWSTR nameOrAddress, HMODULE* module);
+SIM_API DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size);
+
+// Memory
+
+#define HEAP_ZERO_MEMORY 0x00000008
+#define LMEM_FIXED 0x0000
+#define LMEM_ZEROINIT 0x0040
+#define LPTR (LMEM_FIXED | LMEM_ZEROINIT)
+
+SIM_API HANDLE WINAPI GetProcessHeap();
+SIM_API LPVOID WINAPI HeapAlloc(HANDLE heap, DWORD flags, SIZE_T size);
+SIM_API BOOL WINAPI HeapFree(HANDLE heap, DWORD flags, LPVOID block);
+SIM_API HLOCAL WINAPI LocalAlloc(UINT flags, SIZE_T size);
+SIM_API HLOCAL WINAPI LocalFree(HLOCAL block);
+
+// Time, the debugger channel, devices
+
+SIM_API void WINAPI Sleep(DWORD milliseconds);
+SIM_API DWORD WINAPI GetTickCount();
+
+SIM_API void WINAPI OutputDebugStringW(LPCWSTR text);
+SIM_API void WINAPI OutputDebugStringA(LPCSTR text);
+
+SIM_API BOOL WINAPI DeviceIoControl(HANDLE device, DWORD controlCode, LPVOID input, DWORD inputSize,
+                                    LPVOID output, DWORD outputSize, LPDWORD returned,
+                                    LPOVERLAPPED overlapped);
+
+#include <fileapi.h>
+#include <profileapi.h>

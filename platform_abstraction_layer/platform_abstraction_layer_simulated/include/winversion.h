@@ -4,3 +4,44 @@
 #pragma once
 
 #include <winnt.h>
+
+#define VER_PLATFORM_WIN32_NT 2
+#define VER_NT_WORKSTATION 0x01
+#define VER_SUITE_SINGLEUSERTS 0x0100
+
+struct OSVERSIONINFOW
+{
+    DWORD dwOSVersionInfoSize; ///< offset 0
+    DWORD dwMajorVersion;      ///< offset 4
+    DWORD dwMinorVersion;      ///< offset 8
+    DWORD dwBuildNumber;       ///< offset 12
+    DWORD dwPlatformId;        ///< offset 16
+    WCHAR szCSDVersion[128];   ///< offset 20: the service pack, "Service Pack 3"
+};
+static_assert(sizeof(OSVERSIONINFOW) == 276);
+using LPOSVERSIONINFOW = OSVERSIONINFOW*;
+
+/// The longer form; its first 276 bytes are an `OSVERSIONINFOW`.
+struct OSVERSIONINFOEXW
+{
+    DWORD dwOSVersionInfoSize;
+    DWORD dwMajorVersion;
+    DWORD dwMinorVersion;
+    DWORD dwBuildNumber;
+    DWORD dwPlatformId;
+    WCHAR szCSDVersion[128];
+    WORD wServicePackMajor; ///< offset 276
+    WORD wServicePackMinor; ///< offset 278
+    WORD wSuiteMask;        ///< offset 280
+    BYTE wProductType;      ///< offset 282
+    BYTE wReserved;         ///< offset 283
+};
+static_assert(sizeof(OSVERSIONINFOEXW) == 284);
+using LPOSVERSIONINFOEXW = OSVERSIONINFOEXW*;
+
+/// Major version in the low byte, minor version in the next, build number in the high word.
+SIM_API DWORD WINAPI GetVersion();
+
+/// Fills what `dwOSVersionInfoSize` has room for: 276 bytes or 284. Other sizes are refused with
+/// ERROR_INSUFFICIENT_BUFFER.
+SIM_API BOOL WINAPI GetVersionExW(LPOSVERSIONINFOW information);
