@@ -10,6 +10,7 @@
 #include <winnt.h>
 
 #include <winbase.h>
+#include <processenv.h>
 #include <winnls.h>
 #include <winpower.h>
 #include <winreg.h>

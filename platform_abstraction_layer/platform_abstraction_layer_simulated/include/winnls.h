@@ -1,6 +1,29 @@
 // winnls.h
 //
-// kernel32: code pages.
+// kernel32: code pages, and the comparison of text.
 #pragma once
 
 #include <winnt.h>
+
+#define CP_ACP 0
+#define CP_UTF8 65001
+
+#define MB_PRECOMPOSED 0x00000001
+#define MB_ERR_INVALID_CHARS 0x00000008
+#define WC_NO_BEST_FIT_CHARS 0x00000400
+
+/// The number of the machine's ANSI code page.
+SIM_API UINT WINAPI GetACP();
+
+/// Lengths are in units of the respective text; a source length of -1 stands for a terminated text and
+/// includes the terminator, a target length of 0 asks for the length that is needed. Knows CP_ACP, 1252 and
+/// CP_UTF8.
+SIM_API int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH source, int sourceLength,
+                                       LPWSTR target, int targetLength);
+SIM_API int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH source, int sourceLength,
+                                       LPSTR target, int targetLength, LPCCH defaultChar,
+                                       LPBOOL usedDefaultChar);
+
+SIM_API int WINAPI lstrlenW(LPCWSTR text);
+SIM_API int WINAPI lstrcmpW(LPCWSTR left, LPCWSTR right);
+SIM_API int WINAPI lstrcmpiW(LPCWSTR left, LPCWSTR right);
