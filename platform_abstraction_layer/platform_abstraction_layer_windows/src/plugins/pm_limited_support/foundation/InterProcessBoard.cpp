@@ -1,0 +1,266 @@
+// foundation/InterProcessBoard.cpp
+//
+// The three kernel objects of a board and the copies in and out of its memory.
+
+#include "foundation/InterProcessBoard.h"
+
+#include "foundation/Owners.h"
+#include "foundation/Results.h"
+#include "foundation/Text.h"
+
+#include <cstring>
+#include <iterator>
+#include <limits>
+
+namespace
+{
+
+constexpr DWORD kWholeObject = 0x1F0003;
+constexpr DWORD kWholeMapping = 0xF001F;
+constexpr LONG kHighestCount = 0x7FFFFFFF;
+constexpr DWORD kLockTimeOut = 1000;
+
+// What `ConstructName` wants beside the two strings.
+constexpr std::size_t kNameOverhead = 10;
+
+void ReportLastError(const wchar_t* format) noexcept
+{
+    wchar_t message[256];
+    text::Format(message, format, GetLastError());
+    OutputDebugStringW(message);
+}
+
+// Security attributes that grant everybody access to what is created with them, and let it be inherited.
+class OpenToAll
+{
+public:
+    /// False when the system refuses; it has been reported then.
+    bool Prepare() noexcept
+    {
+        if (!InitializeSecurityDescriptor(&m_descriptor, SECURITY_DESCRIPTOR_REVISION))
+        {
+            ReportLastError(L"Cannot InitializeSecurityDescriptor for 0x%x");
+            return false;
+        }
+        if (!SetSecurityDescriptorDacl(&m_descriptor, TRUE, nullptr, FALSE))
+        {
+            ReportLastError(L"Cannot SetSecurityDescriptorDacl for 0x%x");
+            return false;
+        }
+        m_attributes.nLength = sizeof m_attributes;
+        m_attributes.lpSecurityDescriptor = &m_descriptor;
+        m_attributes.bInheritHandle = TRUE;
+        return true;
+    }
+
+    SECURITY_ATTRIBUTES* Get() noexcept
+    {
+        return &m_attributes;
+    }
+
+private:
+    SECURITY_DESCRIPTOR m_descriptor{};
+    SECURITY_ATTRIBUTES m_attributes{};
+};
+
+bool IsRange(LONG offset, LONG size) noexcept
+{
+    return offset >= 0 && size >= 0 && offset <= std::numeric_limits<LONG>::max() - size;
+}
+
+// Maps the mapping's first bytes up to the end of the range and lets `access` at the range. False when they
+// can't be mapped; the view is gone afterwards either way.
+template <class Access>
+bool OnRange(HANDLE map, LONG offset, LONG size, Access access) noexcept
+{
+    const auto begin = static_cast<SIZE_T>(offset);
+    const owners::View view(MapViewOfFile(map, kWholeMapping, 0, 0, begin + static_cast<SIZE_T>(size)));
+    if (!view)
+    {
+        return false;
+    }
+    access(static_cast<char*>(view.Get()) + begin);
+    return true;
+}
+
+} // namespace
+
+CInterProcessBoard::CInterProcessBoard() noexcept : m_hEvent(nullptr), m_hSemaphore(nullptr), m_hMap(nullptr)
+{
+}
+CInterProcessBoard::CInterProcessBoard(const CInterProcessBoard&) noexcept = default;
+CInterProcessBoard& CInterProcessBoard::operator=(const CInterProcessBoard&) noexcept = default;
+
+CInterProcessBoard::~CInterProcessBoard()
+{
+    CloseObjects();
+}
+
+LONG CInterProcessBoard::CloseObjects() noexcept
+{
+    for (HANDLE* const object : {&m_hEvent, &m_hMap, &m_hSemaphore})
+    {
+        if (*object != nullptr)
+        {
+            CloseHandle(*object);
+            *object = nullptr;
+        }
+    }
+    return kSucceeded;
+}
+
+LONG CInterProcessBoard::Reset(const wchar_t* name, LONG size, int create, ULONG instance) noexcept
+{
+    if (m_hEvent != nullptr)
+    {
+        CloseObjects();
+    }
+
+    wchar_t eventName[text::kPathCapacity];
+    wchar_t mapName[text::kPathCapacity];
+    wchar_t semaphoreName[text::kPathCapacity];
+    constexpr auto kCapacity = static_cast<int>(text::kPathCapacity);
+    if (ConstructName(L"IPB_Event", name, eventName, kCapacity, instance) == 0 ||
+        ConstructName(L"IPB_Map", name, mapName, kCapacity, instance) == 0 ||
+        ConstructName(L"IPB_Semaphore", name, semaphoreName, kCapacity, instance) == 0)
+    {
+        return kGeneralFailure;
+    }
+
+    if (create != 0)
+    {
+        OpenToAll security;
+        if (size < 0 || !security.Prepare())
+        {
+            return kGeneralFailure;
+        }
+        m_hEvent = CreateEventW(security.Get(), TRUE, FALSE, eventName);
+        m_hMap = CreateFileMappingW(INVALID_HANDLE_VALUE, security.Get(), PAGE_READWRITE, 0,
+                                    static_cast<DWORD>(size), mapName);
+        m_hSemaphore = CreateSemaphoreW(security.Get(), 1, kHighestCount, semaphoreName);
+    }
+    else
+    {
+        m_hEvent = OpenEventW(kWholeObject, FALSE, eventName);
+        m_hMap = OpenFileMappingW(kWholeMapping, FALSE, mapName);
+        m_hSemaphore = OpenSemaphoreW(kWholeObject, FALSE, semaphoreName);
+    }
+    if (m_hEvent != nullptr && m_hMap != nullptr && m_hSemaphore != nullptr)
+    {
+        return kSucceeded;
+    }
+    ReportLastError(L"Cannot Reset for 0x%x");
+    CloseObjects();
+    return kGeneralFailure;
+}
+
+LONG CInterProcessBoard::Paste(LONG offset, void* data, LONG size) noexcept
+{
+    if (!IsRange(offset, size) || IsLocked() != 0 || Lock(kLockTimeOut) != kSucceeded)
+    {
+        return kGeneralFailure;
+    }
+    const bool copied =
+        OnRange(m_hMap, offset, size,
+                [&](void* place)
+                {
+                    const auto bytes = static_cast<std::size_t>(size);
+                    data != nullptr ? std::memcpy(place, data, bytes) : std::memset(place, 0, bytes);
+                });
+    if (!copied)
+    {
+        ReportLastError(
+            L"Failed in calling MapViewOfFile in CInterProcessBoard::Paste() with last Error %x.\n");
+    }
+    UnLock();
+    return copied ? kSucceeded : kGeneralFailure;
+}
+
+LONG CInterProcessBoard::Read(LONG offset, void* data, LONG size) noexcept
+{
+    if (data == nullptr || !IsRange(offset, size) || IsLocked() != 0 || Lock(kLockTimeOut) != kSucceeded)
+    {
+        return kGeneralFailure;
+    }
+    const bool copied =
+        OnRange(m_hMap, offset, size,
+                [&](const void* place) { std::memcpy(data, place, static_cast<std::size_t>(size)); });
+    if (!copied)
+    {
+        OutputDebugStringW(L"Failed in calling MapViewOfFile in CInterProcessBoard::Read().\r\n");
+    }
+    UnLock();
+    return copied ? kSucceeded : kGeneralFailure;
+}
+
+LONG CInterProcessBoard::Clear(LONG offset, LONG size) noexcept
+{
+    return Paste(offset, nullptr, size);
+}
+
+LONG CInterProcessBoard::Lock(LONG timeout) noexcept
+{
+    if (WaitForSingleObject(m_hSemaphore, static_cast<DWORD>(timeout)) != WAIT_OBJECT_0)
+    {
+        OutputDebugStringW(L"Fatal,CInterProcessBoard::Lock failed.\r\n");
+        return kGeneralFailure;
+    }
+    return kSucceeded;
+}
+
+LONG CInterProcessBoard::UnLock() noexcept
+{
+    if (!ReleaseSemaphore(m_hSemaphore, 1, nullptr))
+    {
+        OutputDebugStringW(L"Fatal,calling ReleaseSemaphore in CInterProcessBoard::UnLock failed.\r\n");
+        return kGeneralFailure;
+    }
+    return kSucceeded;
+}
+
+int CInterProcessBoard::IsLocked() noexcept
+{
+    // Raising the count shows what it was. What wasn't raised mustn't be taken back: that would keep the
+    // lock.
+    LONG previous = 0;
+    if (!ReleaseSemaphore(m_hSemaphore, 1, &previous))
+    {
+        return 1;
+    }
+    WaitForSingleObject(m_hSemaphore, kLockTimeOut);
+    return previous <= 0 ? 1 : 0;
+}
+
+int CInterProcessBoard::IsDataAvailble(ULONG timeout) noexcept
+{
+    return WaitForSingleObject(m_hEvent, timeout) == WAIT_OBJECT_0 ? 1 : 0;
+}
+
+int CInterProcessBoard::Flag(int reset) noexcept
+{
+    return reset != 0 ? ResetEvent(m_hEvent) : SetEvent(m_hEvent);
+}
+
+int CInterProcessBoard::ConstructName(const wchar_t* kind, const wchar_t* name, wchar_t* buffer, int size,
+                                      ULONG instance) noexcept
+{
+    if (kind == nullptr || name == nullptr || buffer == nullptr || size <= 0)
+    {
+        return 0;
+    }
+    wchar_t built[text::kPathCapacity];
+    const std::size_t needed = text::Length(kind) + text::Length(name) + kNameOverhead;
+    const auto room = static_cast<std::size_t>(size) - 1;
+    if (needed > room || needed >= std::size(built))
+    {
+        return 0;
+    }
+    // The overhead doesn't cover an instance number of many digits, so the text is tested as well.
+    const std::size_t length = text::Format(built, L"Global\\%s%s%d", kind, name, instance);
+    if (length > room || length + 1 == std::size(built))
+    {
+        return 0;
+    }
+    text::Copy(buffer, static_cast<std::size_t>(size), built);
+    return 1;
+}

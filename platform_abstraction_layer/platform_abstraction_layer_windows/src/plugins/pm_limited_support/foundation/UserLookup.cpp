@@ -1,0 +1,98 @@
+// foundation/UserLookup.cpp
+//
+// The lookup by account name: account database, SID, loaded hive, local application data folder.
+
+#include "foundation/UserLookup.h"
+
+#include "foundation/Owners.h"
+#include "foundation/PmLog.h"
+#include "foundation/Registry.h"
+#include "foundation/SystemFolders.h"
+#include "foundation/Text.h"
+
+#include <sddl.h>
+
+#include <iterator>
+
+namespace
+{
+
+constexpr std::size_t kSidSize = 100;
+constexpr std::size_t kDomainCapacity = 100;
+constexpr const wchar_t* kShellFolders =
+    L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
+
+// The account's SID as text; empty, with the reason logged, when there is no such account.
+owners::LocalBlock FindSid(const wchar_t* userName) noexcept
+{
+    alignas(DWORD) BYTE sid[kSidSize];
+    DWORD sidSize = sizeof sid;
+    wchar_t domain[kDomainCapacity];
+    auto domainSize = static_cast<DWORD>(std::size(domain));
+    SID_NAME_USE use{};
+    if (!LookupAccountNameW(nullptr, userName, sid, &sidSize, domain, &domainSize, &use))
+    {
+        PmLog(L"Get SID failed %d in LookupAcountName ", GetLastError());
+        return {};
+    }
+    LPWSTR sidText = nullptr;
+    if (!ConvertSidToStringSidW(sid, &sidText))
+    {
+        PmLog(L"Convert SID to str failed %d", GetLastError());
+        return {};
+    }
+    return owners::LocalBlock(sidText);
+}
+
+// Reads the user's local application data folder. False, with the reason logged, when his hive isn't loaded
+// or lacks it.
+bool ReadLocalAppData(const wchar_t* keyName, wchar_t (&folder)[text::kPathCapacity]) noexcept
+{
+    owners::Key key;
+    LSTATUS status = RegOpenKeyExW(HKEY_USERS, keyName, 0, KEY_READ, key.Receive());
+    if (status != ERROR_SUCCESS)
+    {
+        PmLog(L"GetCurrentUserSubkeyProfilePath: open shell folder key %s failed %d", keyName, status);
+        return false;
+    }
+    status = registry::ReadText(key.Get(), L"Local AppData", folder);
+    if (status != ERROR_SUCCESS)
+    {
+        PmLog(L"GetCurrentUserSubkeyProfilePath: query local settings folder failed at %d.", status);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+int GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t* subKey, wchar_t* profilePath) noexcept
+{
+    PmLog(L"enter GetCurrentUserSubkeyProfilePath, %s=userID", userName);
+    owners::LocalBlock sid = FindSid(userName);
+    if (!sid)
+    {
+        return 0;
+    }
+    text::Copy(subKey, text::kPathCapacity, static_cast<const wchar_t*>(sid.Get()));
+    PmLog(L"Get subkey is %s", subKey);
+    wchar_t keyName[text::kPathCapacity];
+    text::Format(keyName, L"%s\\%s", subKey, kShellFolders);
+    PmLog(L"Get shell folder subkey is %s", keyName);
+    sid.Reset();
+
+    wchar_t folder[text::kPathCapacity];
+    if (!ReadLocalAppData(keyName, folder))
+    {
+        return 0;
+    }
+    if (folder[0] == L'\0')
+    {
+        return 1;
+    }
+    text::AppendSeparator(folder, std::size(folder));
+    text::Append(folder, folders::kConfigurationFolder);
+    text::Copy(profilePath, text::kPathCapacity, folder);
+    PmLog(L"get profile path %s", profilePath);
+    return 1;
+}
