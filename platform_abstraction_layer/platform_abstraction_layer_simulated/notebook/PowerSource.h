@@ -1,0 +1,50 @@
+// notebook/PowerSource.h
+//
+// The hands of tests and tools on the notebook's power: mains, charge, hibernation. The operations keep what
+// the different functions answer in agreement; `Set` makes any answer, also one that no real machine gives.
+#pragma once
+
+#include <windows.h>
+
+namespace simulated
+{
+
+/// Everything that the machine answers about its power.
+struct PowerAnswers
+{
+    SYSTEM_POWER_STATUS status;
+    SYSTEM_BATTERY_STATE battery;
+    bool hibernateAllowed;
+};
+
+class PowerSource
+{
+public:
+    /// The present answers. All zeros when the machine has none.
+    static PowerAnswers Get();
+
+    /// Replaces all answers; false when they can't be stored.
+    static bool Set(const PowerAnswers& answers);
+
+    /// Mains on or off. With a battery that isn't full the charge begins, without mains the discharge.
+    static bool Plug();
+    static bool Unplug();
+
+    /// The battery's charge in percent, 0 to 100.
+    static bool SetCharge(unsigned percent);
+
+    /// What the battery takes or gives from now on, in mW; 0 makes neither charging nor discharging known to
+    /// be under way at any speed.
+    static bool SetRate(DWORD milliwatts);
+
+    /// The full capacity and the remaining one, in mWh.
+    static bool SetCapacity(DWORD full, DWORD remaining);
+
+    /// Takes the battery out, or puts a full one in.
+    static bool RemoveBattery();
+    static bool InsertBattery();
+
+    static bool AllowHibernate(bool allowed);
+};
+
+} // namespace simulated
