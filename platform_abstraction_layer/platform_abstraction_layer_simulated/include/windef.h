@@ -126,6 +126,14 @@ union LARGE_INTEGER
     LONGLONG QuadPart;
 };
 
+/// Tenths of microseconds since the year 1601.
+struct FILETIME
+{
+    DWORD dwLowDateTime;
+    DWORD dwHighDateTime;
+};
+using PFILETIME = FILETIME*;
+
 struct GUID
 {
     DWORD Data1;
