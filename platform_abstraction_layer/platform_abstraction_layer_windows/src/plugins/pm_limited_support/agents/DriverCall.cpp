@@ -1,0 +1,36 @@
+// agents/DriverCall.cpp
+//
+// Sizes a request and hands it to the channel.
+
+#include "agents/DriverCall.h"
+
+#include "agents/OrvlDrvMgr.h"
+
+LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD dataLength,
+                DWORD& returned) noexcept
+{
+    const DriverControl& control = kDriverControls[static_cast<std::size_t>(function)];
+    returned = 0;
+    // The channel has the shape of the system call, which takes its input as writable.
+    return OrvlDrvIoControl(ControlCode(function), const_cast<void*>(input),
+                            control.inputSize + (control.inputCarriesData ? dataLength : 0), output,
+                            control.outputSize + (control.outputCarriesData ? dataLength : 0), &returned,
+                            nullptr);
+}
+
+LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD dataLength) noexcept
+{
+    DWORD returned = 0;
+    return CallDriver(function, input, output, dataLength, returned);
+}
+
+LONG ReadMsrRecord(ULONG index, MsrRecord& record) noexcept
+{
+    record = {};
+    return CallDriver(DriverFunction::ReadMsr, &index, &record, 0);
+}
+
+LONG WriteMsrRecord(const MsrRecord& record) noexcept
+{
+    return CallDriver(DriverFunction::WriteMsr, &record, nullptr, 0);
+}

@@ -1,0 +1,21 @@
+// agents/DriverCall.h
+//
+// One request to the driver, sized by the table of its I/O controls.
+#pragma once
+
+#include "agents/DriverRecords.h"
+
+/// Sends `function` over the channel and gives its result code. `dataLength` is the number of data bytes in
+/// the message that carries data, input or output; `output` is null where the control has none. `returned`
+/// gets the number of bytes that the driver gave.
+LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD dataLength,
+                DWORD& returned) noexcept;
+
+/// The same for a caller whom the number of bytes doesn't concern.
+LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD dataLength) noexcept;
+
+/// Reads a model-specific register.
+LONG ReadMsrRecord(ULONG index, MsrRecord& record) noexcept;
+
+/// Writes the register that the record names, on the core that the caller runs on.
+LONG WriteMsrRecord(const MsrRecord& record) noexcept;
