@@ -57,8 +57,11 @@ protected:
     wchar_t m_szSpeedValue[text::kPathCapacity];
 
 private:
-    bool IsWiredDescription(const wchar_t* description) const noexcept;
-    void NoteSpeedValue(const wchar_t* description) noexcept;
-    int StoreSpeed(HKEY adapter, int level) noexcept;
-    int LoadSpeed(HKEY adapter, int& level) noexcept;
+    struct Network;
+
+    int ConnectStatus(const Network& network) noexcept;
+    int SetConnectStatus(const Network& network, int enable) noexcept;
+    bool TakesSpeedFrom(HKEY adapter) noexcept;
+    bool StoreSpeed(HKEY adapter, int level) noexcept;
+    bool LoadSpeed(HKEY adapter, int& level) noexcept;
 };

@@ -1,0 +1,168 @@
+// agents/LanSpeed.cpp
+//
+// The link speed that an adapter's driver keeps in its registry key. Drivers of the first word have a value
+// of their own with plain levels; the standard value has numbers of its own for the levels.
+
+#include "agents/LanAgent.h"
+
+#include "agents/AdapterSearch.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+constexpr wchar_t kStandardSpeedValue[] = L"*SpeedDuplex";
+
+/// The number of each speed level in the standard value.
+constexpr int kStandardSpeeds[] = {0, 1, 2, 3, 4, 6};
+
+/// The text of a registry value; one character more than is read, so that it always ends.
+struct ValueText
+{
+    wchar_t text[text::kPathCapacity + 1];
+
+    bool Read(HKEY key, const wchar_t* name) noexcept
+    {
+        *this = {};
+        DWORD size = sizeof text - sizeof(wchar_t);
+        return RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text), &size) ==
+               ERROR_SUCCESS;
+    }
+};
+
+/// The key that holds the network adapters' driver keys.
+owners::Key OpenAdapterClass() noexcept
+{
+    const HKEY key =
+        SetupDiOpenClassRegKeyExW(&kNetworkAdapterClass, KEY_READ, DIOCR_INSTALLER, nullptr, nullptr);
+    if (key == INVALID_HANDLE_VALUE)
+    {
+        CORVLBase::DBGOUT(L"SetupDiOpenClassRegKeyEx failed: 0x%x\n", GetLastError());
+        return owners::Key();
+    }
+    return owners::Key(key);
+}
+
+/// Opens the adapter key of that number; empty behind the last and when it refuses `access`.
+owners::Key OpenAdapter(const owners::Key& adapterClass, DWORD index, REGSAM access) noexcept
+{
+    wchar_t name[text::kPathCapacity];
+    owners::Key adapter;
+    if (RegEnumKeyW(adapterClass.Get(), index, name, static_cast<DWORD>(std::size(name))) == ERROR_SUCCESS &&
+        RegOpenKeyExW(adapterClass.Get(), name, 0, access, adapter.Receive()) != ERROR_SUCCESS)
+    {
+        adapter.Detach();
+    }
+    return adapter;
+}
+
+bool WriteNumber(HKEY key, const wchar_t* name, int number) noexcept
+{
+    wchar_t digits[16];
+    const std::size_t length = text::Format(digits, L"%d", number);
+    if (RegSetValueExW(key, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(digits),
+                       static_cast<DWORD>((length + 1) * sizeof(wchar_t))) != ERROR_SUCCESS)
+    {
+        return false;
+    }
+    CORVLBase::DBGOUT(L"Set the registry value successfully\n");
+    return true;
+}
+
+} // namespace
+
+/// True for an adapter whose description has one of the wired words. Drivers of the second word know the
+/// standard value alone, whose name the object uses from then on.
+bool CLanAgent::TakesSpeedFrom(HKEY adapter) noexcept
+{
+    ValueText description;
+    if (!description.Read(adapter, L"DriverDesc"))
+    {
+        return false;
+    }
+    const bool isSecond = text::Contains(description.text, m_szLanDesc2);
+    if (isSecond)
+    {
+        text::Copy(m_szSpeedValue, kStandardSpeedValue);
+    }
+    return isSecond || text::Contains(description.text, m_szLanDesc1);
+}
+
+bool CLanAgent::StoreSpeed(HKEY adapter, int level) noexcept
+{
+    ValueText present;
+    if (present.Read(adapter, m_szSpeedValue))
+    {
+        return WriteNumber(adapter, m_szSpeedValue, level);
+    }
+    const bool isKnown = level < static_cast<int>(std::size(kStandardSpeeds));
+    return present.Read(adapter, kStandardSpeedValue) && isKnown &&
+           WriteNumber(adapter, kStandardSpeedValue, kStandardSpeeds[level]);
+}
+
+int CLanAgent::SetLanSpeed(int level) noexcept
+{
+    if (level < 0)
+    {
+        DBGOUT(L"The input value is invalid.\n");
+        return -1;
+    }
+    const owners::Key adapterClass = OpenAdapterClass();
+    if (!adapterClass)
+    {
+        return -1;
+    }
+    bool isStored = false;
+    DWORD index = 0;
+    while (const owners::Key adapter = OpenAdapter(adapterClass, index++, KEY_ALL_ACCESS))
+    {
+        isStored |= TakesSpeedFrom(adapter.Get()) && StoreSpeed(adapter.Get(), level);
+    }
+    if (!isStored)
+    {
+        DBGOUT(L"Cannot find the hardware.\n");
+        return -1;
+    }
+    return level;
+}
+
+/// True when the adapter has a speed; `level` is -1 for a number that the standard value doesn't have.
+bool CLanAgent::LoadSpeed(HKEY adapter, int& level) noexcept
+{
+    ValueText present;
+    const bool isPlain = present.Read(adapter, m_szSpeedValue);
+    if (!isPlain && !present.Read(adapter, kStandardSpeedValue))
+    {
+        return false;
+    }
+    DBGOUT(L"get the registry value successfully %s\n", present.text);
+    level = text::ToInt(present.text);
+    if (!isPlain)
+    {
+        const auto* found = std::find(std::begin(kStandardSpeeds), std::end(kStandardSpeeds), level);
+        level = found == std::end(kStandardSpeeds) ? -1 : static_cast<int>(found - kStandardSpeeds);
+    }
+    return true;
+}
+
+int CLanAgent::GetLanSpeed() noexcept
+{
+    const owners::Key adapterClass = OpenAdapterClass();
+    if (!adapterClass)
+    {
+        return -1;
+    }
+    DWORD index = 0;
+    while (const owners::Key adapter = OpenAdapter(adapterClass, index++, KEY_READ))
+    {
+        int level = -1;
+        if (TakesSpeedFrom(adapter.Get()) && LoadSpeed(adapter.Get(), level))
+        {
+            return level;
+        }
+    }
+    DBGOUT(L"Cannot find the hardware.\n");
+    return -1;
+}
