@@ -74,4 +74,8 @@ protected:
     HANDLE m_hBattery[kMaxBatteries]; ///< INVALID_HANDLE_VALUE when not open
     ULONG m_nBatteryTag[kMaxBatteries];
     ULONG m_nBatteryCount;
+
+private:
+    bool IsOpen(int index) const noexcept;
+    LONG QueryText(int index, BATTERY_QUERY_INFORMATION_LEVEL level, wchar_t* text, int size) noexcept;
 };
