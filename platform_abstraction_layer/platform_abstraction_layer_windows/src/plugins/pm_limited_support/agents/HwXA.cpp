@@ -1,0 +1,384 @@
+// agents/HwXA.cpp
+//
+// Builds the driver's records and keeps the table that turns PCI addresses into device objects.
+
+#include "agents/HwXA.h"
+
+#include "agents/DriverCall.h"
+#include "agents/OrvlDrvMgr.h"
+#include "foundation/Owners.h"
+#include "foundation/Results.h"
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+namespace
+{
+
+/// A PCI function and the device object that stands for it.
+struct DeviceProperties
+{
+    wchar_t name[kDeviceNameUnits];
+    ULONG bus;
+    ULONG device;
+    ULONG function;
+    bool vanished; ///< its device object didn't answer when the table was last filled; never matches then
+};
+
+// Shared by all objects and never locked. All zeros at first, so that the first lookup finds nothing that
+// the hardware confirms.
+DeviceProperties deviceTable[32];
+
+const DeviceProperties* FindDevice(ULONG bus, ULONG device, ULONG function) noexcept
+{
+    const auto* found = std::find_if(std::begin(deviceTable), std::end(deviceTable),
+                                     [=](const DeviceProperties& entry) {
+                                         return !entry.vanished && entry.bus == bus &&
+                                                entry.device == device && entry.function == function;
+                                     });
+    return found == std::end(deviceTable) ? nullptr : found;
+}
+
+/// Room for a message of a record of `recordSize` bytes, whose last is the first of `length` data bytes;
+/// empty when there is no memory or the size passes what a message can have.
+owners::HeapBlock AllocateMessage(std::size_t recordSize, ULONG length) noexcept
+{
+    if (length > (std::numeric_limits<ULONG>::max)() - recordSize)
+    {
+        return owners::HeapBlock();
+    }
+    return owners::AllocateBlock(recordSize - 1 + length);
+}
+
+/// False, with a line in the log, for a name that a record has no room for.
+bool IsDeviceNameShort(const wchar_t* deviceName) noexcept
+{
+    if (text::Length(deviceName, kDeviceNameUnits) < kDeviceNameUnits)
+    {
+        return true;
+    }
+    CORVLBase::DBGOUT(L"The device name is too long");
+    return false;
+}
+
+/// False, with a line in the log, when the object isn't set up.
+bool IsUsable(bool driverSetUp) noexcept
+{
+    if (!driverSetUp)
+    {
+        CORVLBase::DBGOUT(L"The handle of the device doesn't exist.");
+    }
+    return driverSetUp;
+}
+
+/// False, with a line in the log, when a pointer is null or there is nothing to transfer.
+bool AreUsable(const void* what, const void* buffer, ULONG length) noexcept
+{
+    if (what != nullptr && buffer != nullptr && length != 0)
+    {
+        return true;
+    }
+    CORVLBase::DBGOUT(L"Invalidate parameters.");
+    return false;
+}
+
+/// Passes `result` on and logs a failure.
+LONG Report(const wchar_t* failureText, LONG result) noexcept
+{
+    if (result < 0)
+    {
+        CORVLBase::DBGOUT(failureText, result);
+    }
+    return result;
+}
+
+} // namespace
+
+CHwXA::CHwXA() noexcept : m_bDriverSetUp(false)
+{
+}
+
+CHwXA::CHwXA(const CHwXA&) noexcept = default;
+CHwXA& CHwXA::operator=(const CHwXA&) noexcept = default;
+
+CHwXA::~CHwXA()
+{
+    Cleanup();
+}
+
+ULONG CHwXA::GetVersion() noexcept
+{
+    return kClassVersion;
+}
+
+LONG CHwXA::Setup() noexcept
+{
+    if (m_bDriverSetUp)
+    {
+        return kAlreadySetUp;
+    }
+    if (const LONG opened = OrvlDrvOpen(); opened < 0)
+    {
+        return Report(L"Open connection with driver failed for 0x%x\n", opened);
+    }
+    m_bDriverSetUp = true;
+    return kSucceeded;
+}
+
+void CHwXA::Cleanup() noexcept
+{
+    if (m_bDriverSetUp)
+    {
+        OrvlDrvClose();
+        m_bDriverSetUp = false;
+    }
+}
+
+LONG CHwXA::ReadMSR(ULONG index, unsigned __int64* value) noexcept
+{
+    if (!IsUsable(m_bDriverSetUp) || value == nullptr)
+    {
+        return kGeneralFailure;
+    }
+    MsrRecord record;
+    if (const LONG read = ReadMsrRecord(index, record); read < 0)
+    {
+        return Report(L"IOCTL_ORVLEBL_MSR_READ failed for 0x%x\n", read);
+    }
+    *value = (static_cast<unsigned __int64>(record.high) << 32) | record.low;
+    return kSucceeded;
+}
+
+LONG CHwXA::WriteMSR(ULONG index, unsigned __int64* value) noexcept
+{
+    if (!IsUsable(m_bDriverSetUp) || value == nullptr)
+    {
+        return kGeneralFailure;
+    }
+    const MsrRecord record = {index, static_cast<ULONG>(*value >> 32), static_cast<ULONG>(*value)};
+    return Report(L"IOCTL_ORVLEBL_MSR_WRITE failed for 0x%x\n", WriteMsrRecord(record));
+}
+
+LONG CHwXA::ReadIoPort(ULONG port, void* buffer, USHORT size) noexcept
+{
+    if (!IsUsable(m_bDriverSetUp) || buffer == nullptr)
+    {
+        return kGeneralFailure;
+    }
+    const PortRecord record = {static_cast<USHORT>(port), size, size, {}};
+    DWORD returned = 0;
+    if (const LONG read = CallDriver(DriverFunction::ReadPort, &record, buffer, size, returned); read < 0)
+    {
+        return Report(L"IOCTL_ORVLEBL_PORT_READ failed for 0x%x\n", read);
+    }
+    return returned == size ? kSucceeded : kGeneralFailure;
+}
+
+LONG CHwXA::WriteIoPort(ULONG port, void* buffer, USHORT size) noexcept
+{
+    if (!IsUsable(m_bDriverSetUp) || buffer == nullptr)
+    {
+        return kGeneralFailure;
+    }
+    if (size != 1 && size != 2 && size != 4)
+    {
+        DBGOUT(L"The uPortSize is invalid %d.", size);
+        return kGeneralFailure;
+    }
+    const owners::HeapBlock message = AllocateMessage(sizeof(PortRecord), size);
+    if (!message)
+    {
+        return kGeneralFailure;
+    }
+    auto* record = static_cast<PortRecord*>(message.Get());
+    record->port = static_cast<USHORT>(port);
+    record->size = size;
+    record->sizeWide = size;
+    std::memcpy(static_cast<BYTE*>(message.Get()) + offsetof(PortRecord, data), buffer, size);
+    return Report(L"IOCTL_WRITE_PORT failed for 0x%x\n",
+                  CallDriver(DriverFunction::WritePort, record, nullptr, size));
+}
+
+LONG CHwXA::MapMemorySpace(void* physicalAddress, ULONG length, void** mapping) noexcept
+{
+    if (!IsUsable(m_bDriverSetUp) || !AreUsable(physicalAddress, mapping, length))
+    {
+        return kGeneralFailure;
+    }
+    owners::HeapBlock block = owners::AllocateBlock(sizeof(MappingDescriptor));
+    if (!block)
+    {
+        return kGeneralFailure;
+    }
+    const auto address = static_cast<ULONG>(reinterpret_cast<ULONG_PTR>(physicalAddress));
+    const MapMemoryInput input = {address, 0, length, 0};
+    if (const LONG mapped = CallDriver(DriverFunction::MapMemory, &input, block.Get(), 0); mapped < 0)
+    {
+        return Report(L"IOCTL_MAP_MEMORY failed for 0x%x\n", mapped);
+    }
+    auto* descriptor = static_cast<MappingDescriptor*>(block.Get());
+    descriptor->length = length;
+    descriptor->reserved = 0;
+    *mapping = block.Detach();
+    return kSucceeded;
+}
+
+LONG CHwXA::UnmapMemorySpace(void* mapping) noexcept
+{
+    if (!IsUsable(m_bDriverSetUp) || !AreUsable(mapping, mapping, sizeof(MappingDescriptor)))
+    {
+        return kGeneralFailure;
+    }
+    const MappingDescriptor descriptor = *static_cast<const MappingDescriptor*>(mapping);
+    owners::HeapBlock(mapping).Reset();
+    return Report(L"IOCTL_UNMAP_MEMEMORY failed for 0x%x\n",
+                  CallDriver(DriverFunction::UnmapMemory, &descriptor, nullptr, 0));
+}
+
+LONG CHwXA::ReadMemory(void* mapping, void* buffer, ULONG length) noexcept
+{
+    if (!IsUsable(m_bDriverSetUp) || !AreUsable(mapping, buffer, length))
+    {
+        return kGeneralFailure;
+    }
+    MemoryRecord record = {};
+    std::memcpy(&record, mapping, sizeof record.mappedAddress);
+    record.length = length;
+    return Report(L"IOCTL_READ_MEMORY failed for 0x%x\n",
+                  CallDriver(DriverFunction::ReadMemory, &record, buffer, length));
+}
+
+LONG CHwXA::WriteMemory(void* mapping, void* buffer, ULONG length) noexcept
+{
+    if (!IsUsable(m_bDriverSetUp) || !AreUsable(mapping, buffer, length))
+    {
+        return kGeneralFailure;
+    }
+    const owners::HeapBlock message = AllocateMessage(sizeof(MemoryRecord), length);
+    if (!message)
+    {
+        return kGeneralFailure;
+    }
+    auto* record = static_cast<MemoryRecord*>(message.Get());
+    std::memcpy(record->mappedAddress, mapping, sizeof record->mappedAddress);
+    record->length = length;
+    std::memcpy(static_cast<BYTE*>(message.Get()) + offsetof(MemoryRecord, data), buffer, length);
+    return Report(L"IOCTL_WRITE_MEMORY failed for 0x%x\n",
+                  CallDriver(DriverFunction::WriteMemory, record, nullptr, length));
+}
+
+LONG CHwXA::ReadPCIConfig(const wchar_t* deviceName, ULONG offset, void* buffer, ULONG length) noexcept
+{
+    if (!IsUsable(m_bDriverSetUp) || !AreUsable(deviceName, buffer, length) || !IsDeviceNameShort(deviceName))
+    {
+        return kGeneralFailure;
+    }
+    PciConfigRecord record = {};
+    text::Copy(record.deviceName, deviceName);
+    record.offset = offset;
+    record.length = length;
+    DWORD returned = 0;
+    if (const LONG read = CallDriver(DriverFunction::ReadPciConfig, &record, buffer, length, returned);
+        read < 0)
+    {
+        return Report(L"IOCTL_READ_PCI_CONFIG failed for 0x%x\n", read);
+    }
+    if (returned != length)
+    {
+        DBGOUT(L"IOCTL_READ_PCI_CONFIG failed");
+        return kGeneralFailure;
+    }
+    return kSucceeded;
+}
+
+LONG CHwXA::WritePCIConfig(const wchar_t* deviceName, ULONG offset, void* buffer, ULONG length) noexcept
+{
+    if (!IsUsable(m_bDriverSetUp) || !AreUsable(deviceName, buffer, length) || !IsDeviceNameShort(deviceName))
+    {
+        return kGeneralFailure;
+    }
+    const owners::HeapBlock message = AllocateMessage(sizeof(PciConfigRecord), length);
+    if (!message)
+    {
+        return kGeneralFailure;
+    }
+    auto* record = static_cast<PciConfigRecord*>(message.Get());
+    text::Copy(record->deviceName, deviceName);
+    record->offset = offset;
+    record->length = length;
+    std::memcpy(static_cast<BYTE*>(message.Get()) + offsetof(PciConfigRecord, data), buffer, length);
+    return Report(L"pPciCfgBuffer failed for 0x%x",
+                  CallDriver(DriverFunction::WritePciConfig, record, nullptr, length));
+}
+
+LONG CHwXA::GetDeviceProperty(ULONG property, wchar_t* deviceName, void* buffer, ULONG size) noexcept
+{
+    if (!IsUsable(m_bDriverSetUp) || deviceName == nullptr || !IsDeviceNameShort(deviceName))
+    {
+        return kGeneralFailure;
+    }
+    DevicePropertyInput input = {};
+    input.property = property;
+    text::Copy(input.deviceName, deviceName);
+    const LONG read = CallDriver(DriverFunction::GetDeviceProperty, &input, buffer, size);
+    return Report(L"IOCTL_GET_DEVICE_PROPERTY failed for 0x%x\n", read) < 0 ? kGeneralFailure : kSucceeded;
+}
+
+LONG CHwXA::InitDevicePropTable() noexcept
+{
+    int index = 0;
+    for (DeviceProperties& entry : deviceTable)
+    {
+        text::Format(entry.name, L"\\Device\\NTPNP_PCI%04d", index++);
+        entry.vanished = true;
+        if (GetDeviceProperty(kDevicePropertyBusNumber, entry.name, &entry.bus, sizeof entry.bus) < 0)
+        {
+            continue;
+        }
+        ULONG address = 0;
+        if (GetDeviceProperty(kDevicePropertyAddress, entry.name, &address, sizeof address) < 0)
+        {
+            continue;
+        }
+        entry.device = HIWORD(address);
+        entry.function = LOWORD(address);
+        entry.vanished = false;
+    }
+    return kSucceeded;
+}
+
+LONG CHwXA::GetDeviceName(ULONG bus, ULONG device, ULONG function, wchar_t* name, ULONG capacity) noexcept
+{
+    if (capacity <= kDeviceNameUnits || name == nullptr)
+    {
+        return kGeneralFailure;
+    }
+
+    // Devices move when one is plugged in or out, so what the table says is only believed when the device
+    // object still confirms it.
+    const auto isConfirmed = [&](const DeviceProperties& entry)
+    {
+        wchar_t deviceName[kDeviceNameUnits];
+        text::Copy(deviceName, entry.name);
+        ULONG presentBus = 0;
+        ULONG address = 0;
+        return GetDeviceProperty(kDevicePropertyBusNumber, deviceName, &presentBus, sizeof presentBus) >= 0 &&
+               presentBus == bus &&
+               GetDeviceProperty(kDevicePropertyAddress, deviceName, &address, sizeof address) >= 0 &&
+               address == ((device << 16) | function);
+    };
+    const DeviceProperties* found = FindDevice(bus, device, function);
+    if (found == nullptr || !isConfirmed(*found))
+    {
+        InitDevicePropTable();
+        found = FindDevice(bus, device, function);
+    }
+    if (found == nullptr)
+    {
+        return kGeneralFailure;
+    }
+    text::Copy(name, capacity, found->name);
+    return kSucceeded;
+}
