@@ -7,6 +7,8 @@
 #include "agents/HwXA.h"
 #include "foundation/Text.h"
 
+class CORVLCfg;
+
 /// `Setup(1)`, then the function operations. Anything wrong in the file is 0x80004005; what the hardware
 /// access refuses comes back as its code.
 class ORVL_API CHwSBX : public CHwXA
@@ -30,4 +32,9 @@ public:
 
 protected:
     wchar_t m_szChipset[text::kPathCapacity]; ///< empty until the chipset is known
+
+private:
+    class FunctionRegister;
+
+    LONG TestIdentification(CORVLCfg& file, const wchar_t* section, bool& matches) noexcept;
 };

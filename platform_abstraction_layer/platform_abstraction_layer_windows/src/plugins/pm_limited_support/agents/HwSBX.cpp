@@ -1,0 +1,254 @@
+// agents/HwSBX.cpp
+//
+// Recognises the chipset, and reads and writes the bit of a function.
+
+#include "agents/HwSBX.h"
+
+#include "agents/ChipsetFile.h"
+#include "foundation/Results.h"
+
+#include <iterator>
+#include <utility>
+
+/// The register that holds a function's bit, found and ready to be read and written. Memory stays mapped
+/// from the first read until `Release` or the end of the object.
+class CHwSBX::FunctionRegister
+{
+public:
+    explicit FunctionRegister(CHwXA& hardware) noexcept
+        : m_hardware(hardware), m_entry(), m_deviceName(), m_address(0), m_mapping(nullptr)
+    {
+    }
+    ~FunctionRegister()
+    {
+        Release();
+    }
+    FunctionRegister(const FunctionRegister&) = delete;
+    FunctionRegister& operator=(const FunctionRegister&) = delete;
+
+    LONG Locate(const wchar_t* chipset, const wchar_t* name) noexcept;
+    LONG Read(ULONG& value) noexcept;
+    LONG Write(ULONG value) noexcept;
+
+    /// Unmaps the memory, where it is mapped.
+    LONG Release() noexcept;
+
+    ULONG Mask() const noexcept
+    {
+        return 1U << m_entry.bit;
+    }
+    int DisableType() const noexcept
+    {
+        return m_entry.disableType;
+    }
+
+private:
+    LONG FindAddress(CORVLCfg& file, const wchar_t* section) noexcept;
+    ULONG Size() const noexcept
+    {
+        return static_cast<ULONG>(m_entry.valueSize);
+    }
+
+    CHwXA& m_hardware;
+    FunctionEntry m_entry;
+    wchar_t m_deviceName[text::kPathCapacity];
+    ULONG m_address; ///< in configuration space, physical memory or I/O space
+    void* m_mapping;
+};
+
+LONG CHwSBX::FunctionRegister::Locate(const wchar_t* chipset, const wchar_t* name) noexcept
+{
+    CORVLCfg file;
+    if (name == nullptr || !InitializeChipsetFile(file) || !IsListed(file, chipset, name) ||
+        !ReadFunctionEntry(file, name, m_entry))
+    {
+        return kGeneralFailure;
+    }
+    if (const LONG named = m_hardware.GetDeviceName(
+            static_cast<ULONG>(m_entry.bus), static_cast<ULONG>(m_entry.device),
+            static_cast<ULONG>(m_entry.function), m_deviceName, static_cast<ULONG>(std::size(m_deviceName)));
+        named < 0)
+    {
+        return named;
+    }
+    m_address = static_cast<ULONG>(m_entry.valueOffset);
+    return m_entry.kind == RegisterKind::PciConfig ? kSucceeded : FindAddress(file, name);
+}
+
+LONG CHwSBX::FunctionRegister::FindAddress(CORVLCfg& file, const wchar_t* section) noexcept
+{
+    ULONG base = 0;
+    if (const LONG read = m_hardware.ReadPCIConfig(m_deviceName, static_cast<ULONG>(m_entry.addressOffset),
+                                                   &base, static_cast<ULONG>(m_entry.addressSize));
+        read < 0)
+    {
+        return read;
+    }
+    m_address += base & static_cast<ULONG>(file.GetHex(section, L"AddressMask", -1));
+    return kSucceeded;
+}
+
+LONG CHwSBX::FunctionRegister::Read(ULONG& value) noexcept
+{
+    value = 0;
+    switch (m_entry.kind)
+    {
+    case RegisterKind::PciConfig:
+        return m_hardware.ReadPCIConfig(m_deviceName, m_address, &value, Size());
+    case RegisterKind::Io:
+        return m_hardware.ReadIoPort(m_address, &value, static_cast<USHORT>(Size()));
+    case RegisterKind::Memory:
+        break;
+    }
+    auto* physical = reinterpret_cast<void*>(static_cast<ULONG_PTR>(m_address));
+    const LONG mapped = m_hardware.MapMemorySpace(physical, Size(), &m_mapping);
+    return mapped < 0 ? mapped : m_hardware.ReadMemory(m_mapping, &value, Size());
+}
+
+LONG CHwSBX::FunctionRegister::Write(ULONG value) noexcept
+{
+    switch (m_entry.kind)
+    {
+    case RegisterKind::PciConfig:
+        return m_hardware.WritePCIConfig(m_deviceName, m_address, &value, Size());
+    case RegisterKind::Io:
+        return m_hardware.WriteIoPort(m_address, &value, static_cast<USHORT>(Size()));
+    case RegisterKind::Memory:
+        break;
+    }
+    return m_hardware.WriteMemory(m_mapping, &value, Size());
+}
+
+LONG CHwSBX::FunctionRegister::Release() noexcept
+{
+    void* mapping = std::exchange(m_mapping, nullptr);
+    return mapping == nullptr ? kSucceeded : m_hardware.UnmapMemorySpace(mapping);
+}
+
+CHwSBX::CHwSBX() noexcept : m_szChipset()
+{
+}
+
+CHwSBX::CHwSBX(const CHwSBX&) noexcept = default;
+CHwSBX& CHwSBX::operator=(const CHwSBX&) noexcept = default;
+CHwSBX::~CHwSBX() = default;
+
+ULONG CHwSBX::GetVersion() noexcept
+{
+    return kClassVersion;
+}
+
+LONG CHwSBX::Setup(int identify) noexcept
+{
+    if (const LONG opened = CHwXA::Setup(); opened < 0)
+    {
+        return opened;
+    }
+    if (m_szChipset[0] != L'\0')
+    {
+        return kAlreadySetUp;
+    }
+    CORVLCfg file;
+    if (!InitializeChipsetFile(file))
+    {
+        return kGeneralFailure;
+    }
+    if (identify == 0)
+    {
+        return kSucceeded;
+    }
+    const int count = file.GetInt(L"Device Identifications", L"SBXIdNumbers", kMissing);
+    for (int index = 0; index < count; ++index)
+    {
+        wchar_t section[kSectionCapacity];
+        text::Format(section, L"SBX Identification %d", index);
+        bool matches = false;
+        if (const LONG tested = TestIdentification(file, section, matches); tested < 0)
+        {
+            return tested;
+        }
+        if (matches)
+        {
+            file.GetString(section, L"Name", L"", m_szChipset, static_cast<int>(std::size(m_szChipset)));
+            return m_szChipset[0] != L'\0' ? kSucceeded : kGeneralFailure;
+        }
+    }
+    return kGeneralFailure;
+}
+
+/// Compares one device with an identification section. A section for another kind of register doesn't match.
+LONG CHwSBX::TestIdentification(CORVLCfg& file, const wchar_t* section, bool& matches) noexcept
+{
+    RegisterKind kind{};
+    if (!ReadRegisterKind(file, section, kind) || kind != RegisterKind::PciConfig)
+    {
+        return kSucceeded;
+    }
+    const int bus = file.GetInt(section, L"Bus", kMissing);
+    const int device = file.GetInt(section, L"Device", kMissing);
+    const int function = file.GetInt(section, L"Function", kMissing);
+    const int offset = file.GetInt(section, L"Offset", kMissing);
+    const int size = file.GetInt(section, L"ValueSize", kMissing);
+    if (bus == kMissing || device == kMissing || function == kMissing ||
+        (size != 1 && size != 2 && size != 4))
+    {
+        return kGeneralFailure;
+    }
+    const auto expected = static_cast<ULONG>(file.GetHex(section, L"Value", -1));
+    wchar_t deviceName[text::kPathCapacity];
+    if (const LONG named =
+            GetDeviceName(static_cast<ULONG>(bus), static_cast<ULONG>(device), static_cast<ULONG>(function),
+                          deviceName, static_cast<ULONG>(std::size(deviceName)));
+        named < 0)
+    {
+        return named;
+    }
+    ULONG value = 0;
+    const LONG read = ReadPCIConfig(deviceName, static_cast<ULONG>(offset), &value, static_cast<ULONG>(size));
+    matches = read >= 0 && value == expected;
+    return read;
+}
+
+LONG CHwSBX::FunctionDisable(const wchar_t* name, int disable) noexcept
+{
+    FunctionRegister target(*this);
+    ULONG value = 0;
+    if (const LONG located = target.Locate(m_szChipset, name); located < 0)
+    {
+        return located;
+    }
+    if (const LONG read = target.Read(value); read < 0)
+    {
+        return read;
+    }
+
+    // The bit is cleared by exactly one request: the opposite of the state in which it is set. A type that is
+    // neither 0 nor 1 knows no clearing.
+    const int type = target.DisableType();
+    const bool clears = (type == 1 && disable == 1) || (type == 0 && disable == 0);
+    value = clears ? value & ~target.Mask() : value | target.Mask();
+    const LONG written = target.Write(value);
+    const LONG released = target.Release();
+    return written < 0 ? written : released;
+}
+
+LONG CHwSBX::GetFunctionDisable(const wchar_t* name, int* disabled) noexcept
+{
+    if (disabled == nullptr)
+    {
+        return kGeneralFailure;
+    }
+    FunctionRegister target(*this);
+    ULONG value = 0;
+    if (const LONG located = target.Locate(m_szChipset, name); located < 0)
+    {
+        return located;
+    }
+    if (const LONG read = target.Read(value); read < 0)
+    {
+        return read;
+    }
+    const int bit = (value & target.Mask()) != 0 ? 1 : 0;
+    *disabled = bit != target.DisableType() ? 1 : 0;
+    return kSucceeded;
+}
