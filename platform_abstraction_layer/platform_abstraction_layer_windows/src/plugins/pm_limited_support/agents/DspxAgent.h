@@ -47,4 +47,7 @@ protected:
     PanelBridge* m_pInterface; ///< null when not set up
     ULONG m_nPowerHandle;      ///< valid while the interface is there
     bool m_bComInitialized;    ///< this object has to uninitialise COM; never copied
+
+private:
+    void ReleaseInterface() noexcept;
 };
