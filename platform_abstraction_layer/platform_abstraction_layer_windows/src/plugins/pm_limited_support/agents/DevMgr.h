@@ -83,4 +83,7 @@ protected:
     LONG m_nDeviceCount;
     ULONG m_nTimeout; ///< milliseconds for a service call
     ULONG m_nOptions; ///< bit 0: changes go through the service
+
+private:
+    void AddClass(const GUID& deviceClass) noexcept;
 };
