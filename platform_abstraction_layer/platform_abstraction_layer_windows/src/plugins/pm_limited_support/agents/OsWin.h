@@ -40,5 +40,8 @@ public:
                               ULONG* type, void* data, ULONG* size) noexcept;
 
 protected:
+    /// A function of the composition library, or null with a line in the log.
+    static FARPROC FindDwmFunction(const char* name) noexcept;
+
     static HINSTANCE m_hDwmLibrary; ///< null until it is loaded; never freed
 };

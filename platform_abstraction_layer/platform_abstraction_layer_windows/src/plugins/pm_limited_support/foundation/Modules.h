@@ -5,10 +5,17 @@
 
 #include <windows.h>
 
+/// What `GetProcAddress` answered as a pointer of type `Function`; null stays null.
+template <class Function>
+Function FunctionCast(FARPROC function) noexcept
+{
+    // By way of an untyped pointer: the compiler rightly distrusts a cast between function types.
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(function));
+}
+
 /// The function `name` of a loaded module, or null. `Function` is its pointer type.
 template <class Function>
 Function FindFunction(HMODULE module, LPCSTR name) noexcept
 {
-    // By way of an untyped pointer: the compiler rightly distrusts a cast between function types.
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+    return FunctionCast<Function>(GetProcAddress(module, name));
 }
