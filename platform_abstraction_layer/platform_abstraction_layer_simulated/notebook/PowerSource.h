@@ -33,8 +33,8 @@ public:
     /// The battery's charge in percent, 0 to 100.
     static bool SetCharge(unsigned percent);
 
-    /// What the battery takes or gives from now on, in mW; 0 makes neither charging nor discharging known to
-    /// be under way at any speed.
+    /// How fast the battery charges or discharges, in mW, whichever is under way. 0 is the answer of a
+    /// battery that doesn't tell.
     static bool SetRate(DWORD milliwatts);
 
     /// The full capacity and the remaining one, in mWh.
