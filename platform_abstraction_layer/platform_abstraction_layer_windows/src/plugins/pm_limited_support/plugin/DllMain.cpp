@@ -1,0 +1,23 @@
+// plugin/DllMain.cpp
+//
+// What the library does when it is loaded: set up its locks, and nothing else. No file, driver or registry
+// key is touched before a request asks for it.
+
+#include "plugin/NotifyThread.h"
+#include "plugin/RequestLock.h"
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds)
+{
+    if (reason == DLL_PROCESS_ATTACH)
+    {
+        request_lock::SetUp();
+        notification::SetUp();
+    }
+    // When the process ends, its other threads may have died inside a lock; the system takes everything back.
+    else if (reason == DLL_PROCESS_DETACH && processEnds == nullptr)
+    {
+        notification::TearDown();
+        request_lock::TearDown();
+    }
+    return TRUE;
+}

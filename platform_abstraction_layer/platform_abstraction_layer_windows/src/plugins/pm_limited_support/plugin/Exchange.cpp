@@ -1,0 +1,63 @@
+// plugin/Exchange.cpp
+//
+// The host's buffers.
+
+#include "plugin/Exchange.h"
+
+namespace exchange
+{
+
+bool IsLengthRight(const PM_Request& request, const Terms& terms) noexcept
+{
+    switch (terms.length)
+    {
+    case Length::Exact:
+        return request.paramsLen == terms.size;
+    case Length::AtLeast:
+        return request.paramsLen >= terms.size;
+    case Length::Any:
+    case Length::Unchecked:
+        break;
+    }
+    return true;
+}
+
+bool ArePointersRight(const PM_Request& request, const Terms& terms) noexcept
+{
+    const bool readsPayload = terms.length != Length::Any && IsLengthRight(request, terms);
+    if (readsPayload && request.params == nullptr)
+    {
+        return false;
+    }
+    return terms.reply != Reply::Required || (request.result != nullptr && request.resultLen != nullptr);
+}
+
+void WriteReply(const PM_Request& request, const void* data, DWORD size) noexcept
+{
+    if (request.result == nullptr || request.resultLen == nullptr)
+    {
+        return;
+    }
+    std::memcpy(request.result, data, size);
+    WriteReplySize(request, size);
+}
+
+DWORD ReadReplySize(const PM_Request& request) noexcept
+{
+    DWORD size = 0;
+    if (request.resultLen != nullptr)
+    {
+        std::memcpy(&size, request.resultLen, sizeof size);
+    }
+    return size;
+}
+
+void WriteReplySize(const PM_Request& request, DWORD size) noexcept
+{
+    if (request.resultLen != nullptr)
+    {
+        std::memcpy(request.resultLen, &size, sizeof size);
+    }
+}
+
+} // namespace exchange

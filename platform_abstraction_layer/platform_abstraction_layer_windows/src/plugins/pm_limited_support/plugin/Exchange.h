@@ -1,0 +1,68 @@
+// plugin/Exchange.h
+//
+// The host's two buffers, as the handlers use them: what each command wants of payload and reply, and the
+// copies in and out. Host buffers may lie at any address.
+#pragma once
+
+#include "plugin/HostRecords.h"
+
+#include <cstring>
+
+namespace exchange
+{
+
+/// What a command wants of `paramsLen`.
+enum class Length
+{
+    Any,       ///< no payload
+    Exact,     ///< this many bytes
+    AtLeast,   ///< this many bytes or more
+    Unchecked, ///< the host always gives this many bytes and the length isn't looked at
+};
+
+/// Whether a command writes a reply.
+enum class Reply
+{
+    None,     ///< the buffers aren't touched
+    Optional, ///< written when the host gives both pointers
+    Required,
+};
+
+/// A command's side of the exchange.
+struct Terms
+{
+    Length length = Length::Any;
+    DWORD size = 0;
+    Reply reply = Reply::None;
+};
+
+/// True when `paramsLen` is as the command wants it.
+bool IsLengthRight(const PM_Request& request, const Terms& terms) noexcept;
+
+/// True when every pointer that the command will use is there: the payload's when its length is right, both
+/// of a required reply.
+bool ArePointersRight(const PM_Request& request, const Terms& terms) noexcept;
+
+/// The payload as a record; its length and pointer have been checked.
+template <class Record>
+Record ReadPayload(const PM_Request& request) noexcept
+{
+    Record record;
+    std::memcpy(&record, request.params, sizeof record);
+    return record;
+}
+
+/// Writes `size` bytes as the reply and their number into `resultLen`; nothing when a pointer is null.
+void WriteReply(const PM_Request& request, const void* data, DWORD size) noexcept;
+
+template <class Record>
+void WriteReply(const PM_Request& request, const Record& record) noexcept
+{
+    WriteReply(request, &record, sizeof record);
+}
+
+/// The room that the host says there is, and what it is told there is now; 0 and nothing for a null pointer.
+DWORD ReadReplySize(const PM_Request& request) noexcept;
+void WriteReplySize(const PM_Request& request, DWORD size) noexcept;
+
+} // namespace exchange

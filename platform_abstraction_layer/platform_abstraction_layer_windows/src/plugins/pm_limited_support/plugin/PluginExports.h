@@ -1,0 +1,33 @@
+// plugin/PluginExports.h
+//
+// The five functions by which a host finds and drives the plug-in. They have C linkage, the C calling
+// convention and undecorated names.
+#pragma once
+
+#include "foundation/Api.h"
+#include "plugin/HostRecords.h"
+
+extern "C"
+{
+
+    /// "Kelvo Power Manager", also the first argument of every event. Static; valid before `DP_Initialize`.
+    ORVL_API const char* __cdecl DP_GetModuleId() noexcept;
+
+    /// "Kelvo Power Management Library". Static; valid before `DP_Initialize`.
+    ORVL_API const char* __cdecl DP_GetDescription() noexcept;
+
+    /// Takes the host's table, which must live as long as events may come, and starts listening for applied
+    /// schemes. 0, or 6 when the thread or its events can't be created. A null `host` is taken too: events
+    /// are dropped then. A second call while running takes the new table and leaves the one thread.
+    ORVL_API LONG __cdecl DP_Initialize(PM_HostInterface* host) noexcept;
+
+    /// Ends the notification thread and returns when it has ended and no request runs any more; on the
+    /// notification thread itself, from within `SendEvent`, it doesn't wait for that thread, which then ends
+    /// without calling the host again. Always 0.
+    ORVL_API LONG __cdecl DP_Uninitialize() noexcept;
+
+    /// Carries out one request; the result code. Calls from several threads are served one after the other,
+    /// and a call from within `SendEvent` at once.
+    ORVL_API LONG __cdecl DP_HandleRequest(PM_Request* request) noexcept;
+
+} // extern "C"

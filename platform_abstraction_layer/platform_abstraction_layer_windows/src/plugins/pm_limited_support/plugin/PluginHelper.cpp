@@ -1,0 +1,121 @@
+// plugin/PluginHelper.cpp
+//
+// The context: start and stop, the way of a request to its handler, the user table.
+
+#include "plugin/PluginHelper.h"
+
+#include "foundation/PmLog.h"
+#include "foundation/UserLookup.h"
+#include "plugin/CommandTable.h"
+#include "plugin/NotifyThread.h"
+#include "plugin/RequestLock.h"
+
+#include <atomic>
+#include <cstring>
+
+namespace
+{
+
+// Who gives way when the table is full.
+constexpr int kReplacedSlot = 2;
+
+CPluginHelper theInstance;
+
+} // namespace
+
+CPluginHelper::CPluginHelper() noexcept
+    : host(nullptr), notifyThread(nullptr), applySchemeEvent(nullptr), users{}
+{
+}
+CPluginHelper::CPluginHelper(const CPluginHelper&) noexcept = default;
+CPluginHelper& CPluginHelper::operator=(const CPluginHelper&) noexcept = default;
+CPluginHelper::~CPluginHelper() = default;
+
+CPluginHelper& CPluginHelper::Instance() noexcept
+{
+    return theInstance;
+}
+
+LONG CPluginHelper::Initialize(PM_HostInterface* hostInterface) noexcept
+{
+    std::atomic_ref(host).store(hostInterface);
+    return notification::Start(*this) ? TRX_OPERATION_OK : TRX_OPERATION_FAIL;
+}
+
+LONG CPluginHelper::Uninitialize() noexcept
+{
+    const request_lock::Pause pause;
+    {
+        // Requests that run now may still call the host.
+        const request_lock::Scope drained;
+    }
+    notification::Stop(*this);
+    return TRX_OPERATION_OK;
+}
+
+LONG CPluginHelper::HandleRequest(const PM_Request* request) noexcept
+{
+    if (request == nullptr)
+    {
+        return TRX_OPERATION_FAIL;
+    }
+    PM_Request local;
+    std::memcpy(&local, request, sizeof local);
+
+    const Command* const command = FindCommand(local.command);
+    if (command == nullptr || command->handler == nullptr)
+    {
+        return TRX_UNKNOWN_COMMAND;
+    }
+    const request_lock::Scope lock;
+    return command->handler(*this, local, command->number);
+}
+
+int CPluginHelper::GetUserInfoIndex(const wchar_t* userName) noexcept
+{
+    int free = -1;
+    for (int slot = 0; slot < kUserSlots; ++slot)
+    {
+        if (users[slot].inUse == 1 && text::EqualNames(users[slot].userName, userName))
+        {
+            PmLog(L"find the subkey&path %d", slot);
+            return slot;
+        }
+        if (users[slot].inUse == 0 && free < 0)
+        {
+            free = slot;
+        }
+    }
+    if (free >= 0)
+    {
+        PmLog(L"can't find subkey&path, find an empty one %d", free);
+    }
+    else
+    {
+        PmLog(L"can't find empty one, replace 2");
+        free = kReplacedSlot;
+    }
+
+    UserInfo& user = users[free];
+    user = {};
+    text::Copy(user.userName, userName);
+    if (GetCurrentUserSubkeyProfilePath(userName, user.subKey, user.profilePath) != 1)
+    {
+        PmLog(L"set subkey&path at pos%d failed", free);
+        return -1;
+    }
+    user.inUse = 1;
+    PmLog(L"set subkey&path at pos%d succeed", free);
+    PmLog(L"Getuserinfo SubKey=%s", user.subKey);
+    PmLog(L"Getuserinfo path=%s", user.profilePath);
+    return free;
+}
+
+void CPluginHelper::SendHostEvent(const char* eventName, LONG value) noexcept
+{
+    const PM_HostInterface* const receiver = std::atomic_ref(host).load();
+    if (receiver != nullptr && receiver->SendEvent != nullptr)
+    {
+        receiver->SendEvent(kModuleId, eventName, &value, sizeof value);
+    }
+}
