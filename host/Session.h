@@ -1,0 +1,68 @@
+// host/Session.h
+//
+// The loaded plug-in, as the host service has it: load, start, hand over requests, take events, stop, unload.
+#pragma once
+
+#include <windows.h>
+
+#include "plugin/HostRecords.h"
+
+#include <cstddef>
+#include <functional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace host
+{
+
+/// An event as it came; `threadId` tells whether it came during a request or from the plug-in's own thread.
+struct Event
+{
+    std::string module;
+    std::string name;
+    std::vector<std::byte> data;
+    DWORD threadId;
+};
+
+struct Answer
+{
+    LONG code = 0;                ///< result code of the request
+    std::vector<std::byte> reply; ///< what `resultLen` counted; empty when nothing was written
+};
+
+class Session
+{
+public:
+    /// What is called for each event, on the thread that sends it.
+    using Listener = std::function<void(const Event&)>;
+
+    Session() = default;
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Loads the library and starts the plug-in. An empty text, or what went wrong.
+    std::string Start(const std::string& library, Listener listener);
+
+    /// Stops the plug-in and unloads it; the destructor does the same.
+    void Stop();
+
+    std::string ModuleId() const;
+    std::string Description() const;
+
+    /// Hands one request over. `user` is narrow, in the ANSI code page; `capacity` is the room for the reply.
+    Answer Send(const std::string& command, const std::string& user, std::span<const std::byte> payload,
+                std::size_t capacity) const;
+
+private:
+    HMODULE m_library = nullptr;
+    PM_HostInterface m_host{};
+    const char*(__cdecl* m_getModuleId)() = nullptr;
+    const char*(__cdecl* m_getDescription)() = nullptr;
+    LONG(__cdecl* m_initialize)(PM_HostInterface*) = nullptr;
+    LONG(__cdecl* m_uninitialize)() = nullptr;
+    LONG(__cdecl* m_handleRequest)(PM_Request*) = nullptr;
+};
+
+} // namespace host

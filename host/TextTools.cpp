@@ -1,0 +1,130 @@
+// host/TextTools.cpp
+//
+// Words, numbers and code pages.
+
+#include "TextTools.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+namespace host
+{
+
+namespace
+{
+
+// A native terminal speaks UTF-8; a Windows program gets its arguments in the ANSI code page already.
+#ifdef _WIN32
+constexpr UINT kConsoleCodePage = CP_ACP;
+#else
+constexpr UINT kConsoleCodePage = CP_UTF8;
+#endif
+
+char LowerCase(char letter) noexcept
+{
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+bool IsBlank(char letter) noexcept
+{
+    return letter == ' ' || letter == '\t' || letter == '\r';
+}
+
+std::string Convert(std::string_view text, UINT from, UINT to)
+{
+    if (text.empty() || from == to)
+    {
+        return std::string(text);
+    }
+    const int length = static_cast<int>(text.size());
+    std::vector<wchar_t> wide(text.size());
+    const int units = MultiByteToWideChar(from, 0, text.data(), length, wide.data(), length);
+    std::string converted(static_cast<std::size_t>(units) * 4, '\0');
+    const int bytes = WideCharToMultiByte(to, 0, wide.data(), units, converted.data(),
+                                          static_cast<int>(converted.size()), nullptr, nullptr);
+    converted.resize(static_cast<std::size_t>(bytes));
+    return converted;
+}
+
+} // namespace
+
+bool EqualIgnoringCase(std::string_view left, std::string_view right) noexcept
+{
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](char one, char other) { return LowerCase(one) == LowerCase(other); });
+}
+
+std::optional<std::vector<std::string>> SplitWords(std::string_view line)
+{
+    std::vector<std::string> words;
+    std::size_t place = 0;
+    for (;;)
+    {
+        while (place < line.size() && IsBlank(line[place]))
+        {
+            ++place;
+        }
+        if (place == line.size() || line[place] == '#')
+        {
+            return words;
+        }
+        std::string word;
+        bool quoted = false;
+        for (; place < line.size() && (quoted || !IsBlank(line[place])); ++place)
+        {
+            if (line[place] != '"')
+            {
+                word += line[place];
+            }
+            else if (quoted && place + 1 < line.size() && line[place + 1] == '"')
+            {
+                word += line[++place];
+            }
+            else
+            {
+                quoted = !quoted;
+            }
+        }
+        if (quoted)
+        {
+            return std::nullopt;
+        }
+        words.push_back(std::move(word));
+    }
+}
+
+std::optional<std::int32_t> ParseNumber(std::string_view text) noexcept
+{
+    const bool negative = text.starts_with('-');
+    text.remove_prefix(negative ? 1 : 0);
+    const bool hex = text.starts_with("0x") || text.starts_with("0X");
+    text.remove_prefix(hex ? 2 : 0);
+
+    std::uint32_t magnitude = 0;
+    const auto [end, error] =
+        std::from_chars(text.data(), text.data() + text.size(), magnitude, hex ? 16 : 10);
+    if (text.empty() || error != std::errc() || end != text.data() + text.size())
+    {
+        return std::nullopt;
+    }
+    if (negative && magnitude > static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::max()) + 1u)
+    {
+        return std::nullopt;
+    }
+    return static_cast<std::int32_t>(negative ? 0u - magnitude : magnitude);
+}
+
+std::string ToWire(std::string_view consoleText)
+{
+    return Convert(consoleText, kConsoleCodePage, CP_ACP);
+}
+
+std::string FromWire(std::string_view wireText)
+{
+    return Convert(wireText, CP_ACP, kConsoleCodePage);
+}
+
+} // namespace host

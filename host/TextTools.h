@@ -1,0 +1,29 @@
+// host/TextTools.h
+//
+// Small text helpers of the host: names without regard to case, words of a line, numbers, and the way from
+// the console's text to the wire's and back.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host
+{
+
+bool EqualIgnoringCase(std::string_view left, std::string_view right) noexcept;
+
+/// The words of a line. Double quotes keep blanks in a word, `""` inside quotes is a quote, "#" at the start
+/// of a word begins a comment. Nothing when a quote isn't closed.
+std::optional<std::vector<std::string>> SplitWords(std::string_view line);
+
+/// A decimal or "0x" number of 32 bits, signed or unsigned; nothing for every other text.
+std::optional<std::int32_t> ParseNumber(std::string_view text) noexcept;
+
+/// Text as the console has it, in the ANSI code page of the wire, and back.
+std::string ToWire(std::string_view consoleText);
+std::string FromWire(std::string_view wireText);
+
+} // namespace host

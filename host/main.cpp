@@ -1,0 +1,183 @@
+// host/main.cpp
+//
+// trxhost: loads the plug-in as the host service does and sends it requests from the command line, from a
+// script or by hand.
+
+#include "Console.h"
+#include "TextTools.h"
+
+#ifndef _WIN32
+#include "notebook/Trace.h"
+#endif
+
+#include <getopt.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+
+namespace
+{
+
+constexpr const char* kUsage =
+    "usage: trxhost [options] [COMMAND [FIELD=VALUE ...]]\n"
+    "\n"
+    "Without a command, requests are read from the script or from the terminal.\n"
+    "\n"
+    "  -u, --user NAME      the account for which the request is made\n"
+    "  -s, --script FILE    runs a file of requests (- is standard input)\n"
+    "  -w, --wait MS        stays for MS milliseconds after the last request and prints events\n"
+    "  -j, --json           prints one JSON object for each answer and event\n"
+    "  -t, --trace          shows the platform calls behind each request (native build)\n"
+    "  -l, --list           lists all commands with payload and reply, and ends\n"
+    "  -i, --identity       prints the plug-in's identity, and ends\n"
+    "      --library FILE   the plug-in; beside this program unless told otherwise\n"
+    "  -h, --help           this text\n"
+    "\n"
+    "The exit status of a single request is its result code: 0 done, 1 refused, 5 unknown, 6 failed.\n"
+    "That of a script is the number of lines that made no request or waited in vain.\n"
+    "2 means that the command line is wrong, 3 that the plug-in can't be started.\n";
+
+constexpr int kWrongUsage = 2;
+constexpr int kNoPlugIn = 3;
+
+struct Options
+{
+    std::string user;
+    std::string script;
+    std::string library = "pm_limited_support.dll";
+    int wait = 0;
+    host::Style style = host::Style::Text;
+    bool trace = false;
+    bool list = false;
+    bool identity = false;
+    bool help = false;
+    bool wrong = false;
+    std::vector<std::string> words;
+};
+
+constexpr int kLibraryOption = 1000;
+
+constexpr option kLongOptions[] = {
+    {"user", required_argument, nullptr, 'u'}, {"script", required_argument, nullptr, 's'},
+    {"wait", required_argument, nullptr, 'w'}, {"json", no_argument, nullptr, 'j'},
+    {"trace", no_argument, nullptr, 't'},      {"list", no_argument, nullptr, 'l'},
+    {"identity", no_argument, nullptr, 'i'},   {"library", required_argument, nullptr, kLibraryOption},
+    {"help", no_argument, nullptr, 'h'},       {nullptr, 0, nullptr, 0},
+};
+
+void Take(Options& options, int letter, const char* value)
+{
+    switch (letter)
+    {
+    case 'u':
+        options.user = value;
+        break;
+    case 's':
+        options.script = value;
+        break;
+    case 'w':
+        options.wait = host::ParseNumber(value).value_or(0);
+        break;
+    case 'j':
+        options.style = host::Style::Json;
+        break;
+    case 't':
+        options.trace = true;
+        break;
+    case 'l':
+        options.list = true;
+        break;
+    case 'i':
+        options.identity = true;
+        break;
+    case kLibraryOption:
+        options.library = value;
+        break;
+    case 'h':
+        options.help = true;
+        break;
+    default:
+        options.wrong = true;
+        break;
+    }
+}
+
+Options ReadOptions(int argc, char** argv)
+{
+    Options options;
+    int letter = 0;
+    while ((letter = getopt_long(argc, argv, "u:s:w:jtlih", kLongOptions, nullptr)) != -1)
+    {
+        Take(options, letter, optarg);
+    }
+    options.words.assign(argv + optind, argv + argc);
+    return options;
+}
+
+// The answer's code goes out as the exit status; one request or a whole script.
+int RunAll(host::Console& console, const Options& options)
+{
+    if (!options.words.empty())
+    {
+        const int code = console.Run(options.words);
+        return code < 0 ? kWrongUsage : code;
+    }
+    if (options.script.empty() || options.script == "-")
+    {
+        return console.RunLines(std::cin, options.script.empty() ? "trx> " : "");
+    }
+    std::ifstream script(options.script);
+    if (!script)
+    {
+        std::fprintf(stderr, "trxhost: can't read %s\n", options.script.c_str());
+        return kWrongUsage;
+    }
+    return console.RunLines(script, "");
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const Options options = ReadOptions(argc, argv);
+    if (options.help || options.wrong)
+    {
+        std::fputs(kUsage, options.wrong ? stderr : stdout);
+        return options.wrong ? kWrongUsage : 0;
+    }
+    if (options.list)
+    {
+        std::fputs(host::ShowCatalogue(options.style).c_str(), stdout);
+        return 0;
+    }
+#ifndef _WIN32
+    if (options.trace)
+    {
+        simulated::Trace::Print(true);
+    }
+#endif
+
+    host::Session session;
+    host::Console console(session, options.user, options.style);
+    const std::string fault =
+        session.Start(options.library, [&console](const host::Event& event) { console.Receive(event); });
+    if (!fault.empty())
+    {
+        std::fprintf(stderr, "trxhost: %s\n", fault.c_str());
+        return kNoPlugIn;
+    }
+    if (options.identity)
+    {
+        std::printf("%s\n%s\n", session.ModuleId().c_str(), session.Description().c_str());
+        return 0;
+    }
+    const int status = RunAll(console, options);
+    if (options.wait > 0)
+    {
+        Sleep(static_cast<DWORD>(options.wait));
+    }
+    session.Stop();
+    return status;
+}

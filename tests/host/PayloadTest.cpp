@@ -1,0 +1,91 @@
+// tests/host/PayloadTest.cpp
+//
+// The bytes that field names and values become.
+
+#include "Payload.h"
+#include "CommandCatalogue.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace
+{
+
+std::int32_t NumberAt(const host::Payload& payload, std::size_t offset)
+{
+    std::int32_t number = 0;
+    std::memcpy(&number, payload.bytes.data() + offset, sizeof number);
+    return number;
+}
+
+const char* TextAt(const host::Payload& payload, std::size_t offset)
+{
+    return reinterpret_cast<const char*>(payload.bytes.data()) + offset;
+}
+
+host::Payload Build(const host::RecordShape& shape, std::vector<std::string> words)
+{
+    return host::BuildPayload(shape, words);
+}
+
+} // namespace
+
+TEST(PayloadTest, FieldsGoToTheirOffsets)
+{
+    const auto config = Build(host::kConfigData, {"type=profile", "FILE=a.ini", "section=S", "item=K",
+                                                  "value=-7", "default=0x10", "string=x y"});
+    ASSERT_EQ("", config.error);
+    ASSERT_EQ(1036u, config.bytes.size());
+    EXPECT_EQ(1, NumberAt(config, 0));
+    EXPECT_STREQ("a.ini", TextAt(config, 4));
+    EXPECT_STREQ("S", TextAt(config, 260));
+    EXPECT_STREQ("K", TextAt(config, 516));
+    EXPECT_STREQ("x y", TextAt(config, 772));
+    EXPECT_EQ(16, NumberAt(config, 1028));
+    EXPECT_EQ(-7, NumberAt(config, 1032));
+}
+
+TEST(PayloadTest, BareWordsFillTheFieldsInOrder)
+{
+    const auto variable = Build(host::kVariableData, {"name=Wifi", "3", "battery", "42"});
+    ASSERT_EQ("", variable.error);
+    EXPECT_EQ(3, NumberAt(variable, 0));
+    EXPECT_EQ(0, NumberAt(variable, 4));
+    EXPECT_STREQ("Wifi", TextAt(variable, 8));
+    EXPECT_EQ(42, NumberAt(variable, 40));
+}
+
+// A whole-scheme edit of one field must not change the others: what isn't named is a value that no option
+// list holds.
+TEST(PayloadTest, WholeSchemeLeavesUnnamedVariablesAlone)
+{
+    const auto scheme = Build(host::kWholeScheme, {"scheme=4", "dc.wifi=off"});
+    ASSERT_EQ("", scheme.error);
+    ASSERT_EQ(632u, scheme.bytes.size());
+    EXPECT_EQ(4, NumberAt(scheme, 544));
+    EXPECT_EQ(-1, NumberAt(scheme, 548));
+    EXPECT_EQ(0, NumberAt(scheme, 608));
+    EXPECT_EQ(0, NumberAt(scheme, 620));
+}
+
+TEST(PayloadTest, WrongWordsAreRefusedWithAReason)
+{
+    struct Case
+    {
+        const host::RecordShape& shape;
+        std::vector<std::string> words;
+        const char* reason;
+    };
+    const Case cases[] = {
+        {host::kNoRecord, {"1"}, "takes no payload"},
+        {host::kSchemeNumber, {"1", "2"}, "no field"},
+        {host::kSchemeNumber, {"shceme=1"}, "the fields are: scheme"},
+        {host::kSchemeNumber, {"three"}, "wants a number"},
+        {host::kVariableData, {"name=" + std::string(32, 'x')}, "takes 31 bytes"},
+    };
+    for (const Case& each : cases)
+    {
+        EXPECT_NE(std::string::npos, Build(each.shape, each.words).error.find(each.reason)) << each.reason;
+    }
+}
