@@ -1,0 +1,56 @@
+# What `run` and `test` share: saying what happens, and having the packages that a step needs.
+# Sourced by bash; the caller has set `set -euo pipefail` and stands in the project's folder.
+
+say() { printf '\n==> %s\n' "$*"; }
+loud() { printf '\n!!! %s\n' "$*" >&2; }
+die() { loud "$*"; exit 1; }
+
+packages_asked=no
+
+# have_or_install COMMAND-OR-FILE PACKAGE...: true when it is there, or is after installing the packages.
+have_or_install() {
+  local wanted=$1
+  shift
+  is_there "$wanted" && return 0
+  [ "$(id -u)" = 0 ] && command -v apt-get >/dev/null || return 1
+  say "Installing $* (for $wanted)"
+  export DEBIAN_FRONTEND=noninteractive
+  if [ "$packages_asked" = no ]; then
+    packages_asked=yes
+    timeout 300 apt-get update -qq >/dev/null 2>&1 || true
+  fi
+  timeout 900 apt-get install -y -qq "$@" >/dev/null 2>&1 || true
+  is_there "$wanted"
+}
+
+is_there() {
+  case $1 in
+    /*) [ -e "$1" ] ;;
+    *) command -v "$1" >/dev/null 2>&1 ;;
+  esac
+}
+
+# need COMMAND-OR-FILE PACKAGE...: ends the script with a clear word when it can't be had.
+need() {
+  have_or_install "$@" || die "$1 is missing and could not be installed. On Debian it comes with: ${*:2}"
+}
+
+need_native_tools() {
+  need g++ g++
+  need cmake cmake
+  need ninja ninja-build
+}
+
+# build PRESET [TARGET...]: configures when needed and builds; prints the whole log only when it fails.
+build() {
+  local preset=$1 log
+  shift
+  log=build/$preset.log
+  mkdir -p build
+  local options=()
+  command -v ccache >/dev/null 2>&1 && options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+  if ! { cmake --preset "$preset" "${options[@]}" && cmake --build --preset "$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
+    grep -E 'error|Error|FAILED' -A3 "$log" | head -80 >&2 || true
+    die "The build '$preset' failed; the whole log is in $log"
+  fi
+}
