@@ -12,6 +12,8 @@
 //
 // machine.ini takes modules and entries away, section "Modules": "PowrProf.dll=absent",
 // "PowrProf.dll.PowerReadFriendlyName=absent", "Shlwapi.dll.270=absent". What is bound at link time stays.
+// Any other value adds a module: "ORVLDLL.DLL=C:\Program Files\Kelvo\ORVL\Bin\ORVLDLL.DLL" is loaded from
+// that path and exports nothing.
 #pragma once
 
 #include "notebook/PlatformCall.h"
