@@ -16,8 +16,8 @@ namespace simulated
 namespace
 {
 
-constexpr std::uint64_t kScale = 50;
-constexpr std::uint64_t kLeastGrace = 20;
+constexpr std::uint64_t kScale = 20;
+constexpr std::uint64_t kLeastGrace = 50;
 
 bool StartsInstant() noexcept
 {

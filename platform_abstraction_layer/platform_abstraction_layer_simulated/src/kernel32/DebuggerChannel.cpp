@@ -1,0 +1,40 @@
+// kernel32/DebuggerChannel.cpp
+//
+// OutputDebugString: texts go to the notebook's list instead of a debugger.
+
+#include "notebook/CodePage.h"
+#include "notebook/DebugOutput.h"
+#include "notebook/PlatformCall.h"
+#include "notebook/Text.h"
+
+#include <windows.h>
+
+using namespace simulated;
+
+namespace
+{
+
+void Send(PlatformCall& call, const std::string& text)
+{
+    if (!call.IsRefused())
+    {
+        DebugOutput::Send(text);
+    }
+    call.Answer("");
+}
+
+} // namespace
+
+SIM_API void WINAPI OutputDebugStringW(LPCWSTR text)
+{
+    PlatformCall call(CallClass::System, "OutputDebugStringW", SIM_CALLER);
+    call.Arguments(text);
+    Send(call, ToUtf8(text));
+}
+
+SIM_API void WINAPI OutputDebugStringA(LPCSTR text)
+{
+    PlatformCall call(CallClass::System, "OutputDebugStringA", SIM_CALLER);
+    call.Arguments(text);
+    Send(call, text == nullptr ? std::string() : Decode(Encoding::Windows1252, text));
+}
