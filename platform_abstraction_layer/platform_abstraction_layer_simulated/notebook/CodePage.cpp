@@ -4,6 +4,7 @@
 
 #include "notebook/CodePage.h"
 
+#include "notebook/Machine.h"
 #include "notebook/Text.h"
 
 #include <algorithm>
@@ -24,6 +25,7 @@ constexpr std::array<wchar_t, 32> kUpperControls = {
 
 constexpr unsigned char kFirstUpperControl = 0x80;
 constexpr unsigned char kDefaultCharacter = '?';
+constexpr unsigned kUtf8CodePage = 65001;
 
 // The plain letters that stand for U+0100 to U+017F. "?" marks those that have none, and those that the code
 // page holds itself.
@@ -57,6 +59,12 @@ std::optional<unsigned char> ToWindows1252(wchar_t unit) noexcept
         return static_cast<unsigned char>(kLatinExtended[index]);
     }
     return std::nullopt;
+}
+
+Encoding AnsiEncoding()
+{
+    return Machine::ReadNumber("Machine", "AnsiCodePage", 0) == kUtf8CodePage ? Encoding::Utf8
+                                                                              : Encoding::Windows1252;
 }
 
 std::string Decode(Encoding encoding, std::string_view bytes)

@@ -19,6 +19,10 @@ enum class Encoding
     Utf16 ///< little-endian
 };
 
+/// The encoding of narrow text on this machine: machine.ini, section "Machine", key "AnsiCodePage", which is
+/// 1252 or 65001.
+Encoding AnsiEncoding();
+
 /// Text as UTF-8. Bytes that encode nothing stay as they are in UTF-8 text; a lone last byte of UTF-16 is
 /// left out.
 std::string Decode(Encoding encoding, std::string_view bytes);

@@ -1,0 +1,156 @@
+// kernel32/ProfileApi.cpp
+//
+// The public profile functions: arguments, buffers, answers.
+
+#include "kernel32/Profile.h"
+
+#include "notebook/PlatformCall.h"
+#include "notebook/Text.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstring>
+
+using namespace simulated;
+
+namespace
+{
+
+constexpr LPCWSTR kDefaultFile = L"win.ini";
+
+std::optional<std::string> Optional(LPCWSTR text)
+{
+    return text == nullptr ? std::nullopt : std::optional(ToUtf8(text));
+}
+
+std::string FileName(LPCWSTR file)
+{
+    return ToUtf8(file == nullptr ? kDefaultFile : file);
+}
+
+void CopyUnits(const std::vector<wchar_t>& units, std::size_t count, LPWSTR buffer)
+{
+    if (count > 0)
+    {
+        std::memcpy(buffer, units.data(), count * sizeof(wchar_t));
+    }
+}
+
+// The characters copied; of a text that doesn't fit `size` - 1.
+DWORD CopyText(std::string_view text, LPWSTR buffer, DWORD size)
+{
+    const std::vector<wchar_t> units = ToUtf16(text);
+    const std::size_t count = std::min<std::size_t>(units.size(), size - 1);
+    CopyUnits(units, count, buffer);
+    buffer[count] = 0;
+    return static_cast<DWORD>(count);
+}
+
+// The texts, each with its terminator, and one more terminator; what doesn't fit is cut so that two remain.
+DWORD CopyList(const std::vector<std::string>& texts, LPWSTR buffer, DWORD size)
+{
+    std::vector<wchar_t> units;
+    for (const std::string& text : texts)
+    {
+        const std::vector<wchar_t> more = ToUtf16(text);
+        units.insert(units.end(), more.begin(), more.end());
+        units.push_back(0);
+    }
+    if (units.size() < size)
+    {
+        CopyUnits(units, units.size(), buffer);
+        buffer[units.size()] = 0;
+        return static_cast<DWORD>(units.size());
+    }
+    const DWORD count = size < 2 ? 0 : size - 2;
+    CopyUnits(units, count, buffer);
+    std::fill(buffer + count, buffer + size, wchar_t{0});
+    return count;
+}
+
+// Blanks at the end of a default are no part of it.
+std::string DefaultText(LPCWSTR otherwise)
+{
+    std::string text = ToUtf8(otherwise);
+    text.resize(text.find_last_not_of(' ') + 1);
+    return text;
+}
+
+Outcome<DWORD> GetString(LPCWSTR section, LPCWSTR key, LPCWSTR otherwise, LPWSTR buffer, DWORD size,
+                         const std::string& file)
+{
+    if (size == 0 || buffer == nullptr)
+    {
+        return {0, ERROR_SUCCESS};
+    }
+    const Outcome<std::optional<IniDocument>> document = profile::Read(file);
+    const auto answerDefault = [&](DWORD error) -> Outcome<DWORD> {
+        return {CopyText(profile::Unquote(DefaultText(otherwise)), buffer, size), error};
+    };
+    if (!document.value)
+    {
+        return answerDefault(document.error);
+    }
+    if (section == nullptr)
+    {
+        return {CopyList(document.value->Sections(), buffer, size), ERROR_SUCCESS};
+    }
+    if (key == nullptr)
+    {
+        const std::vector<std::string> keys = document.value->Keys(ToUtf8(section));
+        return keys.empty() ? answerDefault(ERROR_FILE_NOT_FOUND)
+                            : Outcome<DWORD>{CopyList(keys, buffer, size), ERROR_SUCCESS};
+    }
+    const std::optional<std::string> value = document.value->Value(ToUtf8(section), ToUtf8(key));
+    return value ? Outcome<DWORD>{CopyText(profile::Unquote(*value), buffer, size), ERROR_SUCCESS}
+                 : answerDefault(ERROR_FILE_NOT_FOUND);
+}
+
+Outcome<UINT> GetInt(LPCWSTR section, LPCWSTR key, INT otherwise, const std::string& file)
+{
+    const auto missing = static_cast<UINT>(otherwise);
+    const Outcome<std::optional<IniDocument>> document = profile::Read(file);
+    if (!document.value || section == nullptr || key == nullptr)
+    {
+        return {missing, document.error};
+    }
+    const std::optional<std::string> value = document.value->Value(ToUtf8(section), ToUtf8(key));
+    if (!value)
+    {
+        return {missing, ERROR_FILE_NOT_FOUND};
+    }
+    const std::string_view text = profile::Unquote(*value);
+    return {text.empty() ? missing : profile::ToNumber(text), ERROR_SUCCESS};
+}
+
+} // namespace
+
+SIM_API DWORD WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR otherwise, LPWSTR buffer,
+                                              DWORD size, LPCWSTR file)
+{
+    PlatformCall call(CallClass::Profile, "GetPrivateProfileStringW", SIM_CALLER);
+    call.Arguments(section, key, otherwise, size, file);
+    if (call.IsRefused() && size > 0 && buffer != nullptr)
+    {
+        CopyText(profile::Unquote(DefaultText(otherwise)), buffer, size);
+    }
+    return call.Result<DWORD>(0, [&]
+                              { return GetString(section, key, otherwise, buffer, size, FileName(file)); });
+}
+
+SIM_API UINT WINAPI GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT otherwise, LPCWSTR file)
+{
+    PlatformCall call(CallClass::Profile, "GetPrivateProfileIntW", SIM_CALLER);
+    call.Arguments(section, key, otherwise, file);
+    return call.Result<UINT>(static_cast<UINT>(otherwise),
+                             [&] { return GetInt(section, key, otherwise, FileName(file)); });
+}
+
+SIM_API BOOL WINAPI WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR file)
+{
+    PlatformCall call(CallClass::Profile, "WritePrivateProfileStringW", SIM_CALLER);
+    call.Arguments(section, key, value, file);
+    return call.Boolean(
+        [&] { return profile::Write(FileName(file), Optional(section), Optional(key), Optional(value)); });
+}
