@@ -1,0 +1,35 @@
+// plugin/AutoRunCommand.cpp
+//
+// The command that has the companion application start with Windows, or not. It is made for no user in
+// particular.
+
+#include "foundation/PmLog.h"
+#include "foundation/Text.h"
+#include "plugin/Exchange.h"
+#include "plugin/Handlers.h"
+#include "plugin/WireRecords.h"
+#include "scheme/SchemeEx.h"
+
+#include <iterator>
+
+LONG ProcessORVARequest(const PM_Request& request, LONG number) noexcept
+{
+    PmLog(L"enter ProcessORVARequest %d", number);
+    const exchange::Terms terms{exchange::Length::Unchecked, sizeof(PM_AutoRun_Data), exchange::Reply::None};
+    if (!exchange::ArePointersRight(request, terms))
+    {
+        return TRX_OPERATION_FAIL;
+    }
+    const auto record = exchange::ReadPayload<PM_AutoRun_Data>(request);
+    wchar_t path[text::kPathCapacity];
+    text::ToWide(record.path, sizeof record.path, path, std::size(path));
+    PmLog(L"PM_AUTORUN_ORVA: get autorun flag=%d, orva path is %s", record.flag, path);
+
+    CSchemeEx engine;
+    if (engine.SetAutoRunORVA(static_cast<int>(record.flag), path, static_cast<ULONG>(std::size(path))) == 0)
+    {
+        PmLog(L"PM_AUTORUN_ORVA: SetAutoRunORVA failed");
+        return TRX_OPERATION_FAIL;
+    }
+    return TRX_OPERATION_OK;
+}
