@@ -1,0 +1,46 @@
+@echo off
+rem find-folder.cmd ACCOUNT
+rem
+rem Sets appdata_folder to the local application data folder of an account, as the account's hive tells it. Empty
+rem when it isn't known. Called by install.cmd.
+set appdata_folder=
+set shell_folders=Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders
+if /i "%~1"=="%USERNAME%" call :ask "HKCU\%shell_folders%"
+if /i "%~1"=="SYSTEM" call :ask "HKU\S-1-5-18\%shell_folders%"
+if /i "%~1"=="LocalService" call :ask "HKU\S-1-5-19\%shell_folders%"
+if /i "%~1"=="NetworkService" call :ask "HKU\S-1-5-20\%shell_folders%"
+if not "%appdata_folder%"=="" exit /b 0
+
+rem A user who is logged on now: his key is named by his SID, and his profile folder by his name.
+reg query "HKLM\SOFTWARE\Microsoft\Windows NT\CurrentVersion\ProfileList" >"%TEMP%\orvl-profiles.txt" 2>nul
+for /f "usebackq tokens=*" %%k in ("%TEMP%\orvl-profiles.txt") do call :try_profile "%%k" "%~1"
+del "%TEMP%\orvl-profiles.txt"
+exit /b 0
+
+rem :query KEY VALUE: puts the line that holds the value into a file, and an empty one when there is none.
+:query
+reg query %1 /v %2 2>nul | find "REG_" >"%TEMP%\orvl-query.txt"
+exit /b 0
+
+rem :ask KEY: the value's text stands behind its name, which has a blank in it, and its type.
+:ask
+call :query %1 "Local AppData"
+for /f "usebackq tokens=2*" %%a in ("%TEMP%\orvl-query.txt") do call :take %%b
+del "%TEMP%\orvl-query.txt"
+exit /b 0
+
+:take
+set appdata_folder=%*
+if "%appdata_folder:~0,6%"=="REG_SZ" set appdata_folder=%appdata_folder:~6%
+:trim
+if "%appdata_folder:~0,1%"==" " set appdata_folder=%appdata_folder:~1%& goto trim
+exit /b 0
+
+:try_profile
+for %%s in (%1) do set sid=%%~nxs
+call :query %1 ProfileImagePath
+set image=
+for /f "usebackq tokens=2*" %%a in ("%TEMP%\orvl-query.txt") do set image=%%b
+del "%TEMP%\orvl-query.txt"
+for %%p in ("%image%") do if /i "%%~nxp"=="%~2" call :ask "HKU\%sid%\%shell_folders%"
+exit /b 0
