@@ -1,0 +1,108 @@
+// notebook/Accounts.cpp
+//
+// Accounts in machine.ini.
+
+#include "notebook/Accounts.h"
+
+#include "notebook/Machine.h"
+#include "notebook/Text.h"
+
+#include <algorithm>
+
+namespace simulated
+{
+
+namespace
+{
+
+constexpr std::string_view kSectionBegin = "Account ";
+
+std::string SectionOf(std::string_view name)
+{
+    return std::string(kSectionBegin) + std::string(name);
+}
+
+std::string NameOf(std::string_view section)
+{
+    const std::string_view begin = section.substr(0, kSectionBegin.size());
+    return EqualIgnoringCase(begin, kSectionBegin) ? std::string(section.substr(begin.size()))
+                                                   : std::string();
+}
+
+std::optional<Account> ReadAccount(const std::string& name)
+{
+    const std::string section = SectionOf(name);
+    std::optional<std::string> sid = Machine::Read(section, "Sid");
+    if (!sid)
+    {
+        return std::nullopt;
+    }
+    return Account{name,
+                   Machine::Read(section, "Domain", ""),
+                   *sid,
+                   Machine::Read(section, "Profile", ""),
+                   Machine::ReadNumber(section, "LoggedOn", 0) != 0,
+                   Machine::ReadNumber(section, "WellKnown", 0) != 0};
+}
+
+} // namespace
+
+std::vector<Account> Accounts::All()
+{
+    std::vector<Account> all;
+    for (const std::string& section : Machine::Sections())
+    {
+        const std::string name = NameOf(section);
+        if (std::optional<Account> account = name.empty() ? std::nullopt : ReadAccount(name))
+        {
+            all.push_back(std::move(*account));
+        }
+    }
+    return all;
+}
+
+std::optional<Account> Accounts::Find(std::string_view name)
+{
+    const std::size_t separator = name.find('\\');
+    if (separator == std::string_view::npos)
+    {
+        return ReadAccount(std::string(name));
+    }
+    std::optional<Account> account = ReadAccount(std::string(name.substr(separator + 1)));
+    return account && EqualIgnoringCase(account->domain, name.substr(0, separator)) ? account : std::nullopt;
+}
+
+std::optional<Account> Accounts::FindSid(std::string_view sid)
+{
+    const std::vector<Account> all = All();
+    const auto found =
+        std::find_if(all.begin(), all.end(),
+                     [sid](const Account& account) { return EqualIgnoringCase(sid, account.sid); });
+    return found == all.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<Account> Accounts::Running()
+{
+    return Find(Machine::Account());
+}
+
+std::string Accounts::RunningSid()
+{
+    return Machine::Read(SectionOf(Machine::Account()), "Sid", "");
+}
+
+bool Accounts::Store(const Account& account)
+{
+    const std::string section = SectionOf(account.name);
+    return Machine::Write(section, "Sid", account.sid) && Machine::Write(section, "Domain", account.domain) &&
+           Machine::Write(section, "Profile", account.profile) &&
+           Machine::WriteNumber(section, "LoggedOn", account.isLoggedOn ? 1 : 0) &&
+           Machine::WriteNumber(section, "WellKnown", account.isWellKnown ? 1 : 0);
+}
+
+bool Accounts::Remove(std::string_view name)
+{
+    return Machine::Remove(SectionOf(name));
+}
+
+} // namespace simulated

@@ -1,0 +1,40 @@
+// notebook/Profiles.h
+//
+// What an account has on the machine once it has logged on: a profile folder on drive C with "NTUSER.DAT",
+// and a registry hive. The hive is the folder "registry/hives/<account>"; "NTUSER.DAT" is a file of one line
+// that names it, and a loaded hive is a link to it in "registry/HKEY_USERS".
+#pragma once
+
+#include "notebook/Accounts.h"
+
+#include <windef.h>
+
+namespace simulated::profiles
+{
+
+/// The folders of a generation of Windows: 5 or 6 and later.
+struct Layout
+{
+    std::string_view users;        ///< where the users' profiles lie
+    std::string_view services;     ///< and those of LocalService and NetworkService
+    std::string_view localAppData; ///< inside a profile
+    std::string_view appData;
+};
+const Layout& LayoutOf(DWORD majorVersion);
+
+inline constexpr std::string_view kEarlyLocalAppData = "Local Settings\\Application Data";
+
+/// The host's path of a path on drive C, as spelled.
+std::string HostPath(std::string_view windowsPath);
+
+/// Makes profile and hive. The hive isn't loaded yet.
+bool Create(const Account& account, DWORD majorVersion);
+
+/// Takes both away.
+bool Remove(const Account& account);
+
+/// Brings the hive of an account in below HKEY_USERS under its SID, and takes it out.
+bool Load(const Account& account);
+bool Unload(const Account& account);
+
+} // namespace simulated::profiles
