@@ -10,6 +10,8 @@ endif()
 set(INSTALL_GTEST OFF)
 if(WIN32)
   set(gtest_disable_pthreads ON)
+  # The win32 flavour of the cross-compiler has no std::mutex, which GoogleTest asks of it in one place.
+  include_directories(${CMAKE_CURRENT_LIST_DIR}/windows)
 endif()
 add_subdirectory(${GTEST_SOURCES} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 
@@ -18,6 +20,9 @@ function(add_test_program name)
   add_executable(${name} ${ARG_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE project_flags ${ARG_LIBRARIES} gtest gmock gtest_main)
   target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+  if(WIN32)
+    target_compile_options(${name} PRIVATE -Wa,-mbig-obj)
+  endif()
   add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
   set_tests_properties(${name} PROPERTIES
     FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\]"

@@ -1,0 +1,82 @@
+// service/Boards.cpp
+//
+// Requests off one board, answers onto the other.
+
+#include "Boards.h"
+
+#include <cstring>
+
+namespace service
+{
+
+namespace
+{
+
+constexpr ULONG kInstance = 0;
+
+// A board refuses at once while the other side copies, which takes microseconds; only a party that died in
+// the middle holds the lock for longer.
+constexpr int kAttempts = 100;
+constexpr DWORD kPause = 10;
+
+template <class Access>
+bool Retry(Access access)
+{
+    for (int attempt = 0; attempt < kAttempts; ++attempt)
+    {
+        if (access() == 0)
+        {
+            return true;
+        }
+        Sleep(kPause);
+    }
+    return false;
+}
+
+/// The text behind the header, of the length that the header names. False when that can't be.
+bool CopyText(const BYTE* board, DWORD size, wchar_t* text)
+{
+    if (size < sizeof(wchar_t) || size % sizeof(wchar_t) != 0 || size > kTextCapacity * sizeof(wchar_t))
+    {
+        return false;
+    }
+    std::memcpy(text, board + sizeof(IpbDataHeader), size);
+    return text[size / sizeof(wchar_t) - 1] == 0;
+}
+
+} // namespace
+
+bool Boards::Create()
+{
+    // Askers open the result board first: when that succeeds, the other one must be there.
+    return m_parameters.Reset(L"ORVL_IPB_PARA", kBoardSize, 1, kInstance) == 0 &&
+           m_results.Reset(L"ORVL_IPB_RSLT", kBoardSize, 1, kInstance) == 0;
+}
+
+bool Boards::Take(Request& request)
+{
+    request = {};
+    // Reset before reading: a request that arrives meanwhile rings again.
+    m_parameters.Flag(1);
+
+    BYTE board[kBoardSize];
+    if (!Retry([&] { return m_parameters.Read(0, board, sizeof board); }))
+    {
+        return false;
+    }
+    IpbDataHeader header{};
+    std::memcpy(&header, board, sizeof header);
+    request.code = header.code;
+    request.value = header.value;
+    request.wellFormed = CopyText(board, header.size, request.text);
+    request.text[kTextCapacity] = 0;
+    return true;
+}
+
+bool Boards::Give(const Answer& answer)
+{
+    IpbDataHeader header{answer.code, answer.value, 0};
+    return Retry([&] { return m_results.Paste(0, &header, sizeof header); }) && m_results.Flag(0) != 0;
+}
+
+} // namespace service

@@ -1,0 +1,124 @@
+// service/Main.cpp
+//
+// orvlservice: the process on the other side of the boards. It hears of every applied scheme, makes the
+// number known to the plug-in that listens, and changes devices on request.
+
+#include "Boards.h"
+#include "Options.h"
+#include "Requests.h"
+#include "StopSignal.h"
+
+#include "foundation/Results.h"
+
+#include <cstdio>
+
+namespace
+{
+
+using namespace service;
+
+/// Serves the request that rang. False when the board can't be reached any more.
+bool ServeOne(Boards& boards, const Options& options)
+{
+    Request request;
+    if (!boards.Take(request))
+    {
+        std::printf("the parameter board can't be read\n");
+        return false;
+    }
+    Print(request);
+    if (options.silent)
+    {
+        std::printf("  left without an answer\n");
+        return true;
+    }
+    const Answer answer = options.refuse ? FailureNotice(kGeneralFailure) : Carry(request);
+    if (options.slowMilliseconds != 0)
+    {
+        Sleep(options.slowMilliseconds);
+    }
+    if (!boards.Give(answer))
+    {
+        std::printf("the result board can't be written\n");
+        return false;
+    }
+    if (options.verbose || answer.code != 1)
+    {
+        std::printf("  answered code %lu, value 0x%lx\n", static_cast<unsigned long>(answer.code),
+                    static_cast<unsigned long>(answer.value));
+    }
+    return true;
+}
+
+/// Until something ends the service. The process's exit code.
+int Serve(const Options& options)
+{
+    StopSignal stop;
+    if (!stop.Listen())
+    {
+        std::fprintf(stderr, "orvlservice: a service is running already\n");
+        return 1;
+    }
+    Boards boards;
+    if (!boards.Create())
+    {
+        std::fprintf(stderr, "orvlservice: the boards can't be created, error %lu\n",
+                     static_cast<unsigned long>(GetLastError()));
+        return 1;
+    }
+    std::printf("serving\n");
+
+    const HANDLE signals[] = {stop.Event(), boards.Doorbell()};
+    while (!stop.IsDue())
+    {
+        const DWORD woken = WaitForMultipleObjects(2, signals, FALSE, StopSignal::kPollMilliseconds);
+        if (woken == WAIT_FAILED)
+        {
+            std::fprintf(stderr, "orvlservice: the wait failed with error %lu\n",
+                         static_cast<unsigned long>(GetLastError()));
+            return 1;
+        }
+        // A board that can't be reached now may be free at the next request.
+        if (woken == WAIT_OBJECT_0 + 1)
+        {
+            ServeOne(boards, options);
+            if (options.once)
+            {
+                break;
+            }
+        }
+    }
+    std::printf("ended\n");
+    return 0;
+}
+
+} // namespace
+
+int main(int count, char** arguments)
+{
+    // Each line is of use as soon as it is written, to a person and to a script that waits for it.
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
+
+    Options options;
+    if (!ParseOptions(count, arguments, options))
+    {
+        PrintUsage();
+        return 2;
+    }
+    switch (options.task)
+    {
+    case Task::Help:
+        PrintUsage();
+        return 0;
+    case Task::StopOther:
+        if (!StopSignal::Send())
+        {
+            std::fprintf(stderr, "orvlservice: no service is running\n");
+            return 1;
+        }
+        return 0;
+    case Task::Serve:
+        break;
+    }
+    return Serve(options);
+}

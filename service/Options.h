@@ -1,0 +1,32 @@
+// service/Options.h
+//
+// What the command line asks of the service.
+#pragma once
+
+namespace service
+{
+
+enum class Task
+{
+    Serve,
+    StopOther, ///< ask the running service to end
+    Help
+};
+
+struct Options
+{
+    Task task = Task::Serve;
+    unsigned slowMilliseconds = 0; ///< wait this long before each answer
+    bool refuse = false;           ///< answer every request with a failure notice, doing nothing
+    bool silent = false;           ///< take requests and answer none
+    bool once = false;             ///< end after the first request
+    bool verbose = false;          ///< tell every step, not only the requests
+};
+
+/// Reads the arguments behind the program's name; false when one isn't understood, which is then told on
+/// standard error.
+bool ParseOptions(int count, char** arguments, Options& options);
+
+void PrintUsage();
+
+} // namespace service

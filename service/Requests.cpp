@@ -1,0 +1,129 @@
+// service/Requests.cpp
+//
+// The request codes as a table.
+
+#include "Requests.h"
+
+#include "agents/DevMgr.h"
+#include "foundation/Owners.h"
+#include "foundation/Results.h"
+
+#include <cstdio>
+
+namespace service
+{
+
+namespace
+{
+
+constexpr DWORD kSuccess = 1;
+constexpr DWORD kFailure = 0;
+
+constexpr const wchar_t* kCompanionKey = L"Software\\Kelvo\\ORVA";
+constexpr const wchar_t* kCurrentScheme = L"CurrentPwrSchemeID";
+constexpr const wchar_t* kAppliedEvent = L"ApplySchemeEvent";
+
+/// The system's error number, 0 when the number of the scheme was stored.
+LSTATUS StoreScheme(DWORD scheme)
+{
+    owners::Key key;
+    const LSTATUS created =
+        RegCreateKeyExW(HKEY_LOCAL_MACHINE, kCompanionKey, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_SET_VALUE,
+                        nullptr, key.Receive(), nullptr);
+    if (created != ERROR_SUCCESS)
+    {
+        return created;
+    }
+    return RegSetValueExW(key.Get(), kCurrentScheme, 0, REG_DWORD, reinterpret_cast<const BYTE*>(&scheme),
+                          sizeof scheme);
+}
+
+/// True when a host listens and was told.
+bool SignalApplied()
+{
+    const owners::Handle event(OpenEventW(EVENT_MODIFY_STATE, FALSE, kAppliedEvent));
+    return event && SetEvent(event.Get());
+}
+
+/// A scheme was applied: note its number where the plug-in looks for it, then wake the plug-in.
+Answer SchemeApplied(const Request& request)
+{
+    if (const LSTATUS error = StoreScheme(request.value); error != ERROR_SUCCESS)
+    {
+        std::printf("  storing CurrentPwrSchemeID failed with error %ld\n", static_cast<long>(error));
+        return FailureNotice(ResultFromWin32(static_cast<DWORD>(error)));
+    }
+    std::printf("  stored CurrentPwrSchemeID %lu, %s\n", static_cast<unsigned long>(request.value),
+                SignalApplied() ? "signalled ApplySchemeEvent" : "no host waits for ApplySchemeEvent");
+    return {kSuccess, 0};
+}
+
+/// The text is a device's instance id, the value the action: 1 enables, 2 disables.
+Answer ChangeDevice(const Request& request)
+{
+    const LONG result = CDevMgr::ExecStateChange(request.text, request.value);
+    std::printf("  device change gave 0x%lx\n", static_cast<unsigned long>(static_cast<DWORD>(result)));
+    return {kSuccess, static_cast<DWORD>(result)};
+}
+
+struct Service
+{
+    DWORD code;
+    const char* name;
+    Answer (*carry)(const Request& request);
+};
+
+constexpr Service kServices[] = {
+    {2, "device change", ChangeDevice},
+    {3, "scheme applied", SchemeApplied},
+};
+
+const Service* Find(DWORD code)
+{
+    for (const Service& row : kServices)
+    {
+        if (row.code == code)
+        {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+Answer FailureNotice(LONG reason) noexcept
+{
+    return {kFailure, static_cast<DWORD>(reason)};
+}
+
+Answer Carry(const Request& request)
+{
+    const Service* service = Find(request.code);
+    if (service == nullptr)
+    {
+        std::printf("  no such request code\n");
+        return FailureNotice(kNotSupported);
+    }
+    if (!request.wellFormed)
+    {
+        std::printf("  the text doesn't fit the board or doesn't end\n");
+        return FailureNotice(kBadArgument);
+    }
+    return service->carry(request);
+}
+
+void Print(const Request& request)
+{
+    const Service* service = Find(request.code);
+    char text[3 * kTextCapacity + 1];
+    if (WideCharToMultiByte(CP_ACP, 0, request.text, -1, text, sizeof text, nullptr, nullptr) == 0)
+    {
+        text[0] = 0;
+    }
+    std::printf("request %lu (%s), value %lu, text \"%s\"\n", static_cast<unsigned long>(request.code),
+                service == nullptr ? "unknown" : service->name, static_cast<unsigned long>(request.value),
+                text);
+}
+
+} // namespace service

@@ -1,0 +1,20 @@
+// service/Requests.h
+//
+// What the service does for each request code.
+#pragma once
+
+#include "Boards.h"
+
+namespace service
+{
+
+/// Carries `request` out and prints what came of it.
+Answer Carry(const Request& request);
+
+/// The notice that something went wrong, with the reason.
+Answer FailureNotice(LONG reason) noexcept;
+
+/// One line about `request`.
+void Print(const Request& request);
+
+} // namespace service

@@ -1,0 +1,37 @@
+// service/StopSignal.h
+//
+// How the service learns that it shall end: a named event that another process signals, Ctrl-C, or the end of
+// the pipe that feeds standard input, so that a service started by a test or a script ends with it.
+#pragma once
+
+#include "foundation/Owners.h"
+
+namespace service
+{
+
+class StopSignal
+{
+public:
+    /// Creates the named event and listens to the other two from now on. False when a service is running
+    /// already, or when the event can't be created.
+    bool Listen();
+
+    /// What to wait for together with the doorbell.
+    HANDLE Event() const noexcept
+    {
+        return m_event.Get();
+    }
+
+    /// Ends the wait by the named event or by one of the others; these are seen within `kPollMilliseconds`.
+    bool IsDue() const;
+
+    static constexpr DWORD kPollMilliseconds = 100;
+
+    /// Tells the running service to end; false when there is none.
+    static bool Send();
+
+private:
+    owners::Handle m_event;
+};
+
+} // namespace service

@@ -1,0 +1,305 @@
+// tests/powrprof/SchemesTest.cpp
+//
+// The index-based schemes: functions and registry are one store.
+
+#include "Support.h"
+
+#include <cstring>
+
+namespace
+{
+
+class SchemesTest : public FreshStore
+{
+};
+
+POWER_POLICY Read(UINT scheme)
+{
+    POWER_POLICY policy{};
+    EXPECT_TRUE(ReadPwrScheme(scheme, &policy)) << scheme << ", error " << GetLastError();
+    return policy;
+}
+
+std::vector<wchar_t> UserKey(UINT scheme)
+{
+    return Path(kUserSchemes, "\\" + std::to_string(scheme));
+}
+
+std::vector<wchar_t> MachineKey(const char* kind, UINT scheme)
+{
+    return Path(kMachinePower, std::string("\\") + kind + "\\" + std::to_string(scheme));
+}
+
+UINT Active()
+{
+    UINT scheme = 0xFFFF;
+    EXPECT_TRUE(GetActivePwrScheme(&scheme));
+    return scheme;
+}
+
+/// What `EnumPwrSchemes` told of one scheme.
+struct Seen
+{
+    UINT number;
+    std::string name;
+    std::string description;
+    DWORD nameSize;
+    ULONG videoOff;
+};
+
+struct Walk
+{
+    std::vector<Seen> seen;
+    std::size_t stopAfter = 100;
+};
+
+BOOLEAN CALLBACK Note(UINT number, DWORD nameSize, LPWSTR name, DWORD, LPWSTR description,
+                      PPOWER_POLICY policy, LPARAM argument)
+{
+    Walk& walk = *reinterpret_cast<Walk*>(argument);
+    walk.seen.push_back({number, Narrow(name), Narrow(description), nameSize, policy->user.VideoTimeoutAc});
+    return walk.seen.size() < walk.stopAfter ? TRUE : FALSE;
+}
+
+std::vector<UINT> Numbers(const Walk& walk)
+{
+    std::vector<UINT> numbers;
+    for (const Seen& seen : walk.seen)
+    {
+        numbers.push_back(seen.number);
+    }
+    return numbers;
+}
+
+Walk Enumerate(std::size_t stopAfter = 100)
+{
+    Walk walk;
+    walk.stopAfter = stopAfter;
+    EXPECT_TRUE(EnumPwrSchemes(Note, reinterpret_cast<LPARAM>(&walk)));
+    return walk;
+}
+
+TEST_F(SchemesTest, AFreshMachineHasTheSixStandardSchemes)
+{
+    struct Row
+    {
+        const char* name;
+        ULONG video[2], disk[2], idle[2], doze[2];
+        BYTE throttle[2];
+    };
+    const Row rows[] = {
+        {"Home/Office Desk", {1200, 300}, {0, 600}, {0, 300}, {0, 900}, {0, 3}},
+        {"Portable/Laptop", {900, 300}, {1800, 300}, {1200, 300}, {9600, 600}, {3, 3}},
+        {"Presentation", {0, 0}, {0, 300}, {0, 900}, {0, 6300}, {3, 2}},
+        {"Always On", {1200, 900}, {0, 1800}, {0, 0}, {0, 0}, {0, 0}},
+        {"Minimal Power Management", {900, 300}, {0, 900}, {0, 300}, {0, 10500}, {3, 3}},
+        {"Max Battery", {900, 60}, {0, 180}, {1200, 120}, {1500, 3480}, {3, 2}},
+    };
+    const Walk walk = Enumerate();
+    ASSERT_EQ(std::size(rows), walk.seen.size());
+    for (UINT i = 0; i < std::size(rows); ++i)
+    {
+        SCOPED_TRACE(rows[i].name);
+        EXPECT_EQ(rows[i].name, walk.seen[i].name);
+        const POWER_POLICY policy = Read(i);
+        EXPECT_EQ(rows[i].video[0], policy.user.VideoTimeoutAc);
+        EXPECT_EQ(rows[i].video[1], policy.user.VideoTimeoutDc);
+        EXPECT_EQ(rows[i].disk[0], policy.user.SpindownTimeoutAc);
+        EXPECT_EQ(rows[i].disk[1], policy.user.SpindownTimeoutDc);
+        EXPECT_EQ(rows[i].idle[0], policy.user.IdleTimeoutAc);
+        EXPECT_EQ(rows[i].idle[1], policy.user.IdleTimeoutDc);
+        EXPECT_EQ(rows[i].doze[0], policy.mach.DozeS4TimeoutAc);
+        EXPECT_EQ(rows[i].doze[1], policy.mach.DozeS4TimeoutDc);
+        EXPECT_EQ(PowerActionSleep, policy.user.IdleAc.Action);
+        EXPECT_EQ(100, policy.user.ForcedThrottleAc);
+        MACHINE_PROCESSOR_POWER_POLICY processor{};
+        ASSERT_TRUE(ReadProcessorPwrScheme(i, &processor));
+        EXPECT_EQ(rows[i].throttle[0], policy.user.ThrottlePolicyAc);
+        EXPECT_EQ(rows[i].throttle[1], policy.user.ThrottlePolicyDc);
+        EXPECT_EQ(rows[i].throttle[0], processor.ProcessorPolicyAc.DynamicThrottle);
+        EXPECT_EQ(rows[i].throttle[1], processor.ProcessorPolicyDc.DynamicThrottle);
+    }
+    EXPECT_EQ(1u, Active());
+    EXPECT_EQ(TextBytes("5"), ReadValue(HKEY_LOCAL_MACHINE, Path(kMachinePower, ""), L"LastID"));
+}
+
+TEST_F(SchemesTest, TheRegistryHoldsTheRecordsThatTheFunctionsGive)
+{
+    for (UINT scheme = 0; scheme < 6; ++scheme)
+    {
+        const POWER_POLICY policy = Read(scheme);
+        MACHINE_PROCESSOR_POWER_POLICY processor{};
+        ASSERT_TRUE(ReadProcessorPwrScheme(scheme, &processor));
+        EXPECT_EQ(BytesOf(policy.user), ReadValue(HKEY_CURRENT_USER, UserKey(scheme), L"Policies"));
+        EXPECT_EQ(BytesOf(policy.mach),
+                  ReadValue(HKEY_LOCAL_MACHINE, MachineKey("PowerPolicies", scheme), L"Policies"));
+        EXPECT_EQ(BytesOf(processor),
+                  ReadValue(HKEY_LOCAL_MACHINE, MachineKey("ProcessorPolicies", scheme), L"Policies"));
+    }
+    GLOBAL_POWER_POLICY global{};
+    ASSERT_TRUE(Find<decltype(ReadGlobalPwrPolicy)>("ReadGlobalPwrPolicy")(&global));
+    EXPECT_EQ(
+        BytesOf(global.user),
+        ReadValue(HKEY_CURRENT_USER, Path(L"Control Panel\\PowerCfg\\GlobalPowerPolicy", ""), L"Policies"));
+    EXPECT_EQ(BytesOf(global.mach),
+              ReadValue(HKEY_LOCAL_MACHINE, Path(kMachinePower, "\\GlobalPowerPolicy"), L"Policies"));
+}
+
+TEST_F(SchemesTest, WhatIsWrittenOnOneSideIsReadOnTheOther)
+{
+    POWER_POLICY policy = Read(2);
+    policy.user.VideoTimeoutDc = 777;
+    policy.mach.DozeS4TimeoutAc = 888;
+    UINT scheme = 2;
+    ASSERT_TRUE(WritePwrScheme(&scheme, nullptr, nullptr, &policy));
+    EXPECT_EQ(BytesOf(policy.user), ReadValue(HKEY_CURRENT_USER, UserKey(2), L"Policies"));
+    EXPECT_EQ(BytesOf(policy.mach),
+              ReadValue(HKEY_LOCAL_MACHINE, MachineKey("PowerPolicies", 2), L"Policies"));
+    EXPECT_EQ(TextBytes("Presentation"), ReadValue(HKEY_CURRENT_USER, UserKey(2), L"Name"));
+
+    policy.user.IdleTimeoutAc = 4321;
+    ASSERT_EQ(ERROR_SUCCESS,
+              WriteValue(HKEY_CURRENT_USER, UserKey(2), L"Policies", REG_BINARY, BytesOf(policy.user)));
+    EXPECT_EQ(4321u, Read(2).user.IdleTimeoutAc);
+    ASSERT_EQ(ERROR_SUCCESS, WriteValue(HKEY_CURRENT_USER, Path(L"Control Panel\\PowerCfg", ""),
+                                        L"CurrentPowerPolicy", REG_SZ, TextBytes("4")));
+    EXPECT_EQ(4u, Active());
+}
+
+TEST_F(SchemesTest, ASchemeIsWrittenUnderTheNumberThatTheCallerChose)
+{
+    POWER_POLICY policy = Read(0);
+    policy.user.VideoTimeoutAc = 60;
+    UINT chosen = 17;
+    wchar_t name[] = L"Train";
+    wchar_t description[] = L"On the way";
+    ASSERT_TRUE(WritePwrScheme(&chosen, name, description, &policy));
+    EXPECT_EQ(17u, chosen);
+    EXPECT_EQ(BytesOf(policy), BytesOf(Read(17)));
+
+    // A number that nobody chose is the one above the highest.
+    UINT fresh = 0xFFFFFFFFu;
+    ASSERT_TRUE(WritePwrScheme(&fresh, nullptr, nullptr, &policy));
+    EXPECT_EQ(18u, fresh);
+    EXPECT_EQ(TextBytes("18"), ReadValue(HKEY_LOCAL_MACHINE, Path(kMachinePower, ""), L"LastID"));
+
+    // Numbers order the walk, not the texts of the registry keys.
+    UINT nine = 9;
+    wchar_t nineName[] = L"Nine";
+    ASSERT_TRUE(WritePwrScheme(&nine, nineName, nullptr, &policy));
+    WriteValue(HKEY_CURRENT_USER, Path(kUserSchemes, "\\no number"), L"Name", REG_SZ, TextBytes("x"));
+    const Walk walk = Enumerate();
+    EXPECT_EQ((std::vector<UINT>{0, 1, 2, 3, 4, 5, 9, 17, 18}), Numbers(walk));
+    EXPECT_EQ("Nine", walk.seen[6].name);
+    EXPECT_EQ("", walk.seen[6].description);
+    EXPECT_EQ("Train", walk.seen[7].name);
+    EXPECT_EQ("On the way", walk.seen[7].description);
+    EXPECT_EQ(6 * sizeof(wchar_t), walk.seen[7].nameSize);
+    EXPECT_EQ(60u, walk.seen[7].videoOff);
+}
+
+TEST_F(SchemesTest, TheCallbackEndsTheWalk)
+{
+    EXPECT_EQ((std::vector<UINT>{0, 1, 2}), Numbers(Enumerate(3)));
+    SetLastError(0);
+    EXPECT_FALSE(EnumPwrSchemes(nullptr, 0));
+    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());
+}
+
+TEST_F(SchemesTest, DeletionSparesTheActiveScheme)
+{
+    struct Row
+    {
+        UINT scheme;
+        DWORD error;
+    };
+    for (const Row& row :
+         {Row{1, ERROR_ACCESS_DENIED}, Row{6, ERROR_FILE_NOT_FOUND}, Row{0xFFFFFFFFu, ERROR_FILE_NOT_FOUND}})
+    {
+        SetLastError(0);
+        EXPECT_FALSE(DeletePwrScheme(row.scheme));
+        EXPECT_EQ(row.error, GetLastError());
+    }
+    EXPECT_EQ(6u, Enumerate().seen.size());
+
+    ASSERT_TRUE(DeletePwrScheme(5));
+    EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, UserKey(5)));
+    EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, MachineKey("PowerPolicies", 5)));
+    EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, MachineKey("ProcessorPolicies", 5)));
+    EXPECT_EQ((std::vector<UINT>{0, 1, 2, 3, 4}), Numbers(Enumerate()));
+
+    ASSERT_TRUE(SetActivePwrScheme(3, nullptr, nullptr));
+    EXPECT_TRUE(DeletePwrScheme(1));
+    EXPECT_FALSE(DeletePwrScheme(3));
+}
+
+TEST_F(SchemesTest, OnlyASchemeThatExistsBecomesActive)
+{
+    ASSERT_TRUE(SetActivePwrScheme(4, nullptr, nullptr));
+    EXPECT_EQ(TextBytes("4"),
+              ReadValue(HKEY_CURRENT_USER, Path(L"Control Panel\\PowerCfg", ""), L"CurrentPowerPolicy"));
+    SetLastError(0);
+    EXPECT_FALSE(SetActivePwrScheme(6, nullptr, nullptr));
+    EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, GetLastError());
+    EXPECT_EQ(4u, Active());
+}
+
+TEST_F(SchemesTest, NullRecordsAreRefused)
+{
+    UINT scheme = 0;
+    POWER_POLICY policy{};
+    EXPECT_FALSE(GetActivePwrScheme(nullptr));
+    EXPECT_FALSE(ReadPwrScheme(0, nullptr));
+    EXPECT_FALSE(WritePwrScheme(nullptr, nullptr, nullptr, &policy));
+    EXPECT_FALSE(WritePwrScheme(&scheme, nullptr, nullptr, nullptr));
+    EXPECT_FALSE(ReadProcessorPwrScheme(0, nullptr));
+    SetLastError(0);
+    EXPECT_FALSE(WriteProcessorPwrScheme(0, nullptr));
+    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());
+}
+
+// A store that something else has damaged is told as such and gives nothing half read.
+TEST_F(SchemesTest, ADamagedStoreIsRefused)
+{
+    const std::vector<BYTE> shortRecord(79, 0xAA);
+    const std::vector<BYTE> longRecord(65, 0xAA);
+    WriteValue(HKEY_CURRENT_USER, UserKey(0), L"Policies", REG_BINARY, shortRecord);
+    WriteValue(HKEY_LOCAL_MACHINE, MachineKey("PowerPolicies", 2), L"Policies", REG_BINARY, longRecord);
+    for (const UINT scheme : {0u, 2u})
+    {
+        POWER_POLICY policy;
+        std::memset(&policy, 0x55, sizeof policy);
+        const std::vector<BYTE> before = BytesOf(policy);
+        SetLastError(0);
+        EXPECT_FALSE(ReadPwrScheme(scheme, &policy));
+        EXPECT_EQ(DWORD{ERROR_INVALID_DATA}, GetLastError());
+        EXPECT_EQ(before, BytesOf(policy));
+    }
+    EXPECT_EQ((std::vector<UINT>{1, 3, 4, 5}), Numbers(Enumerate()));
+
+    for (const char* text : {"", "x", "3x", "-1", "4294967296"})
+    {
+        WriteValue(HKEY_CURRENT_USER, Path(L"Control Panel\\PowerCfg", ""), L"CurrentPowerPolicy", REG_SZ,
+                   TextBytes(text));
+        UINT scheme = 77;
+        EXPECT_FALSE(GetActivePwrScheme(&scheme)) << text;
+        EXPECT_EQ(77u, scheme);
+    }
+}
+
+TEST_F(SchemesTest, TheGlobalPolicyIsWrittenToBothItsPlaces)
+{
+    GLOBAL_POWER_POLICY policy{};
+    ASSERT_TRUE(Find<decltype(ReadGlobalPwrPolicy)>("ReadGlobalPwrPolicy")(&policy));
+    EXPECT_EQ(PowerActionSleep, policy.user.LidCloseAc.Action);
+    policy.user.LidCloseAc.Action = PowerActionNone;
+    policy.mach.BroadcastCapacityResolution = 50;
+    ASSERT_TRUE(Find<decltype(WriteGlobalPwrPolicy)>("WriteGlobalPwrPolicy")(&policy));
+    EXPECT_EQ(BytesOf(policy.mach),
+              ReadValue(HKEY_LOCAL_MACHINE, Path(kMachinePower, "\\GlobalPowerPolicy"), L"Policies"));
+    GLOBAL_POWER_POLICY again{};
+    ASSERT_TRUE(Find<decltype(ReadGlobalPwrPolicy)>("ReadGlobalPwrPolicy")(&again));
+    EXPECT_EQ(BytesOf(policy), BytesOf(again));
+}
+
+} // namespace

@@ -1,0 +1,184 @@
+// tests/powrprof/SettingsTest.cpp
+//
+// The GUID-based schemes, by the functions that are found at run time.
+
+#include "Support.h"
+
+namespace
+{
+
+constexpr GUID kBalanced = {0x381B4222, 0xF694, 0x41F0, {0x96, 0x85, 0xFF, 0x5B, 0xB2, 0x60, 0xDF, 0x2E}};
+constexpr GUID kHighPerformance = {
+    0x8C5E7FDA, 0xE8BF, 0x4A96, {0x9A, 0x85, 0xA6, 0xE2, 0x3A, 0x8C, 0x63, 0x5C}};
+constexpr GUID kPowerSaver = {0xA1841308, 0x3541, 0x4FAB, {0xBC, 0x81, 0xF7, 0x15, 0x56, 0xF2, 0x0B, 0x4A}};
+constexpr GUID kUnknown = {0x11111111, 0x2222, 0x3333, {1, 2, 3, 4, 5, 6, 7, 8}};
+constexpr GUID kVideo = {0x7516B95F, 0xF776, 0x4464, {0x8C, 0x53, 0x06, 0x16, 0x7F, 0x40, 0xCC, 0x99}};
+constexpr GUID kVideoOff = {0x3C0BC021, 0xC8A8, 0x4E07, {0xA9, 0x73, 0x6B, 0x14, 0xCB, 0xCB, 0x2B, 0x7E}};
+constexpr const wchar_t* kSchemes = L"SYSTEM\\CurrentControlSet\\Control\\Power\\User\\PowerSchemes";
+
+using GetActive = DWORD WINAPI(HKEY, GUID**);
+using OfScheme = DWORD WINAPI(HKEY, const GUID*);
+using ReadName = DWORD WINAPI(HKEY, const GUID*, const GUID*, const GUID*, PUCHAR, LPDWORD);
+using WriteName = DWORD WINAPI(HKEY, const GUID*, const GUID*, const GUID*, PUCHAR, DWORD);
+using ReadIndex = DWORD WINAPI(HKEY, const GUID*, const GUID*, const GUID*, LPDWORD);
+using WriteIndex = DWORD WINAPI(HKEY, const GUID*, const GUID*, const GUID*, DWORD);
+using Duplicate = DWORD WINAPI(HKEY, const GUID*, GUID**);
+
+class SettingsTest : public FreshStore
+{
+protected:
+    static bool IsActive(const GUID& scheme)
+    {
+        GUID* active = nullptr;
+        EXPECT_EQ(DWORD{ERROR_SUCCESS}, Find<GetActive>("PowerGetActiveScheme")(nullptr, &active));
+        const bool same = active != nullptr && BytesOf(*active) == BytesOf(scheme);
+        LocalFree(active);
+        return same;
+    }
+
+    static std::string NameOf(const GUID& scheme, const GUID* subGroup = nullptr,
+                              const GUID* setting = nullptr)
+    {
+        wchar_t name[64] = {};
+        DWORD size = sizeof name;
+        const DWORD error = Find<ReadName>("PowerReadFriendlyName")(nullptr, &scheme, subGroup, setting,
+                                                                    reinterpret_cast<PUCHAR>(name), &size);
+        return error == ERROR_SUCCESS ? Narrow(name) : "error " + std::to_string(error);
+    }
+
+    /// The value on mains and the one on battery of "turn off display".
+    static std::pair<DWORD, DWORD> VideoOff(const GUID& scheme)
+    {
+        DWORD mains = 0xAAAA;
+        DWORD battery = 0xAAAA;
+        EXPECT_EQ(DWORD{ERROR_SUCCESS},
+                  Find<ReadIndex>("PowerReadACValueIndex")(nullptr, &scheme, &kVideo, &kVideoOff, &mains));
+        EXPECT_EQ(DWORD{ERROR_SUCCESS},
+                  Find<ReadIndex>("PowerReadDCValueIndex")(nullptr, &scheme, &kVideo, &kVideoOff, &battery));
+        return {mains, battery};
+    }
+};
+
+TEST_F(SettingsTest, AFreshMachineHasTheThreeStandardSchemes)
+{
+    EXPECT_TRUE(IsActive(kBalanced));
+    EXPECT_EQ("Balanced", NameOf(kBalanced));
+    EXPECT_EQ("High performance", NameOf(kHighPerformance));
+    EXPECT_EQ("Power saver", NameOf(kPowerSaver));
+    EXPECT_EQ("Display", NameOf(kBalanced, &kVideo));
+    EXPECT_EQ("Turn off display after", NameOf(kBalanced, &kVideo, &kVideoOff));
+    EXPECT_EQ((std::pair<DWORD, DWORD>(1200, 300)), VideoOff(kBalanced));
+    EXPECT_EQ((std::pair<DWORD, DWORD>(1200, 180)), VideoOff(kPowerSaver));
+}
+
+TEST_F(SettingsTest, TheExistenceOfASchemeIsSeenByItsName)
+{
+    const auto readName = Find<ReadName>("PowerReadFriendlyName");
+    DWORD size = 0;
+    EXPECT_EQ(DWORD{ERROR_SUCCESS}, readName(nullptr, &kBalanced, nullptr, nullptr, nullptr, &size));
+    EXPECT_EQ(9 * sizeof(wchar_t), size);
+
+    UCHAR buffer[64] = {0x77};
+    size = 9 * sizeof(wchar_t) - 1;
+    EXPECT_EQ(DWORD{ERROR_MORE_DATA}, readName(nullptr, &kBalanced, nullptr, nullptr, buffer, &size));
+    EXPECT_EQ(9 * sizeof(wchar_t), size);
+    EXPECT_EQ(0x77, buffer[0]);
+
+    size = 0;
+    EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, readName(nullptr, &kUnknown, nullptr, nullptr, nullptr, &size));
+    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, readName(nullptr, nullptr, nullptr, nullptr, nullptr, &size));
+    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER},
+              readName(nullptr, &kBalanced, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER},
+              readName(HKEY_LOCAL_MACHINE, &kBalanced, nullptr, nullptr, nullptr, &size));
+}
+
+TEST_F(SettingsTest, TheTwoPowerSourcesAreStoredApart)
+{
+    EXPECT_EQ(DWORD{ERROR_SUCCESS},
+              Find<WriteIndex>("PowerWriteACValueIndex")(nullptr, &kBalanced, &kVideo, &kVideoOff, 60));
+    EXPECT_EQ((std::pair<DWORD, DWORD>(60, 300)), VideoOff(kBalanced));
+    EXPECT_EQ(DWORD{ERROR_SUCCESS}, Find<WriteIndex>("PowerWriteDCValueIndex")(nullptr, &kBalanced, &kVideo,
+                                                                               &kVideoOff, 0xFFFFFFFF));
+    EXPECT_EQ((std::pair<DWORD, DWORD>(60, 0xFFFFFFFF)), VideoOff(kBalanced));
+    EXPECT_EQ((std::pair<DWORD, DWORD>(1200, 1200)), VideoOff(kHighPerformance));
+
+    const std::string key = "\\381b4222-f694-41f0-9685-ff5bb260df2e\\7516b95f-f776-4464-8c53-06167f40cc99"
+                            "\\3c0bc021-c8a8-4e07-a973-6b14cbcb2b7e";
+    EXPECT_EQ((std::vector<BYTE>{60, 0, 0, 0}),
+              ReadValue(HKEY_LOCAL_MACHINE, Path(kSchemes, key), L"ACSettingIndex"));
+}
+
+TEST_F(SettingsTest, WhatIsUnknownIsRefused)
+{
+    struct Row
+    {
+        const GUID* scheme;
+        const GUID* subGroup;
+        const GUID* setting;
+        DWORD error;
+    };
+    const Row rows[] = {{&kUnknown, &kVideo, &kVideoOff, ERROR_FILE_NOT_FOUND},
+                        {&kBalanced, &kUnknown, &kVideoOff, ERROR_FILE_NOT_FOUND},
+                        {&kBalanced, &kVideo, &kUnknown, ERROR_FILE_NOT_FOUND},
+                        {&kBalanced, &kVideo, nullptr, ERROR_INVALID_PARAMETER},
+                        {&kBalanced, nullptr, &kVideoOff, ERROR_INVALID_PARAMETER},
+                        {nullptr, &kVideo, &kVideoOff, ERROR_INVALID_PARAMETER}};
+    for (const Row& row : rows)
+    {
+        DWORD value = 0;
+        EXPECT_EQ(row.error, Find<ReadIndex>("PowerReadDCValueIndex")(nullptr, row.scheme, row.subGroup,
+                                                                      row.setting, &value));
+        EXPECT_EQ(row.error, Find<WriteIndex>("PowerWriteACValueIndex")(nullptr, row.scheme, row.subGroup,
+                                                                        row.setting, 1));
+    }
+    EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, Path(kSchemes, "\\11111111-2222-3333-0102-030405060708")));
+}
+
+TEST_F(SettingsTest, ADeletedSchemeIsGoneWithItsSettings)
+{
+    const auto remove = Find<OfScheme>("PowerDeleteScheme");
+    const auto activate = Find<OfScheme>("PowerSetActiveScheme");
+    EXPECT_EQ(DWORD{ERROR_ACCESS_DENIED}, remove(nullptr, &kBalanced));
+    EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, remove(nullptr, &kUnknown));
+    EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, activate(nullptr, &kUnknown));
+    EXPECT_TRUE(IsActive(kBalanced));
+
+    EXPECT_EQ(DWORD{ERROR_SUCCESS}, activate(nullptr, &kPowerSaver));
+    EXPECT_TRUE(IsActive(kPowerSaver));
+    EXPECT_EQ(DWORD{ERROR_SUCCESS}, remove(nullptr, &kBalanced));
+    EXPECT_EQ("error 2", NameOf(kBalanced));
+    EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, Path(kSchemes, "\\381b4222-f694-41f0-9685-ff5bb260df2e")));
+}
+
+TEST_F(SettingsTest, ACopyIsWholeAndStandsForItself)
+{
+    const auto duplicate = Find<Duplicate>("PowerDuplicateScheme");
+    GUID* first = nullptr;
+    GUID* second = nullptr;
+    ASSERT_EQ(DWORD{ERROR_SUCCESS}, duplicate(nullptr, &kPowerSaver, &first));
+    ASSERT_EQ(DWORD{ERROR_SUCCESS}, duplicate(nullptr, &kPowerSaver, &second));
+    EXPECT_NE(BytesOf(*first), BytesOf(*second));
+    EXPECT_EQ("Power saver", NameOf(*first));
+    EXPECT_EQ((std::pair<DWORD, DWORD>(1200, 180)), VideoOff(*first));
+
+    wchar_t name[] = L"Mine";
+    EXPECT_EQ(DWORD{ERROR_SUCCESS},
+              Find<WriteName>("PowerWriteFriendlyName")(nullptr, first, nullptr, nullptr,
+                                                        reinterpret_cast<PUCHAR>(name), sizeof name));
+    EXPECT_EQ(DWORD{ERROR_SUCCESS},
+              Find<WriteIndex>("PowerWriteDCValueIndex")(nullptr, first, &kVideo, &kVideoOff, 240));
+    EXPECT_EQ("Mine", NameOf(*first));
+    EXPECT_EQ("Power saver", NameOf(kPowerSaver));
+    EXPECT_EQ((std::pair<DWORD, DWORD>(1200, 180)), VideoOff(kPowerSaver));
+
+    GUID chosen = kUnknown;
+    GUID* target = &chosen;
+    EXPECT_EQ(DWORD{ERROR_SUCCESS}, duplicate(nullptr, first, &target));
+    EXPECT_EQ("Mine", NameOf(kUnknown));
+    EXPECT_EQ(DWORD{ERROR_ALREADY_EXISTS}, duplicate(nullptr, first, &target));
+    LocalFree(first);
+    LocalFree(second);
+}
+
+} // namespace
