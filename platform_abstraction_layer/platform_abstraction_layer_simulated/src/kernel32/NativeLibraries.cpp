@@ -6,6 +6,7 @@
 
 #include "kernel32/NativeLibraries.h"
 
+#include "notebook/DebugOutput.h"
 #include "notebook/DllEntry.h"
 #include "notebook/Text.h"
 
@@ -161,6 +162,8 @@ Outcome<HMODULE> libraries::Load(const std::string& name)
         if (std::filesystem::exists(path, ignored))
         {
             error = ERROR_BAD_EXE_FORMAT;
+            const char* const reason = dlerror();
+            DebugOutput::Send(reason == nullptr ? path : reason);
         }
     }
     return {nullptr, error};

@@ -19,6 +19,10 @@ extern "C" const char _end __attribute__((visibility("hidden")));
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved)
     __attribute__((weak, visibility("hidden")));
 
+// What the linker asks this file by.
+extern "C" __attribute__((visibility("hidden"))) const char simulated_dll_entry;
+const char simulated_dll_entry = 0;
+
 namespace
 {
 
