@@ -1,0 +1,200 @@
+// kernel32/ModulesTest.cpp
+//
+// Modules of the system and of the process: what can be missing, how a DLL comes and goes, and that the end
+// of a thread doesn't need the DLL that it was started by.
+
+#include "kernel32/KernelTest.h"
+
+#include "kernel32/Modules.h"
+#include "kernel32/SampleModule.h"
+#include "notebook/DebugOutput.h"
+#include "notebook/Text.h"
+
+#include <gmock/gmock.h>
+
+namespace
+{
+
+using simulated::DebugOutput;
+using simulated::Machine;
+using testing::ElementsAre;
+
+INT_PTR OldFunction()
+{
+    return 5;
+}
+
+INT_PTR NewFunction()
+{
+    return 6;
+}
+
+const simulated::modules::Export kExports[] = {
+    {"OldFunction", 7, simulated::modules::Address(&OldFunction)},
+    {"NewFunction", 0, simulated::modules::Address(&NewFunction), 6},
+    {nullptr, 270, simulated::modules::Address(&OldFunction)}};
+const simulated::modules::Registration kPresent("Sample.dll", kExports);
+const simulated::modules::Registration kNewer("SampleNewer.dll", kExports, 6);
+
+class ModulesTest : public KernelTest
+{
+protected:
+    ModulesTest()
+    {
+        DebugOutput::Clear();
+    }
+
+    static std::string PathOf(HMODULE module)
+    {
+        wchar_t path[MAX_PATH];
+        const DWORD length = GetModuleFileNameW(module, path, MAX_PATH);
+        return simulated::ToUtf8(path, length);
+    }
+
+    template <class Function>
+    static Function Find(HMODULE module, const char* name)
+    {
+        return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+    }
+};
+
+} // namespace
+
+TEST_F(ModulesTest, MachineTakesModulesAndEntriesAway)
+{
+    struct Case
+    {
+        DWORD major;
+        const char* absent; ///< key of machine.ini
+        LPCWSTR name;
+        LPCSTR entry;
+        DWORD error;
+    };
+    const Case cases[] = {{5, "", L"Sample.dll", "OldFunction", ERROR_SUCCESS},
+                          {5, "", L"SAMPLE", "OldFunction", ERROR_SUCCESS},
+                          {5, "", L"C:\\Windows\\System32\\sample.DLL", "OldFunction", ERROR_SUCCESS},
+                          {5, "", L"Sample.dll", MAKEINTRESOURCEA(7), ERROR_SUCCESS},
+                          {5, "", L"Sample.dll", MAKEINTRESOURCEA(270), ERROR_SUCCESS},
+                          {5, "", L"Sample.dll", MAKEINTRESOURCEA(0), ERROR_PROC_NOT_FOUND},
+                          {5, "", L"Sample.dll", "oldfunction", ERROR_PROC_NOT_FOUND},
+                          {5, "", L"Sample.dll", "NewFunction", ERROR_PROC_NOT_FOUND},
+                          {6, "", L"Sample.dll", "NewFunction", ERROR_SUCCESS},
+                          {5, "", L"SampleNewer.dll", "OldFunction", ERROR_MOD_NOT_FOUND},
+                          {10, "", L"SampleNewer.dll", "OldFunction", ERROR_SUCCESS},
+                          {5, "sample.dll", L"Sample.dll", "OldFunction", ERROR_MOD_NOT_FOUND},
+                          {5, "Sample.dll.OldFunction", L"Sample.dll", "OldFunction", ERROR_PROC_NOT_FOUND},
+                          {5, "Sample.dll.270", L"Sample.dll", MAKEINTRESOURCEA(270), ERROR_PROC_NOT_FOUND},
+                          {5, "Sample.dll.270", L"Sample.dll", "OldFunction", ERROR_SUCCESS},
+                          {5, "", L"C:\\Sample.dll", "OldFunction", ERROR_MOD_NOT_FOUND},
+                          {5, "", L"Nowhere.dll", "OldFunction", ERROR_MOD_NOT_FOUND},
+                          {5, "", L"", "OldFunction", ERROR_INVALID_PARAMETER}};
+    for (const Case& row : cases)
+    {
+        Machine::WriteNumber("Machine", "Major", row.major);
+        if (*row.absent != 0)
+        {
+            Machine::Write("Modules", row.absent, "absent");
+        }
+        SetLastError(ERROR_SUCCESS);
+        const HMODULE module = LoadLibraryW(row.name);
+        const FARPROC entry = module == nullptr ? nullptr : GetProcAddress(module, row.entry);
+        EXPECT_EQ(row.error, GetLastError()) << simulated::ToUtf8(row.name);
+        EXPECT_EQ(row.error == ERROR_SUCCESS, entry != nullptr);
+        EXPECT_TRUE(module == nullptr || FreeLibrary(module));
+        Machine::Remove("Modules");
+    }
+}
+
+TEST_F(ModulesTest, PathsAreThoseOfWindows)
+{
+    EXPECT_EQ("C:\\WINDOWS\\system32\\Sample.dll", PathOf(GetModuleHandleW(L"Sample.dll")));
+    EXPECT_EQ("C:\\Program Files\\Kelvo\\ORVL\\kernel_objects_tests.exe", PathOf(nullptr));
+    Machine::Write("Modules", "ORVLDLL.DLL", "C:\\ORVL\\Bin\\ORVLDLL.DLL");
+    const HMODULE added = GetModuleHandleW(L"ORVLDLL.DLL");
+    EXPECT_EQ("C:\\ORVL\\Bin\\ORVLDLL.DLL", PathOf(added));
+    EXPECT_EQ(nullptr, GetProcAddress(added, "OldFunction"));
+
+    wchar_t cut[5] = {L'#', L'#', L'#', L'#', L'#'};
+    EXPECT_EQ(4u, GetModuleFileNameW(added, cut, 4));
+    EXPECT_EQ("C:\\O#", simulated::ToUtf8(cut, 5));
+    Machine::WriteNumber("Machine", "Major", 6);
+    EXPECT_EQ(4u, GetModuleFileNameW(added, cut, 4));
+    EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, GetLastError());
+    EXPECT_EQ(0, cut[3]);
+}
+
+TEST_F(ModulesTest, DllIsStartedAndEndedAroundItsStaticObjects)
+{
+    const HMODULE module = LoadLibraryW(L"sample_module.dll");
+    ASSERT_NE(nullptr, module) << DebugOutput::Texts().back();
+    EXPECT_EQ(module, GetModuleHandleW(L"Sample_Module.dll") == nullptr
+                          ? module
+                          : GetModuleHandleW(L"Sample_Module.dll"));
+    EXPECT_EQ(module, LoadLibraryW(L"C:\\Program Files\\Kelvo\\ORVL\\sample_module.dll"));
+    EXPECT_EQ("C:\\Program Files\\Kelvo\\ORVL\\sample_module.dll", PathOf(module));
+    EXPECT_EQ(nullptr, GetProcAddress(module, "malloc"));
+    EXPECT_EQ(nullptr, GetProcAddress(module, MAKEINTRESOURCEA(1)));
+    EXPECT_TRUE(FreeLibrary(module));
+    EXPECT_THAT(DebugOutput::Texts(), ElementsAre("constructor", "attach"));
+    EXPECT_TRUE(FreeLibrary(module));
+    EXPECT_THAT(DebugOutput::Texts(), ElementsAre("constructor", "attach", "detach", "destructor"));
+    EXPECT_EQ(nullptr, GetModuleHandleW(L"sample_module.dll"));
+    EXPECT_FALSE(FreeLibrary(module));
+}
+
+TEST_F(ModulesTest, DllThatRefusesIsNotLoaded)
+{
+    {
+        const OwnedHandle refusal(CreateEventW(nullptr, TRUE, FALSE, kRefusal));
+        EXPECT_EQ(nullptr, LoadLibraryW(L"sample_module.dll"));
+        EXPECT_EQ(ERROR_DLL_INIT_FAILED, GetLastError());
+    }
+    const HMODULE module = LoadLibraryW(L"sample_module.dll");
+    EXPECT_NE(nullptr, module);
+    EXPECT_TRUE(FreeLibrary(module));
+}
+
+TEST_F(ModulesTest, ThreadEndsAfterItsModuleIsGone)
+{
+    for (int round = 0; round < 50; ++round)
+    {
+        const OwnedHandle go(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+        const HMODULE module = LoadLibraryW(L"sample_module.dll");
+        const OwnedHandle thread(Find<SampleStartFunction>(module, "SampleStart")(go.get()));
+        EXPECT_TRUE(FreeLibrary(module));
+        EXPECT_NE(nullptr, GetModuleHandleW(L"sample_module.dll"));
+        SetEvent(go.get());
+        ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread.get(), INFINITE));
+        DWORD code = 0;
+        EXPECT_TRUE(GetExitCodeThread(thread.get(), &code));
+        EXPECT_EQ(kLeaveCode, code);
+        EXPECT_EQ(nullptr, GetModuleHandleW(L"sample_module.dll"));
+        simulated::Leaks::Forget(); // the handle was the module's
+    }
+}
+
+TEST_F(ModulesTest, WhatTheDllHoldsIsCountedAndCanBeRefused)
+{
+    const HMODULE module = LoadLibraryW(L"sample_module.dll");
+    const auto allocate = Find<SampleAllocateFunction>(module, "SampleAllocate");
+    const auto release = Find<SampleFreeFunction>(module, "SampleFree");
+    void* const block = allocate(10);
+    EXPECT_EQ(1u, simulated::Leaks::Count());
+    simulated::Faults::Inject("HeapAlloc", 1, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_EQ(nullptr, allocate(10));
+    EXPECT_TRUE(release(block));
+    EXPECT_EQ(0u, simulated::Leaks::Count());
+    simulated::Faults::Clear();
+    EXPECT_TRUE(FreeLibrary(module));
+}
+
+TEST_F(ModulesTest, LoadsAThousandTimes)
+{
+    for (int round = 0; round < 1000; ++round)
+    {
+        const HMODULE module = LoadLibraryW(L"sample_module.dll");
+        ASSERT_NE(nullptr, module);
+        ASSERT_TRUE(FreeLibrary(module));
+        ASSERT_EQ(nullptr, GetModuleHandleW(L"sample_module.dll"));
+    }
+}
