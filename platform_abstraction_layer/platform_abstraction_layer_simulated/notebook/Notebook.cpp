@@ -5,6 +5,7 @@
 #include "notebook/Notebook.h"
 
 #include "advapi32/Hives.h"
+#include "notebook/HardwareSeeding.h"
 #include "notebook/HostFiles.h"
 #include "notebook/Machine.h"
 #include "notebook/Profiles.h"
@@ -94,7 +95,7 @@ bool FillMachineHive(RegistrySeeder& hive, const NotebookOptions& options,
                 hive.AddKey("SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run") &&
                 hive.AddKey("SYSTEM\\CurrentControlSet\\Control\\Class") &&
                 hive.AddKey("SYSTEM\\CurrentControlSet\\Services") && hive.AddKey(kProfileList) &&
-                SeedMachinePower(options.major, hive.AsPut());
+                SeedMachinePower(options.major, hive.AsPut()) && SeedMachineDevices(hive.AsPut());
     for (const Account& account : accounts)
     {
         done = done && hive.Put(std::string(kProfileList) + '\\' + account.sid, "ProfileImagePath",
@@ -136,6 +137,8 @@ std::string StateText(const Version& version, unsigned codePage, const std::vect
                 line("LoggedOn", account.isLoggedOn ? "1" : "0") +
                 line("WellKnown", account.isWellKnown ? "1" : "0");
     }
+    text += '\n';
+    text += DefaultHardware();
     return text;
 }
 

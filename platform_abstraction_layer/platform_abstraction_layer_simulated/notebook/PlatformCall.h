@@ -136,6 +136,15 @@ public:
         return static_cast<LSTATUS>(answered);
     }
 
+    /// For functions that answer an HRESULT. An injected fault is one already or becomes one.
+    template <class Work>
+    HRESULT Com(Work work)
+    {
+        const HRESULT result = IsRefused() ? HRESULT_FROM_WIN32(m_fault) : work();
+        Note(SUCCEEDED(result), Describe(static_cast<DWORD>(result)), ERROR_SUCCESS);
+        return result;
+    }
+
     /// For functions that answer a value, `failure` when they fail, and set the last error. `work` answers
     /// an `Outcome`.
     template <class Value, class Work>

@@ -1,0 +1,20 @@
+// notebook/HardwareSeeding.h
+//
+// What a fresh notebook is fitted with: embedded controller, processor, chipset, two network adapters, one
+// battery, a graphics driver.
+#pragma once
+
+#include "notebook/PowerSeeding.h"
+
+#include <string_view>
+
+namespace simulated
+{
+
+/// The hardware's sections of machine.ini.
+std::string_view DefaultHardware();
+
+/// The class keys of its devices, below HKEY_LOCAL_MACHINE.
+bool SeedMachineDevices(const RegistryPut& put);
+
+} // namespace simulated

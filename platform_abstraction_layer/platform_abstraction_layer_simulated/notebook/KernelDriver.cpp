@@ -1,0 +1,153 @@
+// notebook/KernelDriver.cpp
+//
+// The driver's switches in machine.ini, and the record of its requests.
+
+#include "notebook/KernelDriver.h"
+
+#include "notebook/DriverGate.h"
+#include "notebook/Machine.h"
+
+#include <winerror.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+
+namespace simulated
+{
+
+namespace
+{
+
+constexpr const char* kSection = "Driver";
+constexpr std::size_t kMostRequests = 1000;
+
+struct State
+{
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<KernelDriver::Request> requests;
+    bool holdNext = false;
+    bool held = false;
+};
+
+// Never destroyed: a thread may be held while the process ends.
+State& TheState()
+{
+    static State& state = *new State;
+    return state;
+}
+
+DWORD ReadError(const char* key)
+{
+    return static_cast<DWORD>(Machine::ReadNumber(kSection, key, ERROR_SUCCESS));
+}
+
+} // namespace
+
+bool KernelDriver::IsPresent()
+{
+    return Machine::ReadNumber(kSection, "Present", 0) != 0;
+}
+
+void KernelDriver::SetPresent(bool present)
+{
+    Machine::WriteNumber(kSection, "Present", present);
+}
+
+bool KernelDriver::IsBusy()
+{
+    return Machine::ReadNumber(kSection, "Busy", 0) != 0;
+}
+
+void KernelDriver::SetBusy(bool busy)
+{
+    Machine::WriteNumber(kSection, "Busy", busy);
+}
+
+void KernelDriver::RefuseRequests(DWORD error)
+{
+    Machine::WriteNumber(kSection, "RequestError", error);
+}
+
+void KernelDriver::RefuseOpening(DWORD error)
+{
+    Machine::WriteNumber(kSection, "OpenError", error);
+}
+
+std::vector<KernelDriver::Request> KernelDriver::Requests()
+{
+    State& state = TheState();
+    const std::lock_guard lock(state.mutex);
+    return {state.requests.begin(), state.requests.end()};
+}
+
+void KernelDriver::ForgetRequests()
+{
+    State& state = TheState();
+    const std::lock_guard lock(state.mutex);
+    state.requests.clear();
+}
+
+void KernelDriver::Hold()
+{
+    State& state = TheState();
+    const std::lock_guard lock(state.mutex);
+    state.holdNext = true;
+}
+
+bool KernelDriver::WaitUntilHeld(unsigned milliseconds)
+{
+    State& state = TheState();
+    std::unique_lock lock(state.mutex);
+    return state.changed.wait_for(lock, std::chrono::milliseconds(milliseconds), [&] { return state.held; });
+}
+
+void KernelDriver::LetGo()
+{
+    State& state = TheState();
+    {
+        const std::lock_guard lock(state.mutex);
+        state.holdNext = false;
+        state.held = false;
+    }
+    state.changed.notify_all();
+}
+
+DWORD DriverGate::ErrorOfOpening()
+{
+    return KernelDriver::IsPresent() ? ReadError("OpenError") : ERROR_FILE_NOT_FOUND;
+}
+
+DWORD DriverGate::ErrorOfRequest()
+{
+    return KernelDriver::IsBusy() ? ERROR_BUSY : ReadError("RequestError");
+}
+
+void DriverGate::PassHold()
+{
+    State& state = TheState();
+    std::unique_lock lock(state.mutex);
+    if (!state.holdNext)
+    {
+        return;
+    }
+    state.holdNext = false;
+    state.held = true;
+    state.changed.notify_all();
+    state.changed.wait(lock, [&] { return !state.held; });
+}
+
+void DriverGate::Note(KernelDriver::Request request)
+{
+    State& state = TheState();
+    const std::lock_guard lock(state.mutex);
+    state.requests.push_back(std::move(request));
+    if (state.requests.size() > kMostRequests)
+    {
+        state.requests.pop_front();
+    }
+}
+
+} // namespace simulated
