@@ -1,0 +1,70 @@
+// user32/Cursors.cpp
+//
+// The system's own cursors and the one that is shown. Known difference: each thread shows a cursor of its
+// own, whether or not it has windows.
+
+#include "notebook/ListBox.h"
+#include "notebook/PlatformCall.h"
+
+#include <winuser.h>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace simulated
+{
+
+namespace
+{
+
+// The handles are numbers that differ from the resource numbers, so that the two can't be mixed up.
+constexpr std::uintptr_t kHandleBase = 0x00010000;
+constexpr unsigned kSystemCursors[] = {32512, 32513, 32514, 32515, 32516, 32642, 32643,
+                                       32644, 32645, 32646, 32648, 32649, 32650, 32651};
+
+thread_local HCURSOR shownCursor = nullptr;
+
+HCURSOR ToHandle(std::uintptr_t number)
+{
+    return reinterpret_cast<HCURSOR>(kHandleBase + number);
+}
+
+Outcome<HCURSOR> Load(HINSTANCE module, LPCWSTR name)
+{
+    const auto number = reinterpret_cast<std::uintptr_t>(name);
+    const bool isSystem =
+        std::find(std::begin(kSystemCursors), std::end(kSystemCursors), number) != std::end(kSystemCursors);
+    if (module != nullptr || !isSystem)
+    {
+        return {nullptr, ERROR_RESOURCE_NAME_NOT_FOUND};
+    }
+    return {ToHandle(number)};
+}
+
+} // namespace
+
+unsigned Cursor::Shown()
+{
+    return shownCursor == nullptr
+               ? 0
+               : static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(shownCursor) - kHandleBase);
+}
+
+} // namespace simulated
+
+using namespace simulated;
+
+SIM_API HCURSOR WINAPI LoadCursorW(HINSTANCE module, LPCWSTR name)
+{
+    PlatformCall call(CallClass::Window, "LoadCursorW", SIM_CALLER);
+    call.Arguments(module, name);
+    return call.Result<HCURSOR>(nullptr, [&] { return Load(module, name); });
+}
+
+SIM_API HCURSOR WINAPI SetCursor(HCURSOR cursor)
+{
+    PlatformCall call(CallClass::Window, "SetCursor", SIM_CALLER);
+    call.Arguments(cursor);
+    return call.Answer(std::exchange(shownCursor, cursor));
+}
