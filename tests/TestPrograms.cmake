@@ -14,6 +14,12 @@ if(WIN32)
   include_directories(${CMAKE_CURRENT_LIST_DIR}/windows)
 endif()
 add_subdirectory(${GTEST_SOURCES} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+if(WIN32)
+  # Before its own folders; to those who use it, whose system folders come last, by an option.
+  set(custom ${CMAKE_CURRENT_SOURCE_DIR}/support/googletest)
+  target_include_directories(gtest BEFORE PRIVATE ${custom})
+  target_compile_options(gtest INTERFACE -I${custom})
+endif()
 
 function(add_test_program name)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "" "" "LIBRARIES;LABELS")

@@ -258,7 +258,7 @@ std::vector<std::string> IniDocument::Keys(std::string_view section) const
     Walk(place->body, place->end,
          [&](const Line&, const Parsed& parsed)
          {
-             if (parsed.kind == Kind::Entry && parsed.name.begin != parsed.name.end)
+             if (parsed.kind == Kind::Entry)
              {
                  names.push_back(Text(parsed.name));
              }

@@ -31,7 +31,7 @@ public:
     /// The names in the order of the file, duplicates included, nameless ones left out.
     std::vector<std::string> Sections() const;
 
-    /// The keys of the first section of that name, in the same way.
+    /// The keys of the first section of that name in the order of the file, duplicates included.
     std::vector<std::string> Keys(std::string_view section) const;
 
     /// Replaces what stands behind the key's "=", or adds the key behind the last line of its section, or a
