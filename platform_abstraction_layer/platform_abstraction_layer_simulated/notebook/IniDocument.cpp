@@ -6,6 +6,7 @@
 
 #include "notebook/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace simulated
@@ -265,6 +266,25 @@ std::vector<std::string> IniDocument::Keys(std::string_view section) const
              return true;
          });
     return names;
+}
+
+std::vector<IniSection> IniDocument::Contents() const
+{
+    std::vector<IniSection> sections;
+    Walk(Start(), End(),
+         [&](const Line&, const Parsed& parsed)
+         {
+             if (parsed.kind == Kind::Header)
+             {
+                 sections.push_back({Text(parsed.name), {}});
+             }
+             else if (parsed.kind == Kind::Entry && !sections.empty())
+             {
+                 sections.back().entries.emplace_back(Text(parsed.name), Text(Trim(parsed.value)));
+             }
+             return true;
+         });
+    return sections;
 }
 
 // Puts whole lines at the beginning of a line, or behind a last line that has no end yet.

@@ -14,10 +14,18 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace simulated
 {
+
+/// A section as it stands in the file.
+struct IniSection
+{
+    std::string name;
+    std::vector<std::pair<std::string, std::string>> entries; ///< keys and values
+};
 
 class IniDocument
 {
@@ -33,6 +41,9 @@ public:
 
     /// The keys of the first section of that name in the order of the file, duplicates included.
     std::vector<std::string> Keys(std::string_view section) const;
+
+    /// Everything, in the order of the file, duplicates included. For those who look up much.
+    std::vector<IniSection> Contents() const;
 
     /// Replaces what stands behind the key's "=", or adds the key behind the last line of its section, or a
     /// section at the end.

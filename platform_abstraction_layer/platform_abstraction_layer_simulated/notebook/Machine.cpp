@@ -88,21 +88,21 @@ std::shared_ptr<const Content> ParseContent(const std::string& path)
 {
     auto content = std::make_shared<Content>();
     const IniDocument document(ReadWhole(path).value_or(std::string()), Encoding::Utf8);
-    for (const std::string& name : document.Sections())
+    for (IniSection& found : document.Contents())
     {
-        const auto [place, isNew] = content->sections.try_emplace(FoldCase(name), Section{name, {}, {}});
+        const auto [place, isNew] =
+            content->sections.try_emplace(FoldCase(found.name), Section{found.name, {}, {}});
         if (!isNew)
         {
             continue; // the first of a name counts
         }
-        content->order.push_back(name);
+        content->order.push_back(found.name);
         Section& section = place->second;
-        for (const std::string& key : document.Keys(name))
+        for (auto& [key, value] : found.entries)
         {
-            if (section.values.try_emplace(FoldCase(key), document.Value(name, key).value_or(std::string()))
-                    .second)
+            if (section.values.try_emplace(FoldCase(key), std::move(value)).second)
             {
-                section.keys.push_back(key);
+                section.keys.push_back(std::move(key));
             }
         }
     }

@@ -6,6 +6,7 @@
 
 #include "kernel32/SystemVersion.h"
 
+#include "notebook/Accounts.h"
 #include "notebook/Machine.h"
 #include "notebook/PlatformCall.h"
 #include "notebook/Text.h"
@@ -23,7 +24,7 @@ namespace
 
 constexpr DWORD kLaterMajor = 6;
 
-/// Values name only variables of earlier rows.
+/// A value may name other variables, never its own.
 struct Variable
 {
     std::string_view name;
@@ -46,14 +47,17 @@ constexpr std::string_view kServiceProfile = "%SystemRoot%\\system32\\config\\sy
 
 std::string AccountProfile()
 {
-    return Expand(Machine::Read("Account " + Machine::Account(), "Profile", kServiceProfile));
+    const std::optional<Account> account = Accounts::Running();
+    const bool hasProfile = account && !account->profile.empty();
+    return hasProfile ? account->profile : Expand(kServiceProfile);
 }
 
 } // namespace
 
 bool HasLaterFolders()
 {
-    return ReadSystemVersion().major >= kLaterMajor;
+    // A notebook that was made for one generation keeps its folders when its version is changed.
+    return Machine::ReadNumber("Machine", "FoldersOf", ReadSystemVersion().major) >= kLaterMajor;
 }
 
 std::optional<std::string> Find(std::string_view name)

@@ -60,7 +60,9 @@ DWORD Delete(std::string_view path)
     {
         return ERROR_ACCESS_DENIED;
     }
-    if (const DWORD error = share_modes::Check(place.host, DELETE); error != ERROR_SUCCESS)
+    DWORD error = paths::CheckFolder(place);
+    error = error != ERROR_SUCCESS ? error : share_modes::Check(place.host, DELETE);
+    if (error != ERROR_SUCCESS)
     {
         return error;
     }

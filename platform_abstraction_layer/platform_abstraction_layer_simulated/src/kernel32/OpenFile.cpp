@@ -112,8 +112,15 @@ Outcome<std::shared_ptr<File>> Open(std::string_view path, const OpenRequest& re
     {
         return {nullptr, ERROR_ACCESS_DENIED};
     }
-    DWORD error =
-        isThere && disposition->empties ? share_modes::Check(place.host, GENERIC_WRITE) : ERROR_SUCCESS;
+    DWORD error = ERROR_SUCCESS;
+    if (!isThere)
+    {
+        error = paths::CheckFolder(place);
+    }
+    else if (disposition->empties)
+    {
+        error = share_modes::Check(place.host, GENERIC_WRITE);
+    }
     if (error != ERROR_SUCCESS)
     {
         return {nullptr, error};

@@ -16,7 +16,6 @@
 #include <filesystem>
 #include <optional>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
 namespace simulated::paths
@@ -251,24 +250,10 @@ DWORD FindExisting(std::string_view path, Place& place)
     return error == ERROR_SUCCESS && !place.Exists() ? ERROR_FILE_NOT_FOUND : error;
 }
 
-DWORD MakeLink(std::string_view path, std::string_view target)
+DWORD CheckFolder(const Place& place)
 {
-    Place link;
-    Place folder;
-    DWORD error = Find(path, link);
-    error = error != ERROR_SUCCESS ? error : Find(target, folder);
-    if (error != ERROR_SUCCESS || link.Exists())
-    {
-        return error;
-    }
-    // Relative, so that the notebook's folder can be moved.
-    const std::filesystem::path from = std::filesystem::path(link.host).parent_path();
-    const std::string relative = std::filesystem::path(folder.host).lexically_relative(from).string();
-    if (symlink(relative.c_str(), link.host.c_str()) != 0 && errno != EEXIST)
-    {
-        return ErrorOf(errno);
-    }
-    return ERROR_SUCCESS;
+    const mode_t mode = ModeOf(std::filesystem::path(place.host).parent_path().string());
+    return (mode & kWriteBits) != 0 ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
 }
 
 DWORD ErrorOf(int number) noexcept

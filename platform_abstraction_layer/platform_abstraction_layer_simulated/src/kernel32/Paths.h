@@ -2,7 +2,8 @@
 //
 // From a path of the simulated machine to the file of the host behind it. Drive X is the folder "drives/X" of
 // the notebook; names ignore case, "/" and "\" are alike, doubled ones count once, "." and ".." are resolved
-// before anything is looked up and never leave the drive.
+// before anything is looked up and never leave the drive. A relative symbolic link in a drive is a folder's
+// second name.
 //
 // Known differences from Windows: the current folder is always the root of drive C; names of DOS devices
 // ("con", "nul") and of other machines aren't served; a name has at most 255 bytes of UTF-8, not 255
@@ -41,10 +42,9 @@ DWORD Find(std::string_view path, Place& place);
 /// `Find` for something that must exist: ERROR_FILE_NOT_FOUND otherwise.
 DWORD FindExisting(std::string_view path, Place& place);
 
-/// Makes `path` a name for the folder `target`, as a profile of the later generation has them: the names of
-/// the earlier one lead to the new folders. The folders of both must exist, `target` itself needn't. 0 also
-/// when the name is there already.
-DWORD MakeLink(std::string_view path, std::string_view target);
+/// ERROR_ACCESS_DENIED when the folder that `place` lies in has a mode in which nothing can be made or
+/// removed.
+DWORD CheckFolder(const Place& place);
 
 /// The error number for `errno` after a call on a file.
 DWORD ErrorOf(int number) noexcept;

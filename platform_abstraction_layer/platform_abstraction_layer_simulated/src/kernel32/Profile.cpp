@@ -57,7 +57,10 @@ DWORD FindForWriting(std::string_view file, paths::Place& place)
     {
         return ERROR_ACCESS_DENIED;
     }
-    return place.Exists() ? share_modes::Check(place.host, GENERIC_READ | GENERIC_WRITE) : ERROR_SUCCESS;
+    const DWORD error = paths::CheckFolder(place);
+    return error == ERROR_SUCCESS && place.Exists()
+               ? share_modes::Check(place.host, GENERIC_READ | GENERIC_WRITE)
+               : error;
 }
 
 void Change(IniDocument& document, const std::string& section, const std::optional<std::string>& key,

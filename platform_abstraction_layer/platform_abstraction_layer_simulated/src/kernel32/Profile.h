@@ -1,8 +1,8 @@
 // kernel32/Profile.h
 //
-// Profile files of the simulated machine, found, read and changed. Text is UTF-8; what isn't there is nothing,
-// not empty. Each call opens the file once; a change replaces it whole, under a lock that keeps other writers
-// away, so a reader needs none.
+// Profile files of the simulated machine, found, read and changed. Text is UTF-8; what isn't there is
+// nothing, not empty. Each call opens the file once; a change replaces it whole, under a lock that keeps
+// other writers away, so a reader needs none.
 //
 // Known differences from Windows: a handle that is open on the file while it is changed goes on reading the
 // old content; a last line keeps its missing end when its value is replaced.

@@ -77,6 +77,12 @@ std::string DefaultText(LPCWSTR otherwise)
     return text;
 }
 
+DWORD CopyDefault(LPCWSTR otherwise, LPWSTR buffer, DWORD size)
+{
+    return size == 0 || buffer == nullptr ? 0
+                                          : CopyText(profile::Unquote(DefaultText(otherwise)), buffer, size);
+}
+
 Outcome<DWORD> GetString(LPCWSTR section, LPCWSTR key, LPCWSTR otherwise, LPWSTR buffer, DWORD size,
                          const std::string& file)
 {
@@ -86,7 +92,7 @@ Outcome<DWORD> GetString(LPCWSTR section, LPCWSTR key, LPCWSTR otherwise, LPWSTR
     }
     const Outcome<std::optional<IniDocument>> document = profile::Read(file);
     const auto answerDefault = [&](DWORD error) -> Outcome<DWORD> {
-        return {CopyText(profile::Unquote(DefaultText(otherwise)), buffer, size), error};
+        return {CopyDefault(otherwise, buffer, size), error};
     };
     if (!document.value)
     {
@@ -131,11 +137,9 @@ SIM_API DWORD WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCW
 {
     PlatformCall call(CallClass::Profile, "GetPrivateProfileStringW", SIM_CALLER);
     call.Arguments(section, key, otherwise, size, file);
-    if (call.IsRefused() && size > 0 && buffer != nullptr)
-    {
-        CopyText(profile::Unquote(DefaultText(otherwise)), buffer, size);
-    }
-    return call.Result<DWORD>(0, [&]
+    // A read that is refused ends like one of a file that can't be opened.
+    const DWORD refused = call.IsRefused() ? CopyDefault(otherwise, buffer, size) : 0;
+    return call.Result<DWORD>(refused, [&]
                               { return GetString(section, key, otherwise, buffer, size, FileName(file)); });
 }
 

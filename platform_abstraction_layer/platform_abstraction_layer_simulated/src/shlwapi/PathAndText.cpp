@@ -5,6 +5,7 @@
 #include "kernel32/Files.h"
 #include "kernel32/Modules.h"
 
+#include "notebook/GuidText.h"
 #include "notebook/PlatformCall.h"
 #include "notebook/Text.h"
 
@@ -13,7 +14,7 @@
 #include <shlwapi.h>
 
 #include <algorithm>
-#include <cstring>
+#include <optional>
 
 using namespace simulated;
 
@@ -22,54 +23,16 @@ namespace
 
 constexpr WORD kGuidFromStringNumber = 270;
 
-// "{01234567-89AB-CDEF-0123-456789ABCDEF}" with the number of the byte that each pair of digits fills.
-constexpr int kText = -1;
-constexpr struct
+// The target is left alone when the text isn't a GUID in braces.
+BOOL ReadGuid(LPCWSTR text, GUID* guid)
 {
-    wchar_t character;
-    int byte;
-} kGuidForm[] = {
-    {L'{', kText}, {0, 3},  {0, 2},  {0, 1},        {0, 0},  {L'-', kText}, {0, 5},        {0, 4},
-    {L'-', kText}, {0, 7},  {0, 6},  {L'-', kText}, {0, 8},  {0, 9},        {L'-', kText}, {0, 10},
-    {0, 11},       {0, 12}, {0, 13}, {0, 14},       {0, 15}, {L'}', kText}, {0, kText},
-};
-
-bool ReadDigit(wchar_t character, unsigned& value)
-{
-    const wchar_t upper = FoldCase(character);
-    if (upper >= L'0' && upper <= L'9')
+    const std::optional<GUID> parsed = text == nullptr ? std::nullopt : ParseGuid(ToUtf8(text));
+    if (!parsed || guid == nullptr)
     {
-        value = value * 16 + (upper - L'0');
-        return true;
+        return FALSE;
     }
-    value = value * 16 + (upper - L'A' + 10U);
-    return upper >= L'A' && upper <= L'F';
-}
-
-// The last row of the form is the terminator, so a longer text doesn't fit it.
-bool ParseGuid(LPCWSTR text, GUID& guid)
-{
-    BYTE bytes[sizeof(GUID)] = {};
-    for (const auto& step : kGuidForm)
-    {
-        if (step.byte == kText)
-        {
-            if (*text++ != step.character)
-            {
-                return false;
-            }
-            continue;
-        }
-        unsigned value = 0;
-        if (!ReadDigit(text[0], value) || !ReadDigit(text[1], value))
-        {
-            return false;
-        }
-        bytes[step.byte] = static_cast<BYTE>(value);
-        text += 2;
-    }
-    std::memcpy(&guid, bytes, sizeof guid);
-    return true;
+    *guid = *parsed;
+    return TRUE;
 }
 
 LPCWSTR FindIgnoringCase(LPCWSTR whole, LPCWSTR part)
@@ -119,17 +82,14 @@ SIM_API LPWSTR WINAPI StrStrIW(LPCWSTR whole, LPCWSTR part)
     return call.Answer(const_cast<LPWSTR>(FindIgnoringCase(whole, part)));
 }
 
-/// Turns a GUID text in braces into a GUID. The target is left alone when the text isn't one.
+/// The function that the DLL exports by number alone: turns a GUID text in braces into a GUID.
 static BOOL WINAPI GuidFromStringW(LPCWSTR text, GUID* guid)
 {
     PlatformCall call(CallClass::Text, "GUIDFromStringW", SIM_CALLER);
     call.Arguments(text);
     return call.Result<BOOL>(FALSE,
-                             [&]() -> Outcome<BOOL>
-                             {
-                                 const bool isValid =
-                                     text != nullptr && guid != nullptr && ParseGuid(text, *guid);
-                                 return {isValid ? TRUE : FALSE, ERROR_SUCCESS};
+                             [&]() -> Outcome<BOOL> {
+                                 return {ReadGuid(text, guid), ERROR_SUCCESS};
                              });
 }
 
