@@ -1,0 +1,45 @@
+// tests/service/ServiceProcess.h
+//
+// The service as a real process on the test's notebook. It ends with the object, whatever the test did.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+class ServiceProcess
+{
+public:
+    /// Starts the service; `IsServing` tells whether it came so far.
+    ServiceProcess(const std::string& notebook, const std::vector<std::string>& options);
+    ~ServiceProcess();
+    ServiceProcess(const ServiceProcess&) = delete;
+    ServiceProcess& operator=(const ServiceProcess&) = delete;
+
+    /// Reads what the service prints until `text` is among it; false when the service ends without it or
+    /// prints nothing for ten seconds.
+    bool WaitFor(const std::string& text);
+    bool IsServing()
+    {
+        return WaitFor("serving\n");
+    }
+
+    /// Closes the pipe that feeds the service.
+    void CloseInput();
+    void Signal(int number) const;
+
+    /// Waits for the end: the exit code, -1 for an end by a signal.
+    int ExitCode();
+
+    const std::string& Printed() const
+    {
+        return m_printed;
+    }
+
+private:
+    pid_t m_process = -1;
+    int m_input = -1;
+    int m_output = -1;
+    std::string m_printed;
+};
