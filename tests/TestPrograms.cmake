@@ -10,8 +10,6 @@ endif()
 set(INSTALL_GTEST OFF)
 if(WIN32)
   set(gtest_disable_pthreads ON)
-  # The win32 flavour of the cross-compiler has no std::mutex, which GoogleTest asks of it in one place.
-  include_directories(${CMAKE_CURRENT_LIST_DIR}/windows)
 endif()
 add_subdirectory(${GTEST_SOURCES} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 if(WIN32)
