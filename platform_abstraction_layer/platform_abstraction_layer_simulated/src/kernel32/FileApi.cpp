@@ -27,7 +27,7 @@ Outcome<HANDLE> OpenHandle(const std::string& path, const files::OpenRequest& re
         {
             return {HandleTable::Insert(device.value, call), device.error};
         }
-        if (device.error != ERROR_FILE_NOT_FOUND)
+        if (device.error != ERROR_FILE_NOT_FOUND || !devices::NamesDrive(path))
         {
             return {INVALID_HANDLE_VALUE, device.error};
         }
