@@ -6,6 +6,7 @@
 
 #include "notebook/Clock.h"
 #include "notebook/DebugOutput.h"
+#include "notebook/KernelDriver.h"
 #include "notebook/Machine.h"
 #include "notebook/Trace.h"
 
@@ -47,6 +48,8 @@ void NotebookTest::Recreate(const NotebookOptions& options)
     ASSERT_TRUE(Notebook::Create(m_folder, options));
     Machine::RunAs({});
     DebugOutput::Clear();
+    KernelDriver::LetGo();
+    KernelDriver::ForgetRequests();
     Trace::Record(true);
     Trace::Clear();
 }
