@@ -65,17 +65,18 @@ void PhysicalMemory::Read(DWORD address, std::span<BYTE> bytes)
 
 void PhysicalMemory::Write(DWORD address, std::span<const BYTE> bytes)
 {
-    const std::uint64_t end = std::uint64_t{address} + bytes.size();
-    for (std::uint64_t word = address - address % kWordSize; word < end; word += kWordSize)
+    const BYTE* source = bytes.data();
+    const BYTE* const end = source + bytes.size();
+    while (source != end)
     {
-        DWORD value = AlignedWord(static_cast<DWORD>(word));
-        for (std::uint64_t place = std::max<std::uint64_t>(word, address);
-             place < std::min(end, word + kWordSize); ++place)
+        const DWORD word = address - address % kWordSize;
+        DWORD value = AlignedWord(word);
+        do
         {
-            const unsigned shift = ShiftOf(static_cast<DWORD>(place));
-            value = (value & ~(DWORD{0xFF} << shift)) | (DWORD{bytes[place - address]} << shift);
-        }
-        Machine::Write(kWords, AddressText(static_cast<DWORD>(word)), AddressText(value));
+            const unsigned shift = ShiftOf(address++);
+            value = (value & ~(DWORD{0xFF} << shift)) | (DWORD{*source++} << shift);
+        } while (source != end && address % kWordSize != 0);
+        Machine::Write(kWords, AddressText(word), AddressText(value));
     }
 }
 

@@ -156,7 +156,7 @@ CONFIGRET GetProperty(const std::string& id, ULONG number, PULONG type, PVOID bu
     {
         *type = property->type;
     }
-    if (property->bytes.size() > room)
+    if (buffer == nullptr || property->bytes.size() > room)
     {
         return CR_BUFFER_SMALL;
     }
