@@ -9,7 +9,8 @@
 
 #include <cstddef>
 
-enum SYSTEM_POWER_STATE
+// The enumerations have a fixed type because records from a registry or a file may hold any number.
+enum SYSTEM_POWER_STATE : int
 {
     PowerSystemUnspecified = 0,
     PowerSystemWorking = 1,
@@ -22,7 +23,7 @@ enum SYSTEM_POWER_STATE
 };
 static_assert(sizeof(SYSTEM_POWER_STATE) == 4);
 
-enum POWER_ACTION
+enum POWER_ACTION : int
 {
     PowerActionNone = 0,
     PowerActionReserved = 1,
@@ -109,7 +110,7 @@ using PPROCESSOR_POWER_POLICY = PROCESSOR_POWER_POLICY*;
 static_assert(sizeof(PROCESSOR_POWER_POLICY) == 76);
 
 /// What `CallNtPowerInformation` can be asked for; the power manager here knows `SystemBatteryState` alone.
-enum POWER_INFORMATION_LEVEL
+enum POWER_INFORMATION_LEVEL : int
 {
     SystemPowerPolicyAc = 0,
     SystemPowerPolicyDc = 1,

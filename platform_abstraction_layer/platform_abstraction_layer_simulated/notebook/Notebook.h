@@ -23,8 +23,8 @@ struct NotebookOptions
 {
     DWORD major = 5;
     DWORD minor = 1;
-    unsigned codePage = 1252; ///< or 65001
-    std::string installation; ///< host folder with the files of an installation, see `Notebook::Install`
+    unsigned codePage = 1252;      ///< or 65001
+    std::string installation = {}; ///< host folder with the files of an installation, see `Notebook::Install`
 };
 
 /// All operations are on the notebook that this process uses, and answer false when the host's file system
