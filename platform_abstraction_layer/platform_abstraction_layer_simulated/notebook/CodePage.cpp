@@ -30,9 +30,9 @@ constexpr unsigned kUtf8CodePage = 65001;
 // The plain letters that stand for U+0100 to U+017F. "?" marks those that have none, and those that the code
 // page holds itself.
 constexpr wchar_t kFirstLatinExtended = 0x100;
-constexpr std::string_view kLatinExtended =
-    "AaAaAaCcCcCcCcDdDdEeEeEeEeEeGgGgGgGgHhHhIiIiIiIiIi??JjKk?LlLlLl??Ll"
-    "NnNnNn???OoOoOo??RrRrRrSsSsSs??TtTtTtUuUuUuUuUuUuWwYy?ZzZz???";
+constexpr std::string_view kLatinExtended = "AaAaAaCcCcCcCcDd\xD0"
+                                            "dEeEeEeEeEeGgGgGgGgHhHhIiIiIiIiIi??JjKk?LlLlLl??Ll"
+                                            "NnNnNn???OoOoOo??RrRrRrSsSsSs??TtTtTtUuUuUuUuUuUuWwYy?ZzZz???";
 
 } // namespace
 

@@ -76,6 +76,10 @@ IniDocument::Line IniDocument::LineAt(std::size_t begin) const noexcept
 {
     const std::size_t end = End();
     std::size_t place = begin;
+    if (m_width == 1)
+    {
+        place = std::min(m_bytes.find_first_of(kLineEnd, begin), end);
+    }
     while (place < end && !IsLineEnd(UnitAt(place)))
     {
         place += m_width;
@@ -128,14 +132,28 @@ IniDocument::Parsed IniDocument::Parse(Span line) const noexcept
             }
         }
     }
-    for (std::size_t place = text.begin; place < text.end; place += m_width)
+    const std::size_t equals = Find('=', text);
+    if (equals == text.end)
     {
-        if (UnitAt(place) == '=')
-        {
-            return {Kind::Entry, Trim({text.begin, place}), {place + m_width, line.end}};
-        }
+        return {Kind::Other, {}, {}};
     }
-    return {Kind::Other, {}, {}};
+    return {Kind::Entry, Trim({text.begin, equals}), {equals + m_width, line.end}};
+}
+
+// Where a plain character stands in `span`, or the span's end.
+std::size_t IniDocument::Find(char character, Span span) const noexcept
+{
+    if (m_width == 1)
+    {
+        const std::string_view text = std::string_view(m_bytes).substr(span.begin, span.end - span.begin);
+        return span.begin + std::min(text.find(character), text.size());
+    }
+    std::size_t place = span.begin;
+    while (place < span.end && UnitAt(place) != static_cast<unsigned char>(character))
+    {
+        place += m_width;
+    }
+    return place;
 }
 
 std::string IniDocument::Text(Span span) const

@@ -95,6 +95,7 @@ private:
     unsigned UnitAt(std::size_t place) const noexcept;
     Line LineAt(std::size_t begin) const noexcept;
     Parsed Parse(Span line) const noexcept;
+    std::size_t Find(char character, Span span) const noexcept;
     Span Trim(Span span) const noexcept;
     std::string Text(Span span) const;
     bool IsName(Span span, std::string_view name) const;
