@@ -31,39 +31,34 @@ DWORD ReadGroup(AnswerGroup group, MachineAnswers& answers)
     return error;
 }
 
+/// Gives `to` the part of the answers that one group fills, or leaves it alone.
+template <class Part>
+DWORD ReadPart(AnswerGroup group, Part MachineAnswers::*part, Part& to)
+{
+    MachineAnswers answers{};
+    const DWORD error = ReadGroup(group, answers);
+    if (error == ERROR_SUCCESS)
+    {
+        to = answers.*part;
+    }
+    return error;
+}
+
 } // namespace
 
 DWORD ReadPowerStatus(SYSTEM_POWER_STATUS& status)
 {
-    MachineAnswers answers{};
-    const DWORD error = ReadGroup(AnswerGroup::Status, answers);
-    if (error == ERROR_SUCCESS)
-    {
-        status = answers.status;
-    }
-    return error;
+    return ReadPart(AnswerGroup::Status, &MachineAnswers::status, status);
 }
 
 DWORD ReadBatteryState(SYSTEM_BATTERY_STATE& state)
 {
-    MachineAnswers answers{};
-    const DWORD error = ReadGroup(AnswerGroup::Battery, answers);
-    if (error == ERROR_SUCCESS)
-    {
-        state = answers.battery;
-    }
-    return error;
+    return ReadPart(AnswerGroup::Battery, &MachineAnswers::battery, state);
 }
 
 DWORD ReadHibernateAllowed(BOOLEAN& allowed)
 {
-    MachineAnswers answers{};
-    const DWORD error = ReadGroup(AnswerGroup::Hibernation, answers);
-    if (error == ERROR_SUCCESS)
-    {
-        allowed = answers.hibernateAllowed;
-    }
-    return error;
+    return ReadPart(AnswerGroup::Hibernation, &MachineAnswers::hibernateAllowed, allowed);
 }
 
 DWORD ReadMachineAnswers(MachineAnswers& answers)
