@@ -14,12 +14,12 @@
 namespace owners
 {
 
-/// Holds one value of `Traits::Value` and gives it to `Traits::Release` unless it is `Traits::Empty()`.
-template <class Traits>
+/// Holds one pointer-like value and gives it to `Release` unless it is the one that stands for nothing.
+template <class Pointer, void (*Release)(Pointer) noexcept, LONG_PTR kEmpty = 0>
 class Owner
 {
 public:
-    using Value = typename Traits::Value;
+    using Value = Pointer;
 
     Owner() noexcept = default;
     explicit Owner(Value value) noexcept : m_value(value)
@@ -46,21 +46,21 @@ public:
     }
     explicit operator bool() const noexcept
     {
-        return m_value != Traits::Empty();
+        return m_value != Empty();
     }
     /// Releases what is held and holds `value` from now on.
-    void Reset(Value value = Traits::Empty()) noexcept
+    void Reset(Value value = Empty()) noexcept
     {
         const Value old = std::exchange(m_value, value);
-        if (old != Traits::Empty())
+        if (old != Empty())
         {
-            Traits::Release(old);
+            Release(old);
         }
     }
     /// Gives the value away; the caller owns it.
     Value Detach() noexcept
     {
-        return std::exchange(m_value, Traits::Empty());
+        return std::exchange(m_value, Empty());
     }
     /// Where a function stores the value that it hands out. What was held is released first.
     Value* Receive() noexcept
@@ -70,109 +70,54 @@ public:
     }
 
 private:
-    Value m_value = Traits::Empty();
+    static Value Empty() noexcept
+    {
+        return reinterpret_cast<Value>(kEmpty);
+    }
+
+    Value m_value = Empty();
 };
+
+// The system's functions have calling conventions and results of their own; these give them one shape.
+inline void CloseObject(HANDLE handle) noexcept
+{
+    CloseHandle(handle);
+}
+inline void CloseKey(HKEY key) noexcept
+{
+    RegCloseKey(key);
+}
+inline void DestroyList(HDEVINFO list) noexcept
+{
+    SetupDiDestroyDeviceInfoList(list);
+}
+inline void FreeLocal(void* block) noexcept
+{
+    LocalFree(block);
+}
+inline void FreeBlock(void* block) noexcept
+{
+    HeapFree(GetProcessHeap(), 0, block);
+}
+inline void Unmap(void* view) noexcept
+{
+    UnmapViewOfFile(view);
+}
+
+/// What INVALID_HANDLE_VALUE is as a number.
+constexpr LONG_PTR kInvalidHandle = -1;
 
 /// Kernel objects whose creators answer null for failure: events, threads, mappings, tokens.
-struct HandleTraits
-{
-    using Value = HANDLE;
-    static Value Empty() noexcept
-    {
-        return nullptr;
-    }
-    static void Release(Value handle) noexcept
-    {
-        CloseHandle(handle);
-    }
-};
-
+using Handle = Owner<HANDLE, CloseObject>;
 /// Files and devices, whose opener answers INVALID_HANDLE_VALUE for failure.
-struct FileTraits
-{
-    using Value = HANDLE;
-    static Value Empty() noexcept
-    {
-        return INVALID_HANDLE_VALUE;
-    }
-    static void Release(Value handle) noexcept
-    {
-        CloseHandle(handle);
-    }
-};
-
-struct KeyTraits
-{
-    using Value = HKEY;
-    static Value Empty() noexcept
-    {
-        return nullptr;
-    }
-    static void Release(Value key) noexcept
-    {
-        RegCloseKey(key);
-    }
-};
-
-struct DeviceListTraits
-{
-    using Value = HDEVINFO;
-    static Value Empty() noexcept
-    {
-        return INVALID_HANDLE_VALUE;
-    }
-    static void Release(Value list) noexcept
-    {
-        SetupDiDestroyDeviceInfoList(list);
-    }
-};
-
-struct LocalTraits
-{
-    using Value = void*;
-    static Value Empty() noexcept
-    {
-        return nullptr;
-    }
-    static void Release(Value block) noexcept
-    {
-        LocalFree(block);
-    }
-};
-
-struct HeapTraits
-{
-    using Value = void*;
-    static Value Empty() noexcept
-    {
-        return nullptr;
-    }
-    static void Release(Value block) noexcept
-    {
-        HeapFree(GetProcessHeap(), 0, block);
-    }
-};
-
-struct ViewTraits
-{
-    using Value = void*;
-    static Value Empty() noexcept
-    {
-        return nullptr;
-    }
-    static void Release(Value view) noexcept
-    {
-        UnmapViewOfFile(view);
-    }
-};
-
-using Handle = Owner<HandleTraits>;
-using File = Owner<FileTraits>;
-using Key = Owner<KeyTraits>;
-using DeviceList = Owner<DeviceListTraits>;
-using LocalBlock = Owner<LocalTraits>;
-using HeapBlock = Owner<HeapTraits>;
-using View = Owner<ViewTraits>;
+using File = Owner<HANDLE, CloseObject, kInvalidHandle>;
+using Key = Owner<HKEY, CloseKey>;
+using DeviceList = Owner<HDEVINFO, DestroyList, kInvalidHandle>;
+/// Memory that the system allocated for its caller.
+using LocalBlock = Owner<void*, FreeLocal>;
+/// Memory from the process heap.
+using HeapBlock = Owner<void*, FreeBlock>;
+using View = Owner<void*, Unmap>;
 
 /// `size` bytes of zeros from the process heap; the owner is empty when there is no memory.
 inline HeapBlock AllocateBlock(std::size_t size) noexcept
