@@ -1,16 +1,17 @@
 // msvcrt/Format.cpp
 //
-// One formatter for both widths of text: it reads a conversion, fetches its argument by the conversion's kind
-// and size, and pads what comes out.
+// One formatter for both widths of text: it fetches the argument of a conversion by its kind and size, and
+// pads what comes out.
 
 #include "msvcrt/Format.h"
+
+#include "msvcrt/Conversion.h"
+#include "msvcrt/NumberText.h"
 
 #include <windef.h>
 
 #include <algorithm>
-#include <array>
 #include <climits>
-#include <cstdio>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -20,99 +21,6 @@ namespace simulated::runtime
 
 namespace
 {
-
-constexpr int kLargestFloatPrecision = 512;
-constexpr int kDefaultFloatPrecision = 6;
-constexpr std::size_t kExponentDigits = 3;
-
-/// The size prefix of a conversion.
-enum class Size
-{
-    Default,
-    Short,    ///< h: 16 bits, narrow text
-    Long,     ///< l, w: 32 bits, wide text
-    LongLong, ///< ll, I64: 64 bits
-    Pointer   ///< I, z, t: as wide as a pointer
-};
-
-/// A size prefix as it is spelled; longer spellings stand before shorter ones that they begin with.
-struct SizePrefix
-{
-    std::string_view text;
-    Size size;
-};
-constexpr std::array kSizePrefixes = {
-    SizePrefix{"I64", Size::LongLong}, SizePrefix{"I32", Size::Long},   SizePrefix{"I", Size::Pointer},
-    SizePrefix{"hh", Size::Short},     SizePrefix{"h", Size::Short},    SizePrefix{"ll", Size::LongLong},
-    SizePrefix{"l", Size::Long},       SizePrefix{"L", Size::LongLong}, SizePrefix{"j", Size::LongLong},
-    SizePrefix{"w", Size::Long},       SizePrefix{"z", Size::Pointer},  SizePrefix{"t", Size::Pointer},
-};
-
-struct Conversion
-{
-    bool leftAligned = false;
-    bool plusSign = false;
-    bool blankSign = false;
-    bool alternate = false;
-    bool zeroPadded = false;
-    int width = 0;
-    int precision = -1; ///< -1 when none is given
-    Size size = Size::Default;
-    unsigned letter = 0;
-};
-
-/// A number as text: what stands before the padding zeros, and its digits.
-struct Digits
-{
-    std::string prefix;
-    std::string digits;
-};
-
-Digits FromInteger(std::uint64_t value, unsigned base, bool upper)
-{
-    static constexpr std::string_view kLower = "0123456789abcdef";
-    static constexpr std::string_view kUpper = "0123456789ABCDEF";
-    Digits number;
-    for (; value != 0; value /= base)
-    {
-        number.digits += (upper ? kUpper : kLower)[value % base];
-    }
-    std::reverse(number.digits.begin(), number.digits.end());
-    return number;
-}
-
-// The Microsoft runtime writes exponents with three digits.
-void WidenExponent(std::string& digits)
-{
-    const std::size_t sign = digits.find_last_of("+-");
-    const bool hasExponent = sign != std::string::npos && sign > 0 && (digits[sign - 1] | 0x20) == 'e';
-    if (hasExponent && digits.size() - sign - 1 < kExponentDigits)
-    {
-        digits.insert(sign + 1, kExponentDigits - (digits.size() - sign - 1), '0');
-    }
-}
-
-Digits FromDouble(double value, const Conversion& conversion)
-{
-    const std::string format =
-        std::string(conversion.alternate ? "%#.*" : "%.*") + static_cast<char>(conversion.letter);
-    const int precision = conversion.precision < 0 ? kDefaultFloatPrecision
-                                                   : std::min(conversion.precision, kLargestFloatPrecision);
-    std::array<char, 1024> text{};
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral" // put together above, from a known letter
-    std::snprintf(text.data(), text.size(), format.c_str(), precision, value);
-#pragma GCC diagnostic pop
-    Digits number;
-    number.digits = text.data();
-    if (number.digits.starts_with('-'))
-    {
-        number.prefix = "-";
-        number.digits.erase(0, 1);
-    }
-    WidenExponent(number.digits);
-    return number;
-}
 
 template <class Unit>
 class Formatter
@@ -129,12 +37,12 @@ public:
         {
             if (*format != '%')
             {
-                Put(*format++);
+                Put(static_cast<std::make_unsigned_t<Unit>>(*format++));
                 continue;
             }
-            Conversion conversion;
-            format = Read(format + 1, conversion);
-            Convert(conversion);
+            ConversionReader reader(format + 1, [this] { return va_arg(m_arguments, int); });
+            Convert(reader.Read());
+            format = reader.Place();
         }
         va_end(m_arguments);
         return Finish();
@@ -169,82 +77,6 @@ private:
         const std::size_t room = m_count - std::min(m_count, m_length);
         std::fill_n(m_target + m_count - room, std::min(room, number), static_cast<Unit>(character));
         m_length += number;
-    }
-
-    int ReadNumber(const Unit*& format)
-    {
-        if (*format == '*')
-        {
-            ++format;
-            return va_arg(m_arguments, int);
-        }
-        int number = 0;
-        for (; *format >= '0' && *format <= '9'; ++format)
-        {
-            number = std::min(number, INT_MAX / 10 - 1) * 10 + (static_cast<int>(*format) - '0');
-        }
-        return number;
-    }
-
-    static const Unit* ReadFlags(const Unit* format, Conversion& conversion)
-    {
-        for (;; ++format)
-        {
-            switch (*format)
-            {
-            case '-':
-                conversion.leftAligned = true;
-                break;
-            case '+':
-                conversion.plusSign = true;
-                break;
-            case ' ':
-                conversion.blankSign = true;
-                break;
-            case '#':
-                conversion.alternate = true;
-                break;
-            case '0':
-                conversion.zeroPadded = true;
-                break;
-            default:
-                return format;
-            }
-        }
-    }
-
-    static const Unit* ReadSize(const Unit* format, Conversion& conversion)
-    {
-        for (const SizePrefix& prefix : kSizePrefixes)
-        {
-            // The comparison ends at the format's terminator, which no prefix holds.
-            if (std::equal(prefix.text.begin(), prefix.text.end(), format,
-                           [](char wanted, Unit unit) { return unit == static_cast<Unit>(wanted); }))
-            {
-                conversion.size = prefix.size;
-                return format + prefix.text.size();
-            }
-        }
-        return format;
-    }
-
-    const Unit* Read(const Unit* format, Conversion& conversion)
-    {
-        format = ReadFlags(format, conversion);
-        conversion.width = ReadNumber(format);
-        if (conversion.width < 0)
-        {
-            conversion.leftAligned = true;
-            conversion.width = conversion.width == INT_MIN ? INT_MAX : -conversion.width;
-        }
-        if (*format == '.')
-        {
-            ++format;
-            conversion.precision = ReadNumber(format);
-        }
-        format = ReadSize(format, conversion);
-        conversion.letter = static_cast<std::make_unsigned_t<Unit>>(*format);
-        return *format == 0 ? format : format + 1;
     }
 
     void Convert(const Conversion& conversion)
