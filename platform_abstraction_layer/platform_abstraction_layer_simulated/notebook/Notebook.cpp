@@ -5,6 +5,7 @@
 #include "notebook/Notebook.h"
 
 #include "advapi32/Hives.h"
+#include "advapi32/Tokens.h"
 #include "notebook/HardwareSeeding.h"
 #include "notebook/HostFiles.h"
 #include "notebook/Machine.h"
@@ -195,6 +196,7 @@ bool Notebook::Create(const std::string& folder, const NotebookOptions& options)
         return false;
     }
     Machine::Use(folder);
+    tokens::Reset();
     const std::vector<Account> accounts = FreshAccounts(profiles::LayoutOf(options.major));
     if (!MakeFolders(options.major) || !MakeProfiles(accounts, options.major))
     {

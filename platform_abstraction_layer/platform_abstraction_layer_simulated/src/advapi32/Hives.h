@@ -13,6 +13,7 @@
 
 #include <windef.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -23,14 +24,24 @@ namespace simulated::hives
 std::string MachineRoot();
 std::string UsersRoot();
 
+/// What the `FileLock` of the registry's writers is named after.
+std::string WritersLock();
+
 /// The folder of the hive of that name.
 std::string FolderOf(std::string_view hive);
 
-/// What the file of the hive holds.
+/// What the file of the hive holds, and the hive that such a text names; nothing for another text.
 std::string FileText(std::string_view hive);
+std::optional<std::string> ParseFileText(std::string_view text);
 
 /// Makes `subKey` of HKEY_USERS lead to a hive, and takes it away again. True also when it was so before.
 bool Link(std::string_view subKey, std::string_view hive);
 bool Unlink(std::string_view subKey);
+
+/// The hive that a subkey of HKEY_USERS leads to; empty for none.
+std::string BehindLink(std::string_view subKey);
+
+/// True when some subkey leads to the hive.
+bool IsLoaded(std::string_view hive);
 
 } // namespace simulated::hives

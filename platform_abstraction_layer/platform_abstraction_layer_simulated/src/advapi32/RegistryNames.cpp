@@ -17,7 +17,8 @@ namespace simulated::registry
 namespace
 {
 
-// The file system's limit is 255; a file that is being written has a few characters more.
+// The file system's limit, and that of a file whose name gets some characters more while it is being written.
+constexpr std::size_t kLongestFolderName = 255;
 constexpr std::size_t kLongestFileName = 240;
 constexpr char kValueMark = '=';
 constexpr char kEscape = '%';
@@ -37,7 +38,7 @@ void AppendEscaped(std::string& to, char character)
     to += kHexDigits[byte & 15];
 }
 
-std::string Encode(std::string encoded, std::string_view name)
+std::string Encode(std::string encoded, std::string_view name, std::size_t longest)
 {
     for (const char character : name)
     {
@@ -50,7 +51,7 @@ std::string Encode(std::string encoded, std::string_view name)
             encoded += character;
         }
     }
-    return encoded.size() > kLongestFileName ? std::string() : encoded;
+    return encoded.size() > longest ? std::string() : encoded;
 }
 
 std::string DecodeName(std::string_view encoded)
@@ -121,12 +122,17 @@ std::string KeyFileName(std::string_view name)
         AppendEscaped(begin, name.front());
         name.remove_prefix(1);
     }
-    return Encode(begin, name);
+    return Encode(begin, name, kLongestFolderName);
+}
+
+std::string KeyName(std::string_view fileName)
+{
+    return DecodeName(fileName);
 }
 
 std::string ValueFileName(std::string_view name)
 {
-    return Encode(std::string(1, kValueMark), name);
+    return Encode(std::string(1, kValueMark), name, kLongestFileName);
 }
 
 std::vector<std::string> SplitPath(std::string_view path)

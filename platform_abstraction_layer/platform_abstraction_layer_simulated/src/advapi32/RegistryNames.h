@@ -4,7 +4,8 @@
 // file whose name begins with "=", so that the two can't collide, and the default value is the file "=".
 // Characters that a file name can't hold stand as "%" and two hexadecimal digits.
 //
-// Known difference from Windows: a name whose encoded form has more than 240 bytes can't be used.
+// Known difference from Windows: a name can't be used whose encoded form has more than 255 bytes, of a value
+// more than 240.
 #pragma once
 
 #include <windef.h>
@@ -19,6 +20,9 @@ namespace simulated::registry
 /// The names of the files of a key and of a value; empty when the name is too long or can't be one.
 std::string KeyFileName(std::string_view name);
 std::string ValueFileName(std::string_view name);
+
+/// The name of the key that has this folder.
+std::string KeyName(std::string_view fileName);
 
 /// The parts of a subkey path. Doubled backslashes count once, one at the end not at all.
 std::vector<std::string> SplitPath(std::string_view path);
