@@ -11,11 +11,11 @@
 #pragma once
 
 #include "foundation/OrvlBase.h"
+#include "foundation/PowerProfile.h"
 #include "foundation/Text.h"
 #include "scheme/PwrSet.h"
 
 #include <poclass.h>
-#include <powrprof.h>
 
 /// What `CSchemeEx::EnumPwrSchemes` calls for each scheme: number, size of the name, name, size of the
 /// description, description, the caller's argument. 0 ends the walk. The texts end with the call.
