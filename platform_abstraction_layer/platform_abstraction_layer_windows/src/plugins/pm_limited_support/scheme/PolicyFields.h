@@ -1,0 +1,26 @@
+// scheme/PolicyFields.h
+//
+// The operating system's scheme records keep each setting twice, for mains and for battery power. These views
+// show one of the two, so that no rule has to be told twice.
+#pragma once
+
+#include "foundation/PowerProfile.h"
+#include "scheme/StandbyRules.h"
+
+/// The fields of one power source, in a record that outlives the view.
+struct PolicyFields
+{
+    ULONG* videoTimeout;
+    ULONG* spindownTimeout;
+    ULONG* idleTimeout;
+    POWER_ACTION* idleAction;
+    ULONG* dozeTimeout;
+    UCHAR* throttlePolicy;
+    UCHAR* forcedThrottle;
+};
+
+PolicyFields FieldsOf(POWER_POLICY& policy, bool ac) noexcept;
+UCHAR& DynamicThrottleOf(MACHINE_PROCESSOR_POWER_POLICY& processor, bool ac) noexcept;
+
+IdleState IdleStateOf(const PolicyFields& fields) noexcept;
+void StoreIdleState(const PolicyFields& fields, const IdleState& state) noexcept;

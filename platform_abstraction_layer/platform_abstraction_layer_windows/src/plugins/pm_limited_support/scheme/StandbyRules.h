@@ -1,0 +1,35 @@
+// scheme/StandbyRules.h
+//
+// How a scheme of the XP path holds two times in three fields: standby and hibernation. Hibernation comes at
+// `idle` + `doze` seconds when the machine sleeps first, and at `idle` seconds when it doesn't. The rules
+// keep the other time where it is while one of them moves. All numbers are seconds.
+#pragma once
+
+#include <windows.h>
+
+/// The idle times and the idle action of one power source.
+struct IdleState
+{
+    LONG idle;   ///< time without activity until `action`
+    LONG action; ///< `POWER_ACTION`: none, sleep or hibernate
+    LONG doze;   ///< time asleep until hibernation, 0 for never
+
+    bool operator==(const IdleState&) const = default;
+};
+
+/// The first hibernate time that the catalogue offers above a standby time, 0 for none.
+using LaterHibernateTime = int (*)(int standby) noexcept;
+
+/// When the machine goes to sleep, 0 for never.
+LONG StandbyTimeOf(const IdleState& state) noexcept;
+
+/// When the machine hibernates, 0 for never.
+LONG HibernateTimeOf(const IdleState& state) noexcept;
+
+/// Moves the standby time to `value`. Where it would come after hibernation, `laterTime` is asked for a
+/// hibernate time behind it. False when the two can't be reconciled; `state` is then not to be used.
+bool ChangeStandbyTime(IdleState& state, bool ac, LONG value, LaterHibernateTime laterTime) noexcept;
+
+/// Moves the hibernate time to `value`; false as above. A time equal to the standby time is refused on
+/// mains power and turns hibernation off on battery.
+bool ChangeHibernateTime(IdleState& state, bool ac, LONG value) noexcept;
