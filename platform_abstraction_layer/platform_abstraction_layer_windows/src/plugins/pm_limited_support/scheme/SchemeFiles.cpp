@@ -1,0 +1,73 @@
+// scheme/SchemeFiles.cpp
+//
+// Opening the configuration files of the scheme side.
+
+#include "scheme/SchemeFiles.h"
+
+namespace files
+{
+
+NumberedKey::NumberedKey(const wchar_t* format, int number) noexcept
+{
+    text::Format(m_text, format, number);
+}
+
+const wchar_t* NumberedKey::Text() const noexcept
+{
+    return m_text;
+}
+
+bool OpenRoot(CORVLCfg& root) noexcept
+{
+    return root.Initialize(L"ORVLCfg.ini") != 0;
+}
+
+bool ReadName(CORVLCfg& root, const NameKey& which, ShortText& name) noexcept
+{
+    name[0] = L'\0';
+    return root.GetString(which.section, which.key, nullptr, name, static_cast<int>(kTextCapacity)) > 0;
+}
+
+bool FindName(const NameKey& which, ShortText& name) noexcept
+{
+    name[0] = L'\0';
+    CORVLCfg root;
+    return OpenRoot(root) && ReadName(root, which, name);
+}
+
+bool OpenOwn(CORVLProfile& file, const ShortText& name) noexcept
+{
+    return name[0] != L'\0' && file.Initialize(name, nullptr, 0) != 0;
+}
+
+bool OpenValues(CORVLProfile& file) noexcept
+{
+    ShortText name;
+    return FindName(kValuesName, name) && OpenOwn(file, name);
+}
+
+bool OpenUsers(CORVLProfile& file) noexcept
+{
+    ShortText name;
+    return FindName(kUsersName, name) && OpenOwn(file, name);
+}
+
+bool OpenCatalogue(CORVLCfg& file) noexcept
+{
+    ShortText name;
+    return FindName(kCatalogueName, name) && file.Initialize(name) != 0;
+}
+
+bool OpenDisplay(CORVLProfile& file, const wchar_t* folder) noexcept
+{
+    ShortText name;
+    return FindName(kDisplayName, name) && file.Initialize(name, folder, 0) != 0;
+}
+
+bool GapLimit::IsReached(bool entryIsAbsent) noexcept
+{
+    m_gap = entryIsAbsent ? m_gap + 1 : 0;
+    return m_gap >= kLongestGap;
+}
+
+} // namespace files

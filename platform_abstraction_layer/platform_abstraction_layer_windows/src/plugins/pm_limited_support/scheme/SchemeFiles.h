@@ -1,0 +1,84 @@
+// scheme/SchemeFiles.h
+//
+// How each configuration file of the scheme side is found and opened. "ORVLCfg.ini" is the root and names
+// the others: the scheme values file and the user scheme file, one of each for the machine, the setting
+// catalogue of the installation, and the scheme display file, one for each user.
+#pragma once
+
+#include "foundation/OrvlCfg.h"
+#include "foundation/OrvlProfile.h"
+
+#include <cstddef>
+
+namespace files
+{
+
+constexpr std::size_t kTextCapacity = 255;
+
+/// A file's name, a section's name or a short text of a file.
+using ShortText = wchar_t[kTextCapacity];
+
+/// Where the root file names another file.
+struct NameKey
+{
+    const wchar_t* section;
+    const wchar_t* key;
+};
+constexpr NameKey kValuesName{L"ORVLCfg", L"PowerScheme"};
+constexpr NameKey kCatalogueName{L"ORVLCfg", L"PowerSetting"};
+constexpr NameKey kUsersName{L"ORVLCfg", L"UserScheme"};
+constexpr NameKey kDisplayName{L"ORVACfg", L"SchemeSettings"};
+
+/// Sections, by format. The first two give the same text for every scheme that can exist.
+constexpr const wchar_t* kVariablesSection = L"Scheme %d";
+constexpr const wchar_t* kRowSection = L"Scheme %u";
+constexpr const wchar_t* kDisplaySection = L"Scheme%d";
+
+/// A key with a number in it.
+class NumberedKey
+{
+public:
+    NumberedKey(const wchar_t* format, int number) noexcept;
+    const wchar_t* Text() const noexcept;
+
+private:
+    ShortText m_text;
+};
+
+/// Opens "ORVLCfg.ini".
+bool OpenRoot(CORVLCfg& root) noexcept;
+
+/// Reads a file's name from the open root; false, with `name` empty, when the root names none.
+bool ReadName(CORVLCfg& root, const NameKey& which, ShortText& name) noexcept;
+
+/// Opens the root and reads a file's name.
+bool FindName(const NameKey& which, ShortText& name) noexcept;
+
+/// Opens the file `name` in the folder of the account in which this process runs, and creates it there.
+/// False also for an empty name.
+bool OpenOwn(CORVLProfile& file, const ShortText& name) noexcept;
+
+// From the root to the open file in one go; false when one step fails.
+
+bool OpenValues(CORVLProfile& file) noexcept;
+bool OpenUsers(CORVLProfile& file) noexcept;
+bool OpenCatalogue(CORVLCfg& file) noexcept;
+
+/// `folder` is the user's configuration folder.
+bool OpenDisplay(CORVLProfile& file, const wchar_t* folder) noexcept;
+
+/// Entries that a file numbers are as many as a count in it says. A damaged count would make a walk through
+/// them last for hours, so a walk gives up after a long run of entries that aren't there.
+class GapLimit
+{
+public:
+    static constexpr int kLongestGap = 10000;
+
+    /// Notes one entry; true when the walk is to end.
+    bool IsReached(bool entryIsAbsent) noexcept;
+
+private:
+    int m_gap = 0;
+};
+
+} // namespace files
