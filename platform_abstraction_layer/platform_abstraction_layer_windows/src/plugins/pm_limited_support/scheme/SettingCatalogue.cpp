@@ -1,0 +1,163 @@
+// scheme/SettingCatalogue.cpp
+//
+// The setting catalogue: option lists, texts and the operating system's settings of the variables.
+
+#include "scheme/SettingCatalogue.h"
+
+#include "foundation/GuidText.h"
+#include "foundation/PowerProfile.h"
+#include "scheme/SchemeEx.h"
+#include "scheme/SchemeFiles.h"
+#include "scheme/VariableTable.h"
+
+namespace
+{
+
+constexpr const wchar_t* kOptionCount = L"OptionNumber";
+constexpr const wchar_t* kHibernateTime = L"HibernateTimeOut";
+
+int ReadOption(CORVLCfg& file, const wchar_t* name, int option) noexcept
+{
+    return file.GetInt(name, files::NumberedKey(L"ValueOption%d", option).Text(), -1);
+}
+
+// The first option of the variable for which `accepts` holds, in file order.
+template <class Predicate>
+bool FindOption(const wchar_t* name, Predicate accepts, int& value) noexcept
+{
+    CORVLCfg file;
+    if (!files::OpenCatalogue(file))
+    {
+        return false;
+    }
+    const int count = file.GetInt(name, kOptionCount, 0);
+    files::GapLimit gap;
+    for (int option = 0; option < count; ++option)
+    {
+        value = ReadOption(file, name, option);
+        if (accepts(value))
+        {
+            return true;
+        }
+        if (gap.IsReached(value == -1))
+        {
+            return false;
+        }
+    }
+    return false;
+}
+
+bool ReadGuid(CORVLCfg& file, const wchar_t* name, const wchar_t* key, GUID& guid) noexcept
+{
+    files::ShortText value = {};
+    return file.GetString(name, key, nullptr, value, static_cast<int>(files::kTextCapacity)) > 0 &&
+           ParseGuid(value, &guid) != 0;
+}
+
+// Copies a text of the catalogue; its length, or -1 for none.
+int CopyText(const wchar_t* name, const wchar_t* key, wchar_t* buffer, int size) noexcept
+{
+    CORVLCfg file;
+    if (buffer == nullptr || size <= 0 || !files::OpenCatalogue(file))
+    {
+        return -1;
+    }
+    const int length = file.GetString(name, key, nullptr, buffer, size);
+    return length > 0 ? length : -1;
+}
+
+} // namespace
+
+bool catalogue::Offers(const wchar_t* name, int value) noexcept
+{
+    int found = 0;
+    return FindOption(
+        name, [value](int option) { return option == value; }, found);
+}
+
+int catalogue::HibernateTimeAfter(int standby) noexcept
+{
+    if (!IsPwrHibernateAllowed())
+    {
+        return 0;
+    }
+    int found = 0;
+    return FindOption(
+               kHibernateTime, [standby](int option) { return option > standby; }, found)
+               ? found
+               : 0;
+}
+
+bool catalogue::ReadSetting(const wchar_t* name, GUID& subGroup, GUID& setting) noexcept
+{
+    CORVLCfg file;
+    return files::OpenCatalogue(file) && ReadGuid(file, name, L"SubGroupGuid", subGroup) &&
+           ReadGuid(file, name, L"Guid", setting);
+}
+
+int CSchemeEx::ParseVarName(const wchar_t* name) noexcept
+{
+    return FindVariable(name);
+}
+
+int CSchemeEx::ParseVarName(const wchar_t* name, GUID* subGroup, GUID* setting) noexcept
+{
+    if (m_bVista == 0 || subGroup == nullptr || setting == nullptr)
+    {
+        return -1;
+    }
+    const int number = FindVariable(name);
+    const bool isComplete =
+        number >= 0 && (!HasSetting(VariableOf(number)) || catalogue::ReadSetting(name, *subGroup, *setting));
+    return isComplete ? number : -1;
+}
+
+int CSchemeEx::GuidFromString(const wchar_t* text, GUID* guid) noexcept
+{
+    return ParseGuid(text, guid);
+}
+
+int CSchemeEx::GetHiberTimeFromStandbyTime(int standby) noexcept
+{
+    return catalogue::HibernateTimeAfter(standby);
+}
+
+int CSchemeEx::GetPwrVariableOptCount(const wchar_t* name) noexcept
+{
+    CORVLCfg file;
+    return files::OpenCatalogue(file) ? file.GetInt(name, kOptionCount, -1) : -1;
+}
+
+int CSchemeEx::GetPwrVariableOptValue(const wchar_t* name, int option) noexcept
+{
+    CORVLCfg file;
+    return files::OpenCatalogue(file) ? ReadOption(file, name, option) : -1;
+}
+
+int CSchemeEx::GetPwrVariableOptDesc(const wchar_t* name, int option, wchar_t* buffer, int size) noexcept
+{
+    if (option >= GetPwrVariableOptCount(name))
+    {
+        return -1;
+    }
+    return CopyText(name, files::NumberedKey(L"DescOption%d", option).Text(), buffer, size);
+}
+
+int CSchemeEx::GetPwrVariableUnit(const wchar_t* name, wchar_t* buffer, int size) noexcept
+{
+    return CopyText(name, L"Unit", buffer, size);
+}
+
+int CSchemeEx::GetPwrVariableName(const wchar_t* name, wchar_t* buffer, int size) noexcept
+{
+    const int number = FindVariable(name);
+    if (number < 0)
+    {
+        return -1;
+    }
+    if (number >= kFirstUsbPort)
+    {
+        return 0;
+    }
+    return CopyText(name, L"Name", buffer, size) > 0 ? 0 : -1;
+}
