@@ -1,0 +1,132 @@
+// scheme/PolicyStore.cpp
+//
+// The operating system's schemes in the registry.
+
+#include "scheme/PolicyStore.h"
+
+#include "foundation/Owners.h"
+#include "foundation/Registry.h"
+#include "scheme/SchemeEx.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+constexpr const wchar_t* kOwnSchemes = L"Control Panel\\PowerCfg\\PowerPolicies";
+constexpr const wchar_t* kMachineSchemes =
+    L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg\\PowerPolicies";
+
+// The key of one scheme, opened for reading, and what is logged when that fails or the value isn't there.
+struct PolicyKey
+{
+    HKEY root;
+    const wchar_t* parent;
+    const wchar_t* openText;
+    const wchar_t* queryText;
+};
+
+// Calls `visit` with the number of each scheme below a key until it answers false. A key that can't be
+// opened has none.
+template <class Visitor>
+void VisitSchemes(HKEY root, const wchar_t* parent, Visitor visit) noexcept
+{
+    owners::Key key;
+    if (RegOpenKeyExW(root, parent, 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
+    {
+        return;
+    }
+    for (DWORD place = 0;; ++place)
+    {
+        wchar_t name[text::kPathCapacity];
+        auto length = static_cast<DWORD>(std::size(name));
+        if (RegEnumKeyExW(key.Get(), place, name, &length, nullptr, nullptr, nullptr, nullptr) !=
+                ERROR_SUCCESS ||
+            !visit(text::ToInt(name)))
+        {
+            return;
+        }
+    }
+}
+
+// The value "Policies" of one scheme into `*size` bytes.
+int ReadPolicy(const PolicyKey& place, int index, unsigned char* data, ULONG* size) noexcept
+{
+    wchar_t path[text::kPathCapacity];
+    text::Format(path, L"%s\\%d", place.parent, index);
+    owners::Key key;
+    if (RegOpenKeyExW(place.root, path, 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
+    {
+        CORVLBase::DBGOUT(place.openText, path, GetLastError());
+        return 0;
+    }
+    if (RegQueryValueExW(key.Get(), L"Policies", nullptr, nullptr, data, size) != ERROR_SUCCESS)
+    {
+        CORVLBase::DBGOUT(place.queryText, path, GetLastError());
+        return 0;
+    }
+    return 1;
+}
+
+} // namespace
+
+bool policy_store::HasScheme(int index) noexcept
+{
+    bool found = false;
+    VisitSchemes(HKEY_CURRENT_USER, kOwnSchemes,
+                 [&found, index](int number)
+                 {
+                     found = number == index;
+                     return !found;
+                 });
+    return found;
+}
+
+int policy_store::HighestScheme() noexcept
+{
+    int highest = 0;
+    VisitSchemes(HKEY_LOCAL_MACHINE, kMachineSchemes,
+                 [&highest](int number)
+                 {
+                     highest = std::max(highest, number);
+                     return true;
+                 });
+    return highest;
+}
+
+int CSchemeEx::ReadUserActivePowerScheme(const wchar_t* subKey) noexcept
+{
+    owners::Key key;
+    if (RegOpenKeyExW(HKEY_USERS, subKey, 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
+    {
+        DBGOUT(L"ReadUserActivePowerScheme: Open key %s failed, error=%d", subKey, GetLastError());
+        return 0;
+    }
+    wchar_t number[130];
+    static_assert(sizeof number == 260);
+    if (registry::ReadText(key.Get(), L"CurrentPowerPolicy", number) != ERROR_SUCCESS)
+    {
+        DBGOUT(L"ReadUserActivePowerScheme: Query CurrentPowerPolicy at Key %s failed", subKey);
+        return 0;
+    }
+    const int active = text::ToInt(number);
+    DBGOUT(L"ReadUserActivePowerScheme: Query current ID is %d", active);
+    return active;
+}
+
+int CSchemeEx::ReadUserPowerPolicy(int index, const wchar_t* subKey, unsigned char* data,
+                                   ULONG* size) noexcept
+{
+    const PolicyKey place{HKEY_USERS, subKey, L"ReadUserPowerPolicy: Open key %s failed, error=%d",
+                          L"ReadUserPowerPolicy: Query value Policies at Key %s failed, error=%d"};
+    return ReadPolicy(place, index, data, size);
+}
+
+int CSchemeEx::ReadMachinePowerPolicy(int index, unsigned char* data, ULONG* size) noexcept
+{
+    const PolicyKey place{HKEY_LOCAL_MACHINE, kMachineSchemes,
+                          L"ReadMachinePowerPolicy: Open key %s failed, error=%d",
+                          L"ReadMachinePowerPolicy: Query value Policies at Key %s failed, error=%d"};
+    return ReadPolicy(place, index, data, size);
+}
