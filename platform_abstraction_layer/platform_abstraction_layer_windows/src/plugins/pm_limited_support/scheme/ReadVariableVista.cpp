@@ -1,0 +1,133 @@
+// scheme/ReadVariableVista.cpp
+//
+// Reading one variable on the Vista path. Nothing is logged here.
+
+#include "scheme/PowerDispatch.h"
+#include "scheme/SchemeMapping.h"
+#include "scheme/SettingCatalogue.h"
+#include "scheme/StoredVariables.h"
+#include "scheme/VariableAccess.h"
+
+namespace
+{
+
+// The operating system's setting behind a variable, in one scheme.
+class SettingReader
+{
+public:
+    // False when the system lacks the functions.
+    bool Bind() noexcept
+    {
+        m_readAc = PowerDispatch.PowerReadACValueIndex.load();
+        m_readDc = PowerDispatch.PowerReadDCValueIndex.load();
+        return m_readAc != nullptr && m_readDc != nullptr;
+    }
+
+    bool Read(bool ac, DWORD& value) const noexcept
+    {
+        const PowerValueReader read = ac ? m_readAc : m_readDc;
+        return read(nullptr, &scheme, &subGroup, &setting, &value) == ERROR_SUCCESS;
+    }
+
+    GUID scheme{};
+    GUID subGroup{};
+    GUID setting{};
+
+private:
+    PowerValueReader m_readAc = nullptr;
+    PowerValueReader m_readDc = nullptr;
+};
+
+int ReadSetting(const SettingReader& reader, bool ac) noexcept
+{
+    DWORD value = 0;
+    return reader.Read(ac, value) ? static_cast<int>(value) : -1;
+}
+
+// The operating system's pair wins over the copy in the file, which is only made where it is missing.
+int ReadThrottle(const SettingReader& reader, StoredVariables& stored, const Variable& variable, LONG copy,
+                 bool ac) noexcept
+{
+    DWORD dcValue = 0;
+    DWORD acValue = 0;
+    if (!reader.Read(false, dcValue) || !reader.Read(true, acValue))
+    {
+        return -1;
+    }
+    const LONG packed = PackHalves(acValue, dcValue);
+    if (copy == kNoValue)
+    {
+        stored.Write(variable, packed);
+    }
+    return static_cast<int>(HalfOf(packed, ac));
+}
+
+int ReadBacklight(const SettingReader& reader, StoredVariables& stored, bool ac) noexcept
+{
+    const LONG levels = stored.MaxBrightLevel();
+    DWORD percentage = 0;
+    if (levels <= 0 || !reader.Read(ac, percentage))
+    {
+        return -1;
+    }
+    return static_cast<int>((percentage + 1) * (static_cast<DWORD>(levels) - 1) / 100);
+}
+
+int ReadPacked(StoredVariables& stored, const Variable& variable, LONG value, bool ac) noexcept
+{
+    if (value == kNoValue)
+    {
+        value = variable.vistaDefault;
+        stored.Write(variable, value);
+    }
+    return static_cast<int>(value == kNoValue ? value : HalfOf(value, ac));
+}
+
+int ReadWhole(StoredVariables& stored, const Variable& variable, LONG value) noexcept
+{
+    if (value == kNoValue)
+    {
+        stored.Write(variable, value);
+    }
+    return static_cast<int>(value);
+}
+
+} // namespace
+
+int vista::ReadVariable(int index, bool ac, const wchar_t* name) noexcept
+{
+    SettingReader reader;
+    if (!reader.Bind() || !mapping::RowToGuid(index, reader.scheme))
+    {
+        return -1;
+    }
+    const int number = FindVariable(name);
+    if (number < 0)
+    {
+        return -1;
+    }
+    const Variable& variable = VariableOf(number);
+    if (HasSetting(variable) && !catalogue::ReadSetting(name, reader.subGroup, reader.setting))
+    {
+        return -1;
+    }
+    if (variable.vista == VistaPlace::Setting)
+    {
+        return ReadSetting(reader, ac);
+    }
+
+    StoredVariables stored(index);
+    const LONG value = stored.Read(variable, kNoValue);
+    switch (variable.vista)
+    {
+    case VistaPlace::ThrottleMinimum:
+    case VistaPlace::ThrottleMaximum:
+        return ReadThrottle(reader, stored, variable, value, ac);
+    case VistaPlace::Backlight:
+        return ReadBacklight(reader, stored, ac);
+    case VistaPlace::Whole:
+        return ReadWhole(stored, variable, value);
+    default:
+        return ReadPacked(stored, variable, value, ac);
+    }
+}

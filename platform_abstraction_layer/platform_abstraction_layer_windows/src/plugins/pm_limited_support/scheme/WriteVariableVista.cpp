@@ -1,0 +1,164 @@
+// scheme/WriteVariableVista.cpp
+//
+// Writing one variable on the Vista path. Nothing is logged here. A refusal of the operating system leaves
+// what was written before it, the copy in the file included.
+
+#include "scheme/PowerDispatch.h"
+#include "scheme/SchemeEx.h"
+#include "scheme/SchemeMapping.h"
+#include "scheme/SettingCatalogue.h"
+#include "scheme/StoredVariables.h"
+#include "scheme/VariableAccess.h"
+#include "scheme/Wrapping.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace
+{
+
+constexpr int kAdaptivePolicy = 3;
+constexpr int kFullSpeed = 100;
+
+// Settings of the processor, which no file names.
+constexpr GUID kProcessorSettings = {
+    0x54533251, 0x82BE, 0x4824, {0x96, 0xC1, 0x47, 0xB6, 0x0B, 0x74, 0x0D, 0x00}};
+constexpr GUID kThrottleMaximum = {
+    0xBC5038F7, 0x23E0, 0x4960, {0x96, 0xDA, 0x33, 0xAB, 0xAF, 0x59, 0x35, 0xEC}};
+constexpr GUID kThrottleMinimum = {
+    0x893DEE8E, 0x2BEF, 0x41E0, {0x89, 0xC6, 0xB5, 0x5D, 0x09, 0x29, 0x96, 0x4C}};
+constexpr GUID kFirstPolicySetting = {
+    0x68F262A7, 0xF621, 0x4069, {0xB9, 0xA5, 0x48, 0x74, 0x16, 0x9B, 0xE2, 0x3C}};
+constexpr GUID kSecondPolicySetting = {
+    0xBBDC3814, 0x18E9, 0x4463, {0x8A, 0x55, 0xD1, 0x97, 0x32, 0x7C, 0x45, 0xC0}};
+
+// The operating system's settings of one scheme on one power source.
+class SettingWriter
+{
+public:
+    // False when the system lacks the functions.
+    bool Bind(bool ac) noexcept
+    {
+        const PowerValueWriter writeAc = PowerDispatch.PowerWriteACValueIndex.load();
+        const PowerValueWriter writeDc = PowerDispatch.PowerWriteDCValueIndex.load();
+        m_write = ac ? writeAc : writeDc;
+        return writeAc != nullptr && writeDc != nullptr;
+    }
+
+    bool Write(const GUID& group, const GUID& which, int value) const noexcept
+    {
+        return m_write(nullptr, &scheme, &group, &which, static_cast<DWORD>(value)) == ERROR_SUCCESS;
+    }
+
+    bool WriteProcessor(const GUID& which, int value) const noexcept
+    {
+        return Write(kProcessorSettings, which, value);
+    }
+
+    GUID scheme{};
+
+private:
+    PowerValueWriter m_write = nullptr;
+};
+
+// Not adaptive fixes the processor at full speed.
+bool WriteAdaptive(const SettingWriter& writer, bool ac, int value) noexcept
+{
+    const int policy = (value == 0 ? 4 : 2) + (ac ? 0 : 1);
+    if (!writer.WriteProcessor(kFirstPolicySetting, policy) ||
+        !writer.WriteProcessor(kSecondPolicySetting, policy))
+    {
+        return false;
+    }
+    return value != 0 || (writer.WriteProcessor(kThrottleMinimum, kFullSpeed) &&
+                          writer.WriteProcessor(kThrottleMaximum, kFullSpeed));
+}
+
+// The percentage that stands for a backlight level; false for a level that has none.
+bool LevelToPercentage(int level, LONG levels, int& percentage) noexcept
+{
+    if (levels <= 1 || level > levels)
+    {
+        return false;
+    }
+    percentage = static_cast<int>(WrappingProduct(level, 100) / (levels - 1));
+    return true;
+}
+
+bool IsTimeOut(const wchar_t* name) noexcept
+{
+    constexpr const wchar_t* kTimeOuts[] = {L"HibernateTimeOut", L"DiskOffTimeOut", L"StandbyTimeOut",
+                                            L"MonitorOffTimeOut"};
+    return std::any_of(std::begin(kTimeOuts), std::end(kTimeOuts),
+                       [name](const wchar_t* timeOut) { return text::Equal(name, timeOut); });
+}
+
+} // namespace
+
+bool vista::Accepts(const wchar_t* name, int value) noexcept
+{
+    // The operating system takes whole minutes; its own range is wider than the catalogue's.
+    return IsTimeOut(name) ? value >= 0 && value % 60 == 0 : catalogue::Offers(name, value);
+}
+
+int vista::WriteVariable(CSchemeEx& engine, int index, bool ac, const wchar_t* name, int value) noexcept
+{
+    SettingWriter writer;
+    if (!writer.Bind(ac) || !mapping::RowToGuid(index, writer.scheme))
+    {
+        return -1;
+    }
+    const int number = FindVariable(name);
+    if (number < 0)
+    {
+        return -1;
+    }
+    const Variable& variable = VariableOf(number);
+    GUID subGroup{};
+    GUID setting{};
+    if (HasSetting(variable) && !catalogue::ReadSetting(name, subGroup, setting))
+    {
+        return -1;
+    }
+    if (variable.vista == VistaPlace::Setting)
+    {
+        return vista::Accepts(name, value) && writer.Write(subGroup, setting, value) ? 1 : -1;
+    }
+
+    StoredVariables stored(index);
+    if (!vista::Accepts(name, value))
+    {
+        return -1;
+    }
+    if (variable.vista == VistaPlace::Whole)
+    {
+        stored.Write(variable, value);
+        return value;
+    }
+    stored.Merge(variable, ac, value);
+
+    switch (variable.vista)
+    {
+    case VistaPlace::ThrottleMinimum:
+        return writer.WriteProcessor(kThrottleMinimum, value) ? value : -1;
+    case VistaPlace::ThrottleMaximum:
+        return writer.WriteProcessor(kThrottleMaximum, value) ? value : -1;
+    case VistaPlace::Adaptive:
+        return WriteAdaptive(writer, ac, value) ? value : -1;
+    case VistaPlace::Speed:
+        if (value == 0)
+        {
+            engine.SetPwrVariable(index, ac ? 1 : 0, VariableOf(kCpuAdaptive).name, kAdaptivePolicy);
+        }
+        return value;
+    case VistaPlace::Backlight:
+    {
+        int percentage = 0;
+        const bool isWritten = LevelToPercentage(value, stored.MaxBrightLevel(), percentage) &&
+                               writer.Write(subGroup, setting, percentage);
+        return isWritten ? percentage : -1;
+    }
+    default:
+        return value;
+    }
+}
