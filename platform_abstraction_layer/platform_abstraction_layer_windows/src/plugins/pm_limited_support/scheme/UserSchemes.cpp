@@ -1,0 +1,185 @@
+// scheme/UserSchemes.cpp
+//
+// The entries of the user scheme file.
+
+#include "scheme/UserSchemes.h"
+
+#include "scheme/SchemeEx.h"
+#include "scheme/Wrapping.h"
+
+#include <algorithm>
+
+using files::NumberedKey;
+using files::ShortText;
+
+namespace
+{
+
+constexpr int kCapacity = static_cast<int>(files::kTextCapacity);
+
+// The entry of the scheme in a section of `count` entries, or -1. `absent` stands for an entry that a
+// damaged file lacks.
+int FindEntry(CORVLProfile& users, const wchar_t* section, int count, int scheme, int absent) noexcept
+{
+    files::GapLimit gap;
+    for (int entry = 0; entry < count; ++entry)
+    {
+        const int found = users.GetInt(section, NumberedKey(user_schemes::kScheme, entry).Text(), absent);
+        if (found == scheme)
+        {
+            return entry;
+        }
+        if (gap.IsReached(found == absent))
+        {
+            break;
+        }
+    }
+    return -1;
+}
+
+bool Owns(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
+{
+    const int count = user_schemes::CountOf(users, section);
+    return scheme >= 0 && FindEntry(users, section, count, scheme, -1) >= 0;
+}
+
+} // namespace
+
+int user_schemes::CountOf(CORVLProfile& users, const wchar_t* section) noexcept
+{
+    return std::max(0, users.GetInt(section, kNumber, 0));
+}
+
+int user_schemes::FindByName(CORVLProfile& users, const wchar_t* section, const wchar_t* name) noexcept
+{
+    const int count = CountOf(users, section);
+    files::GapLimit gap;
+    for (int entry = 0; entry < count; ++entry)
+    {
+        ShortText found = {};
+        users.GetString(section, NumberedKey(kSchemeName, entry).Text(), nullptr, found, kCapacity);
+        if (text::Equal(found, name))
+        {
+            return users.GetInt(section, NumberedKey(kScheme, entry).Text(), 0);
+        }
+        if (gap.IsReached(found[0] == L'\0'))
+        {
+            break;
+        }
+    }
+    return -1;
+}
+
+bool user_schemes::BelongsToAnother(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
+{
+    if (Owns(users, section, scheme))
+    {
+        return false;
+    }
+    const int count = CountOf(users, kUserList);
+    files::GapLimit gap;
+    for (int user = 0; user < count; ++user)
+    {
+        ShortText other = {};
+        users.GetString(kUserList, NumberedKey(kUser, user).Text(), nullptr, other, kCapacity);
+        if (gap.IsReached(other[0] == L'\0'))
+        {
+            break;
+        }
+        if (!text::EqualIgnoringCase(other, section) && Owns(users, other, scheme))
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+void user_schemes::Remove(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
+{
+    const int count = CountOf(users, section);
+    const int removed = FindEntry(users, section, count, scheme, 0);
+    if (removed < 0)
+    {
+        return;
+    }
+    files::GapLimit gap;
+    for (int entry = removed + 1; entry < count; ++entry)
+    {
+        // The name is read before anything of the lower place is overwritten.
+        const int number = users.GetInt(section, NumberedKey(kScheme, entry).Text(), 0);
+        ShortText name = {};
+        users.GetString(section, NumberedKey(kSchemeName, entry).Text(), nullptr, name, kCapacity);
+        if (gap.IsReached(name[0] == L'\0'))
+        {
+            break;
+        }
+        users.PutInt(section, NumberedKey(kScheme, entry - 1).Text(), number);
+        users.PutString(section, NumberedKey(kSchemeName, entry - 1).Text(), name);
+    }
+    users.PutInt(section, kNumber, count - 1);
+}
+
+int CSchemeEx::FindPwrScheme(const wchar_t* name, const wchar_t*) noexcept
+{
+    CORVLProfile users;
+    return name != nullptr && files::OpenUsers(users) ? user_schemes::FindByName(users, m_szSubKey, name)
+                                                      : -1;
+}
+
+int CSchemeEx::AddtoUserList(const wchar_t* user) noexcept
+{
+    DBGOUT(L"Enter AddtoUserList %s", user);
+    ShortText file;
+    files::FindName(files::kUsersName, file);
+    DBGOUT(L"AddtoUserList: the user scheme cfg file name is %s", file);
+    CORVLProfile users;
+    if (!files::OpenOwn(users, file))
+    {
+        DBGOUT(L"AddtoUserList: initialize the user scheme cfg file failed");
+        return -1;
+    }
+    const int count = user_schemes::CountOf(users, user_schemes::kUserList);
+    DBGOUT(L"AddtoUserList: get number in userlist is %d", count);
+    files::GapLimit gap;
+    for (int entry = 0; entry < count; ++entry)
+    {
+        ShortText listed = {};
+        users.GetString(user_schemes::kUserList, NumberedKey(user_schemes::kUser, entry).Text(), nullptr,
+                        listed, kCapacity);
+        if (text::Equal(listed, m_szSubKey))
+        {
+            return 1;
+        }
+        if (gap.IsReached(listed[0] == L'\0'))
+        {
+            break;
+        }
+    }
+    users.PutString(user_schemes::kUserList, NumberedKey(user_schemes::kUser, count).Text(), m_szSubKey);
+    users.PutInt(user_schemes::kUserList, user_schemes::kNumber, static_cast<int>(WrappingSum(count, 1)));
+    return 1;
+}
+
+int CSchemeEx::AddtoUserScheme(const wchar_t* name, const wchar_t* user, int number) noexcept
+{
+    AddtoUserList(user);
+    ShortText section;
+    text::Copy(section, m_szSubKey);
+    DBGOUT(L"the user id is %s", section);
+    ShortText file;
+    files::FindName(files::kUsersName, file);
+    DBGOUT(L"the user scheme cfg file name is %s", file);
+    CORVLProfile users;
+    if (!files::OpenOwn(users, file))
+    {
+        DBGOUT(L"initialize the user scheme cfg file failed");
+        return -1;
+    }
+    const int count = user_schemes::CountOf(users, section);
+    DBGOUT(L"Get number from %s is %d", section, count);
+    // The count goes last: until then the new entry doesn't exist.
+    users.PutInt(section, NumberedKey(user_schemes::kScheme, count).Text(), number);
+    users.PutString(section, NumberedKey(user_schemes::kSchemeName, count).Text(), name);
+    users.PutInt(section, user_schemes::kNumber, static_cast<int>(WrappingSum(count, 1)));
+    return 1;
+}

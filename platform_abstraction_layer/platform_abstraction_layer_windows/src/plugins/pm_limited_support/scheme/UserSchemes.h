@@ -1,0 +1,30 @@
+// scheme/UserSchemes.h
+//
+// The user scheme file, open: which schemes belong to which user. A user's section describes the entries 0
+// to "Number" less 1; what stands above is stale and isn't read.
+#pragma once
+
+#include "scheme/SchemeFiles.h"
+
+namespace user_schemes
+{
+
+constexpr const wchar_t* kUserList = L"UserList";
+constexpr const wchar_t* kNumber = L"Number";
+constexpr const wchar_t* kUser = L"User%d";
+constexpr const wchar_t* kScheme = L"Scheme%d";
+constexpr const wchar_t* kSchemeName = L"SchemeName%d";
+
+/// How many entries a section has; never negative.
+int CountOf(CORVLProfile& users, const wchar_t* section) noexcept;
+
+/// The scheme of that name in a section, case told apart, or -1.
+int FindByName(CORVLProfile& users, const wchar_t* section, const wchar_t* name) noexcept;
+
+/// True when the scheme stands in another listed user's section and not in `section`.
+bool BelongsToAnother(CORVLProfile& users, const wchar_t* section, int scheme) noexcept;
+
+/// Takes the scheme out of a section and closes the gap; a scheme that isn't there changes nothing.
+void Remove(CORVLProfile& users, const wchar_t* section, int scheme) noexcept;
+
+} // namespace user_schemes
