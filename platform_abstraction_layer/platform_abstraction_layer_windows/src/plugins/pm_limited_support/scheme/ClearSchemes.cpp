@@ -1,0 +1,150 @@
+// scheme/ClearSchemes.cpp
+//
+// Taking the schemes off the machine, one user's or everybody's, with the files and the key that belong to
+// them. Best effort: a scheme, file or key that can't be removed stays, and the clearing goes on.
+
+#include "foundation/Owners.h"
+#include "foundation/SystemFolders.h"
+#include "scheme/ClearFiles.h"
+#include "scheme/SchemeEx.h"
+#include "scheme/UserSchemes.h"
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int kDefaultScheme = 1;
+constexpr const wchar_t* kProductKey = L"Software\\Kelvo";
+constexpr const wchar_t* kDeletedText = L"ClearPwrSchemes: DeleteFile %s";
+
+// The schemes of one user and his section, with the log lines of the caller.
+struct UserTexts
+{
+    const wchar_t* user;
+    const wchar_t* scheme;
+};
+
+bool OpenUserSchemes(CORVLProfile& users) noexcept
+{
+    files::ShortText name;
+    files::FindName(files::kUsersName, name);
+    CORVLBase::DBGOUT(L"ClearPwrSchemes: the user scheme cfg file name is %s", name);
+    if (!files::OpenOwn(users, name))
+    {
+        CORVLBase::DBGOUT(L"ClearPwrSchemes: initialize the user scheme cfg file failed");
+        return false;
+    }
+    return true;
+}
+
+void ClearUser(CSchemeEx& engine, CORVLProfile& users, const wchar_t* section,
+               const UserTexts& texts) noexcept
+{
+    const int count = user_schemes::CountOf(users, section);
+    CORVLBase::DBGOUT(texts.user, section, count);
+    files::GapLimit gap;
+    for (int entry = count - 1; entry >= 0; --entry)
+    {
+        const int scheme = users.GetInt(section, files::NumberedKey(user_schemes::kScheme, entry).Text(), -1);
+        engine.DeletePwrScheme(scheme);
+        CORVLBase::DBGOUT(texts.scheme, scheme);
+        if (gap.IsReached(scheme == -1))
+        {
+            // The count is damaged; the schemes stand at the low end.
+            entry = std::min(entry, files::GapLimit::kLongestGap);
+        }
+    }
+    users.PutString(section, nullptr, nullptr);
+}
+
+void ClearAllUsers(CSchemeEx& engine, CORVLProfile& users) noexcept
+{
+    constexpr UserTexts texts{L"ClearPwrSchemes: Get username=%s, Number=%d",
+                              L"ClearPwrSchemes: DeletePwrScheme(%d)"};
+    const int count = user_schemes::CountOf(users, user_schemes::kUserList);
+    files::GapLimit gap;
+    for (int user = 0; user < count; ++user)
+    {
+        files::ShortText section = {};
+        users.GetString(user_schemes::kUserList, files::NumberedKey(user_schemes::kUser, user).Text(),
+                        nullptr, section, static_cast<int>(files::kTextCapacity));
+        if (gap.IsReached(section[0] == L'\0'))
+        {
+            return;
+        }
+        ClearUser(engine, users, section, texts);
+    }
+}
+
+// The companion application's key of the machine; false when it can't be removed.
+bool RemoveMachineKey() noexcept
+{
+    owners::Key key;
+    LSTATUS result = RegOpenKeyExW(HKEY_LOCAL_MACHINE, kProductKey, 0, KEY_ALL_ACCESS, key.Receive());
+    if (result == ERROR_SUCCESS)
+    {
+        result = RegDeleteKeyW(key.Get(), L"ORVA");
+    }
+    if (result != ERROR_SUCCESS)
+    {
+        CORVLBase::DBGOUT(L"open key %s failed at %d", kProductKey, result);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+int CSchemeEx::ClearORV(int what) noexcept
+{
+    if (what == 1)
+    {
+        DBGOUT(L"enter ClearORV: ClearCurrentUserSettings");
+        ClearCurrentUserSettings();
+    }
+    else if (what == 0)
+    {
+        DBGOUT(L"enter ClearORV: ClearAllUserSettings");
+        ClearPwrSchemes();
+        ClearCfgSettings();
+    }
+    return 1;
+}
+
+int CSchemeEx::ClearCurrentUserSettings() noexcept
+{
+    SetActivePwrScheme(kDefaultScheme);
+    CORVLProfile users;
+    if (!OpenUserSchemes(users))
+    {
+        return -1;
+    }
+    ClearUser(*this, users, m_szSubKey,
+              {L"ClearCurrentUserSettings: Get username=%s, Number=%d",
+               L"ClearCurrentUserSettings: DeletePwrScheme(%d)"});
+    DeleteFileBelow(m_szProfilePath, L"\\OrvProfile.ini", L"ClearCurrentUserSettings: delete file = %s");
+    DeleteFileBelow(m_szProfilePath, L"\\PowerSchemes.ini", L"ClearCurrentUserSettings: DeleteFile %s");
+    return 1;
+}
+
+int CSchemeEx::ClearPwrSchemes() noexcept
+{
+    DBGOUT(L"enter ClearPwrSchemes");
+    SetActivePwrScheme(kDefaultScheme);
+    CORVLProfile users;
+    if (!OpenUserSchemes(users))
+    {
+        return -1;
+    }
+    ClearAllUsers(*this, users);
+
+    wchar_t folder[text::kPathCapacity];
+    if (!folders::GetConfigurationFolder(folder))
+    {
+        return 0;
+    }
+    DeleteFileBelow(folder, L"\\UserSchemes.ini", kDeletedText);
+    DeleteFileBelow(folder, L"\\PowerSchemes.ini", kDeletedText);
+    return RemoveMachineKey() ? 1 : 0;
+}
