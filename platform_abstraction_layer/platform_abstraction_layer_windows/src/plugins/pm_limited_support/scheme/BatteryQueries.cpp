@@ -1,0 +1,185 @@
+// scheme/BatteryQueries.cpp
+//
+// Battery queries, each with an agent of its own, so that no battery stays open between them.
+
+#include "agents/BatAgent.h"
+#include "agents/EcAgent.h"
+#include "foundation/Results.h"
+#include "scheme/SchemeEx.h"
+#include "scheme/SchemeFiles.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace
+{
+
+constexpr BYTE kNoBattery = 0x80; // also set where the system knows nothing
+constexpr ULONG kExtendedRecord = 15;
+constexpr const wchar_t* kSection = L"BatteryInforList";
+
+// One of the two lists of named items, by the formats of its keys.
+struct ItemList
+{
+    const wchar_t* count;
+    const wchar_t* name;
+    const wchar_t* start;
+    const wchar_t* size;
+};
+constexpr ItemList kExtendedItems{L"BEAItemNum", L"BEAName%d", L"BEAStart%d", L"BEASize%d"};
+constexpr ItemList kSystemItems{L"BAItemNum", L"BAName%d", L"BAStart%d", L"BASize%d"};
+
+// The number of the item of that name, or -1.
+int FindItem(CORVLCfg& root, const ItemList& list, const wchar_t* name) noexcept
+{
+    const int count = root.GetInt(kSection, list.count, 0);
+    files::GapLimit gap;
+    for (int item = 0; item < count; ++item)
+    {
+        files::ShortText found = {};
+        const int length = root.GetString(kSection, files::NumberedKey(list.name, item).Text(), nullptr,
+                                          found, static_cast<int>(files::kTextCapacity));
+        if (length > 0 && text::Equal(found, name))
+        {
+            return item;
+        }
+        if (gap.IsReached(length <= 0))
+        {
+            break;
+        }
+    }
+    return -1;
+}
+
+// Where an item lies in its record, in bytes.
+struct ItemPlace
+{
+    std::size_t start;
+    std::size_t size;
+};
+
+// False for an item that doesn't lie in a record of `recordSize` bytes.
+bool ReadPlace(CORVLCfg& root, const ItemList& list, int item, std::size_t recordSize,
+               ItemPlace& place) noexcept
+{
+    const int start = root.GetInt(kSection, files::NumberedKey(list.start, item).Text(), -1);
+    const int size = root.GetInt(kSection, files::NumberedKey(list.size, item).Text(), -1);
+    if (start < 0 || size < 0)
+    {
+        return false;
+    }
+    place = {static_cast<std::size_t>(start), static_cast<std::size_t>(size)};
+    return place.size <= recordSize && place.start <= recordSize - place.size;
+}
+
+template <class Record>
+void CopyItem(const Record& record, const ItemPlace& place, ULONG* value) noexcept
+{
+    std::memcpy(value, reinterpret_cast<const unsigned char*>(&record) + place.start, place.size);
+}
+
+int ReadExtendedItem(CORVLCfg& root, int item, ULONG* value) noexcept
+{
+    ItemPlace place;
+    _BATTERY_EXTEND_FIELDS fields = {};
+    CEcAgent agent;
+    if (!ReadPlace(root, kExtendedItems, item, sizeof fields, place) || agent.Setup() < 0 ||
+        agent.GetBatteryExtends(&fields, kExtendedRecord) != kSucceeded)
+    {
+        return -1;
+    }
+    CopyItem(fields, place, value);
+    return 0;
+}
+
+int ReadSystemItem(CORVLCfg& root, int item, int battery, ULONG* value) noexcept
+{
+    ItemPlace place;
+    _BATTERY_INFORMATION info = {};
+    CBatAgent agent;
+    if (!ReadPlace(root, kSystemItems, item, sizeof info, place) || agent.Setup() != kSucceeded ||
+        agent.GetInfo(battery, info) != kSucceeded)
+    {
+        return -1;
+    }
+    CopyItem(info, place, value);
+    return 0;
+}
+
+} // namespace
+
+ULONG CSchemeEx::GetBatteryCount() noexcept
+{
+    SYSTEM_POWER_STATUS status = {};
+    ::GetSystemPowerStatus(&status);
+    if ((status.BatteryFlag & kNoBattery) != 0)
+    {
+        return 0;
+    }
+    CBatAgent agent;
+    return agent.Setup() == kSucceeded ? agent.GetBatteryCount() : 0;
+}
+
+int CSchemeEx::GetBatteryStatus(int index, _BATTERY_STATUS& status) noexcept
+{
+    CBatAgent agent;
+    return agent.Setup() == kSucceeded && agent.GetStatus(index, status) == kSucceeded ? 0 : -1;
+}
+
+int CSchemeEx::GetSystemPowerStatus(_SYSTEM_POWER_STATUS* status) noexcept
+{
+    return ::GetSystemPowerStatus(status);
+}
+
+ULONG CSchemeEx::GetCompleteTime(int index) noexcept
+{
+    CBatAgent agent;
+    return agent.Setup() == kSucceeded ? agent.GetCompleteTime(index) : 0;
+}
+
+ULONG CSchemeEx::GetRemainingUsageTime(int index) noexcept
+{
+    CBatAgent agent;
+    return agent.Setup() == kSucceeded ? agent.GetRemainingUsageTime(index) : 0;
+}
+
+LONG CSchemeEx::GetBatteryInfo(int index, _BATTERY_INFORMATION& info) noexcept
+{
+    CBatAgent agent;
+    return agent.Setup() == kSucceeded ? agent.GetInfo(index, info) : 0;
+}
+
+float CSchemeEx::GetRemainBatPer(int index) noexcept
+{
+    // Only the system's state is read here, so no battery is opened.
+    CBatAgent agent;
+    return std::min(agent.GetRemainBatPer(index), 1.0F);
+}
+
+ULONG CSchemeEx::GetRemainCapacity(int index) noexcept
+{
+    if (index != 0)
+    {
+        return 0;
+    }
+    CBatAgent agent;
+    return agent.Setup() == kSucceeded ? agent.GetRemainCapacity(index) : 0;
+}
+
+int CSchemeEx::GetBatteryInformation(int index, wchar_t const* name, ULONG* value) noexcept
+{
+    CORVLCfg root;
+    if (name == nullptr || value == nullptr || !files::OpenRoot(root))
+    {
+        return -1;
+    }
+    if (const int item = FindItem(root, kExtendedItems, name); item >= 0)
+    {
+        return ReadExtendedItem(root, item, value);
+    }
+    if (const int item = FindItem(root, kSystemItems, name); item >= 0)
+    {
+        return ReadSystemItem(root, item, index, value);
+    }
+    return 0;
+}

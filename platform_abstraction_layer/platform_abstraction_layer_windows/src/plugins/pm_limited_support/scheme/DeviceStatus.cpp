@@ -1,0 +1,117 @@
+// scheme/DeviceStatus.cpp
+//
+// Live device state by a variable's name: the radios through the embedded controller, the chipset's
+// functions through its registers. Each call opens what it needs and closes it again.
+
+#include "agents/EcAgent.h"
+#include "agents/HwSBX.h"
+#include "foundation/Results.h"
+#include "scheme/SchemeEx.h"
+#include "scheme/VariableTable.h"
+
+namespace
+{
+
+// How the embedded controller reads and switches a radio.
+struct Radio
+{
+    int (CEcAgent::*read)() noexcept;
+    int (CEcAgent::*write)(int) noexcept;
+};
+constexpr Radio kBluetooth{&CEcAgent::GetBluetoothStatus, &CEcAgent::SetBluetoothStatus};
+constexpr Radio kWifiRadio{&CEcAgent::GetWifiStatus, &CEcAgent::SetWifiStatus};
+
+constexpr const wchar_t* kReadFailed = L"Get %s device status failed for HRESULT: 0x%x";
+constexpr const wchar_t* kWriteFailed = L"Set %s device status failed for HRESULT: 0x%x";
+
+int ReportFailure(const wchar_t* format, const wchar_t* name, LONG code) noexcept
+{
+    CORVLBase::DBGOUT(format, name, code);
+    return -1;
+}
+
+int ReadRadio(const Radio& radio, const wchar_t* name, int* status) noexcept
+{
+    CEcAgent agent;
+    if (const LONG opened = agent.Setup(); opened < 0)
+    {
+        return ReportFailure(kReadFailed, name, opened);
+    }
+    const int value = (agent.*radio.read)();
+    if (value >= 0)
+    {
+        *status = value != 0 ? 1 : 0;
+    }
+    return value;
+}
+
+int WriteRadio(const Radio& radio, const wchar_t* name, int value) noexcept
+{
+    CEcAgent agent;
+    const LONG opened = agent.Setup();
+    return opened < 0 ? ReportFailure(kWriteFailed, name, opened) : (agent.*radio.write)(value);
+}
+
+int ReadFunction(const wchar_t* name, int* status) noexcept
+{
+    CHwSBX chipset;
+    LONG result = chipset.Setup(1);
+    if (result >= 0)
+    {
+        result = chipset.GetFunctionDisable(name, status);
+    }
+    return result < 0 ? ReportFailure(kReadFailed, name, result) : 0;
+}
+
+int WriteFunction(const wchar_t* name, int value) noexcept
+{
+    CHwSBX chipset;
+    LONG result = chipset.Setup(1);
+    if (result >= 0)
+    {
+        result = chipset.FunctionDisable(name, value);
+    }
+    return result < 0 ? ReportFailure(kWriteFailed, name, result) : 0;
+}
+
+} // namespace
+
+int CSchemeEx::GetDeviceStatus(wchar_t const* name, int* status) noexcept
+{
+    const int number = FindVariable(name);
+    if (number < 0 || status == nullptr)
+    {
+        return -1;
+    }
+    switch (VariableOf(number).device)
+    {
+    case LiveDevice::Bluetooth:
+        return ReadRadio(kBluetooth, name, status);
+    case LiveDevice::Wifi:
+        return ReadRadio(kWifiRadio, name, status);
+    case LiveDevice::ChipsetFunction:
+        return ReadFunction(VariableOf(number).name, status);
+    default:
+        return 0;
+    }
+}
+
+int CSchemeEx::SetDeviceStatus(wchar_t const* name, int value) noexcept
+{
+    const int number = FindVariable(name);
+    if (number < 0)
+    {
+        return -1;
+    }
+    switch (VariableOf(number).device)
+    {
+    case LiveDevice::Bluetooth:
+        return WriteRadio(kBluetooth, name, value);
+    case LiveDevice::Wifi:
+        return WriteRadio(kWifiRadio, name, value);
+    case LiveDevice::ChipsetFunction:
+        return WriteFunction(VariableOf(number).name, value);
+    default:
+        return 0;
+    }
+}
