@@ -11,11 +11,11 @@ LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD 
 {
     const DriverControl& control = kDriverControls[static_cast<std::size_t>(function)];
     returned = 0;
+    const DWORD inputSize = control.inputSize + (control.data == DataIn::Input ? dataLength : 0);
+    const DWORD outputSize = control.outputSize + (control.data == DataIn::Output ? dataLength : 0);
     // The channel has the shape of the system call, which takes its input as writable.
-    return OrvlDrvIoControl(ControlCode(function), const_cast<void*>(input),
-                            control.inputSize + (control.inputCarriesData ? dataLength : 0), output,
-                            control.outputSize + (control.outputCarriesData ? dataLength : 0), &returned,
-                            nullptr);
+    return OrvlDrvIoControl(ControlCode(function), const_cast<void*>(input), inputSize, output, outputSize,
+                            &returned, nullptr);
 }
 
 LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD dataLength) noexcept

@@ -134,29 +134,36 @@ static_assert(sizeof(DevicePropertyInput) == 104 && offsetof(DevicePropertyInput
 constexpr ULONG kDevicePropertyBusNumber = 14;
 constexpr ULONG kDevicePropertyAddress = 16; ///< PCI: device in bits 31..16, function in bits 15..0
 
-/// The sizes of one I/O control, in bytes. Where a flag is set, the data bytes of the call come on top.
+/// Which message of a call carries the data bytes.
+enum class DataIn
+{
+    Neither,
+    Input,
+    Output
+};
+
+/// The sizes of one I/O control, in bytes. In the message that carries data its bytes come on top.
 struct DriverControl
 {
     DriverFunction function;
     DWORD inputSize;
-    bool inputCarriesData;
     DWORD outputSize;
-    bool outputCarriesData;
+    DataIn data;
 };
 
 // The rows stand in the order of the functions, so that a function's number is its row.
 constexpr DriverControl kDriverControls[] = {
-    {DriverFunction::ExecControlMethod, sizeof(ControlMethodInput), false, 0, true},
-    {DriverFunction::ReadMsr, sizeof(ULONG), false, sizeof(MsrRecord), false},
-    {DriverFunction::WriteMsr, sizeof(MsrRecord), false, 0, false},
-    {DriverFunction::ReadPciConfig, sizeof(PciConfigRecord), false, 0, true},
-    {DriverFunction::WritePciConfig, sizeof(PciConfigRecord) - 1, true, 0, false},
-    {DriverFunction::ReadPort, sizeof(PortRecord), false, 0, true},
-    {DriverFunction::WritePort, sizeof(PortRecord) - 1, true, 0, false},
-    {DriverFunction::MapMemory, sizeof(MapMemoryInput), false, sizeof(MappingDescriptor), false},
-    {DriverFunction::UnmapMemory, sizeof(MappingDescriptor), false, 0, false},
-    {DriverFunction::ReadMemory, sizeof(MemoryRecord), false, 0, true},
-    {DriverFunction::WriteMemory, sizeof(MemoryRecord) - 1, true, 0, false},
-    {DriverFunction::GetDeviceProperty, sizeof(DevicePropertyInput), false, 0, true},
+    {DriverFunction::ExecControlMethod, sizeof(ControlMethodInput), 0, DataIn::Output},
+    {DriverFunction::ReadMsr, sizeof(ULONG), sizeof(MsrRecord), DataIn::Neither},
+    {DriverFunction::WriteMsr, sizeof(MsrRecord), 0, DataIn::Neither},
+    {DriverFunction::ReadPciConfig, sizeof(PciConfigRecord), 0, DataIn::Output},
+    {DriverFunction::WritePciConfig, sizeof(PciConfigRecord) - 1, 0, DataIn::Input},
+    {DriverFunction::ReadPort, sizeof(PortRecord), 0, DataIn::Output},
+    {DriverFunction::WritePort, sizeof(PortRecord) - 1, 0, DataIn::Input},
+    {DriverFunction::MapMemory, sizeof(MapMemoryInput), sizeof(MappingDescriptor), DataIn::Neither},
+    {DriverFunction::UnmapMemory, sizeof(MappingDescriptor), 0, DataIn::Neither},
+    {DriverFunction::ReadMemory, sizeof(MemoryRecord), 0, DataIn::Output},
+    {DriverFunction::WriteMemory, sizeof(MemoryRecord) - 1, 0, DataIn::Input},
+    {DriverFunction::GetDeviceProperty, sizeof(DevicePropertyInput), 0, DataIn::Output},
 };
 static_assert(std::size(kDriverControls) == static_cast<std::size_t>(DriverFunction::Count));

@@ -124,8 +124,11 @@ CDspxAgent::CDspxAgent(const CDspxAgent& other) noexcept
 CDspxAgent& CDspxAgent::operator=(const CDspxAgent& other) noexcept
 {
     // Each object has its own share of COM, so that flag stays.
-    m_pInterface = other.m_pInterface;
-    m_nPowerHandle = other.m_nPowerHandle;
+    if (this != &other)
+    {
+        m_pInterface = other.m_pInterface;
+        m_nPowerHandle = other.m_nPowerHandle;
+    }
     return *this;
 }
 

@@ -22,7 +22,7 @@ LONG FailedRegistryCall(const wchar_t* format, const wchar_t* name) noexcept
 
 } // namespace
 
-HINSTANCE COsWin::m_hDwmLibrary = nullptr;
+constinit HINSTANCE COsWin::m_hDwmLibrary = nullptr;
 
 COsWin::COsWin() noexcept = default;
 COsWin::COsWin(const COsWin&) noexcept = default;
