@@ -4,6 +4,7 @@
 
 #include "support/NotebookTest.h"
 
+#include "foundation/GuidText.h"
 #include "foundation/Text.h"
 #include "scheme/VariableTable.h"
 
@@ -76,9 +77,7 @@ protected:
     static GUID Guid(const std::string& variable, const std::string& key)
     {
         GUID guid{};
-        const auto parse = reinterpret_cast<BOOL(WINAPI*)(LPCWSTR, GUID*)>(
-            GetProcAddress(LoadLibraryW(L"Shlwapi.dll"), reinterpret_cast<LPCSTR>(270)));
-        parse(Wide(Text("PowerSetting.ini", variable, key)).data(), &guid);
+        EXPECT_TRUE(ParseGuid(Wide(Text("PowerSetting.ini", variable, key)).data(), &guid));
         return guid;
     }
 };
