@@ -26,13 +26,14 @@ template <class Unit>
 class Formatter
 {
 public:
-    Formatter(Unit* target, std::size_t count) : m_target(target), m_count(count)
+    /// Fetches from `arguments`, which stay the caller's to end.
+    Formatter(Unit* target, std::size_t count, va_list* arguments)
+        : m_target(target), m_count(target == nullptr ? 0 : count), m_arguments(arguments)
     {
     }
 
-    int Run(const Unit* format, va_list arguments)
+    int Run(const Unit* format)
     {
-        va_copy(m_arguments, arguments);
         while (*format != 0)
         {
             if (*format != '%')
@@ -40,23 +41,21 @@ public:
                 Put(static_cast<std::make_unsigned_t<Unit>>(*format++));
                 continue;
             }
-            ConversionReader reader(format + 1, [this] { return va_arg(m_arguments, int); });
+            ConversionReader reader(format + 1, [this] { return va_arg(*m_arguments, int); });
             Convert(reader.Read());
             format = reader.Place();
         }
-        va_end(m_arguments);
         return Finish();
     }
 
 private:
     int Finish()
     {
-        const bool asksForLength = m_target == nullptr && m_count == 0;
-        if (m_failed || m_length > INT_MAX || (m_length > m_count && !asksForLength))
+        if (m_failed || m_length > INT_MAX || (m_target != nullptr && m_length > m_count))
         {
             return -1;
         }
-        if (m_length < m_count)
+        if (m_target != nullptr && m_length < m_count)
         {
             m_target[m_length] = 0;
         }
@@ -107,7 +106,7 @@ private:
         case 'f':
         case 'g':
         case 'G':
-            PutNumber(WithSign(FromDouble(va_arg(m_arguments, double), conversion), conversion), 0,
+            PutNumber(WithSign(FromDouble(va_arg(*m_arguments, double), conversion), conversion), 0,
                       conversion);
             break;
         case 'c':
@@ -119,7 +118,7 @@ private:
             PutText(conversion);
             break;
         case 'n':
-            static_cast<void>(va_arg(m_arguments, void*));
+            static_cast<void>(va_arg(*m_arguments, void*));
             break;
         default:
             Put(conversion.letter);
@@ -132,13 +131,13 @@ private:
         switch (size)
         {
         case Size::LongLong:
-            return va_arg(m_arguments, unsigned long long);
+            return va_arg(*m_arguments, unsigned long long);
         case Size::Pointer:
-            return va_arg(m_arguments, std::size_t);
+            return va_arg(*m_arguments, std::size_t);
         case Size::Short:
-            return static_cast<std::uint16_t>(va_arg(m_arguments, unsigned));
+            return static_cast<std::uint16_t>(va_arg(*m_arguments, unsigned));
         default:
-            return va_arg(m_arguments, unsigned);
+            return va_arg(*m_arguments, unsigned);
         }
     }
 
@@ -147,13 +146,13 @@ private:
         switch (size)
         {
         case Size::LongLong:
-            return va_arg(m_arguments, long long);
+            return va_arg(*m_arguments, long long);
         case Size::Pointer:
-            return va_arg(m_arguments, std::ptrdiff_t);
+            return va_arg(*m_arguments, std::ptrdiff_t);
         case Size::Short:
-            return static_cast<std::int16_t>(va_arg(m_arguments, int));
+            return static_cast<std::int16_t>(va_arg(*m_arguments, int));
         default:
-            return va_arg(m_arguments, int);
+            return va_arg(*m_arguments, int);
         }
     }
 
@@ -195,7 +194,7 @@ private:
     // All digits of an address, in capitals and without a prefix.
     void PutPointer(const Conversion& conversion)
     {
-        const auto value = reinterpret_cast<std::uintptr_t>(va_arg(m_arguments, void*));
+        const auto value = reinterpret_cast<std::uintptr_t>(va_arg(*m_arguments, void*));
         Digits number = FromInteger(value, 16, true);
         number.prefix = conversion.alternate ? "0X" : "";
         PutNumber(number, 2 * sizeof value, conversion);
@@ -247,7 +246,7 @@ private:
 
     void PutCharacter(const Conversion& conversion)
     {
-        const auto value = static_cast<unsigned>(va_arg(m_arguments, int));
+        const auto value = static_cast<unsigned>(va_arg(*m_arguments, int));
         if (IsWideText(conversion))
         {
             const auto unit = static_cast<wchar_t>(value);
@@ -262,7 +261,7 @@ private:
 
     void PutText(const Conversion& conversion)
     {
-        const void* const text = va_arg(m_arguments, const void*);
+        const void* const text = va_arg(*m_arguments, const void*);
         if (text == nullptr)
         {
             PutTerminated("(null)", conversion);
@@ -316,19 +315,29 @@ private:
     std::size_t m_count;
     std::size_t m_length = 0; ///< of the whole text, also behind the target's end
     bool m_failed = false;
-    va_list m_arguments;
+    va_list* m_arguments;
 };
+
+template <class Unit>
+int FormatUnits(Unit* target, std::size_t count, const Unit* format, va_list arguments)
+{
+    va_list own;
+    va_copy(own, arguments);
+    const int length = Formatter<Unit>(target, count, &own).Run(format);
+    va_end(own);
+    return length;
+}
 
 } // namespace
 
 int Format(wchar_t* target, std::size_t count, const wchar_t* format, va_list arguments)
 {
-    return Formatter<wchar_t>(target, count).Run(format, arguments);
+    return FormatUnits(target, count, format, arguments);
 }
 
 int Format(char* target, std::size_t count, const char* format, va_list arguments)
 {
-    return Formatter<char>(target, count).Run(format, arguments);
+    return FormatUnits(target, count, format, arguments);
 }
 
 } // namespace simulated::runtime
