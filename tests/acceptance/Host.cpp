@@ -1,0 +1,230 @@
+// tests/acceptance/Host.cpp
+//
+// Loading and calling the built library.
+
+#include "acceptance/Host.h"
+
+#include "acceptance/Environment.h"
+#include "acceptance/GuardedBytes.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr DWORD kLongestWait = 10'000;
+
+Host* theHost = nullptr;
+
+class Lock
+{
+public:
+    explicit Lock(CRITICAL_SECTION& section) : m_section(section)
+    {
+        EnterCriticalSection(&m_section);
+    }
+    ~Lock()
+    {
+        LeaveCriticalSection(&m_section);
+    }
+    Lock(const Lock&) = delete;
+    Lock& operator=(const Lock&) = delete;
+
+private:
+    CRITICAL_SECTION& m_section;
+};
+
+template <class Function>
+bool Resolve(HMODULE library, const char* name, Function& function)
+{
+    function = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library, name)));
+    return function != nullptr;
+}
+
+LONG NumberIn(std::span<const std::byte> bytes)
+{
+    LONG number = 0;
+    EXPECT_EQ(sizeof number, bytes.size());
+    std::memcpy(&number, bytes.data(), std::min(bytes.size(), sizeof number));
+    return number;
+}
+
+} // namespace
+
+void Answer::CheckSize(std::size_t size) const
+{
+    EXPECT_TRUE(reply.has_value()) << "no reply";
+    EXPECT_EQ(size, reply.value_or(std::vector<std::byte>()).size());
+}
+
+LONG Answer::Number() const
+{
+    return As<LONG>();
+}
+
+std::string Answer::Text() const
+{
+    EXPECT_TRUE(reply.has_value() && !reply->empty()) << "no reply";
+    if (!reply.has_value() || reply->empty())
+    {
+        return {};
+    }
+    const std::string text(reinterpret_cast<const char*>(reply->data()), reply->size());
+    EXPECT_EQ(text.size() - 1, text.find('\0'));
+    return text.substr(0, text.size() - 1);
+}
+
+LONG Event::Number() const
+{
+    return NumberIn(data);
+}
+
+Host::Host() : user(environment::UserName()), m_arrived(CreateEventW(nullptr, TRUE, FALSE, nullptr))
+{
+    InitializeCriticalSection(&m_section);
+    EXPECT_EQ(nullptr, theHost) << "there is a host already";
+    theHost = this;
+    EXPECT_TRUE(Load()) << "can't load the plug-in, error " << GetLastError();
+    if (IsLoaded())
+    {
+        EXPECT_EQ(TRX_OPERATION_OK, Initialize());
+    }
+}
+
+Host::~Host()
+{
+    Unload();
+    theHost = nullptr;
+    CloseHandle(m_arrived);
+    DeleteCriticalSection(&m_section);
+}
+
+bool Host::Load()
+{
+    m_library = LoadLibraryW(L"pm_limited_support.dll");
+    return m_library != nullptr && Resolve(m_library, "DP_GetModuleId", m_getModuleId) &&
+           Resolve(m_library, "DP_GetDescription", m_getDescription) &&
+           Resolve(m_library, "DP_Initialize", m_initialize) &&
+           Resolve(m_library, "DP_Uninitialize", m_uninitialize) &&
+           Resolve(m_library, "DP_HandleRequest", m_handleRequest);
+}
+
+void Host::Unload()
+{
+    if (m_library != nullptr)
+    {
+        Uninitialize();
+        FreeLibrary(m_library);
+        m_library = nullptr;
+    }
+}
+
+LONG Host::Initialize()
+{
+    m_interface.SendEvent = Receive;
+    return Initialize(&m_interface);
+}
+
+LONG Host::Initialize(PM_HostInterface* host)
+{
+    return m_initialize(host);
+}
+
+LONG Host::Uninitialize()
+{
+    return m_uninitialize();
+}
+
+const char* Host::ModuleId() const
+{
+    return m_getModuleId();
+}
+
+const char* Host::Description() const
+{
+    return m_getDescription();
+}
+
+Answer Host::Send(const std::string& command, std::span<const std::byte> payload)
+{
+    GuardedBytes params(payload);
+    GuardedBytes result(room, std::byte{0xEE});
+    GuardedBytes resultLen(sizeof(DWORD));
+    const auto capacity = static_cast<DWORD>(room);
+    std::memcpy(resultLen.Data(), &capacity, sizeof capacity);
+
+    PM_Request request{};
+    std::memcpy(request.command, command.data(), std::min(command.size(), sizeof request.command));
+    request.userId = user.c_str();
+    request.params = params.Data();
+    request.paramsLen = static_cast<DWORD>(payload.size());
+    request.result = result.Data();
+    request.resultLen = reinterpret_cast<DWORD*>(resultLen.Data());
+
+    Answer answer;
+    answer.code = Send(request);
+    EXPECT_TRUE(params.AreGuardsIntact() && result.AreGuardsIntact() && resultLen.AreGuardsIntact())
+        << command;
+    EXPECT_TRUE(std::equal(payload.begin(), payload.end(), params.Data()))
+        << command << " changed its payload";
+    DWORD size = 0;
+    std::memcpy(&size, resultLen.Data(), sizeof size);
+    if (size != capacity)
+    {
+        EXPECT_LT(size, capacity) << command;
+        const auto* const begin = result.Data();
+        answer.reply = std::vector<std::byte>(begin, begin + std::min<std::size_t>(size, room));
+    }
+    return answer;
+}
+
+LONG Host::Send(PM_Request& request)
+{
+    return m_handleRequest(&request);
+}
+
+std::vector<Event> Host::TakeEvents()
+{
+    const Lock lock(m_section);
+    std::vector<Event> events(m_events.begin(), m_events.end());
+    m_events.clear();
+    ResetEvent(m_arrived);
+    return events;
+}
+
+std::optional<Event> Host::WaitForEvent()
+{
+    WaitForSingleObject(m_arrived, kLongestWait);
+    const Lock lock(m_section);
+    if (m_events.empty())
+    {
+        return std::nullopt;
+    }
+    Event event = m_events.front();
+    m_events.pop_front();
+    if (m_events.empty())
+    {
+        ResetEvent(m_arrived);
+    }
+    return event;
+}
+
+int __cdecl Host::Receive(const char* moduleId, const char* eventName, const void* data, DWORD dataLen)
+{
+    const auto* const bytes = static_cast<const std::byte*>(data);
+    theHost->Keep({moduleId, eventName, {bytes, bytes + dataLen}, GetCurrentThreadId()});
+    return 0;
+}
+
+void Host::Keep(Event event)
+{
+    if (onEvent)
+    {
+        onEvent(event);
+    }
+    const Lock lock(m_section);
+    m_events.push_back(std::move(event));
+    SetEvent(m_arrived);
+}

@@ -1,0 +1,139 @@
+// tests/acceptance/Host.h
+//
+// The host service as tests play it: it loads the built library, knows it by its exported names alone, hands
+// over requests and takes events.
+//
+//     Host host;
+//     const Answer answer = host.Send("GET_INT_FROM_CONFIG", record);
+//     EXPECT_EQ(7, answer.Number());
+#pragma once
+
+#include "plugin/HostRecords.h"
+
+#include <cstddef>
+#include <cstring>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+/// What came back from a request.
+struct Answer
+{
+    LONG code = 0;
+
+    /// What `resultLen` counted; nothing where it was left alone.
+    std::optional<std::vector<std::byte>> reply;
+
+    /// The 4-byte reply; a test fails where there is none.
+    LONG Number() const;
+
+    /// The reply as text; a test fails where it doesn't end in its only terminator.
+    std::string Text() const;
+
+    /// The reply as a record; a test fails where its size is another.
+    template <class Record>
+    Record As() const
+    {
+        Record record{};
+        CheckSize(sizeof record);
+        if (reply.has_value() && reply->size() == sizeof record)
+        {
+            std::memcpy(&record, reply->data(), sizeof record);
+        }
+        return record;
+    }
+
+private:
+    void CheckSize(std::size_t size) const;
+};
+
+/// An event as it came.
+struct Event
+{
+    std::string module;
+    std::string name;
+    std::vector<std::byte> data;
+    DWORD thread;
+
+    LONG Number() const;
+};
+
+/// The bytes of a record, or of a single number, as a payload.
+template <class Record>
+std::span<const std::byte> Payload(const Record& record)
+{
+    return std::as_bytes(std::span(&record, 1));
+}
+
+/// One object at a time: the plug-in's event function has no context argument.
+class Host
+{
+public:
+    /// Loads the library and starts the plug-in; a test fails when that doesn't work.
+    Host();
+
+    /// Stops and unloads it.
+    ~Host();
+    Host(const Host&) = delete;
+    Host& operator=(const Host&) = delete;
+
+    /// Who requests come from unless told otherwise; at first the running account. Narrow, in the ANSI code
+    /// page.
+    std::string user;
+
+    /// Sends a request with buffers at odd addresses between guards; a test fails when a guard was touched.
+    Answer Send(const std::string& command, std::span<const std::byte> payload = {});
+
+    template <class Record>
+    Answer Send(const std::string& command, const Record& record)
+    {
+        return Send(command, Payload(record));
+    }
+
+    /// Sends a request as it stands.
+    LONG Send(PM_Request& request);
+
+    /// Room for the reply of the requests to come.
+    std::size_t room = 2048;
+
+    /// The events since the last call.
+    std::vector<Event> TakeEvents();
+
+    /// The next event, waited for up to ten seconds.
+    std::optional<Event> WaitForEvent();
+
+    /// Called on the sender's thread for each event, before it is kept.
+    std::function<void(const Event&)> onEvent;
+
+    // The parts of the life cycle, for tests about it.
+    bool Load();
+    void Unload();
+    LONG Initialize();
+    LONG Initialize(PM_HostInterface* host);
+    LONG Uninitialize();
+    const char* ModuleId() const;
+    const char* Description() const;
+    bool IsLoaded() const
+    {
+        return m_library != nullptr;
+    }
+
+private:
+    static int __cdecl Receive(const char* moduleId, const char* eventName, const void* data, DWORD dataLen);
+    void Keep(Event event);
+
+    HMODULE m_library = nullptr;
+    PM_HostInterface m_interface{};
+    const char*(__cdecl* m_getModuleId)() = nullptr;
+    const char*(__cdecl* m_getDescription)() = nullptr;
+    LONG(__cdecl* m_initialize)(PM_HostInterface*) = nullptr;
+    LONG(__cdecl* m_uninitialize)() = nullptr;
+    LONG(__cdecl* m_handleRequest)(PM_Request*) = nullptr;
+
+    CRITICAL_SECTION m_section;
+    HANDLE m_arrived; // signalled while `m_events` isn't empty
+    std::deque<Event> m_events;
+};

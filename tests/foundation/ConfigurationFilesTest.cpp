@@ -1,0 +1,193 @@
+// tests/foundation/ConfigurationFilesTest.cpp
+//
+// Finding configuration files, and the numbers in them.
+
+#include "acceptance/Seeding.h"
+#include "foundation/OrvlProfile.h"
+#include "foundation/SystemFolders.h"
+#include "notebook/Machine.h"
+#include "notebook/Trace.h"
+#include "support/NotebookTest.h"
+
+using seeding::Utf8;
+using seeding::Wide;
+using simulated::Faults;
+using simulated::Trace;
+
+namespace
+{
+
+constexpr const char* kFolder = "C:\\Cfg\\";
+constexpr const char* kInstallationKey = "Software\\Kelvo\\ORVL";
+
+class ConfigurationFiles : public NotebookTest
+{
+protected:
+    void SetUp() override
+    {
+        NotebookTest::SetUp();
+        ASSERT_TRUE(seeding::SetText(HKEY_LOCAL_MACHINE, kInstallationKey, "CfgPath", kFolder));
+        ASSERT_TRUE(seeding::WriteBytes("C:\\Cfg\\a.ini", "[S]\r\nHex=0x1F\r\n"));
+        Trace::Clear();
+    }
+
+    std::string FolderOf(const std::string& account)
+    {
+        simulated::Machine::RunAs(account);
+        const std::string folder = seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg";
+        simulated::Machine::RunAs({});
+        return folder;
+    }
+};
+
+TEST_F(ConfigurationFiles, InstallationFileIsFoundThroughTheRegistry)
+{
+    CORVLCfg file;
+    EXPECT_EQ(1, file.Initialize(L"a.ini"));
+    EXPECT_EQ("C:\\Cfg\\a.ini", Utf8(file.GetFullPath()));
+    EXPECT_EQ(0, file.InitializeInstallPath(L"missing.ini"));
+    EXPECT_EQ("C:\\Cfg\\missing.ini", Utf8(file.GetFullPath()));
+    EXPECT_FALSE(seeding::Exists("C:\\Cfg\\missing.ini"));
+    EXPECT_EQ(4U + 4U, Trace::Calls().size()); // open, query, close, exists
+}
+
+TEST_F(ConfigurationFiles, WithoutTheRegistryThePathStaysAsItWas)
+{
+    CORVLCfg file;
+    ASSERT_EQ(1, file.Initialize(L"a.ini"));
+    for (const char* const function : {"RegOpenKeyExW", "RegQueryValueExW"})
+    {
+        Faults::Inject(function, 1, ERROR_ACCESS_DENIED);
+        EXPECT_EQ(0, file.Initialize(L"b.ini")) << function;
+        EXPECT_EQ("C:\\Cfg\\a.ini", Utf8(file.GetFullPath()));
+    }
+    ASSERT_TRUE(seeding::RemoveValue(HKEY_LOCAL_MACHINE, kInstallationKey, "CfgPath"));
+    CORVLCfg fresh;
+    EXPECT_EQ(0, fresh.Initialize(L"a.ini"));
+    EXPECT_EQ("", Utf8(fresh.GetFullPath()));
+}
+
+TEST_F(ConfigurationFiles, AFolderWithoutATerminatorIsReadAsItIs)
+{
+    // 260 characters without a terminator fill the plug-in's room to the last.
+    const std::string folder = "C:\\" + std::string(257, 'f');
+    HKEY key = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS,
+              RegOpenKeyExW(HKEY_LOCAL_MACHINE, Wide(kInstallationKey).data(), 0, KEY_ALL_ACCESS, &key));
+    RegSetValueExW(key, L"CfgPath", 0, REG_SZ, reinterpret_cast<const BYTE*>(Wide(folder).data()), 520);
+    RegCloseKey(key);
+    CORVLCfg file;
+    EXPECT_EQ(0, file.Initialize(L"a.ini"));
+    EXPECT_EQ(folder.substr(0, 259), Utf8(file.GetFullPath()));
+}
+
+TEST_F(ConfigurationFiles, HexadecimalNumbersNeedTheirPrefix)
+{
+    struct Case
+    {
+        const char* text;
+        int number;
+    };
+    constexpr Case kCases[] = {
+        {"0x1F", 31}, {"0xffffffff", -1}, {"1F", 7}, {"0x", 7},   {"0X1F", 7},
+        {"0xg", 7},   {"0x5g", 5},        {"", 7},   {"0x 5", 5}, {"0x123456789012345678901", 0x34567890},
+    };
+    CORVLCfg file;
+    ASSERT_EQ(1, file.Initialize(L"a.ini"));
+    for (const Case& row : kCases)
+    {
+        ASSERT_NE(0, file.PutString(L"S", L"Number", Wide(row.text).data()));
+        EXPECT_EQ(row.number, file.GetHex(L"S", L"Number", 7)) << row.text;
+    }
+    for (const int number : {0, 1, 0x7FFFFFFF, -1})
+    {
+        file.PutHex(L"S", L"Number", number);
+        EXPECT_EQ(number, file.GetHex(L"S", L"Number", 7));
+        file.PutInt(L"S", L"Number", number);
+        EXPECT_EQ(number, file.GetInt(L"S", L"Number", 7));
+    }
+    EXPECT_EQ("-1", seeding::GetKey("C:\\Cfg\\a.ini", "S", "Number"));
+}
+
+TEST_F(ConfigurationFiles, ProfileFilesComeIntoBeing)
+{
+    struct Case
+    {
+        const char* where;
+        int isUser;
+        std::string folder;
+    };
+    const Case kCases[] = {
+        {nullptr, 0, FolderOf({})},
+        {nullptr, 1, FolderOf({})},
+        {"C:\\New\\Folder", 0, "C:\\New\\Folder"},
+        {"C:\\New\\Other\\", 0, "C:\\New\\Other"},
+        {"alice", 1, FolderOf("alice")},
+        {"ALICE", 1, FolderOf("alice")},
+    };
+    for (const Case& row : kCases)
+    {
+        const std::vector<wchar_t> where = Wide(row.where == nullptr ? "" : row.where);
+        const std::string path = row.folder + "\\p.ini";
+        for (int round = 0; round < 2; ++round)
+        {
+            CORVLProfile file;
+            EXPECT_EQ(1,
+                      file.Initialize(L"p.ini", row.where == nullptr ? nullptr : where.data(), row.isUser));
+            EXPECT_EQ(path, Utf8(file.GetFullPath()));
+            EXPECT_EQ("", seeding::ReadBytes(path));
+        }
+        seeding::Remove(path);
+    }
+}
+
+TEST_F(ConfigurationFiles, AProfileFileWithoutAFolderFails)
+{
+    CORVLProfile file;
+    EXPECT_EQ(0, file.Initialize(L"p.ini", L"nobody", 1));
+    EXPECT_EQ(0, file.Initialize(L"p.ini", L"carol", 1)); // not logged on
+    EXPECT_EQ(0, file.Initialize(L"p.ini", L"", 0));
+    seeding::SwitchLogsOn();
+    Faults::Inject("SHGetFolderPathW", 1, ERROR_PATH_NOT_FOUND);
+    EXPECT_EQ(0, file.Initialize(L"p.ini", nullptr, 0));
+    EXPECT_EQ("SHGetFolderPath failed for -2147024893", seeding::LogLines("orvl.log").back());
+    Faults::Inject("WritePrivateProfileStringW", 1, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(0, file.Initialize(L"new.ini", nullptr, 0));
+}
+
+TEST_F(ConfigurationFiles, TheRunningAccountsFolderIsBoundedByTheCallersRoom)
+{
+    CORVLProfile file;
+    wchar_t folder[text::kPathCapacity];
+    EXPECT_EQ(folder, file.GetHomePath(folder, static_cast<int>(std::size(folder))));
+    EXPECT_EQ(FolderOf({}), Utf8(folder));
+    folder[10] = L'#';
+    EXPECT_EQ(folder, file.GetHomePath(folder, 10));
+    EXPECT_EQ(FolderOf({}).substr(0, 9), Utf8(folder));
+    EXPECT_EQ(L'#', folder[10]);
+    EXPECT_EQ(nullptr, file.GetHomePath(folder, 0));
+}
+
+TEST_F(ConfigurationFiles, TheInstallationsModuleIsLookedForByItsName)
+{
+    CORVLCfg file;
+    wchar_t folder[text::kPathCapacity];
+    EXPECT_EQ(nullptr, file.GetDllPath(folder, static_cast<int>(std::size(folder))));
+    EXPECT_EQ(nullptr, file.GetHomePath(folder, static_cast<int>(std::size(folder))));
+    EXPECT_EQ(2U, Trace::CallsOf("GetModuleHandleW").size());
+}
+
+TEST_F(ConfigurationFiles, CopiesHaveThePath)
+{
+    CORVLProfile file;
+    ASSERT_EQ(1, file.Initialize(L"p.ini", L"C:\\New", 0));
+    CORVLProfile copy(file);
+    CORVLProfile assigned;
+    assigned = file;
+    EXPECT_EQ("C:\\New\\p.ini", Utf8(copy.GetFullPath()));
+    EXPECT_EQ("C:\\New\\p.ini", Utf8(assigned.GetFullPath()));
+    EXPECT_EQ(1000U, copy.GetVersion());
+    EXPECT_EQ(1000U, CORVLCfg().GetVersion());
+}
+
+} // namespace
