@@ -1,0 +1,55 @@
+// tests/acceptance/EnvironmentNative.cpp
+//
+// A fresh notebook with the reference installation; the plug-in runs as its service account.
+
+#include "acceptance/Environment.h"
+
+#include "acceptance/Seeding.h"
+#include "support/NotebookTest.h"
+
+#include <memory>
+
+namespace environment
+{
+
+namespace
+{
+
+// The base of the tests that make their own notebook, used by its two ends.
+class FreshNotebook : public NotebookTest
+{
+public:
+    FreshNotebook() : NotebookTest(simulated::NotebookOptions{.installation = INSTALLATION_FOLDER})
+    {
+    }
+    using NotebookTest::SetUp;
+    using NotebookTest::TearDown;
+
+    void TestBody() override
+    {
+    }
+};
+
+std::unique_ptr<FreshNotebook> notebook;
+
+} // namespace
+
+std::string UserName()
+{
+    return simulated::Notebook::kFirstUser;
+}
+
+Machine::Machine()
+{
+    notebook = std::make_unique<FreshNotebook>();
+    notebook->SetUp();
+    EXPECT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, "Software\\Kelvo\\ORVA", "Test", 1));
+}
+
+Machine::~Machine()
+{
+    notebook->TearDown();
+    notebook.reset();
+}
+
+} // namespace environment
