@@ -87,7 +87,7 @@ TEST_F(ConfigCommands, WhatWasPutIsReadBackOfEitherFile)
     {
         const std::string name = type == kInstallation ? "a.ini" : "p.ini";
         PM_Config_Data data = Access(type, name, "New", "Key");
-        for (const LONG number : {0L, 7L, -1L, 2147483647L, -2147483647L - 1})
+        for (const LONG number : {LONG{0}, LONG{7}, LONG{-1}, LONG{2147483647}, LONG{-2147483647 - 1}})
         {
             data.value = number;
             const Answer put = host.Send("PUT_INT_INTO_CONFIG", data);
@@ -133,7 +133,7 @@ TEST_F(ConfigCommands, OtherKindsOfFileAndOtherLengthsFailSilently)
         EXPECT_EQ(6, host.Send(command, longer).code);
     }
     EXPECT_TRUE(seeding::LogLines("trxpm.log").empty());
-    for (const LONG type : {2L, -1L})
+    for (const LONG type : {LONG{2}, LONG{-1}})
     {
         for (const char* const command : kCommands)
         {
