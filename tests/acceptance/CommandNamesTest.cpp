@@ -16,7 +16,7 @@ protected:
     {
         PM_Request request{};
         std::memcpy(request.command, field.data(), std::min(field.size(), sizeof request.command));
-        return host.Send(request);
+        return host.Send(&request);
     }
 
     Host host;
@@ -52,7 +52,8 @@ TEST_F(CommandNames, ARequestMayLieAtAnyAddress)
     PM_Request request{};
     std::memcpy(request.command, "GET_LUMS_LEVEL", 14);
     GuardedBytes record(Payload(request));
-    EXPECT_EQ(TRX_OPERATION_REFUSED, host.Send(*reinterpret_cast<PM_Request*>(record.Data())));
+    EXPECT_EQ(TRX_OPERATION_FAIL, host.Send(nullptr));
+    EXPECT_EQ(TRX_OPERATION_REFUSED, host.Send(reinterpret_cast<PM_Request*>(record.Data())));
 }
 
 } // namespace

@@ -236,14 +236,14 @@ TEST_F(ConfigCommands, NullPointersAreRefusedBeforeAnythingHappens)
 
         PM_Request request = whole;
         request.params = nullptr;
-        EXPECT_EQ(6, host.Send(request)) << command;
+        EXPECT_EQ(6, host.Send(&request)) << command;
         EXPECT_FALSE(seeding::Exists(ProfileFile("p.ini"))) << command;
         request = whole;
         request.result = nullptr;
-        EXPECT_EQ(replies ? 6 : 0, host.Send(request)) << command;
+        EXPECT_EQ(replies ? 6 : 0, host.Send(&request)) << command;
         request = whole;
         request.resultLen = nullptr;
-        EXPECT_EQ(replies ? 6 : 0, host.Send(request)) << command;
+        EXPECT_EQ(replies ? 6 : 0, host.Send(&request)) << command;
         EXPECT_EQ(!replies, seeding::Exists(ProfileFile("p.ini"))) << command;
         seeding::Remove(ProfileFile("p.ini"));
     }

@@ -165,7 +165,7 @@ Answer Host::Send(const std::string& command, std::span<const std::byte> payload
     request.resultLen = reinterpret_cast<DWORD*>(resultLen.Data());
 
     Answer answer;
-    answer.code = Send(request);
+    answer.code = Send(&request);
     EXPECT_TRUE(params.AreGuardsIntact() && result.AreGuardsIntact() && resultLen.AreGuardsIntact())
         << command;
     EXPECT_TRUE(std::equal(payload.begin(), payload.end(), params.Data()))
@@ -181,9 +181,9 @@ Answer Host::Send(const std::string& command, std::span<const std::byte> payload
     return answer;
 }
 
-LONG Host::Send(PM_Request& request)
+LONG Host::Send(PM_Request* request)
 {
-    return m_handleRequest(&request);
+    return m_handleRequest(request);
 }
 
 std::vector<Event> Host::TakeEvents()

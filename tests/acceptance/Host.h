@@ -93,8 +93,8 @@ public:
         return Send(command, Payload(record));
     }
 
-    /// Sends a request as it stands.
-    LONG Send(PM_Request& request);
+    /// Sends a request as it stands, null included.
+    LONG Send(PM_Request* request);
 
     /// Room for the reply of the requests to come.
     std::size_t room = 2048;

@@ -90,7 +90,7 @@ TEST_F(ConfigurationFiles, HexadecimalNumbersNeedTheirPrefix)
     };
     constexpr Case kCases[] = {
         {"0x1F", 31}, {"0xffffffff", -1}, {"1F", 7}, {"0x", 7},   {"0X1F", 7},
-        {"0xg", 7},   {"0x5g", 5},        {"", 7},   {"0x 5", 5}, {"0x123456789012345678901", 0x34567890},
+        {"0xg", 7},   {"0x5g", 5},        {"", 7},   {"0x 5", 5}, {"0x1000000000000000ABCDE", 10},
     };
     CORVLCfg file;
     ASSERT_EQ(1, file.Initialize(L"a.ini"));

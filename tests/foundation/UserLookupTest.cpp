@@ -128,19 +128,22 @@ TEST_F(UserLookup, AnEmptyFolderLeavesThePathAlone)
     EXPECT_EQ("C:\\L\\Kelvo\\ORVL\\Cfg", Path());
 }
 
+// Keys that stand before the user's in the order of names and bear his logon name all the same.
 TEST_F(UserLookup, TheWalkPassesOverWhatBelongsToNobody)
 {
-    // Keys that stand before the user's in the order of names and bear his logon name all the same.
-    for (const char* const key : {".Default", "S-1-5-1_Classes"})
-    {
-        seeding::SetText(HKEY_USERS, std::string(key) + kExplorer, "Logon User Name", "alice");
-        seeding::SetText(HKEY_USERS, std::string(key) + kShellFolders, "Local AppData", "C:\\Wrong");
-    }
+    const std::string policies = "\\Control Panel\\PowerCfg\\PowerPolicies";
     const std::string sid = Sid("alice");
+    seeding::SetText(HKEY_USERS, std::string("S-1-5-1_Classes") + kExplorer, "Logon User Name", "alice");
+    seeding::SetText(HKEY_USERS, std::string("S-1-5-1_Classes") + kShellFolders, "Local AppData",
+                     "C:\\Wrong");
     ASSERT_EQ(1, FindByLogon("alice"));
-    EXPECT_EQ(sid + "\\Control Panel\\PowerCfg\\PowerPolicies", SubKey());
-    EXPECT_NE("C:\\Wrong", Path());
+    EXPECT_EQ(sid + policies, SubKey());
     EXPECT_EQ(0, FindByLogon("nobody"));
+
+    // ".DEFAULT" is another name of the service account's hive.
+    seeding::SetText(HKEY_USERS, std::string(".DEFAULT") + kExplorer, "Logon User Name", "alice");
+    ASSERT_EQ(1, FindByLogon("alice"));
+    EXPECT_EQ("S-1-5-18" + policies, SubKey());
 }
 
 TEST_F(UserLookup, TheWalkGoesOnAfterAFolderThatDoesntFit)
