@@ -1,0 +1,238 @@
+// setupapi/DeviceListsTest.cpp
+//
+// Lists of devices and of interfaces, properties, ids and class keys.
+
+#include "notebook/Batteries.h"
+#include "notebook/PlugInModule.h"
+#include "notebook/Text.h"
+#include "notebook/Trace.h"
+#include "setupapi/SetupTest.h"
+
+#include <gmock/gmock.h>
+#include <poclass.h>
+
+#include <cstring>
+
+namespace
+{
+
+using namespace simulated;
+using testing::ElementsAre;
+
+constexpr GUID kUnknownClass = {0x11111111, 0x2222, 0x3333, {1, 2, 3, 4, 5, 6, 7, 8}};
+
+} // namespace
+
+class DeviceListsTest : public SetupTest
+{
+protected:
+    /// A property of `device`, with its error and what the function tells of its size.
+    DWORD Property(DWORD number, DWORD size)
+    {
+        buffer.assign(size + 2, 0xCC);
+        type = required = 0;
+        return SetupDiGetDeviceRegistryPropertyW(list, &device, number, &type,
+                                                 size == 0 ? nullptr : buffer.data(), size, &required)
+                   ? DWORD{ERROR_SUCCESS}
+                   : GetLastError();
+    }
+
+    std::vector<std::string> Descriptions()
+    {
+        std::vector<std::string> descriptions;
+        for (DWORD index = 0; Enumerate(index) == ERROR_SUCCESS; ++index)
+        {
+            EXPECT_EQ(0U, Property(SPDRP_DEVICEDESC, 520));
+            descriptions.push_back(ToUtf8(reinterpret_cast<const wchar_t*>(buffer.data())));
+        }
+        return descriptions;
+    }
+
+    std::vector<BYTE> buffer;
+    DWORD type = 0;
+    DWORD required = 0;
+};
+
+TEST_F(DeviceListsTest, DevicesComeInTheOrderOfTheMachine)
+{
+    Adapters::Clear();
+    Adapters::Add("JMicron PCI Express Gigabit", {});
+    const std::string second = Adapters::Add("50% faster %s%n adapter", {});
+    Adapters::Add("Wifi Link", {});
+    OpenList();
+    EXPECT_THAT(Descriptions(),
+                ElementsAre("JMicron PCI Express Gigabit", "50% faster %s%n adapter", "Wifi Link"));
+    EXPECT_EQ(259U, Enumerate(3));
+    DeviceTree::SetPresent(second, false); // the list stays as it was
+    EXPECT_EQ(3U, Descriptions().size());
+    OpenList();
+    EXPECT_THAT(Descriptions(), ElementsAre("JMicron PCI Express Gigabit", "Wifi Link"));
+    OpenList(GUID_DEVCLASS_NET, 0); // those of yesterday too
+    EXPECT_EQ(3U, Descriptions().size());
+    OpenList(kUnknownClass, DIGCF_PRESENT);
+    EXPECT_EQ(259U, Enumerate(0));
+    EXPECT_EQ(INVALID_HANDLE_VALUE, SetupDiGetClassDevsW(nullptr, nullptr, nullptr, DIGCF_PRESENT));
+    EXPECT_EQ(87U, GetLastError());
+    EXPECT_EQ(INVALID_HANDLE_VALUE, SetupDiGetClassDevsW(&GUID_DEVCLASS_NET, nullptr, nullptr, 0x100));
+    EXPECT_EQ(1004U, GetLastError());
+}
+
+TEST_F(DeviceListsTest, RecordsMustTellTheirSizeAndBelongToTheList)
+{
+    OpenList();
+    SP_DEVINFO_DATA wrong = {};
+    wrong.cbSize = sizeof wrong - 1;
+    EXPECT_FALSE(SetupDiEnumDeviceInfo(list, 0, &wrong));
+    EXPECT_EQ(1784U, GetLastError());
+    ASSERT_EQ(0U, Enumerate(0));
+    EXPECT_EQ(sizeof(SP_DEVINFO_DATA), device.cbSize);
+    device.cbSize = 0;
+    EXPECT_EQ(1784U, Property(SPDRP_DEVICEDESC, 520));
+    device.cbSize = sizeof device;
+    device.Reserved = 77;
+    EXPECT_EQ(87U, Property(SPDRP_DEVICEDESC, 520));
+    EXPECT_FALSE(SetupDiEnumDeviceInfo(INVALID_HANDLE_VALUE, 0, &device));
+    EXPECT_EQ(6U, GetLastError());
+
+    SP_DEVINFO_LIST_DETAIL_DATA_W detail = {};
+    detail.cbSize = sizeof detail - 1;
+    EXPECT_FALSE(SetupDiGetDeviceInfoListDetailW(list, &detail));
+    EXPECT_EQ(1784U, GetLastError());
+    detail.cbSize = sizeof detail;
+    EXPECT_TRUE(SetupDiGetDeviceInfoListDetailW(list, &detail));
+    EXPECT_EQ(0, std::memcmp(&GUID_DEVCLASS_NET, &detail.ClassGuid, sizeof(GUID)));
+}
+
+TEST_F(DeviceListsTest, PropertiesHaveTypesAndSizes)
+{
+    OpenList();
+    ASSERT_EQ(0U, Enumerate(0));
+    constexpr DWORD kSize = 35 * 2; // "Realtek PCIe GBE Family Controller" and its end
+    EXPECT_EQ(0U, Property(SPDRP_DEVICEDESC, kSize));
+    EXPECT_EQ(REG_SZ, type);
+    EXPECT_EQ(kSize, required);
+    EXPECT_EQ(0xCC, buffer[kSize]);
+    EXPECT_EQ(122U, Property(SPDRP_DEVICEDESC, kSize - 1));
+    EXPECT_EQ(kSize, required);
+    EXPECT_EQ(0xCC, buffer[0]);
+    EXPECT_EQ(122U, Property(SPDRP_DEVICEDESC, 0));
+    EXPECT_EQ(13U, Property(SPDRP_FRIENDLYNAME, 520)); // this adapter has none
+    EXPECT_EQ(ERROR_INVALID_REG_PROPERTY, Property(0x1000, 520));
+    DeviceTree::SetValue(Adapters::All()[0], "Capabilities", "0x14");
+    EXPECT_EQ(0U, Property(SPDRP_CAPABILITIES, 4));
+    EXPECT_EQ(REG_DWORD, type);
+    EXPECT_EQ(0x14, buffer[0]);
+    EXPECT_EQ(0U, Property(SPDRP_CLASS, 8));
+    EXPECT_EQ("Net", ToUtf8(reinterpret_cast<const wchar_t*>(buffer.data())));
+}
+
+TEST_F(DeviceListsTest, DevicesAreOpenedByInstanceId)
+{
+    const std::string id = Adapters::All()[1];
+    const std::vector<wchar_t> folded = ToUtf16(FoldCase(id) + '\0');
+    list = SetupDiCreateDeviceInfoList(nullptr, nullptr);
+    device.cbSize = sizeof device;
+    ASSERT_TRUE(SetupDiOpenDeviceInfoW(list, folded.data(), nullptr, 0, &device));
+    EXPECT_EQ(0, std::memcmp(&GUID_DEVCLASS_NET, &device.ClassGuid, sizeof(GUID)));
+    EXPECT_TRUE(
+        SetupDiOpenDeviceInfoW(list, folded.data(), nullptr, 0, nullptr)); // it is in the list already
+    EXPECT_EQ(259U, Enumerate(1));
+    ASSERT_EQ(0U, Enumerate(0));
+
+    wchar_t text[260] = {};
+    const DWORD needed = static_cast<DWORD>(id.size() + 1);
+    EXPECT_TRUE(SetupDiGetDeviceInstanceIdW(list, &device, text, needed, &required));
+    EXPECT_EQ(id, ToUtf8(text));
+    EXPECT_FALSE(SetupDiGetDeviceInstanceIdW(list, &device, text, needed - 1, &required));
+    EXPECT_EQ(122U, GetLastError());
+    EXPECT_EQ(needed, required);
+
+    EXPECT_FALSE(SetupDiOpenDeviceInfoW(list, L"PCI\\VEN_0000", nullptr, 0, &device));
+    EXPECT_EQ(ERROR_NO_SUCH_DEVINST, GetLastError());
+    CloseList();
+    list = SetupDiCreateDeviceInfoList(&GUID_DEVCLASS_BATTERY, nullptr);
+    EXPECT_FALSE(SetupDiOpenDeviceInfoW(list, folded.data(), nullptr, 0, &device));
+    EXPECT_EQ(ERROR_CLASS_MISMATCH, GetLastError());
+}
+
+TEST_F(DeviceListsTest, InterfacesLeadToAPath)
+{
+    Batteries::Add();
+    OpenList(GUID_DEVICE_BATTERY, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
+    SP_DEVICE_INTERFACE_DATA data = {};
+    EXPECT_FALSE(SetupDiEnumDeviceInterfaces(list, nullptr, &GUID_DEVICE_BATTERY, 0, &data));
+    EXPECT_EQ(1784U, GetLastError());
+    data.cbSize = sizeof data;
+    EXPECT_FALSE(SetupDiEnumDeviceInterfaces(list, nullptr, &GUID_DEVICE_BATTERY, 2, &data));
+    EXPECT_EQ(259U, GetLastError());
+    EXPECT_FALSE(SetupDiEnumDeviceInterfaces(list, nullptr, &kUnknownClass, 0, &data));
+    EXPECT_EQ(259U, GetLastError());
+    ASSERT_TRUE(SetupDiEnumDeviceInterfaces(list, nullptr, &GUID_DEVICE_BATTERY, 1, &data));
+
+    EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(list, &data, nullptr, 0, &required, nullptr));
+    EXPECT_EQ(122U, GetLastError());
+    const std::string path = "\\\\?\\acpi#pnp0c0a#1#{72631e54-78a4-11d0-bcf7-00aa00b7b32a}";
+    ASSERT_EQ(4 + 2 * (path.size() + 1), required);
+    std::vector<DWORD> room(required / sizeof(DWORD) + 1);
+    auto* const detail = reinterpret_cast<SP_DEVICE_INTERFACE_DETAIL_DATA_W*>(room.data());
+    EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(list, &data, detail, required, nullptr, nullptr));
+    EXPECT_EQ(1784U, GetLastError());
+    detail->cbSize = sizeof *detail;
+    EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(list, &data, detail, required - 1, nullptr, nullptr));
+    EXPECT_EQ(122U, GetLastError());
+    device.cbSize = sizeof device;
+    EXPECT_TRUE(SetupDiGetDeviceInterfaceDetailW(list, &data, detail, required, nullptr, &device));
+    EXPECT_EQ(path, ToUtf8(reinterpret_cast<const wchar_t*>(room.data() + 1)));
+    EXPECT_EQ(0U, Property(SPDRP_CLASS, 16));
+    EXPECT_EQ("Battery", ToUtf8(reinterpret_cast<const wchar_t*>(buffer.data())));
+}
+
+TEST_F(DeviceListsTest, ClassKeysAreRealRegistryKeys)
+{
+    const HKEY key =
+        SetupDiOpenClassRegKeyExW(&GUID_DEVCLASS_NET, KEY_READ, DIOCR_INSTALLER, nullptr, nullptr);
+    ASSERT_NE(INVALID_HANDLE_VALUE, key);
+    wchar_t name[16] = {};
+    EXPECT_EQ(0, RegEnumKeyW(key, 0, name, 16));
+    EXPECT_EQ("0000", ToUtf8(name));
+    HKEY driver = nullptr;
+    EXPECT_EQ(0, RegOpenKeyExW(key, name, 0, KEY_ALL_ACCESS, &driver));
+    const wchar_t level[] = L"4";
+    EXPECT_EQ(0, RegSetValueExW(driver, L"DuplexMode", 0, REG_SZ, reinterpret_cast<const BYTE*>(level),
+                                sizeof level));
+    EXPECT_EQ(0, RegCloseKey(driver));
+    EXPECT_EQ(0, RegCloseKey(key));
+    EXPECT_EQ("4", Adapters::Setting(Adapters::All()[0], "DuplexMode"));
+
+    const struct
+    {
+        GUID classGuid;
+        DWORD flags;
+        const wchar_t* machine;
+        DWORD error;
+    } cases[] = {
+        {kUnknownClass, DIOCR_INSTALLER, nullptr, ERROR_INVALID_CLASS},
+        {kUnknownClass, DIOCR_INTERFACE, nullptr, ERROR_NO_SUCH_INTERFACE_CLASS},
+        {GUID_DEVCLASS_NET, 3, nullptr, 1004},
+        {GUID_DEVCLASS_NET, DIOCR_INSTALLER, L"\\\\elsewhere", ERROR_INVALID_MACHINENAME},
+    };
+    for (const auto& row : cases)
+    {
+        EXPECT_EQ(INVALID_HANDLE_VALUE,
+                  SetupDiOpenClassRegKeyExW(&row.classGuid, KEY_READ, row.flags, row.machine, nullptr));
+        EXPECT_EQ(row.error, GetLastError());
+    }
+}
+
+TEST_F(DeviceListsTest, ListsAndKeysOfThePlugInCountAsHeld)
+{
+    SetPlugInRange(nullptr, reinterpret_cast<const void*>(~std::uintptr_t{0}));
+    OpenList();
+    const HKEY key =
+        SetupDiOpenClassRegKeyExW(&GUID_DEVCLASS_NET, KEY_READ, DIOCR_INSTALLER, nullptr, nullptr);
+    EXPECT_EQ(2U, Leaks::Count()) << Leaks::Describe();
+    RegCloseKey(key);
+    CloseList();
+    EXPECT_EQ(0U, Leaks::Count()) << Leaks::Describe();
+    SetPlugInRange(nullptr, nullptr);
+}
