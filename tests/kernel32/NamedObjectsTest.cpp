@@ -2,7 +2,9 @@
 //
 // Named objects between processes: who sees them, how long they live, and what a killed process leaves.
 
-#include "kernel32/KernelTest.h"
+#include "kernel32/OwnedHandle.h"
+#include "notebook/Clock.h"
+#include "support/NotebookTest.h"
 
 #include <array>
 #include <csignal>
@@ -61,83 +63,18 @@ private:
     pid_t m_process = -1;
 };
 
-class NamedObjectsTest : public KernelTest
+class NamedObjectsTest : public NotebookTest
 {
 protected:
-    NamedObjectsTest()
+    void SetUp() override
     {
+        NotebookTest::SetUp();
         // Processes take their real time.
         simulated::Clock::SetInstant(false);
     }
 };
 
-using Opener = HANDLE (*)(LPCWSTR name);
-
-const Opener kCreators[] = {
-    [](LPCWSTR name) { return CreateEventW(nullptr, TRUE, FALSE, name); },
-    [](LPCWSTR name) { return CreateSemaphoreW(nullptr, 1, 1, name); },
-    [](LPCWSTR name)
-    { return CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 8, name); }};
-
-const Opener kOpeners[] = {[](LPCWSTR name) { return OpenEventW(EVENT_ALL_ACCESS, FALSE, name); },
-                           [](LPCWSTR name) { return OpenSemaphoreW(SEMAPHORE_ALL_ACCESS, FALSE, name); },
-                           [](LPCWSTR name) { return OpenFileMappingW(SECTION_ALL_ACCESS, FALSE, name); }};
-
 } // namespace
-
-TEST_F(NamedObjectsTest, KindsShareTheirNames)
-{
-    for (std::size_t kind = 0; kind < std::size(kCreators); ++kind)
-    {
-        const OwnedHandle first(kCreators[kind](L"Global\\Thing"));
-        ASSERT_NE(nullptr, first);
-        EXPECT_EQ(ERROR_SUCCESS, GetLastError());
-        for (std::size_t other = 0; other < std::size(kCreators); ++other)
-        {
-            const bool same = other == kind;
-            const OwnedHandle created(kCreators[other](L"Global\\Thing"));
-            EXPECT_EQ(same, created != nullptr);
-            EXPECT_EQ(same ? ERROR_ALREADY_EXISTS : ERROR_INVALID_HANDLE, GetLastError());
-            const OwnedHandle opened(kOpeners[other](L"Global\\Thing"));
-            EXPECT_EQ(same, opened != nullptr);
-        }
-    }
-}
-
-TEST_F(NamedObjectsTest, NamesAreToldApart)
-{
-    struct Case
-    {
-        LPCWSTR name;
-        DWORD error;
-    };
-    const OwnedHandle plain(CreateEventW(nullptr, TRUE, FALSE, L"Ring 1/2"));
-    const OwnedHandle global(CreateEventW(nullptr, TRUE, FALSE, L"Global\\Bell"));
-    const Case cases[] = {{L"Ring 1/2", ERROR_SUCCESS},
-                          {L"Local\\Ring 1/2", ERROR_SUCCESS},
-                          {L"Global\\Ring 1/2", ERROR_FILE_NOT_FOUND},
-                          {L"Ring 1_2", ERROR_FILE_NOT_FOUND},
-                          {L"ring 1/2", ERROR_FILE_NOT_FOUND},
-                          {L"Bell", ERROR_FILE_NOT_FOUND},
-                          {L"Folder\\Bell", ERROR_PATH_NOT_FOUND},
-                          {L"Global\\", ERROR_PATH_NOT_FOUND},
-                          {nullptr, ERROR_INVALID_PARAMETER}};
-    for (const Case& row : cases)
-    {
-        SetLastError(ERROR_SUCCESS);
-        const OwnedHandle opened(OpenEventW(EVENT_ALL_ACCESS, FALSE, row.name));
-        EXPECT_EQ(row.error, GetLastError()) << simulated::PlatformCall::Describe(row.name);
-    }
-
-    // The longest name, with characters that take the most room in a file name.
-    std::vector<wchar_t> name(MAX_PATH, L'\x20AC');
-    name.push_back(0);
-    const OwnedHandle longest(CreateEventW(nullptr, TRUE, FALSE, name.data()));
-    EXPECT_NE(nullptr, longest);
-    name.insert(name.begin(), L'x');
-    EXPECT_EQ(nullptr, CreateEventW(nullptr, TRUE, FALSE, name.data()));
-    EXPECT_EQ(ERROR_FILENAME_EXCED_RANGE, GetLastError());
-}
 
 // Whoever opens a board after its service was killed must not find one that nobody serves.
 TEST_F(NamedObjectsTest, ObjectEndsWithItsLastHolderKilledOrNot)

@@ -1,20 +1,25 @@
 // kernel32/SystemTest.cpp
 //
-// The version of the system and the way of a device control.
+// What the machine decides: version, time, cores; the way of a device control; and what is refused here
+// though Windows has it.
 
-#include "kernel32/KernelTest.h"
-
+#include "kernel32/Affinity.h"
 #include "kernel32/Devices.h"
+#include "kernel32/OwnedHandle.h"
+#include "notebook/Machine.h"
 #include "notebook/Text.h"
+#include "support/NotebookTest.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
+#include <thread>
 
 namespace
 {
 
 using simulated::Machine;
-using SystemTest = KernelTest;
+using SystemTest = NotebookTest;
 
 /// Answers the control 1 with its input turned round, any other with an error after it has written.
 class MirrorDevice : public simulated::Device
@@ -82,9 +87,6 @@ TEST_F(SystemTest, VersionComesFromTheMachine)
         information.dwOSVersionInfoSize = sizeof information;
         EXPECT_TRUE(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&information)));
         EXPECT_EQ(row.servicePack, information.wServicePackMajor);
-        information.dwOSVersionInfoSize = sizeof information + 1;
-        EXPECT_FALSE(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&information)));
-        EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, GetLastError());
     }
 }
 
@@ -128,4 +130,54 @@ TEST_F(SystemTest, DeviceGivesBackNoMoreThanItAnswers)
     char buffer[4];
     EXPECT_FALSE(DeviceIoControl(device.get(), 1, nullptr, 0, buffer, 4, nullptr, nullptr));
     EXPECT_EQ(ERROR_INVALID_PARAMETER, GetLastError());
+}
+
+TEST_F(SystemTest, InstantClockShortensTimeOutsAndMovesOn)
+{
+    const OwnedHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    const DWORD before = GetTickCount();
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(event.get(), 4000));
+    Sleep(60000);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    EXPECT_GE(GetTickCount() - before, 64000U);
+}
+
+TEST_F(SystemTest, ThreadStaysOnTheCoreItWasGiven)
+{
+    Machine::WriteNumber("Processor", "Cores", 4);
+    Machine::WriteNumber("Processor", "ProcessMask", 0xE);
+    DWORD_PTR process = 0;
+    DWORD_PTR machine = 0;
+    EXPECT_TRUE(GetProcessAffinityMask(GetCurrentProcess(), &process, &machine));
+    EXPECT_EQ(0xEU, process);
+    EXPECT_EQ(0xFU, machine);
+    std::thread(
+        []
+        {
+            EXPECT_EQ(1U, simulated::CurrentCore());
+            EXPECT_EQ(0xEU, SetThreadAffinityMask(GetCurrentThread(), 8));
+            EXPECT_EQ(3U, simulated::CurrentCore());
+            for (const DWORD_PTR refused : {0U, 1U, 0x18U})
+            {
+                EXPECT_EQ(0U, SetThreadAffinityMask(GetCurrentThread(), refused));
+                EXPECT_EQ(ERROR_INVALID_PARAMETER, GetLastError());
+            }
+            EXPECT_EQ(8U, SetThreadAffinityMask(GetCurrentThread(), 4));
+        })
+        .join();
+    EXPECT_EQ(1U, simulated::CurrentCore());
+}
+
+TEST_F(SystemTest, WhatIsntServedIsRefused)
+{
+    const OwnedHandle event(CreateEventW(nullptr, TRUE, TRUE, nullptr));
+    const HANDLE both[] = {event.get(), event.get()};
+    EXPECT_EQ(WAIT_FAILED, WaitForMultipleObjects(2, both, TRUE, 0));
+    EXPECT_EQ(ERROR_NOT_SUPPORTED, GetLastError());
+    const LPTHREAD_START_ROUTINE routine = [](LPVOID) -> DWORD { return 0; };
+    EXPECT_EQ(nullptr, CreateThread(nullptr, 0, routine, nullptr, CREATE_SUSPENDED, nullptr));
+    EXPECT_EQ(ERROR_NOT_SUPPORTED, GetLastError());
+    EXPECT_EQ(nullptr, CreateFileMappingW(event.get(), nullptr, PAGE_READWRITE, 0, 8, nullptr));
+    EXPECT_EQ(ERROR_NOT_SUPPORTED, GetLastError());
 }

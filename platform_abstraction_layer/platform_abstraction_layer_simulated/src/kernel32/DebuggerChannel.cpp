@@ -36,5 +36,5 @@ SIM_API void WINAPI OutputDebugStringA(LPCSTR text)
 {
     PlatformCall call(CallClass::System, "OutputDebugStringA", SIM_CALLER);
     call.Arguments(text);
-    Send(call, text == nullptr ? std::string() : Decode(Encoding::Windows1252, text));
+    Send(call, text == nullptr ? std::string() : Decode(AnsiEncoding(), text));
 }

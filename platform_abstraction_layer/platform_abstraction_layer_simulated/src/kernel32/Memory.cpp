@@ -139,6 +139,7 @@ SIM_API HLOCAL WINAPI LocalFree(HLOCAL block)
 {
     PlatformCall call(CallClass::Memory, "LocalFree", SIM_CALLER);
     call.Arguments(block);
+    void* const answer = call.Result<void*>(block, [] { return Outcome<void*>{}; });
     FreeLocal(block);
-    return call.Result<void*>(block, [] { return Outcome<void*>{}; });
+    return answer;
 }

@@ -38,12 +38,14 @@ DWORD Collect(const HANDLE* handles, DWORD count, std::vector<Awaited>& awaited)
 {
     for (DWORD index = 0; index < count; ++index)
     {
-        auto object = HandleTable::Find<Waitable>(handles[index]);
-        if (object == nullptr)
+        const auto found = HandleTable::Find(handles[index]);
+        if (found == nullptr)
         {
             return ERROR_INVALID_HANDLE;
         }
-        if (!object->Grants(SYNCHRONIZE))
+        // No right on a mapping or a key includes waiting for it.
+        auto object = std::dynamic_pointer_cast<Waitable>(found);
+        if (object == nullptr || !object->Grants(SYNCHRONIZE))
         {
             return ERROR_ACCESS_DENIED;
         }

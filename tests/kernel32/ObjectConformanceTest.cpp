@@ -1,0 +1,357 @@
+// kernel32/ObjectConformanceTest.cpp
+//
+// What events, semaphores, mappings, waits, threads and critical sections promise within one process, in
+// plain Win32: the simulated platform and Windows itself are held to the same tables.
+
+#include "kernel32/OwnedHandle.h"
+
+#include <array>
+#include <atomic>
+#include <iterator>
+#include <vector>
+
+namespace
+{
+
+constexpr DWORD kLong = 20000;
+
+OwnedHandle NewEvent(bool manualReset, bool signalled = false)
+{
+    return OwnedHandle(CreateEventW(nullptr, manualReset, signalled, nullptr));
+}
+
+OwnedHandle Start(LPTHREAD_START_ROUTINE routine, LPVOID parameter)
+{
+    return OwnedHandle(CreateThread(nullptr, 0, routine, parameter, 0, nullptr));
+}
+
+void Await(const OwnedHandle& thread)
+{
+    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread.get(), kLong));
+}
+
+struct PulseRound
+{
+    OwnedHandle event = NewEvent(true);
+    std::atomic<int> about{0};
+    std::atomic<int> released{0};
+};
+
+DWORD WINAPI AwaitPulse(LPVOID parameter)
+{
+    auto& round = *static_cast<PulseRound*>(parameter);
+    ++round.about;
+    round.released += WaitForSingleObject(round.event.get(), kLong) == WAIT_OBJECT_0 ? 1 : 0;
+    return 0;
+}
+
+constexpr DWORD kExitCode = 17;
+
+DWORD WINAPI ReturnWhenTold(LPVOID go)
+{
+    WaitForSingleObject(go, INFINITE);
+    return kExitCode;
+}
+
+DWORD WINAPI ExitWhenTold(LPVOID go)
+{
+    WaitForSingleObject(go, INFINITE);
+    ExitThread(kExitCode);
+}
+
+struct Guarded
+{
+    CRITICAL_SECTION section;
+    int entered = 0;
+};
+
+DWORD WINAPI TryToEnter(LPVOID parameter)
+{
+    auto& guarded = *static_cast<Guarded*>(parameter);
+    if (TryEnterCriticalSection(&guarded.section))
+    {
+        ++guarded.entered;
+        LeaveCriticalSection(&guarded.section);
+    }
+    return 0;
+}
+
+using Opener = HANDLE (*)(LPCWSTR name);
+
+constexpr Opener kCreators[] = {
+    [](LPCWSTR name) { return CreateEventW(nullptr, TRUE, FALSE, name); },
+    [](LPCWSTR name) { return CreateSemaphoreW(nullptr, 1, 1, name); },
+    [](LPCWSTR name)
+    { return CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 8, name); }};
+
+constexpr Opener kOpeners[] = {[](LPCWSTR name) { return OpenEventW(EVENT_ALL_ACCESS, FALSE, name); },
+                               [](LPCWSTR name) { return OpenSemaphoreW(SEMAPHORE_ALL_ACCESS, FALSE, name); },
+                               [](LPCWSTR name)
+                               { return OpenFileMappingW(SECTION_ALL_ACCESS, FALSE, name); }};
+
+} // namespace
+
+TEST(ObjectConformance, KindsShareTheirNames)
+{
+    for (std::size_t kind = 0; kind < std::size(kCreators); ++kind)
+    {
+        const OwnedHandle first(kCreators[kind](L"Global\\Thing"));
+        EXPECT_EQ(DWORD{ERROR_SUCCESS}, GetLastError());
+        for (std::size_t other = 0; other < std::size(kCreators); ++other)
+        {
+            const bool same = other == kind;
+            const OwnedHandle created(kCreators[other](L"Global\\Thing"));
+            EXPECT_EQ(same ? DWORD{ERROR_ALREADY_EXISTS} : DWORD{ERROR_INVALID_HANDLE}, GetLastError());
+            EXPECT_EQ(same, created != nullptr);
+            EXPECT_EQ(same, OwnedHandle(kOpeners[other](L"Global\\Thing")) != nullptr);
+        }
+    }
+}
+
+TEST(ObjectConformance, NamesAreToldApart)
+{
+    struct Case
+    {
+        LPCWSTR name;
+        DWORD error;
+    };
+    const OwnedHandle plain(CreateEventW(nullptr, TRUE, FALSE, L"Ring 1/2"));
+    const OwnedHandle global(CreateEventW(nullptr, TRUE, FALSE, L"Global\\Bell"));
+    const Case cases[] = {{L"Ring 1/2", ERROR_SUCCESS},
+                          {L"Local\\Ring 1/2", ERROR_SUCCESS},
+                          {L"Global\\Ring 1/2", ERROR_FILE_NOT_FOUND},
+                          {L"Ring 1_2", ERROR_FILE_NOT_FOUND},
+                          {L"ring 1/2", ERROR_FILE_NOT_FOUND},
+                          {L"Bell", ERROR_FILE_NOT_FOUND},
+                          {L"Folder\\Bell", ERROR_PATH_NOT_FOUND},
+                          {nullptr, ERROR_INVALID_PARAMETER}};
+    for (const Case& row : cases)
+    {
+        SetLastError(ERROR_SUCCESS);
+        const OwnedHandle opened(OpenEventW(EVENT_ALL_ACCESS, FALSE, row.name));
+        EXPECT_EQ(row.error, GetLastError()) << &row - cases;
+        EXPECT_EQ(row.error == ERROR_SUCCESS, opened != nullptr);
+    }
+}
+
+// The longest name, of characters that take the most room in whatever keeps it.
+TEST(ObjectConformance, LongNamesStayDifferent)
+{
+    std::vector<wchar_t> name(255, L'\x20AC');
+    name.push_back(0);
+    const OwnedHandle longest(CreateEventW(nullptr, TRUE, FALSE, name.data()));
+    EXPECT_NE(nullptr, longest);
+    name[254] = L'\x20AD';
+    EXPECT_EQ(nullptr, OpenEventW(EVENT_ALL_ACCESS, FALSE, name.data()));
+    EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, GetLastError());
+    name[254] = L'\x20AC';
+    EXPECT_NE(nullptr, OwnedHandle(OpenEventW(EVENT_ALL_ACCESS, FALSE, name.data())));
+}
+
+// The notification thread's work depends on it: the signal must not get lost in a quick reset.
+TEST(ObjectConformance, PulseReleasesAllPresentWaiters)
+{
+    for (int repetition = 0; repetition < 20; ++repetition)
+    {
+        PulseRound round;
+        std::vector<OwnedHandle> waiters;
+        for (int waiter = 0; waiter < 4; ++waiter)
+        {
+            waiters.push_back(Start(&AwaitPulse, &round));
+        }
+        while (round.about < 4)
+        {
+            Sleep(1);
+        }
+        Sleep(20);
+        SetEvent(round.event.get());
+        ResetEvent(round.event.get());
+        for (const OwnedHandle& waiter : waiters)
+        {
+            Await(waiter);
+        }
+        EXPECT_EQ(4, round.released);
+        EXPECT_EQ(DWORD{WAIT_TIMEOUT}, WaitForSingleObject(round.event.get(), 0));
+    }
+}
+
+TEST(ObjectConformance, FirstSignalledOfSeveralCountsAndOnlyItIsTaken)
+{
+    const OwnedHandle manual = NewEvent(true);
+    const OwnedHandle automatic = NewEvent(false, true);
+    const OwnedHandle semaphore(CreateSemaphoreW(nullptr, 2, 2, nullptr));
+    const std::array<HANDLE, 3> awaited{manual.get(), automatic.get(), semaphore.get()};
+    const auto wait = [&] { return WaitForMultipleObjects(3, awaited.data(), FALSE, 0); };
+    const DWORD expected[] = {WAIT_OBJECT_0 + 1, WAIT_OBJECT_0 + 2, WAIT_OBJECT_0 + 2, WAIT_TIMEOUT};
+    for (const DWORD answer : expected)
+    {
+        EXPECT_EQ(answer, wait());
+    }
+    SetEvent(automatic.get());
+    SetEvent(manual.get());
+    EXPECT_EQ(WAIT_OBJECT_0, wait());
+    EXPECT_EQ(WAIT_OBJECT_0, wait());
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(automatic.get(), 0));
+}
+
+TEST(ObjectConformance, HandlesLimitWhatCanBeDone)
+{
+    const OwnedHandle mapping(
+        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 8, nullptr));
+    const OwnedHandle named(CreateEventW(nullptr, TRUE, TRUE, L"Limited"));
+    const OwnedHandle noWait(OpenEventW(EVENT_MODIFY_STATE, FALSE, L"Limited"));
+    const OwnedHandle noChange(OpenEventW(SYNCHRONIZE, FALSE, L"Limited"));
+    struct Case
+    {
+        HANDLE handle;
+        DWORD waitError;
+        DWORD setError;
+    };
+    const Case cases[] = {{named.get(), ERROR_SUCCESS, ERROR_SUCCESS},
+                          {nullptr, ERROR_INVALID_HANDLE, ERROR_INVALID_HANDLE},
+                          {mapping.get(), ERROR_ACCESS_DENIED, ERROR_INVALID_HANDLE},
+                          {noWait.get(), ERROR_ACCESS_DENIED, ERROR_SUCCESS},
+                          {noChange.get(), ERROR_SUCCESS, ERROR_ACCESS_DENIED}};
+    for (const Case& row : cases)
+    {
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_EQ(row.waitError == ERROR_SUCCESS ? WAIT_OBJECT_0 : WAIT_FAILED,
+                  WaitForSingleObject(row.handle, 0));
+        EXPECT_EQ(row.waitError, GetLastError()) << &row - cases;
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_EQ(row.setError == ERROR_SUCCESS, SetEvent(row.handle) != FALSE);
+        EXPECT_EQ(row.setError, GetLastError()) << &row - cases;
+    }
+    for (const DWORD count : {0, MAXIMUM_WAIT_OBJECTS + 1})
+    {
+        const std::vector<HANDLE> many(MAXIMUM_WAIT_OBJECTS + 1, named.get());
+        EXPECT_EQ(WAIT_FAILED, WaitForMultipleObjects(count, many.data(), FALSE, 0));
+        EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());
+    }
+}
+
+TEST(ObjectConformance, SemaphoreTellsItsCountAndKeepsItsBound)
+{
+    const OwnedHandle semaphore(CreateSemaphoreW(nullptr, 1, 3, nullptr));
+    struct Case
+    {
+        LONG count;
+        DWORD error;
+        LONG previous;
+    };
+    const Case cases[] = {{1, ERROR_SUCCESS, 1},
+                          {2, ERROR_TOO_MANY_POSTS, -1},
+                          {0x7FFFFFFF, ERROR_TOO_MANY_POSTS, -1},
+                          {1, ERROR_SUCCESS, 2}};
+    for (const Case& row : cases)
+    {
+        LONG previous = -1;
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_EQ(row.error == ERROR_SUCCESS,
+                  ReleaseSemaphore(semaphore.get(), row.count, &previous) != FALSE);
+        EXPECT_EQ(row.error, GetLastError());
+        EXPECT_EQ(row.previous, previous);
+    }
+    for (const DWORD answer : {WAIT_OBJECT_0, WAIT_OBJECT_0, WAIT_OBJECT_0, DWORD{WAIT_TIMEOUT}})
+    {
+        EXPECT_EQ(answer, WaitForSingleObject(semaphore.get(), 0));
+    }
+    EXPECT_EQ(nullptr, CreateSemaphoreW(nullptr, 4, 3, nullptr));
+    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());
+}
+
+TEST(ObjectConformance, ViewsAreBoundedByWholePages)
+{
+    const OwnedHandle made(
+        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0x10001, L"Bounded"));
+    const OwnedHandle readable(OpenFileMappingW(SECTION_MAP_READ, FALSE, L"Bounded"));
+    struct Case
+    {
+        HANDLE mapping;
+        DWORD access;
+        DWORD offset;
+        SIZE_T size;
+        DWORD error;
+    };
+    const Case cases[] = {{made.get(), FILE_MAP_ALL_ACCESS, 0, 0x11000, ERROR_SUCCESS},
+                          {made.get(), FILE_MAP_ALL_ACCESS, 0, 0x11001, ERROR_ACCESS_DENIED},
+                          {made.get(), FILE_MAP_READ, 0x10000, 0x1000, ERROR_SUCCESS},
+                          {made.get(), FILE_MAP_READ, 0x10000, 0x1001, ERROR_ACCESS_DENIED},
+                          {made.get(), FILE_MAP_READ, 0x1000, 1, ERROR_MAPPED_ALIGNMENT},
+                          {readable.get(), FILE_MAP_READ, 0, 0, ERROR_SUCCESS},
+                          {readable.get(), FILE_MAP_WRITE, 0, 1, ERROR_ACCESS_DENIED},
+                          {nullptr, FILE_MAP_READ, 0, 1, ERROR_INVALID_HANDLE}};
+    for (const Case& row : cases)
+    {
+        SetLastError(ERROR_SUCCESS);
+        void* const view = MapViewOfFile(row.mapping, row.access, 0, row.offset, row.size);
+        EXPECT_EQ(row.error, GetLastError()) << &row - cases;
+        EXPECT_EQ(row.error == ERROR_SUCCESS, view != nullptr);
+        EXPECT_TRUE(view == nullptr || UnmapViewOfFile(view));
+    }
+    EXPECT_FALSE(UnmapViewOfFile(&cases));
+    EXPECT_EQ(DWORD{ERROR_INVALID_ADDRESS}, GetLastError());
+    EXPECT_EQ(nullptr, CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0, nullptr));
+    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());
+}
+
+TEST(ObjectConformance, ViewOutlivesItsHandleAndSharesItsBytes)
+{
+    OwnedHandle mapping(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 100, L"Shared"));
+    auto* const written = static_cast<BYTE*>(MapViewOfFile(mapping.get(), FILE_MAP_WRITE, 0, 0, 100));
+    const auto* const read = static_cast<const BYTE*>(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0));
+    mapping.reset();
+    written[99] = 0x5A;
+    EXPECT_EQ(0x5A, read[99]);
+    EXPECT_TRUE(UnmapViewOfFile(written));
+    EXPECT_TRUE(UnmapViewOfFile(read));
+}
+
+TEST(ObjectConformance, ThreadIsSignalledAtItsEndWithItsExitCode)
+{
+    for (const LPTHREAD_START_ROUTINE routine : {&ReturnWhenTold, &ExitWhenTold})
+    {
+        const OwnedHandle go = NewEvent(true);
+        const OwnedHandle thread = Start(routine, go.get());
+        DWORD code = 0;
+        EXPECT_EQ(DWORD{WAIT_TIMEOUT}, WaitForSingleObject(thread.get(), 0));
+        EXPECT_TRUE(GetExitCodeThread(thread.get(), &code));
+        EXPECT_EQ(DWORD{STILL_ACTIVE}, code);
+        SetEvent(go.get());
+        Await(thread);
+        EXPECT_TRUE(GetExitCodeThread(thread.get(), &code));
+        EXPECT_EQ(kExitCode, code);
+    }
+}
+
+TEST(ObjectConformance, CriticalSectionIsItsOwnersAlone)
+{
+    Guarded guarded;
+    InitializeCriticalSection(&guarded.section);
+    const auto tryElsewhere = [&]
+    {
+        Await(Start(&TryToEnter, &guarded));
+        return guarded.entered;
+    };
+    EnterCriticalSection(&guarded.section);
+    EXPECT_TRUE(TryEnterCriticalSection(&guarded.section));
+    EXPECT_EQ(0, tryElsewhere());
+    LeaveCriticalSection(&guarded.section);
+    EXPECT_EQ(0, tryElsewhere());
+    LeaveCriticalSection(&guarded.section);
+    EXPECT_EQ(1, tryElsewhere());
+    DeleteCriticalSection(&guarded.section);
+}
+
+TEST(ObjectConformance, VersionsBelongTogether)
+{
+    OSVERSIONINFOEXW information{};
+    information.dwOSVersionInfoSize = sizeof(OSVERSIONINFOW);
+    EXPECT_TRUE(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&information)));
+    const DWORD packed = GetVersion();
+    EXPECT_EQ(information.dwMajorVersion, packed & 0xFF);
+    EXPECT_EQ(information.dwMinorVersion, (packed >> 8) & 0xFF);
+    EXPECT_EQ(information.dwBuildNumber, packed >> 16);
+    information.dwOSVersionInfoSize = sizeof information + 1;
+    EXPECT_FALSE(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&information)));
+}
