@@ -9,7 +9,12 @@
 #include "foundation/OrvlBase.h"
 #include "foundation/Owners.h"
 #include "foundation/Results.h"
+#include "notebook/Adapters.h"
 #include "notebook/Clock.h"
+#include "notebook/DeviceTree.h"
+
+#include <cfgmgr32.h>
+#include <setupapi.h>
 
 #include <chrono>
 #include <csignal>
@@ -18,6 +23,9 @@
 
 namespace
 {
+
+using simulated::Adapters;
+using simulated::DeviceTree;
 
 constexpr ULONG kLongEnough = 10000;
 
@@ -124,11 +132,20 @@ TEST_F(ServiceTest, ItCanBeToldToMisbehave)
     }
 }
 
-TEST_F(ServiceTest, ADeviceThatIsNotThereIsNotChanged)
+TEST_F(ServiceTest, ADeviceIsSwitchedByItsInstanceId)
 {
     ServiceProcess service(Folder(), {});
     ASSERT_TRUE(service.IsServing());
-    EXPECT_EQ(kGeneralFailure, Call(2, L"ROOT\\NOTHING\\0000", 2));
+    const std::string adapter = Adapters::All().front();
+    std::vector<wchar_t> instanceId(adapter.begin(), adapter.end());
+    instanceId.push_back(0);
+    ASSERT_EQ(0u, DeviceTree::StateOf(adapter).problem);
+    EXPECT_EQ(0, Call(2, instanceId.data(), DICS_DISABLE));
+    EXPECT_EQ(DWORD{CM_PROB_DISABLED}, DeviceTree::StateOf(adapter).problem);
+    EXPECT_EQ(0, Call(2, instanceId.data(), DICS_ENABLE));
+    EXPECT_EQ(0u, DeviceTree::StateOf(adapter).problem);
+
+    EXPECT_EQ(kGeneralFailure, Call(2, L"ROOT\\NOTHING\\0000", DICS_DISABLE));
     EXPECT_TRUE(service.WaitFor("device change gave 0x80004005"));
 }
 
