@@ -1,0 +1,163 @@
+// agents/CpuAgentTest.cpp
+//
+// The level that is reached, and what it writes to the registers of each core.
+
+#include "agents/AgentsTest.h"
+
+#include "agents/CpuAgent.h"
+#include "notebook/KernelDriver.h"
+#include "notebook/Machine.h"
+#include "notebook/Processor.h"
+
+using namespace simulated;
+
+namespace
+{
+
+constexpr DWORD kControl = Processor::kPerformanceControl;
+constexpr DWORD kModulation = Processor::kClockModulation;
+
+class CpuAgentTest : public AgentsTest
+{
+protected:
+    void SetUp() override
+    {
+        AgentsTest::SetUp();
+        Processor::Fit(4, {6, 12, 10, 21});
+        ASSERT_EQ(1, agent.Initialize());
+    }
+    void TearDown() override
+    {
+        // The agent leaves the thread bound to the last core written.
+        SetThreadAffinityMask(GetCurrentThread(), 0xF);
+        AgentsTest::TearDown();
+    }
+
+    /// The low half of a register of each of the first `cores` cores.
+    static std::vector<DWORD> Low(DWORD index, unsigned cores = 4)
+    {
+        std::vector<DWORD> halves;
+        for (unsigned core = 0; core < cores; ++core)
+        {
+            halves.push_back(static_cast<DWORD>(Processor::Read(core, index).value_or(0)));
+        }
+        return halves;
+    }
+
+    CCpuAgent agent;
+};
+
+struct LevelCase
+{
+    int level;
+    int reached;
+    DWORD control;    ///< ratio in bits 12..8, voltage below
+    DWORD modulation; ///< duty in bits 3..1 with the enable bit, 2 for none
+};
+
+TEST_F(CpuAgentTest, LevelIsReachedByTheLowestRatioAndThenTheLowestDuty)
+{
+    constexpr LevelCase kLevels[] = {
+        {1, 6, 0x060A, 0x12},   {18, 18, 0x060A, 0x16}, {25, 25, 0x060A, 0x18}, {40, 43, 0x060A, 0x1E},
+        {50, 50, 0x060A, 0x02}, {51, 51, 0x070B, 0x1E}, {75, 75, 0x090F, 0x02}, {100, 100, 0x0C15, 0x02},
+    };
+    for (const LevelCase& row : kLevels)
+    {
+        EXPECT_EQ(row.reached, agent.SetEblLevel(row.level)) << row.level;
+        EXPECT_THAT(Low(kControl), testing::Each(row.control)) << row.level;
+        EXPECT_THAT(Low(kModulation), testing::Each(row.modulation)) << row.level;
+        EXPECT_EQ(row.reached, agent.GetEblLevel()) << row.level;
+    }
+    const std::size_t writes = DriverInputs().size();
+    EXPECT_EQ(100, agent.SetEblLevel(100));
+    EXPECT_EQ(writes + 2, DriverInputs().size()) << "what is there already is read and not written";
+}
+
+TEST_F(CpuAgentTest, RatioAndVoltageReplaceOnlyTheirBits)
+{
+    Processor::Fit(4, {6, 12, 0x20, 0x30});
+    ASSERT_EQ(1, agent.Initialize());
+    for (unsigned core = 0; core < 4; ++core)
+    {
+        Processor::Set(core, kControl, 0x12345678'0000FFFF);
+    }
+    ForgetDriver();
+    EXPECT_EQ(50, agent.SetEblLevel(50));
+    EXPECT_EQ(0x12345678'0000E6E0U, Processor::Read(3, kControl));
+    EXPECT_THAT(DriverInputs(), testing::Contains("99 01 00 00 78 56 34 12 E0 E6 00 00").Times(4));
+}
+
+TEST_F(CpuAgentTest, ModulationIsReadByItsEnableBit)
+{
+    for (const auto& [low, level] : {std::pair{0x16, 37}, {0x0E, 100}, {0x02, 100}, {0x10, -1}, {0x1E, 87}})
+    {
+        for (unsigned core = 0; core < 4; ++core)
+        {
+            Processor::Set(core, kModulation, static_cast<std::uint64_t>(low));
+        }
+        EXPECT_EQ(level, agent.GetEblLevel()) << low;
+    }
+}
+
+TEST_F(CpuAgentTest, OnlyTheFirstFourCoresOfTheProcessAreWritten)
+{
+    Processor::Fit(6, {6, 12, 10, 21});
+    Machine::Write("Processor", "ProcessMask", "0x3A");
+    ASSERT_EQ(1, agent.Initialize());
+    EXPECT_EQ(50, agent.SetEblLevel(50));
+    EXPECT_THAT(Low(kControl, 6), testing::ElementsAre(0x0C15, 0x060A, 0x0C15, 0x060A, 0x0C15, 0x0C15));
+    EXPECT_EQ(2U, Calls("SetThreadAffinityMask"));
+}
+
+TEST_F(CpuAgentTest, FailureOnOneCoreEndsTheLoop)
+{
+    Processor::Remove(2, kControl);
+    EXPECT_EQ(-1, agent.SetEblLevel(50));
+    EXPECT_THAT(Low(kControl), testing::ElementsAre(0x060A, 0x060A, 0, 0x0C15));
+    EXPECT_THAT(NewLogLines(),
+                testing::IsSupersetOf({"Begin to write MSR with CBR:6, VID:10. ",
+                                       "Begin to write MSR with EAX:1546 on core2 . ",
+                                       "error code of calling DeviceIoControl: 0x80070002. "}));
+}
+
+TEST_F(CpuAgentTest, ImpossibleLevelsAndProcessorsAreRefused)
+{
+    ForgetDriver();
+    CCpuAgent fresh;
+    for (const int level : {0, 101, -1})
+    {
+        EXPECT_EQ(-1, agent.SetEblLevel(level));
+    }
+    EXPECT_EQ(-1, fresh.SetEblLevel(50));
+    EXPECT_EQ(-1, fresh.GetEblLevel());
+    EXPECT_TRUE(DriverInputs().empty());
+
+    // No voltage at the lowest ratio; a range of one ratio has no slope; no top speed at all.
+    for (const Processor::Limits& limits :
+         {Processor::Limits{6, 12, 0, 21}, {12, 12, 10, 10}, {0, 0, 10, 10}})
+    {
+        Processor::Fit(4, limits);
+        ASSERT_EQ(1, agent.Initialize());
+        for (unsigned core = 0; core < 4; ++core)
+        {
+            Processor::Set(core, Processor::kPerformanceStatus,
+                           *Processor::Read(core, Processor::kPerformanceStatus) ^ 0x100);
+        }
+        EXPECT_EQ(-1, agent.SetEblLevel(1));
+        EXPECT_EQ(limits.highestRatio == 0, agent.GetEblLevel() == -1);
+    }
+    EXPECT_THAT(NewLogLines(), testing::Contains("Cannot calucate VID.").Times(2));
+}
+
+TEST_F(CpuAgentTest, InitializeFailsWithTheDriverAndWithEitherRegister)
+{
+    Processor::Remove(0, Processor::kThermalControl);
+    EXPECT_EQ(0, agent.Initialize());
+    EXPECT_EQ(-1, agent.GetEblLevel()) << "what was read before doesn't count any more";
+    EXPECT_THAT(NewLogLines(), testing::Contains("error code of calling OrvlDrvIoControl: 0x80070002. "));
+    KernelDriver::SetPresent(false);
+    EXPECT_EQ(0, agent.Initialize());
+    EXPECT_EQ(0U, Leaks::Count()) << Leaks::Describe();
+}
+
+} // namespace

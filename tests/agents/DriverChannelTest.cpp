@@ -1,0 +1,116 @@
+// agents/DriverChannelTest.cpp
+//
+// When the connection is opened and closed, who may be in the driver, and how its errors come back.
+
+#include "agents/AgentsTest.h"
+
+#include "agents/DriverRecords.h"
+#include "agents/OrvlDrvMgr.h"
+#include "foundation/Results.h"
+#include "notebook/KernelDriver.h"
+
+#include <thread>
+
+using namespace simulated;
+
+namespace
+{
+
+/// Asks the firmware for its status, through the exported function.
+LONG AskDriver(DWORD code = IOCTL_EXEC_CTRL_METHOD, DWORD inputSize = sizeof(ControlMethodInput))
+{
+    ControlMethodInput input = {0x4154535F, {}};
+    ULONG answer = 0;
+    DWORD returned = 0;
+    return OrvlDrvIoControl(code, &input, inputSize, &answer, sizeof answer, &returned, nullptr);
+}
+
+using DriverChannelTest = AgentsTest;
+
+struct VersionRule
+{
+    unsigned major;
+    std::size_t openings; ///< CreateFileW calls of two opens
+    bool survivesClose;
+};
+
+class DriverChannelVersions : public AgentsTest, public testing::WithParamInterface<VersionRule>
+{
+};
+
+TEST_P(DriverChannelVersions, DecideHowOftenTheDeviceIsOpenedAndWhetherCloseCloses)
+{
+    UseVersion(GetParam().major);
+    EXPECT_EQ(kSucceeded, OrvlDrvOpen());
+    EXPECT_EQ(kSucceeded, OrvlDrvOpen());
+    EXPECT_EQ(GetParam().openings, Calls("CreateFileW"));
+    EXPECT_EQ(GetParam().openings - 1, Calls("CloseHandle")) << "a replaced handle is closed";
+
+    EXPECT_EQ(kSucceeded, OrvlDrvClose());
+    EXPECT_EQ(GetParam().survivesClose ? kSucceeded : kGeneralFailure, AskDriver());
+}
+
+INSTANTIATE_TEST_SUITE_P(Systems, DriverChannelVersions,
+                         testing::Values(VersionRule{5, 2, false}, VersionRule{6, 1, true},
+                                         VersionRule{10, 1, true}));
+
+TEST_F(DriverChannelTest, FailedOpenLeavesTheChannelClosedAndSaysWhy)
+{
+    EXPECT_EQ(kSucceeded, OrvlDrvOpen());
+    KernelDriver::SetPresent(false);
+    NewLogLines();
+    EXPECT_EQ(static_cast<LONG>(0x80070002), OrvlDrvOpen());
+    EXPECT_EQ(1U, Calls("CloseHandle")) << "the handle in place goes with the failed open";
+    EXPECT_EQ(kGeneralFailure, AskDriver());
+    EXPECT_EQ(0U, Calls("DeviceIoControl"));
+    EXPECT_THAT(NewLogLines(),
+                testing::ElementsAre("Windows version 5.1", "Open connection with driver failed for 2.", "",
+                                     "COrvlDrvMgr::DeviceIoControl failed: device not opened", ""));
+}
+
+TEST_F(DriverChannelTest, SecondThreadIsRefusedAtOnceWhileTheFirstIsInTheDriver)
+{
+    ASSERT_EQ(kSucceeded, OrvlDrvOpen());
+    NewLogLines();
+    KernelDriver::Hold();
+    LONG first = kGeneralFailure;
+    std::thread holder([&first] { first = AskDriver(); });
+    EXPECT_TRUE(KernelDriver::WaitUntilHeld(5000));
+
+    EXPECT_EQ(kGeneralFailure, AskDriver());
+    EXPECT_THAT(NewLogLines(),
+                testing::ElementsAre(
+                    "COrvlDrvMgr::DeviceIoControl failed for cannot enter the critical section", ""));
+    KernelDriver::LetGo();
+    holder.join();
+    EXPECT_EQ(kSucceeded, first);
+    EXPECT_EQ(1U, Calls("DeviceIoControl"));
+}
+
+struct Refusal
+{
+    DWORD code;
+    DWORD inputSize;
+    DWORD driverError;
+    DWORD result;
+};
+
+TEST_F(DriverChannelTest, DriverErrorsAreTranslated)
+{
+    ASSERT_EQ(kSucceeded, OrvlDrvOpen());
+    constexpr Refusal kRefusals[] = {
+        {kDriverControlBase + 4 * 12, 16, 0, 0x80070001},
+        {IOCTL_EXEC_CTRL_METHOD, 15, 0, 0x80070057},
+        {IOCTL_EXEC_CTRL_METHOD, 16, ERROR_BUSY, 0x800700AA},
+        {IOCTL_EXEC_CTRL_METHOD, 16, 0x12345, 0x80072345},
+        {IOCTL_EXEC_CTRL_METHOD, 16, 0xE0000001, 0xE0000001},
+    };
+    for (const Refusal& refusal : kRefusals)
+    {
+        KernelDriver::RefuseRequests(refusal.driverError);
+        EXPECT_EQ(refusal.result, static_cast<DWORD>(AskDriver(refusal.code, refusal.inputSize)))
+            << refusal.code << ' ' << refusal.driverError;
+    }
+}
+
+} // namespace

@@ -1,0 +1,173 @@
+// agents/DspxAgentTest.cpp
+//
+// The level word against the three policies, and the driver's refusals.
+
+#include "agents/AgentsTest.h"
+
+#include "agents/DspxAgent.h"
+#include "foundation/Results.h"
+#include "notebook/Graphics.h"
+
+using namespace simulated;
+
+namespace
+{
+
+using Words = std::vector<DWORD>;
+
+class DspxAgentTest : public AgentsTest
+{
+protected:
+    void SetUp() override
+    {
+        AgentsTest::SetUp();
+        Graphics::SetInstalled(true);
+        UsePolicies({0}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 0});
+    }
+    static void UsePolicies(const Words& frqg, const Words& abr, const Words& lums)
+    {
+        Graphics::SetPolicy("FRQG", frqg);
+        Graphics::SetPolicy("ABR", abr);
+        Graphics::SetPolicy("LUMS", lums);
+    }
+};
+
+struct WordCase
+{
+    Words frqg;
+    Words abr;
+    Words lums;
+    int word;
+};
+
+const WordCase kWordCases[] = {
+    {{1}, {0, 0, 0, 0, 0}, {1, 0, 0, 3, 0}, 0x44000003},
+    {{0}, {1, 0, 0, 0, 0}, {0, 0, 0, 0, 0}, 0x10000000},
+    {{0}, {0, 1, 0, 0, 0}, {1, 0, 0, 0xFFFFF, 0}, 0x240FFFFF},
+    {{0}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 0}, 0},
+};
+
+TEST_F(DspxAgentTest, WordStandsForTheThreePolicies)
+{
+    CDspxAgent agent;
+    ASSERT_EQ(kSucceeded, agent.Setup());
+    for (const WordCase& row : kWordCases)
+    {
+        UsePolicies(row.frqg, row.abr, row.lums);
+        EXPECT_EQ(row.word, agent.GetEblLevel());
+        UsePolicies({7}, {7, 7, 7, 7, 7}, {7, 7, 7, 7, 7});
+        // Bits without a meaning are given back and change nothing.
+        EXPECT_EQ(row.word | 0x03000000, agent.SetEblLevel(row.word | 0x03000000));
+        EXPECT_EQ(row.frqg, Graphics::Policy("FRQG"));
+        EXPECT_EQ(row.abr, Graphics::Policy("ABR"));
+        EXPECT_EQ(row.lums, Graphics::Policy("LUMS"));
+    }
+    // A level counts only while the feature is on, and only by its twenty bits.
+    UsePolicies({2}, {0, 0, 0, 0, 0}, {0, 0, 0, 5, 0});
+    EXPECT_EQ(0x40000000, agent.GetEblLevel());
+    UsePolicies({0}, {0, 0, 0, 0, 0}, {1, 0, 0, 0xFFF00001, 0});
+    EXPECT_EQ(0x04000001, agent.GetEblLevel());
+    EXPECT_EQ(-1, agent.SetEblLevel(-1));
+    EXPECT_THAT(NewLogLines(), testing::Contains("Wrong level!"));
+}
+
+TEST_F(DspxAgentTest, FeatureThatTheDriverDoesntHaveIsPassedOver)
+{
+    CDspxAgent agent;
+    ASSERT_EQ(kSucceeded, agent.Setup());
+    UsePolicies({1}, {1, 1, 0, 0, 0}, {1, 0, 0, 9, 0});
+    Graphics::RemovePolicy("ABR");
+    EXPECT_EQ(0x44000009, agent.GetEblLevel());
+    EXPECT_EQ(0x34000002, agent.SetEblLevel(0x34000002));
+    EXPECT_EQ(Words{0}, Graphics::Policy("FRQG"));
+    EXPECT_EQ((Words{1, 0, 0, 2, 0}), Graphics::Policy("LUMS"));
+    EXPECT_THAT(NewLogLines(), testing::Contains("Unsupported power policy ABR!").Times(2));
+}
+
+TEST_F(DspxAgentTest, OtherFailureEndsTheWalkWithTheEarlierPoliciesSet)
+{
+    CDspxAgent agent;
+    ASSERT_EQ(kSucceeded, agent.Setup());
+    for (const Graphics::Refusal& refusal : {Graphics::Refusal{0, 7}, {E_FAIL, 0}})
+    {
+        UsePolicies({0}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 0});
+        Graphics::Refuse("GetPowerPolicy.ABR", refusal);
+        Graphics::Refuse("SetPowerPolicy.ABR", refusal);
+        EXPECT_EQ(-1, agent.GetEblLevel());
+        EXPECT_EQ(-1, agent.SetEblLevel(0x74000001));
+        EXPECT_EQ(Words{1}, Graphics::Policy("FRQG"));
+        EXPECT_EQ((Words{0, 0, 0, 0, 0}), Graphics::Policy("LUMS"));
+    }
+    EXPECT_THAT(NewLogLines(),
+                testing::IsSupersetOf({"GetPowerPolicy for ABR failed", "SetPowerPolicy for ABR failed"}));
+}
+
+struct OpenCase
+{
+    Graphics::Refusal refusal;
+    LONG result;
+    const char* line;
+};
+
+TEST_F(DspxAgentTest, RefusedPowerInterfaceIsLetGo)
+{
+    constexpr OpenCase kCases[] = {
+        {{0, 19}, kNotSupported, "PowerAPI Not Supported.19"},
+        {{0, 20}, kAccessRefused, "PowerAPI Locked.20"},
+        {{E_FAIL, 20}, kAccessRefused, "PowerAPI Locked.20"},
+        {{0, 24}, kGeneralFailure, "PowerApiOpen() failed.24"},
+        {{E_FAIL, 0}, kGeneralFailure, "PowerApiOpen() failed.0"},
+    };
+    CDspxAgent agent;
+    for (const OpenCase& row : kCases)
+    {
+        Graphics::Refuse("PowerApiOpen", row.refusal);
+        NewLogLines();
+        EXPECT_EQ(row.result, agent.Setup());
+        EXPECT_EQ(-1, agent.GetEblLevel());
+        EXPECT_EQ(-1, agent.SetEblLevel(0));
+        EXPECT_THAT(NewLogLines(), testing::ElementsAre(row.line, "call setup first.", "call setup first."));
+        EXPECT_EQ(0U, Graphics::LiveObjects());
+    }
+    Graphics::Refuse("PowerApiOpen", {});
+    EXPECT_EQ(kSucceeded, agent.Setup());
+}
+
+TEST_F(DspxAgentTest, CapabilitiesArePassedOnAndCleanupClosesWhateverTheDriverSays)
+{
+    Graphics::SetCapabilities(0xA5);
+    CDspxAgent agent;
+    EXPECT_EQ(kSucceeded, agent.Cleanup());
+    EXPECT_EQ(0U, agent.CheckSupportStatus());
+    ASSERT_EQ(kSucceeded, agent.Setup());
+    EXPECT_EQ(0xA5U, agent.CheckSupportStatus());
+    Graphics::Refuse("GetPowerConsCaps", {0, 1});
+    EXPECT_EQ(0U, agent.CheckSupportStatus());
+    Graphics::Refuse("PowerApiClose", {E_FAIL, 0});
+    EXPECT_EQ(kSucceeded, agent.Cleanup());
+    EXPECT_EQ(0U, Graphics::LiveObjects());
+    EXPECT_THAT(NewLogLines(), testing::ElementsAre("GetPowerConsCaps failed with 0",
+                                                    "Close Power handle failed with 80004005"));
+    // The driver has kept the handle that it refused to close.
+    Leaks::Forget();
+}
+
+TEST_F(DspxAgentTest, ComIsUninitializedOnceForEachSuccess)
+{
+    {
+        CDspxAgent first;
+        CDspxAgent copy(first);
+        copy = first;
+        Faults::Inject("CoInitializeEx", 1, static_cast<DWORD>(RPC_E_CHANGED_MODE));
+        CDspxAgent refused;
+    }
+    EXPECT_EQ(3U, Calls("CoInitializeEx"));
+    EXPECT_EQ(2U, Calls("CoUninitialize"));
+
+    Graphics::SetInstalled(false);
+    CDspxAgent agent;
+    EXPECT_EQ(CO_E_CLASSSTRING, agent.Setup());
+    EXPECT_THAT(NewLogLines(), testing::ElementsAre("COM not init or PXLK driver not installed [800401f3]."));
+}
+
+} // namespace
