@@ -23,6 +23,7 @@ namespace
 constexpr std::string_view kHousekeepingBegin = ".~";
 constexpr std::string_view kLockEnd = ".lock";
 constexpr std::string_view kSideEnd = ".new";
+constexpr mode_t kNewFileMode = 0666;
 
 class Descriptor
 {
@@ -86,15 +87,29 @@ void StampExactly(int file)
     futimens(file, now);
 }
 
-bool WriteSide(const std::string& side, std::string_view bytes, mode_t mode)
+// What a killed writer left may still be read by someone under its earlier name, so it isn't used again.
+bool WriteSide(const std::string& side, std::string_view bytes, std::optional<mode_t> mode)
 {
-    const Descriptor file(open(side.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode));
+    unlink(side.c_str());
+    const Descriptor file(open(side.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode));
     if (file.Get() < 0 || !WriteAll(file.Get(), bytes))
     {
         return false;
     }
     StampExactly(file.Get());
-    return true;
+    return !mode || fchmod(file.Get(), *mode) == 0;
+}
+
+// Gives `path` the content of `side`. Where there is a file already the two change names and the old one
+// goes: a plain rename over it makes some file systems wait for the disk.
+bool TakePlace(const std::string& side, const std::string& path)
+{
+    if (renameat2(AT_FDCWD, side.c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE) == 0)
+    {
+        unlink(side.c_str());
+        return true;
+    }
+    return std::rename(side.c_str(), path.c_str()) == 0;
 }
 
 } // namespace
@@ -134,9 +149,10 @@ std::optional<std::string> ReadWhole(const std::string& path)
 bool WriteWhole(const std::string& path, std::string_view bytes)
 {
     struct stat status = {};
-    const mode_t mode = stat(path.c_str(), &status) == 0 ? status.st_mode & 0777 : 0666;
+    const bool isThere = stat(path.c_str(), &status) == 0;
+    const std::optional<mode_t> mode = isThere ? std::optional<mode_t>(status.st_mode & 0777) : std::nullopt;
     const std::string side = Beside(path, kSideEnd);
-    if (!WriteSide(side, bytes, mode) || std::rename(side.c_str(), path.c_str()) != 0)
+    if (!WriteSide(side, bytes, mode) || !TakePlace(side, path))
     {
         const int kept = errno;
         unlink(side.c_str());
