@@ -10,6 +10,7 @@
 #include "notebook/HostFiles.h"
 #include "notebook/Machine.h"
 #include "notebook/Profiles.h"
+#include "notebook/RegistryEditor.h"
 #include "notebook/RegistrySeeder.h"
 #include "notebook/WholeFile.h"
 
@@ -140,7 +141,7 @@ std::string StateText(const Version& version, unsigned codePage, const std::vect
     }
     text += '\n';
     text += DefaultHardware();
-    return text;
+    return text + '\n' + std::string(DefaultHardware());
 }
 
 bool MakeFolders(DWORD major)
@@ -169,11 +170,15 @@ bool MakeProfiles(const std::vector<Account>& accounts, DWORD major)
     return done;
 }
 
+std::string ProfileListKey(const Account& account)
+{
+    return std::string("HKLM\\") + kProfileList + '\\' + account.sid;
+}
+
 bool EnterInProfileList(const Account& account)
 {
-    RegistrySeeder machine(hives::MachineRoot());
-    return machine.Put(std::string(kProfileList) + '\\' + account.sid, "ProfileImagePath",
-                       registry::TextValue(Unexpanded(account.profile), REG_EXPAND_SZ));
+    return RegistryEditor::Write(ProfileListKey(account), "ProfileImagePath",
+                                 registry::TextValue(Unexpanded(account.profile), REG_EXPAND_SZ));
 }
 
 std::string NextUserSid()
@@ -288,9 +293,12 @@ bool Notebook::LogOff(const std::string& name)
 bool Notebook::RemoveUser(const std::string& name)
 {
     const std::optional<Account> account = Accounts::Find(name);
-    return account && !account->isWellKnown && Accounts::Remove(name) && profiles::Remove(*account) &&
-           host_files::RemoveAll(hives::MachineRoot() +
-                                 "/SOFTWARE/Microsoft/Windows NT/CurrentVersion/ProfileList/" + account->sid);
+    if (!account || account->isWellKnown)
+    {
+        return false;
+    }
+    RegistryEditor::RemoveKey(ProfileListKey(*account)); // a stranger has none
+    return Accounts::Remove(name) && profiles::Remove(*account);
 }
 
 bool Notebook::SetVersion(DWORD major, DWORD minor)

@@ -200,6 +200,11 @@ bool Key::IsDeleted() const
            now.st_dev != opened.st_dev;
 }
 
+std::string FolderOf(const Key& key)
+{
+    return "/proc/self/fd/" + std::to_string(key.Folder());
+}
+
 DWORD FindBase(HKEY handle, Base& base)
 {
     if (const PredefinedKey* const predefined = FindPredefined(handle))
@@ -215,7 +220,7 @@ DWORD FindBase(HKEY handle, Base& base)
         return ERROR_INVALID_HANDLE;
     }
     base.path = base.key->Path();
-    base.folder = "/proc/self/fd/" + std::to_string(base.key->Folder());
+    base.folder = FolderOf(*base.key);
     base.access = base.key->Access();
     return ERROR_SUCCESS;
 }

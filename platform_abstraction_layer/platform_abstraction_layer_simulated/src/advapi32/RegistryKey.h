@@ -58,6 +58,9 @@ private:
     std::string m_path;
 };
 
+/// The host's name of a key's folder through its descriptor, which leads to that folder wherever it is.
+std::string FolderOf(const Key& key);
+
 /// Where a path begins: an opened key, or one of the predefined ones.
 struct Base
 {

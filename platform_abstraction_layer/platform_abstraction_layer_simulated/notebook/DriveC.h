@@ -1,0 +1,29 @@
+// notebook/DriveC.h
+//
+// The files of the machine in the hands of tests and tools, whole, by their Windows paths.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace simulated
+{
+
+class DriveC
+{
+public:
+    /// Nothing when there is no such file.
+    static std::optional<std::string> Read(std::string_view path);
+
+    /// Makes the folders above the file when they aren't there. False when the host refuses.
+    static bool Write(std::string_view path, std::string_view bytes);
+
+    /// A file or a folder.
+    static bool Exists(std::string_view path);
+
+    /// Takes a file, or a folder with all that is in it, away.
+    static bool Remove(std::string_view path);
+};
+
+} // namespace simulated

@@ -1,0 +1,115 @@
+// notebook/tool/Show.cpp
+//
+// The machine at a glance.
+
+#include "notebook/Accounts.h"
+#include "notebook/Batteries.h"
+#include "notebook/DeviceTree.h"
+#include "notebook/DriveC.h"
+#include "notebook/EmbeddedController.h"
+#include "notebook/KernelDriver.h"
+#include "notebook/Machine.h"
+#include "notebook/Notebook.h"
+#include "notebook/PowerSource.h"
+#include "notebook/RegistryEditor.h"
+#include "tool/Verbs.h"
+
+#include <cstdio>
+
+using namespace simulated;
+
+namespace notebook_tool
+{
+
+namespace
+{
+
+void ShowSystem()
+{
+    std::printf("%s\n", Machine::Folder().c_str());
+    std::printf(
+        "Windows        %s.%s.%s, service pack %s, code page %s\n",
+        Machine::Read("Machine", "Major", "?").c_str(), Machine::Read("Machine", "Minor", "?").c_str(),
+        Machine::Read("Machine", "Build", "?").c_str(), Machine::Read("Machine", "ServicePack", "?").c_str(),
+        Machine::Read("Machine", "AnsiCodePage", "?").c_str());
+    for (const std::string& name : Machine::Keys("Modules"))
+    {
+        std::printf("Module         %s: %s\n", name.c_str(), Machine::Read("Modules", name, "").c_str());
+    }
+    const std::string configuration = std::string(Notebook::kInstallationFolder) + "ORVLCfg.ini";
+    std::printf("Installation   %s\n", DriveC::Exists(configuration) ? configuration.c_str() : "none");
+}
+
+void ShowAccounts()
+{
+    for (const Account& account : Accounts::All())
+    {
+        std::printf("Account        %-16s %-10s %s\n", account.name.c_str(),
+                    account.isLoggedOn        ? "logged on"
+                    : account.profile.empty() ? "stranger"
+                                              : "absent",
+                    account.profile.c_str());
+    }
+}
+
+void ShowPower()
+{
+    const PowerAnswers power = PowerSource::Get();
+    std::printf("Power          mains %s, battery %u %%, hibernation %s\n",
+                power.status.ACLineStatus == 1 ? "in" : "out",
+                static_cast<unsigned>(power.status.BatteryLifePercent),
+                power.hibernateAllowed ? "allowed" : "refused");
+    const std::optional<std::string> active =
+        RegistryEditor::ReadText("HKCU\\Control Panel\\PowerCfg", "CurrentPowerPolicy");
+    const std::optional<DWORD> told =
+        RegistryEditor::ReadNumber("HKLM\\Software\\Kelvo\\ORVA", "CurrentPwrSchemeID");
+    std::printf("Scheme         %s is active, %s was told to the companion\n",
+                active.value_or("none").c_str(), told ? std::to_string(*told).c_str() : "none");
+}
+
+struct ShownItem
+{
+    const char* name;
+    DWORD number;
+};
+constexpr ShownItem kShownItems[] = {
+    {"backlight", EmbeddedController::kBacklight},
+    {"wifi", EmbeddedController::kWifi},
+    {"lan", EmbeddedController::kLan},
+    {"3g", EmbeddedController::k3G},
+    {"bluetooth", EmbeddedController::kBluetooth},
+};
+
+void ShowHardware()
+{
+    std::printf("Driver         %s%s\n", KernelDriver::IsPresent() ? "present" : "absent",
+                KernelDriver::IsBusy() ? ", busy" : "");
+    std::printf("Controller    ");
+    for (const ShownItem& item : kShownItems)
+    {
+        const std::optional<DWORD> value = EmbeddedController::Item(item.number);
+        std::printf(" %s %s", item.name, value ? std::to_string(*value).c_str() : "absent");
+    }
+    std::printf("\n");
+    for (const std::string& device : DeviceTree::All())
+    {
+        const DeviceTree::State state = DeviceTree::StateOf(device);
+        std::printf("Device         %-55s %s%s\n",
+                    DeviceTree::Value(device, "Description").value_or("").c_str(),
+                    state.isPresent ? "" : "not there ",
+                    state.problem == 0 ? "" : ("problem " + std::to_string(state.problem)).c_str());
+    }
+}
+
+} // namespace
+
+Outcome Show(const Request&)
+{
+    ShowSystem();
+    ShowAccounts();
+    ShowPower();
+    ShowHardware();
+    return Outcome::Done;
+}
+
+} // namespace notebook_tool
