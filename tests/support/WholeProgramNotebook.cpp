@@ -3,7 +3,7 @@
 // A fresh notebook for a whole test program that is plain Win32 and knows nothing of notebooks. Linked only
 // into the native build of such a program.
 
-#include "notebook/Machine.h"
+#include "notebook/Notebook.h"
 
 #include <gtest/gtest.h>
 
@@ -22,8 +22,7 @@ public:
         std::string folder = (std::filesystem::temp_directory_path() / "notebookXXXXXX").string();
         ASSERT_NE(mkdtemp(folder.data()), nullptr);
         m_folder = folder;
-        simulated::Machine::Use(folder);
-        std::filesystem::create_directories(m_folder / "drives/C/WINDOWS");
+        ASSERT_TRUE(simulated::Notebook::Create(folder));
     }
 
     void TearDown() override

@@ -30,6 +30,7 @@ constexpr const char* kComputerName = "NOTEBOOK";
 constexpr const char* kProfileList = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList";
 constexpr const char* kUserSidBegin = "S-1-5-21-1220945662-1202660629-1417001333-";
 constexpr unsigned kFirstUserNumber = 1003;
+constexpr const char* kInstallationFiles = ".ini";
 constexpr const char* kPowerSchemesFile = "PowerSchemes.ini";
 
 struct Version
@@ -238,6 +239,10 @@ bool Notebook::Install(const std::string& hostFolder)
     std::error_code error;
     for (const auto& file : std::filesystem::directory_iterator(hostFolder, error))
     {
+        if (file.path().extension() != kInstallationFiles)
+        {
+            continue; // what puts the files in place on Windows
+        }
         const std::string name = file.path().filename().string();
         const std::optional<std::string> bytes = ReadWhole(file.path().string());
         const std::string target = (name == kPowerSchemesFile ? data : installation) + '/' + name;

@@ -49,8 +49,8 @@ public:
     /// True when a notebook has been made in the folder that this process uses.
     static bool Exists();
 
-    /// Copies the files of an installation: "PowerSchemes.ini" to "Kelvo\ORVL\Cfg" in the local application
-    /// data of the service account, all others to `kInstallationFolder`.
+    /// Copies the files of an installation (*.ini): "PowerSchemes.ini" to "Kelvo\ORVL\Cfg" in the local
+    /// application data of the service account, all others to `kInstallationFolder`.
     static bool Install(const std::string& hostFolder);
 
     /// A new user with the next free SID, a profile and a hive; not logged on. False also when there is an
