@@ -222,7 +222,7 @@ TEST(ObjectConformance, HandlesLimitWhatCanBeDone)
         EXPECT_EQ(row.setError == ERROR_SUCCESS, SetEvent(row.handle) != FALSE);
         EXPECT_EQ(row.setError, GetLastError()) << &row - cases;
     }
-    for (const DWORD count : {0, MAXIMUM_WAIT_OBJECTS + 1})
+    for (const DWORD count : {DWORD{0}, DWORD{MAXIMUM_WAIT_OBJECTS + 1}})
     {
         const std::vector<HANDLE> many(MAXIMUM_WAIT_OBJECTS + 1, named.get());
         EXPECT_EQ(WAIT_FAILED, WaitForMultipleObjects(count, many.data(), FALSE, 0));
