@@ -9,8 +9,8 @@
 #include <winerror.h>
 #include <winnt.h>
 
-#include <winbase.h>
 #include <processenv.h>
+#include <winbase.h>
 #include <winnls.h>
 #include <winpower.h>
 #include <winreg.h>
