@@ -1,0 +1,74 @@
+# What `cmake --install` lays down: the library, the headers of everything that it exports, the reference
+# configuration, and what a program needs to find them by find_package(pm_limited_support). The native package
+# carries the simulated Windows too: its library, its headers, and the width of wchar_t as a compile option of
+# whoever uses it.
+#
+# Component "library" is what find_package needs; the rest belongs to component "programs".
+include(CMakePackageConfigHelpers)
+
+set(plugin_sources ${PROJECT_SOURCE_DIR}/platform_abstraction_layer/platform_abstraction_layer_windows/src/plugins/pm_limited_support)
+set(simulated_sources ${PROJECT_SOURCE_DIR}/platform_abstraction_layer/platform_abstraction_layer_simulated)
+
+# The headers of what is exported, and those that they include.
+set(public_headers
+  agents/BatAgent.h
+  agents/CpuAgent.h
+  agents/DevMgr.h
+  agents/DisplayAgent.h
+  agents/DriverRecords.h
+  agents/DspxAgent.h
+  agents/EblTuner.h
+  agents/EcAgent.h
+  agents/HwSBX.h
+  agents/HwXA.h
+  agents/LanAgent.h
+  agents/OrvlDrvMgr.h
+  agents/OsWin.h
+  foundation/Api.h
+  foundation/InterProcessBoard.h
+  foundation/OrvlBase.h
+  foundation/OrvlCfg.h
+  foundation/OrvlProfile.h
+  foundation/PowerProfile.h
+  foundation/Results.h
+  foundation/Text.h
+  plugin/CommandNumbers.h
+  plugin/HostRecords.h
+  plugin/PluginExports.h
+  plugin/PluginHelper.h
+  plugin/WireRecords.h
+  scheme/PwrSet.h
+  scheme/SchemeEx.h)
+foreach(header IN LISTS public_headers)
+  cmake_path(GET header PARENT_PATH folder)
+  install(FILES ${plugin_sources}/${header}
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/pm_limited_support/${folder} COMPONENT library)
+endforeach()
+
+target_compile_features(pm_limited_support PUBLIC cxx_std_20)
+set(installed_libraries pm_limited_support)
+if(NOT WIN32)
+  list(APPEND installed_libraries simulated_platform)
+  set_target_properties(${installed_libraries} PROPERTIES INSTALL_RPATH $ORIGIN)
+  install(DIRECTORY ${simulated_sources}/include/
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/pm_limited_support/windows COMPONENT library)
+endif()
+install(TARGETS ${installed_libraries} EXPORT pm_limited_support COMPONENT library)
+
+set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/pm_limited_support)
+install(EXPORT pm_limited_support FILE pm_limited_supportConfig.cmake NAMESPACE pm_limited_support::
+  DESTINATION ${package_folder} COMPONENT library)
+write_basic_package_version_file(pm_limited_supportConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/pm_limited_supportConfigVersion.cmake
+  DESTINATION ${package_folder} COMPONENT library)
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/installation/
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/pm_limited_support COMPONENT programs)
+foreach(program IN ITEMS trxhost orvlservice notebook hardware_tour)
+  if(TARGET ${program})
+    if(NOT WIN32)
+      set_target_properties(${program} PROPERTIES INSTALL_RPATH $ORIGIN/../${CMAKE_INSTALL_LIBDIR})
+    endif()
+    install(TARGETS ${program} COMPONENT programs)
+  endif()
+endforeach()
