@@ -11,9 +11,6 @@
 #include <powrprof.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
@@ -220,27 +217,6 @@ TEST_F(InstallationTest, EachChipsetFunctionIsDescribedWhole)
             EXPECT_TRUE(bits.insert(bit).second || name.rfind("USBPort", 0) == 0);
         }
     }
-}
-
-TEST_F(InstallationTest, TheFilesHaveTheLineEndsOfTheSystem)
-{
-    std::set<std::string> names;
-    for (const auto& file : std::filesystem::directory_iterator(INSTALLATION_FOLDER))
-    {
-        if (file.path().extension() != ".ini")
-        {
-            continue;
-        }
-        names.insert(file.path().filename().string());
-        std::ifstream stream(file.path(), std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-        EXPECT_EQ(std::count(bytes.begin(), bytes.end(), '\n'), std::count(bytes.begin(), bytes.end(), '\r'));
-        EXPECT_TRUE(bytes.ends_with("\r\n")) << file.path();
-        EXPECT_TRUE(std::all_of(bytes.begin(), bytes.end(),
-                                [](char c) { return static_cast<unsigned char>(c) < 128; }));
-    }
-    EXPECT_EQ((std::set<std::string>{"ORVLCfg.ini", "PowerSchemes.ini", "PowerSetting.ini", "SBXCfg.ini"}),
-              names);
 }
 
 } // namespace
