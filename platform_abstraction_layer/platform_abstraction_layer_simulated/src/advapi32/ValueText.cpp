@@ -9,7 +9,6 @@
 #include <winnt.h>
 
 #include <charconv>
-#include <cstdio>
 #include <cstring>
 
 namespace simulated::registry
@@ -57,10 +56,18 @@ std::optional<std::string> FormatText(const Value& value)
     return std::nullopt;
 }
 
-std::string FormatNumber(const char* format, unsigned number)
+/// `number` with at least `digits` hexadecimal digits.
+std::string FormatHex(DWORD number, unsigned digits)
 {
-    char text[16];
-    std::snprintf(text, sizeof text, format, number);
+    std::string text;
+    for (unsigned place = 2 * sizeof number; place != 0; --place)
+    {
+        const DWORD rest = number >> (4 * (place - 1));
+        if (rest != 0 || place <= digits)
+        {
+            text += "0123456789abcdef"[rest & 15];
+        }
+    }
     return text;
 }
 
@@ -69,13 +76,17 @@ std::string FormatBytes(const Value& value)
     std::string text(kBytesForm);
     if (value.type != REG_BINARY)
     {
-        text = std::string(kTypedForm) + FormatNumber("%x", value.type) + std::string(kTypedFormEnd);
+        text = std::string(kTypedForm) + FormatHex(value.type, 1) + std::string(kTypedFormEnd);
     }
+    text.reserve(text.size() + 3 * value.bytes.size() + 1);
     const std::size_t begin = text.size();
     for (const char byte : value.bytes)
     {
-        text += text.size() == begin ? "" : ",";
-        text += FormatNumber("%02x", static_cast<unsigned char>(byte));
+        if (text.size() != begin)
+        {
+            text += ',';
+        }
+        text += FormatHex(static_cast<unsigned char>(byte), 2);
     }
     return text;
 }
@@ -124,7 +135,7 @@ std::string FormatValue(const Value& value)
     if (value.type == REG_DWORD && value.bytes.size() == sizeof number)
     {
         std::memcpy(&number, value.bytes.data(), sizeof number);
-        return std::string(kNumberForm) + FormatNumber("%08x", number) + '\n';
+        return std::string(kNumberForm) + FormatHex(number, 8) + '\n';
     }
     return FormatText(value).value_or(FormatBytes(value)) + '\n';
 }

@@ -1,0 +1,302 @@
+// tests/advapi32/RegistryScript.cpp
+//
+// The words and what they do.
+
+#include "RegistryScript.h"
+
+#include <algorithm>
+#include <iterator>
+#include <sstream>
+
+namespace registry_script
+{
+
+namespace
+{
+
+constexpr DWORD kRoom = 400;
+
+/// What the steps of one script share.
+struct State
+{
+    HKEY key;
+    HKEY held = nullptr;
+    std::vector<std::string> words; ///< of the present step
+    HKEY target = nullptr;          ///< `key` or `held`
+
+    std::string Word(std::size_t index) const
+    {
+        return index < words.size() ? words[index] : std::string();
+    }
+    DWORD Number(std::size_t index) const
+    {
+        return static_cast<DWORD>(std::stoul("0" + Word(index)));
+    }
+};
+
+struct Access
+{
+    const char* name;
+    REGSAM access;
+};
+constexpr Access kAccesses[] = {
+    {"none", 0},
+    {"read", KEY_READ},
+    {"write", KEY_WRITE},
+    {"all", KEY_ALL_ACCESS},
+    {"maximum", MAXIMUM_ALLOWED},
+    {"query", KEY_QUERY_VALUE},
+    {"set", KEY_SET_VALUE},
+    {"enumerate", KEY_ENUMERATE_SUB_KEYS},
+    {"create", KEY_CREATE_SUB_KEY},
+    {"generic-read", GENERIC_READ},
+    {"generic-write", GENERIC_WRITE},
+    {"generic-all", GENERIC_ALL},
+};
+
+REGSAM AccessOf(const std::string& name)
+{
+    const auto* const found = std::find_if(std::begin(kAccesses), std::end(kAccesses),
+                                           [&name](const Access& row) { return name == row.name; });
+    return found == std::end(kAccesses) ? KEY_READ : found->access;
+}
+
+std::string Status(LONG status)
+{
+    return std::to_string(status);
+}
+
+std::string Make(State& state)
+{
+    HKEY made = nullptr;
+    DWORD disposition = 0;
+    const LONG status = RegCreateKeyExW(state.target, Wide(state.Word(1)).Get(), 0, nullptr, 0,
+                                        AccessOf(state.Word(2)), nullptr, &made, &disposition);
+    if (status != ERROR_SUCCESS)
+    {
+        return Status(status);
+    }
+    RegCloseKey(made);
+    return disposition == REG_CREATED_NEW_KEY ? "new" : "old";
+}
+
+std::string Open(State& state)
+{
+    HKEY opened = nullptr;
+    const LONG status =
+        RegOpenKeyExW(state.target, Wide(state.Word(1)).Get(), 0, AccessOf(state.Word(2)), &opened);
+    const std::string shown = Status(status) + (opened == state.target ? "same" : "");
+    if (status == ERROR_SUCCESS)
+    {
+        RegCloseKey(opened);
+    }
+    return shown;
+}
+
+std::string OpenSimply(State& state)
+{
+    HKEY opened = nullptr;
+    const LONG status = RegOpenKeyW(state.target, Wide(state.Word(1)).Get(), &opened);
+    if (status != ERROR_SUCCESS || opened == state.target)
+    {
+        return Status(status) + (opened == state.target ? "same" : "");
+    }
+    const LONG written = RegSetValueExW(opened, L"simply", 0, REG_BINARY, nullptr, 0);
+    RegCloseKey(opened);
+    return Status(status) + (written == ERROR_SUCCESS ? "writable" : "");
+}
+
+std::string Hold(State& state)
+{
+    return Status(
+        RegOpenKeyExW(state.key, Wide(state.Word(1)).Get(), 0, AccessOf(state.Word(2)), &state.held));
+}
+
+// The handle stays in `held`, for what is done with closed ones.
+std::string Close(State& state)
+{
+    return Status(RegCloseKey(state.held));
+}
+
+std::string Set(State& state)
+{
+    const Wide text(state.Word(2));
+    const auto size = static_cast<DWORD>((state.Word(2).size() + 1) * sizeof(wchar_t));
+    return Status(RegSetValueExW(state.target, Wide(state.Word(1)).Get(), 0, REG_SZ,
+                                 reinterpret_cast<const BYTE*>(text.Get()), size));
+}
+
+std::string Get(State& state)
+{
+    wchar_t text[kRoom] = {};
+    DWORD size = sizeof text;
+    const LONG status = RegQueryValueExW(state.target, Wide(state.Word(1)).Get(), nullptr, nullptr,
+                                         reinterpret_cast<BYTE*>(text), &size);
+    return status == ERROR_SUCCESS ? Narrow(text, size / sizeof(wchar_t) - 1) : Status(status);
+}
+
+std::string DeleteValue(State& state)
+{
+    return Status(RegDeleteValueW(state.target, Wide(state.Word(1)).Get()));
+}
+
+std::string DeleteKey(State& state)
+{
+    return Status(RegDeleteKeyW(state.target, Wide(state.Word(1)).Get()));
+}
+
+/// "key INDEX ROOM": the name and its length.
+std::string KeyAt(State& state)
+{
+    wchar_t name[kRoom] = {};
+    DWORD length = state.Number(2);
+    const LONG status =
+        RegEnumKeyExW(state.target, state.Number(1), name, &length, nullptr, nullptr, nullptr, nullptr);
+    return status == ERROR_SUCCESS ? Narrow(name, length) + ':' + std::to_string(length) : Status(status);
+}
+
+std::string KeyAtSimply(State& state)
+{
+    wchar_t name[kRoom] = {};
+    const LONG status = RegEnumKeyW(state.target, state.Number(1), name, state.Number(2));
+    return status == ERROR_SUCCESS ? Narrow(name, static_cast<std::size_t>(lstrlenW(name))) : Status(status);
+}
+
+/// "value INDEX NAMEROOM DATAROOM": name, length, type, size.
+std::string ValueAt(State& state)
+{
+    wchar_t name[kRoom] = {};
+    BYTE data[kRoom] = {};
+    DWORD length = state.Number(2);
+    DWORD size = state.Number(3);
+    DWORD type = 0;
+    const LONG status =
+        RegEnumValueW(state.target, state.Number(1), name, &length, nullptr, &type, data, &size);
+    const std::string shown = Narrow(name, length) + ':' + std::to_string(length) + ':' +
+                              std::to_string(type) + ':' + std::to_string(size);
+    return status == ERROR_SUCCESS ? shown : Status(status) + (size != state.Number(3) ? ":size" : "");
+}
+
+std::string Keys(State& state)
+{
+    std::string names;
+    for (DWORD index = 0;; ++index)
+    {
+        wchar_t name[kRoom] = {};
+        const LONG status = RegEnumKeyW(state.target, index, name, kRoom);
+        if (status != ERROR_SUCCESS)
+        {
+            return names + Status(status);
+        }
+        names += Narrow(name, static_cast<std::size_t>(lstrlenW(name))) + ' ';
+    }
+}
+
+/// Keys, longest key, values, longest value name, longest data.
+std::string Sums(State& state)
+{
+    DWORD sums[5] = {};
+    const LONG status = RegQueryInfoKeyW(state.target, nullptr, nullptr, nullptr, &sums[0], &sums[1], nullptr,
+                                         &sums[2], &sums[3], &sums[4], nullptr, nullptr);
+    std::string shown;
+    for (const DWORD sum : sums)
+    {
+        shown += (shown.empty() ? "" : ":") + std::to_string(sum);
+    }
+    return status == ERROR_SUCCESS ? shown : Status(status);
+}
+
+struct Word
+{
+    const char* name;
+    std::string (*run)(State& state);
+};
+constexpr Word kWords[] = {
+    {"make", &Make},
+    {"open", &Open},
+    {"opensimply", &OpenSimply},
+    {"hold", &Hold},
+    {"close", &Close},
+    {"set", &Set},
+    {"get", &Get},
+    {"drop", &DeleteValue},
+    {"delete", &DeleteKey},
+    {"key", &KeyAt},
+    {"keysimply", &KeyAtSimply},
+    {"value", &ValueAt},
+    {"keys", &Keys},
+    {"sums", &Sums},
+};
+
+std::string RunStep(State& state)
+{
+    std::string name = state.words.front();
+    name.erase(0, name.find_first_not_of("-@"));
+    const auto* const word = std::find_if(std::begin(kWords), std::end(kWords),
+                                          [&name](const Word& row) { return name == row.name; });
+    state.target = state.words.front().find('@') == std::string::npos ? state.key : state.held;
+    return word == std::end(kWords) ? "unknown word " + name : word->run(state);
+}
+
+} // namespace
+
+Wide::Wide(const std::string& text) : m_isNull(text == "null")
+{
+    const std::string plain = text == "''" ? std::string() : text;
+    m_units.assign(plain.begin(), plain.end());
+    m_units.push_back(0);
+}
+
+std::string Narrow(const wchar_t* text, std::size_t length)
+{
+    std::string narrow;
+    std::transform(text, text + length, std::back_inserter(narrow),
+                   [](wchar_t unit) { return unit < 0x7F ? static_cast<char>(unit) : '?'; });
+    return narrow;
+}
+
+std::string Play(HKEY key, const std::string& script)
+{
+    State state{key, nullptr, {}, nullptr};
+    std::string outcome;
+    std::istringstream steps(script);
+    for (std::string step; std::getline(steps, step, ';');)
+    {
+        std::istringstream words(step);
+        state.words.assign(std::istream_iterator<std::string>(words), {});
+        const std::string given = RunStep(state);
+        if (!state.words.front().starts_with('-'))
+        {
+            outcome += (outcome.empty() ? "" : " ") + given;
+        }
+    }
+    if (state.held != nullptr)
+    {
+        RegCloseKey(state.held);
+    }
+    return outcome;
+}
+
+void RemoveTree(HKEY parent, const wchar_t* name)
+{
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(parent, name, 0, KEY_ALL_ACCESS, &key) != ERROR_SUCCESS)
+    {
+        return;
+    }
+    wchar_t child[kRoom];
+    while (RegEnumKeyW(key, 0, child, kRoom) == ERROR_SUCCESS)
+    {
+        RemoveTree(key, child);
+    }
+    RegCloseKey(key);
+    RegDeleteKeyW(parent, name);
+}
+
+bool IsWine()
+{
+    const HMODULE library = GetModuleHandleW(L"ntdll.dll");
+    return library != nullptr && GetProcAddress(library, "wine_get_version") != nullptr;
+}
+
+} // namespace registry_script
