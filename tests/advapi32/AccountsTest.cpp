@@ -1,0 +1,231 @@
+// tests/advapi32/AccountsTest.cpp
+//
+// Accounts and their SIDs, tokens and their privileges, security descriptors.
+
+#include "support/NotebookTest.h"
+
+#include "notebook/Machine.h"
+#include "notebook/Text.h"
+
+#include <windows.h>
+
+#include <cstring>
+#include <sddl.h>
+
+using namespace simulated;
+
+namespace
+{
+
+std::vector<wchar_t> Wide(const char* text)
+{
+    std::vector<wchar_t> wide = ToUtf16(text);
+    wide.push_back(0);
+    return wide;
+}
+
+class AccountsTest : public NotebookTest
+{
+};
+
+TEST_F(AccountsTest, NamesLeadToSids)
+{
+    const struct
+    {
+        const char* name;
+        const char* expected; ///< domain and SID
+    } rows[] = {
+        {"alice", "NOTEBOOK S-1-5-21-1220945662-1202660629-1417001333-1003"},
+        {"CAROL", "NOTEBOOK S-1-5-21-1220945662-1202660629-1417001333-1005"},
+        {"notebook\\alice", "NOTEBOOK S-1-5-21-1220945662-1202660629-1417001333-1003"},
+        {"System", "NT AUTHORITY S-1-5-18"},
+        {"Local Service", "NT AUTHORITY S-1-5-19"},
+        {"elsewhere\\alice", "1332"},
+        {"dave", "1332"},
+        {"", "1332"},
+    };
+    for (const auto& row : rows)
+    {
+        BYTE sid[100];
+        wchar_t domain[100];
+        DWORD sidSize = sizeof sid;
+        DWORD domainSize = 100;
+        SID_NAME_USE use = SidTypeUnknown;
+        std::string found;
+        LPWSTR text = nullptr;
+        if (!LookupAccountNameW(nullptr, Wide(row.name).data(), sid, &sidSize, domain, &domainSize, &use))
+        {
+            found = std::to_string(GetLastError());
+        }
+        else if (ConvertSidToStringSidW(sid, &text))
+        {
+            found = ToUtf8(domain) + ' ' + ToUtf8(text);
+            EXPECT_EQ(ToUtf8(domain).size(), domainSize);
+        }
+        EXPECT_EQ(row.expected, found) << row.name;
+        EXPECT_EQ(nullptr, LocalFree(text));
+    }
+}
+
+TEST_F(AccountsTest, BuffersThatAreTooSmallLearnTheirSize)
+{
+    BYTE sid[100];
+    wchar_t domain[100];
+    SID_NAME_USE use = SidTypeUnknown;
+    for (const auto& [sidRoom, domainRoom] : {std::pair{27U, 9U}, {28U, 8U}, {0U, 0U}})
+    {
+        DWORD sidSize = sidRoom;
+        DWORD domainSize = domainRoom;
+        EXPECT_FALSE(LookupAccountNameW(nullptr, L"alice", sid, &sidSize, domain, &domainSize, &use));
+        EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, GetLastError());
+        EXPECT_EQ(28U, sidSize);
+        EXPECT_EQ(9U, domainSize);
+    }
+    DWORD sidSize = 28;
+    DWORD domainSize = 9;
+    EXPECT_TRUE(LookupAccountNameW(nullptr, L"alice", sid, &sidSize, domain, &domainSize, &use));
+    EXPECT_EQ(SidTypeUser, use);
+}
+
+TEST_F(AccountsTest, SidsAsText)
+{
+    const struct
+    {
+        const char* text;
+        const char* expected;
+    } rows[] = {
+        {"S-1-5-18", "S-1-5-18"},
+        {"s-1-5-18", "S-1-5-18"},
+        {"S-1-0x5-0x12", "S-1-5-18"},
+        {"S-1-5-4294967295", "S-1-5-4294967295"},
+        {"S-1-4294967296-1", "S-1-0x000100000000-1"},
+        {"S-1-0-1-2-3-4-5-6-7-8-9-10-11-12-13-14-15", "S-1-0-1-2-3-4-5-6-7-8-9-10-11-12-13-14-15"},
+        {"S-1-0-1-2-3-4-5-6-7-8-9-10-11-12-13-14-15-16", nullptr},
+        {"S-1-5", nullptr},
+        {"S-1-5-", nullptr},
+        {"S-2-5-18", nullptr},
+        {"S-1-5-18x", nullptr},
+        {"S-1-5-4294967296", nullptr},
+        {"S-1-281474976710656-1", nullptr},
+        {"", nullptr},
+        {"S-1--5", nullptr},
+    };
+    for (const auto& row : rows)
+    {
+        SCOPED_TRACE(row.text);
+        PSID sid = nullptr;
+        LPWSTR text = nullptr;
+        const BOOL done = ConvertStringSidToSidW(Wide(row.text).data(), &sid);
+        EXPECT_EQ(row.expected != nullptr, done != FALSE);
+        if (done && ConvertSidToStringSidW(sid, &text))
+        {
+            EXPECT_EQ(row.expected, ToUtf8(text));
+        }
+        LocalFree(text);
+        LocalFree(sid);
+    }
+    BYTE broken[SECURITY_MAX_SID_SIZE] = {SID_REVISION, SID_MAX_SUB_AUTHORITIES + 1};
+    LPWSTR text = nullptr;
+    EXPECT_FALSE(ConvertSidToStringSidW(broken, &text));
+    EXPECT_EQ(ERROR_INVALID_SID, GetLastError());
+}
+
+TEST_F(AccountsTest, TheUserNameIsTheRunningAccount)
+{
+    Machine::RunAs("bob");
+    wchar_t name[8] = {};
+    DWORD size = 3;
+    EXPECT_FALSE(GetUserNameW(name, &size));
+    EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, GetLastError());
+    EXPECT_EQ(4U, size);
+    EXPECT_TRUE(GetUserNameW(name, &size));
+    EXPECT_EQ("bob", ToUtf8(name));
+}
+
+class TokensTest : public NotebookTest
+{
+protected:
+    void TearDown() override
+    {
+        EXPECT_TRUE(CloseHandle(m_token));
+        NotebookTest::TearDown();
+    }
+
+    void OpenToken(DWORD access)
+    {
+        ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), access, &m_token));
+    }
+
+    static LUID LuidOf(const wchar_t* name)
+    {
+        LUID luid{};
+        EXPECT_TRUE(LookupPrivilegeValueW(nullptr, name, &luid));
+        return luid;
+    }
+
+    HANDLE m_token = nullptr;
+};
+
+TEST_F(TokensTest, PrivilegesAreSwitchedAndTheirOldStateIsTold)
+{
+    OpenToken(TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY);
+    TOKEN_PRIVILEGES wanted{1, {{LuidOf(SE_BACKUP_NAME), SE_PRIVILEGE_ENABLED}}};
+    TOKEN_PRIVILEGES previous{};
+    DWORD needed = 0;
+    SetLastError(4711);
+    EXPECT_TRUE(AdjustTokenPrivileges(m_token, FALSE, &wanted, sizeof previous, &previous, &needed));
+    EXPECT_EQ(ERROR_SUCCESS, GetLastError());
+    EXPECT_EQ(1U, previous.PrivilegeCount);
+    EXPECT_EQ(0U, previous.Privileges[0].Attributes);
+    EXPECT_EQ(sizeof previous, needed);
+    // It is on now, so nothing changes.
+    EXPECT_TRUE(AdjustTokenPrivileges(m_token, FALSE, &wanted, sizeof previous, &previous, &needed));
+    EXPECT_EQ(0U, previous.PrivilegeCount);
+    // And off again with all others.
+    EXPECT_FALSE(AdjustTokenPrivileges(m_token, TRUE, nullptr, 4, &previous, &needed));
+    EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, GetLastError());
+    EXPECT_TRUE(AdjustTokenPrivileges(m_token, TRUE, nullptr, 0, nullptr, nullptr));
+    wanted.Privileges[0].Attributes = 0;
+    EXPECT_TRUE(AdjustTokenPrivileges(m_token, FALSE, &wanted, sizeof previous, &previous, &needed));
+    EXPECT_EQ(0U, previous.PrivilegeCount);
+}
+
+TEST_F(TokensTest, WhatTheTokenLacksIsToldBesideSuccess)
+{
+    Machine::RunAs("NETWORK SERVICE");
+    OpenToken(TOKEN_ADJUST_PRIVILEGES);
+    TOKEN_PRIVILEGES wanted{1, {{LuidOf(SE_RESTORE_NAME), SE_PRIVILEGE_ENABLED}}};
+    EXPECT_TRUE(AdjustTokenPrivileges(m_token, FALSE, &wanted, 0, nullptr, nullptr));
+    EXPECT_EQ(ERROR_NOT_ALL_ASSIGNED, GetLastError());
+}
+
+TEST_F(TokensTest, Refusals)
+{
+    OpenToken(TOKEN_QUERY);
+    TOKEN_PRIVILEGES wanted{1, {{LuidOf(SE_BACKUP_NAME), SE_PRIVILEGE_ENABLED}}};
+    EXPECT_FALSE(AdjustTokenPrivileges(m_token, FALSE, &wanted, 0, nullptr, nullptr));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, GetLastError());
+    EXPECT_FALSE(AdjustTokenPrivileges(nullptr, FALSE, &wanted, 0, nullptr, nullptr));
+    EXPECT_EQ(ERROR_INVALID_HANDLE, GetLastError());
+    LUID luid{};
+    EXPECT_FALSE(LookupPrivilegeValueW(nullptr, L"SeEverythingPrivilege", &luid));
+    EXPECT_EQ(ERROR_NO_SUCH_PRIVILEGE, GetLastError());
+}
+
+TEST(SecurityDescriptorTest, AnEmptyListOfRightsLetsEverybodyIn)
+{
+    SECURITY_DESCRIPTOR descriptor;
+    std::memset(&descriptor, 0xEE, sizeof descriptor);
+    EXPECT_FALSE(SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE));
+    EXPECT_EQ(ERROR_UNKNOWN_REVISION, GetLastError());
+    EXPECT_FALSE(InitializeSecurityDescriptor(&descriptor, 2));
+    ASSERT_TRUE(InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION));
+    EXPECT_EQ(0, descriptor.Control);
+    ASSERT_TRUE(SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE));
+    EXPECT_EQ(SE_DACL_PRESENT, descriptor.Control);
+    EXPECT_EQ(nullptr, descriptor.Dacl);
+    ASSERT_TRUE(SetSecurityDescriptorDacl(&descriptor, FALSE, nullptr, FALSE));
+    EXPECT_EQ(0, descriptor.Control);
+}
+
+} // namespace

@@ -1,0 +1,208 @@
+// tests/advapi32/HivesTest.cpp
+//
+// Which hive is whose, and the rules for loading and unloading them.
+
+#include "support/NotebookTest.h"
+
+#include "notebook/DriveC.h"
+#include "notebook/Machine.h"
+#include "notebook/RegistryEditor.h"
+#include "notebook/Text.h"
+
+#include <windows.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace simulated;
+
+namespace
+{
+
+class HivesTest : public NotebookTest
+{
+protected:
+    static void Enable(const wchar_t* privilege)
+    {
+        HANDLE token = nullptr;
+        TOKEN_PRIVILEGES wanted{1, {{{}, SE_PRIVILEGE_ENABLED}}};
+        ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &token));
+        ASSERT_TRUE(LookupPrivilegeValueW(nullptr, privilege, &wanted.Privileges[0].Luid));
+        EXPECT_TRUE(AdjustTokenPrivileges(token, FALSE, &wanted, 0, nullptr, nullptr));
+        EXPECT_TRUE(CloseHandle(token));
+    }
+    static void EnableBoth()
+    {
+        Enable(SE_RESTORE_NAME);
+        Enable(SE_BACKUP_NAME);
+    }
+
+    static std::string SidOf(const char* name)
+    {
+        return Accounts::Find(name)->sid;
+    }
+    static LONG Load(const std::string& subKey, const std::string& file)
+    {
+        return RegLoadKeyW(HKEY_USERS, Wide(subKey).data(), Wide(file).data());
+    }
+    static LONG Unload(const std::string& subKey)
+    {
+        return RegUnLoadKeyW(HKEY_USERS, Wide(subKey).data());
+    }
+    static std::string FileOf(const char* name)
+    {
+        return Accounts::Find(name)->profile + "\\NTUSER.DAT";
+    }
+    static std::vector<wchar_t> Wide(const std::string& text)
+    {
+        std::vector<wchar_t> wide = ToUtf16(text);
+        wide.push_back(0);
+        return wide;
+    }
+
+    const std::string absent = Notebook::kAbsentUser;
+};
+
+TEST_F(HivesTest, TheCurrentUserIsTheRunningAccount)
+{
+    for (const char* const name : {"SYSTEM", "alice", "bob"})
+    {
+        Machine::RunAs(name);
+        EXPECT_TRUE(RegistryEditor::WriteText("HKCU\\Software\\Mine", "Who", name));
+    }
+    for (const char* const name : {"SYSTEM", "alice", "bob"})
+    {
+        EXPECT_EQ(name, RegistryEditor::ReadText("HKU\\" + SidOf(name) + "\\Software\\Mine", "Who")) << name;
+    }
+    // Who has no hive loaded gets the default one, which is the service account's.
+    Machine::RunAs(absent);
+    EXPECT_EQ("SYSTEM", RegistryEditor::ReadText("HKCU\\Software\\Mine", "Who"));
+    EXPECT_EQ("SYSTEM", RegistryEditor::ReadText("HKU\\.default\\Software\\Mine", "Who"));
+}
+
+TEST_F(HivesTest, LoadingAndUnloadingNeedBothPrivileges)
+{
+    const std::string sid = SidOf("carol");
+    EXPECT_EQ(ERROR_PRIVILEGE_NOT_HELD, Load(sid, FileOf("carol")));
+    Enable(SE_RESTORE_NAME);
+    EXPECT_EQ(ERROR_PRIVILEGE_NOT_HELD, Load(sid, FileOf("carol")));
+    Enable(SE_BACKUP_NAME);
+    EXPECT_EQ(ERROR_SUCCESS, Load(sid, FileOf("carol")));
+    Machine::RunAs("alice"); // another token
+    EXPECT_EQ(ERROR_PRIVILEGE_NOT_HELD, Unload(sid));
+}
+
+TEST_F(HivesTest, WhatIsChangedInALoadedHiveStays)
+{
+    EnableBoth();
+    const std::string key = "HKU\\" + SidOf("carol") + "\\Software\\Kelvo";
+    EXPECT_FALSE(RegistryEditor::HasKey(key));
+    ASSERT_EQ(ERROR_SUCCESS, Load(SidOf("carol"), FileOf("carol")));
+    EXPECT_TRUE(RegistryEditor::WriteNumber(key, "N", 7));
+    ASSERT_EQ(ERROR_SUCCESS, Unload(SidOf("carol")));
+    EXPECT_FALSE(RegistryEditor::HasKey(key));
+
+    // The same hive under another name, and in its owner's hands.
+    ASSERT_EQ(ERROR_SUCCESS, Load("elsewhere", FileOf("carol")));
+    EXPECT_EQ(7U, RegistryEditor::ReadNumber("HKU\\elsewhere\\Software\\Kelvo", "N"));
+    ASSERT_EQ(ERROR_SUCCESS, Unload("ELSEWHERE"));
+    ASSERT_TRUE(Notebook::LogOn("carol"));
+    EXPECT_EQ(7U, RegistryEditor::ReadNumber(key, "N"));
+}
+
+TEST_F(HivesTest, WhatCannotBeLoaded)
+{
+    EnableBoth();
+    ASSERT_TRUE(DriveC::Write("C:\\junk.dat", "regf, or not"));
+    const struct
+    {
+        const char* what;
+        std::string subKey;
+        std::string file;
+        LONG expected;
+    } rows[] = {
+        {"a logged-on user's", SidOf("alice"), FileOf("alice"), ERROR_SHARING_VIOLATION},
+        {"a logged-on user's elsewhere", "elsewhere", FileOf("alice"), ERROR_SHARING_VIOLATION},
+        {"in another's place", SidOf("alice"), FileOf("carol"), ERROR_ACCESS_DENIED},
+        {"no file", "elsewhere", "C:\\none.dat", ERROR_FILE_NOT_FOUND},
+        {"no folder", "elsewhere", "C:\\none\\none.dat", ERROR_PATH_NOT_FOUND},
+        {"no hive", "elsewhere", "C:\\junk.dat", ERROR_BADDB},
+        {"a path", "else\\where", FileOf("carol"), ERROR_INVALID_PARAMETER},
+        {"no name", "", FileOf("carol"), ERROR_INVALID_PARAMETER},
+    };
+    for (const auto& row : rows)
+    {
+        EXPECT_EQ(row.expected, Load(row.subKey, row.file)) << row.what;
+    }
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, RegLoadKeyW(HKEY_CURRENT_USER, L"x", Wide(FileOf("carol")).data()));
+}
+
+TEST_F(HivesTest, WhatCannotBeUnloaded)
+{
+    EnableBoth();
+    EXPECT_EQ(ERROR_ACCESS_DENIED, Unload(SidOf("alice")));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, Unload(SidOf("SYSTEM")));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, Unload(".DEFAULT"));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, Unload(SidOf("carol")));
+    EXPECT_TRUE(RegistryEditor::HasKey("HKU\\" + SidOf("alice")));
+}
+
+TEST_F(HivesTest, AHiveWithAnOpenKeyStays)
+{
+    EnableBoth();
+    const std::string sid = SidOf("carol");
+    ASSERT_EQ(ERROR_SUCCESS, Load(sid, FileOf("carol")));
+    HKEY root = nullptr;
+    HKEY below = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_USERS, Wide(sid).data(), 0, KEY_READ, &root));
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(root, L"Software", 0, KEY_READ, &below));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, Unload(sid));
+    EXPECT_EQ(ERROR_SUCCESS, RegCloseKey(root));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, Unload(sid));
+    EXPECT_EQ(ERROR_SUCCESS, RegCloseKey(below));
+    EXPECT_EQ(ERROR_SUCCESS, Unload(sid));
+}
+
+// The same when the key is open in another process, until that is killed.
+TEST_F(HivesTest, AHiveInUseElsewhereStaysUntilItsUserDies)
+{
+    EnableBoth();
+    const std::string sid = SidOf("carol");
+    ASSERT_EQ(ERROR_SUCCESS, Load(sid, FileOf("carol")));
+    int ready[2] = {};
+    ASSERT_EQ(0, pipe(ready));
+    const pid_t user = fork();
+    if (user == 0)
+    {
+        HKEY key = nullptr;
+        const bool isOpen = RegOpenKeyExW(HKEY_USERS, Wide(sid).data(), 0, KEY_READ, &key) == ERROR_SUCCESS;
+        const char sign = isOpen ? 'y' : 'n';
+        const bool told = write(ready[1], &sign, 1) == 1;
+        pause();
+        _exit(told ? 0 : 1);
+    }
+    char sign = 0;
+    EXPECT_EQ(1, read(ready[0], &sign, 1));
+    EXPECT_EQ('y', sign);
+    EXPECT_EQ(ERROR_ACCESS_DENIED, Unload(sid));
+    kill(user, SIGKILL);
+    waitpid(user, nullptr, 0);
+    EXPECT_EQ(ERROR_SUCCESS, Unload(sid));
+    close(ready[0]);
+    close(ready[1]);
+}
+
+TEST_F(HivesTest, TheRootsHoldHivesAlone)
+{
+    HKEY key = nullptr;
+    for (const HKEY root : {HKEY_USERS, HKEY_LOCAL_MACHINE})
+    {
+        EXPECT_EQ(ERROR_INVALID_PARAMETER,
+                  RegCreateKeyExW(root, L"New", 0, nullptr, 0, KEY_READ, nullptr, &key, nullptr));
+    }
+    EXPECT_EQ(ERROR_ACCESS_DENIED, RegDeleteKeyW(HKEY_USERS, Wide(SidOf("alice")).data()));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, RegDeleteKeyW(HKEY_CURRENT_USER, L""));
+    EXPECT_TRUE(RegistryEditor::HasKey("HKCU\\Software"));
+}
+
+} // namespace
