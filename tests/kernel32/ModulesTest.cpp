@@ -61,30 +61,30 @@ TEST_F(ModulesTest, MachineTakesModulesAndEntriesAway)
 {
     struct Case
     {
-        DWORD major;
         const char* absent; ///< key of machine.ini
         LPCWSTR name;
         LPCSTR entry;
+        DWORD major;
         DWORD error;
     };
-    const Case cases[] = {{5, "", L"Sample.dll", "OldFunction", ERROR_SUCCESS},
-                          {5, "", L"SAMPLE", "OldFunction", ERROR_SUCCESS},
-                          {5, "", L"C:\\Windows\\System32\\sample.DLL", "OldFunction", ERROR_SUCCESS},
-                          {5, "", L"Sample.dll", MAKEINTRESOURCEA(7), ERROR_SUCCESS},
-                          {5, "", L"Sample.dll", MAKEINTRESOURCEA(270), ERROR_SUCCESS},
-                          {5, "", L"Sample.dll", MAKEINTRESOURCEA(0), ERROR_PROC_NOT_FOUND},
-                          {5, "", L"Sample.dll", "oldfunction", ERROR_PROC_NOT_FOUND},
-                          {5, "", L"Sample.dll", "NewFunction", ERROR_PROC_NOT_FOUND},
-                          {6, "", L"Sample.dll", "NewFunction", ERROR_SUCCESS},
-                          {5, "", L"SampleNewer.dll", "OldFunction", ERROR_MOD_NOT_FOUND},
-                          {10, "", L"SampleNewer.dll", "OldFunction", ERROR_SUCCESS},
-                          {5, "sample.dll", L"Sample.dll", "OldFunction", ERROR_MOD_NOT_FOUND},
-                          {5, "Sample.dll.OldFunction", L"Sample.dll", "OldFunction", ERROR_PROC_NOT_FOUND},
-                          {5, "Sample.dll.270", L"Sample.dll", MAKEINTRESOURCEA(270), ERROR_PROC_NOT_FOUND},
-                          {5, "Sample.dll.270", L"Sample.dll", "OldFunction", ERROR_SUCCESS},
-                          {5, "", L"C:\\Sample.dll", "OldFunction", ERROR_MOD_NOT_FOUND},
-                          {5, "", L"Nowhere.dll", "OldFunction", ERROR_MOD_NOT_FOUND},
-                          {5, "", L"", "OldFunction", ERROR_INVALID_PARAMETER}};
+    const Case cases[] = {{"", L"Sample.dll", "OldFunction", 5, ERROR_SUCCESS},
+                          {"", L"SAMPLE", "OldFunction", 5, ERROR_SUCCESS},
+                          {"", L"C:\\Windows\\System32\\sample.DLL", "OldFunction", 5, ERROR_SUCCESS},
+                          {"", L"Sample.dll", MAKEINTRESOURCEA(7), 5, ERROR_SUCCESS},
+                          {"", L"Sample.dll", MAKEINTRESOURCEA(270), 5, ERROR_SUCCESS},
+                          {"", L"Sample.dll", MAKEINTRESOURCEA(0), 5, ERROR_PROC_NOT_FOUND},
+                          {"", L"Sample.dll", "oldfunction", 5, ERROR_PROC_NOT_FOUND},
+                          {"", L"Sample.dll", "NewFunction", 5, ERROR_PROC_NOT_FOUND},
+                          {"", L"Sample.dll", "NewFunction", 6, ERROR_SUCCESS},
+                          {"", L"SampleNewer.dll", "OldFunction", 5, ERROR_MOD_NOT_FOUND},
+                          {"", L"SampleNewer.dll", "OldFunction", 10, ERROR_SUCCESS},
+                          {"sample.dll", L"Sample.dll", "OldFunction", 5, ERROR_MOD_NOT_FOUND},
+                          {"Sample.dll.OldFunction", L"Sample.dll", "OldFunction", 5, ERROR_PROC_NOT_FOUND},
+                          {"Sample.dll.270", L"Sample.dll", MAKEINTRESOURCEA(270), 5, ERROR_PROC_NOT_FOUND},
+                          {"Sample.dll.270", L"Sample.dll", "OldFunction", 5, ERROR_SUCCESS},
+                          {"", L"C:\\Sample.dll", "OldFunction", 5, ERROR_MOD_NOT_FOUND},
+                          {"", L"Nowhere.dll", "OldFunction", 5, ERROR_MOD_NOT_FOUND},
+                          {"", L"", "OldFunction", 5, ERROR_INVALID_PARAMETER}};
     for (const Case& row : cases)
     {
         Machine::WriteNumber("Machine", "Major", row.major);

@@ -154,10 +154,10 @@ TEST(ObjectConformance, PulseReleasesAllPresentWaiters)
     for (int repetition = 0; repetition < 20; ++repetition)
     {
         PulseRound round;
-        std::vector<OwnedHandle> waiters;
-        for (int waiter = 0; waiter < 4; ++waiter)
+        std::array<OwnedHandle, 4> waiters;
+        for (OwnedHandle& waiter : waiters)
         {
-            waiters.push_back(Start(&AwaitPulse, &round));
+            waiter = Start(&AwaitPulse, &round);
         }
         while (round.about < 4)
         {

@@ -99,33 +99,33 @@ TEST_F(SystemTest, DeviceGivesBackNoMoreThanItAnswers)
         simulated::devices::Open("\\\\.\\Mirror", GENERIC_READ, 0, call).value, call));
     const OwnedHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     OVERLAPPED overlapped{};
+    constexpr DWORD kInputSize = 3;
     struct Case
     {
         HANDLE device;
-        DWORD code;
-        bool hasInput;
-        DWORD inputSize;
         LPOVERLAPPED overlapped;
-        DWORD error;
         const char* buffer; ///< one buffer serves both ways
+        DWORD code;
+        DWORD error;
+        bool hasInput;
     };
-    const Case cases[] = {{device.get(), 1, true, 3, nullptr, ERROR_SUCCESS, "cbad"},
-                          {device.get(), 2, true, 3, nullptr, ERROR_BUSY, "abcd"},
-                          {device.get(), 1, false, 3, nullptr, ERROR_NOACCESS, "abcd"},
-                          {device.get(), 1, true, 3, &overlapped, ERROR_INVALID_PARAMETER, "abcd"},
-                          {event.get(), 1, true, 3, nullptr, ERROR_INVALID_FUNCTION, "abcd"},
-                          {nullptr, 1, true, 3, nullptr, ERROR_INVALID_HANDLE, "abcd"}};
+    const Case cases[] = {{device.get(), nullptr, "cbad", 1, ERROR_SUCCESS, true},
+                          {device.get(), nullptr, "abcd", 2, ERROR_BUSY, true},
+                          {device.get(), nullptr, "abcd", 1, ERROR_NOACCESS, false},
+                          {device.get(), &overlapped, "abcd", 1, ERROR_INVALID_PARAMETER, true},
+                          {event.get(), nullptr, "abcd", 1, ERROR_INVALID_FUNCTION, true},
+                          {nullptr, nullptr, "abcd", 1, ERROR_INVALID_HANDLE, true}};
     for (const Case& row : cases)
     {
         char buffer[] = "abcd";
         DWORD returned = 0;
         SetLastError(ERROR_SUCCESS);
         EXPECT_EQ(row.error == ERROR_SUCCESS,
-                  DeviceIoControl(row.device, row.code, row.hasInput ? buffer : nullptr, row.inputSize,
-                                  buffer, 4, &returned, row.overlapped));
+                  DeviceIoControl(row.device, row.code, row.hasInput ? buffer : nullptr, kInputSize, buffer,
+                                  4, &returned, row.overlapped));
         EXPECT_EQ(row.error, GetLastError());
         EXPECT_STREQ(row.buffer, buffer);
-        EXPECT_EQ(row.error == ERROR_SUCCESS ? row.inputSize : 0, returned);
+        EXPECT_EQ(row.error == ERROR_SUCCESS ? kInputSize : 0, returned);
     }
     char buffer[4];
     EXPECT_FALSE(DeviceIoControl(device.get(), 1, nullptr, 0, buffer, 4, nullptr, nullptr));
