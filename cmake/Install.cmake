@@ -62,8 +62,15 @@ write_basic_package_version_file(pm_limited_supportConfigVersion.cmake COMPATIBI
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/pm_limited_supportConfigVersion.cmake
   DESTINATION ${package_folder} COMPONENT library)
 
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/installation/
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/pm_limited_support COMPONENT programs)
+file(GLOB reference_files ${PROJECT_SOURCE_DIR}/installation/*.ini)
+if(WIN32)
+  # As install.cmd expects it beside itself.
+  file(GLOB commands ${PROJECT_SOURCE_DIR}/installation/*.cmd)
+  install(FILES ${commands} DESTINATION . COMPONENT programs)
+  install(FILES ${reference_files} DESTINATION cfg COMPONENT programs)
+else()
+  install(FILES ${reference_files} DESTINATION ${CMAKE_INSTALL_DATADIR}/pm_limited_support COMPONENT programs)
+endif()
 foreach(program IN ITEMS trxhost orvlservice notebook hardware_tour)
   if(TARGET ${program})
     if(NOT WIN32)
@@ -72,3 +79,14 @@ foreach(program IN ITEMS trxhost orvlservice notebook hardware_tour)
     install(TARGETS ${program} COMPONENT programs)
   endif()
 endforeach()
+
+# `cpack` gives one zip of all of it, documentation included.
+install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION . COMPONENT programs)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION docs COMPONENT programs)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION examples COMPONENT programs)
+set(CPACK_GENERATOR ZIP)
+set(CPACK_PACKAGE_NAME pm_limited_support)
+set(CPACK_PACKAGE_VENDOR Kelvo)
+set(CPACK_PACKAGE_FILE_NAME pm_limited_support-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME})
+set(CPACK_ARCHIVE_COMPONENT_INSTALL OFF)
+include(CPack)
