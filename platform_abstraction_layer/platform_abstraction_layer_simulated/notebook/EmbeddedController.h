@@ -28,6 +28,16 @@ public:
     static constexpr DWORD kBluetooth = 0xC4;
     static constexpr DWORD kNotFitted = 0xFF;
 
+    /// The items by the names that people use.
+    struct NamedItem
+    {
+        const char* name;
+        DWORD number;
+    };
+    static constexpr NamedItem kNamedItems[] = {
+        {"backlight", kBacklight}, {"wifi", kWifi}, {"lan", kLan}, {"3g", k3G}, {"bluetooth", kBluetooth},
+    };
+
     /// An item's value, or nothing when the controller has no such item.
     static std::optional<DWORD> Item(DWORD item);
 

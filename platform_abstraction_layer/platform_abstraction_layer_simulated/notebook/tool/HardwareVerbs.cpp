@@ -6,9 +6,12 @@
 #include "notebook/Batteries.h"
 #include "notebook/DeviceTree.h"
 #include "notebook/EmbeddedController.h"
+#include "notebook/Graphics.h"
 #include "notebook/KernelDriver.h"
 #include "notebook/PowerSource.h"
 #include "tool/Verbs.h"
+
+#include <setupapi.h>
 
 #include <cstdio>
 
@@ -38,8 +41,20 @@ Outcome SetCharge(const Request& request)
                : Outcome::Misused;
 }
 
+Outcome SetRate(const Request& request)
+{
+    unsigned milliwatts = 0;
+    return ParseNumber(request.Argument(0), milliwatts) ? DoneIf(PowerSource::SetRate(milliwatts))
+                                                        : Outcome::Misused;
+}
+
 Outcome SetBattery(const Request& request)
 {
+    if (request.Argument(0) == "add" && request.arguments.size() == 1)
+    {
+        std::printf("%u\n", Batteries::Add());
+        return Outcome::Done;
+    }
     bool isIn = false;
     unsigned index = 0;
     if (!ParseSwitch(request.Argument(0), "in", "out", isIn) ||
@@ -80,23 +95,10 @@ Outcome SetDriver(const Request& request)
     return Outcome::Misused;
 }
 
-struct ControllerItem
-{
-    const char* name;
-    DWORD number;
-};
-constexpr ControllerItem kItems[] = {
-    {"backlight", EmbeddedController::kBacklight},
-    {"wifi", EmbeddedController::kWifi},
-    {"lan", EmbeddedController::kLan},
-    {"3g", EmbeddedController::k3G},
-    {"bluetooth", EmbeddedController::kBluetooth},
-};
-
 Outcome SetItem(const Request& request)
 {
     unsigned value = 0;
-    for (const ControllerItem& item : kItems)
+    for (const EmbeddedController::NamedItem& item : EmbeddedController::kNamedItems)
     {
         if (request.Argument(0) != item.name || request.arguments.size() != 2)
         {
@@ -131,10 +133,32 @@ Outcome ChangeAdapters(const Request& request)
     return Outcome::Misused;
 }
 
+/// The device with an instance id, else the first whose description holds the text.
+std::optional<std::string> FindDevice(const std::string& text)
+{
+    if (std::optional<std::string> device = DeviceTree::Find(text); device || text.empty())
+    {
+        return device;
+    }
+    for (const std::string& id : DeviceTree::All())
+    {
+        if (DeviceTree::Value(id, "Description").value_or("").find(text) != std::string::npos)
+        {
+            return id;
+        }
+    }
+    return std::nullopt;
+}
+
 Outcome ChangeDevice(const Request& request)
 {
-    const std::optional<std::string> device = DeviceTree::Find(request.Argument(1));
+    const std::optional<std::string> device = FindDevice(request.Rest(1));
     bool isOn = false;
+    if (ParseSwitch(request.Argument(0), "enable", "disable", isOn) && device)
+    {
+        const DWORD change = isOn ? DICS_ENABLE : DICS_DISABLE;
+        return DoneIf(DeviceTree::Change(*device, change, DICS_FLAG_GLOBAL) == ERROR_SUCCESS);
+    }
     if (ParseSwitch(request.Argument(0), "plug", "unplug", isOn) && device)
     {
         DeviceTree::SetPresent(*device, isOn);
@@ -145,18 +169,37 @@ Outcome ChangeDevice(const Request& request)
         DeviceTree::SwitchOff(*device, !isOn);
         return Outcome::Done;
     }
-    return request.arguments.size() == 2 ? Outcome::Refused : Outcome::Misused;
+    return request.arguments.size() >= 2 && !device ? Outcome::Refused : Outcome::Misused;
+}
+
+Outcome SetGraphics(const Request& request)
+{
+    bool isOn = false;
+    if (ParseSwitch(request.Argument(0), "installed", "missing", isOn))
+    {
+        Graphics::SetInstalled(isOn);
+        return Outcome::Done;
+    }
+    if (ParseSwitch(request.Argument(0), "locked", "unlocked", isOn))
+    {
+        Graphics::Refuse("PowerApiOpen", {S_OK, isOn ? Graphics::kLocked : 0});
+        return Outcome::Done;
+    }
+    return Outcome::Misused;
 }
 
 constexpr Verb kVerbs[] = {
     {"mains", "in|out", "plugs the mains in or out", &SetMains},
     {"charge", "PERCENT", "the charge of the battery", &SetCharge},
-    {"battery", "in|out [INDEX]", "puts a battery in, or takes it out", &SetBattery},
+    {"rate", "MILLIWATTS", "how fast the battery is charged or discharged", &SetRate},
+    {"battery", "in|out [INDEX] | add", "puts a battery in, takes it out, adds a slot with one", &SetBattery},
     {"hibernation", "allowed|refused", "whether Windows lets the machine hibernate", &SetHibernation},
     {"driver", "present|absent|busy|free", "the kernel driver", &SetDriver},
     {"ec", "backlight|wifi|lan|3g|bluetooth VALUE|absent", "an item of the embedded controller", &SetItem},
     {"adapter", "add DESCRIPTION | clear", "network adapters", &ChangeAdapters},
-    {"device", "plug|unplug|switch-on|switch-off INSTANCE", "a device of the tree", &ChangeDevice},
+    {"device", "enable|disable|plug|unplug|switch-on|switch-off DEVICE",
+     "a device of the tree, by instance id or part of its description", &ChangeDevice},
+    {"graphics", "installed|missing|locked|unlocked", "the graphics driver", &SetGraphics},
 };
 
 } // namespace

@@ -7,10 +7,12 @@
 #include "notebook/DeviceTree.h"
 #include "notebook/DriveC.h"
 #include "notebook/EmbeddedController.h"
+#include "notebook/Graphics.h"
 #include "notebook/KernelDriver.h"
 #include "notebook/Machine.h"
 #include "notebook/Notebook.h"
 #include "notebook/PowerSource.h"
+#include "notebook/Processor.h"
 #include "notebook/RegistryEditor.h"
 #include "tool/Verbs.h"
 
@@ -67,30 +69,21 @@ void ShowPower()
                 active.value_or("none").c_str(), told ? std::to_string(*told).c_str() : "none");
 }
 
-struct ShownItem
-{
-    const char* name;
-    DWORD number;
-};
-constexpr ShownItem kShownItems[] = {
-    {"backlight", EmbeddedController::kBacklight},
-    {"wifi", EmbeddedController::kWifi},
-    {"lan", EmbeddedController::kLan},
-    {"3g", EmbeddedController::k3G},
-    {"bluetooth", EmbeddedController::kBluetooth},
-};
-
 void ShowHardware()
 {
     std::printf("Driver         %s%s\n", KernelDriver::IsPresent() ? "present" : "absent",
                 KernelDriver::IsBusy() ? ", busy" : "");
     std::printf("Controller    ");
-    for (const ShownItem& item : kShownItems)
+    for (const EmbeddedController::NamedItem& item : EmbeddedController::kNamedItems)
     {
         const std::optional<DWORD> value = EmbeddedController::Item(item.number);
         std::printf(" %s %s", item.name, value ? std::to_string(*value).c_str() : "absent");
     }
     std::printf("\n");
+    const std::uint64_t status = Processor::Read(0, Processor::kPerformanceStatus).value_or(0);
+    std::printf("Processor      ratio %u of %u\n", static_cast<unsigned>((status >> 8) & 0xFF),
+                static_cast<unsigned>((status >> 40) & 0x1F));
+    std::printf("Graphics       driver %s\n", Graphics::IsInstalled() ? "installed" : "missing");
     for (const std::string& device : DeviceTree::All())
     {
         const DeviceTree::State state = DeviceTree::StateOf(device);
