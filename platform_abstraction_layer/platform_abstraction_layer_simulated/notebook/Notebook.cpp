@@ -140,8 +140,6 @@ std::string StateText(const Version& version, unsigned codePage, const std::vect
                 line("LoggedOn", account.isLoggedOn ? "1" : "0") +
                 line("WellKnown", account.isWellKnown ? "1" : "0");
     }
-    text += '\n';
-    text += DefaultHardware();
     return text + '\n' + std::string(DefaultHardware());
 }
 
