@@ -45,6 +45,20 @@ std::optional<Account> ReadAccount(const std::string& name)
                    Machine::ReadNumber(section, "WellKnown", 0) != 0};
 }
 
+/// The account with its name as machine.ini spells it.
+std::optional<Account> FindSpelled(std::string_view name)
+{
+    for (const std::string& section : Machine::Sections())
+    {
+        const std::string spelled = NameOf(section);
+        if (!spelled.empty() && EqualIgnoringCase(spelled, name))
+        {
+            return ReadAccount(spelled);
+        }
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 std::vector<Account> Accounts::All()
@@ -66,9 +80,9 @@ std::optional<Account> Accounts::Find(std::string_view name)
     const std::size_t separator = name.find('\\');
     if (separator == std::string_view::npos)
     {
-        return ReadAccount(std::string(name));
+        return FindSpelled(name);
     }
-    std::optional<Account> account = ReadAccount(std::string(name.substr(separator + 1)));
+    std::optional<Account> account = FindSpelled(name.substr(separator + 1));
     return account && EqualIgnoringCase(account->domain, name.substr(0, separator)) ? account : std::nullopt;
 }
 

@@ -56,10 +56,9 @@ std::optional<std::string> FormatText(const Value& value)
     return std::nullopt;
 }
 
-/// `number` with at least `digits` hexadecimal digits.
-std::string FormatHex(DWORD number, unsigned digits)
+/// Appends `number` with at least `digits` hexadecimal digits.
+void AppendHex(std::string& text, DWORD number, unsigned digits)
 {
-    std::string text;
     for (unsigned place = 2 * sizeof number; place != 0; --place)
     {
         const DWORD rest = number >> (4 * (place - 1));
@@ -68,7 +67,6 @@ std::string FormatHex(DWORD number, unsigned digits)
             text += "0123456789abcdef"[rest & 15];
         }
     }
-    return text;
 }
 
 std::string FormatBytes(const Value& value)
@@ -76,7 +74,9 @@ std::string FormatBytes(const Value& value)
     std::string text(kBytesForm);
     if (value.type != REG_BINARY)
     {
-        text = std::string(kTypedForm) + FormatHex(value.type, 1) + std::string(kTypedFormEnd);
+        text = kTypedForm;
+        AppendHex(text, value.type, 1);
+        text += kTypedFormEnd;
     }
     text.reserve(text.size() + 3 * value.bytes.size() + 1);
     const std::size_t begin = text.size();
@@ -86,7 +86,7 @@ std::string FormatBytes(const Value& value)
         {
             text += ',';
         }
-        text += FormatHex(static_cast<unsigned char>(byte), 2);
+        AppendHex(text, static_cast<unsigned char>(byte), 2);
     }
     return text;
 }
@@ -135,9 +135,12 @@ std::string FormatValue(const Value& value)
     if (value.type == REG_DWORD && value.bytes.size() == sizeof number)
     {
         std::memcpy(&number, value.bytes.data(), sizeof number);
-        return std::string(kNumberForm) + FormatHex(number, 8) + '\n';
+        std::string shown(kNumberForm);
+        AppendHex(shown, number, 8);
+        return shown + '\n';
     }
-    return FormatText(value).value_or(FormatBytes(value)) + '\n';
+    const std::optional<std::string> text = FormatText(value);
+    return (text ? *text : FormatBytes(value)) + '\n';
 }
 
 std::optional<Value> ParseValue(std::string_view text)
