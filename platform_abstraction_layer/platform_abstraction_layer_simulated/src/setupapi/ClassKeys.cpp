@@ -47,8 +47,8 @@ Outcome<HKEY> OpenClassKey(const GUID* classGuid, REGSAM access, DWORD flags, PC
     }
     registry::Base base;
     std::shared_ptr<registry::Key> key;
-    const std::string path = classGuid == nullptr ? std::string(kind->path)
-                                                  : std::string(kind->path) + '\\' + ToText(*classGuid);
+    const std::string path =
+        classGuid == nullptr ? std::string(kind->path) : std::string(kind->path) + '\\' + ToText(*classGuid);
     DWORD error = registry::FindBase(HKEY_LOCAL_MACHINE, base);
     error = error == ERROR_SUCCESS ? registry::Open(base, path, access, key) : error;
     if (error != ERROR_SUCCESS)
