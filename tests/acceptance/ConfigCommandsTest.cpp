@@ -122,6 +122,7 @@ TEST_F(ConfigCommands, OnlyAProfileFileIsMadeOnDemand)
 
 TEST_F(ConfigCommands, OtherKindsOfFileAndOtherLengthsFailSilently)
 {
+    host.Uninitialize(); // its thread writes to the log too
     seeding::SwitchLogsOn();
     for (const char* const command : kCommands)
     {
@@ -151,6 +152,7 @@ TEST_F(ConfigCommands, OtherKindsOfFileAndOtherLengthsFailSilently)
 
 TEST_F(ConfigCommands, LogTellsTheWay)
 {
+    host.Uninitialize(); // its thread writes to the log too
     seeding::SwitchLogsOn();
     host.Send("GET_STR_FROM_CONFIG", Access(kInstallation, "missing.ini", "S", "K"));
     host.Send("GET_STR_FROM_CONFIG", Access(kInstallation, "a.ini", "S", "Text"));

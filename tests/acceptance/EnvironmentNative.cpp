@@ -4,6 +4,7 @@
 
 #include "acceptance/Environment.h"
 
+#include "acceptance/NativeMachine.h"
 #include "acceptance/Seeding.h"
 #include "support/NotebookTest.h"
 
@@ -22,6 +23,7 @@ public:
     FreshNotebook() : NotebookTest(simulated::NotebookOptions{.installation = INSTALLATION_FOLDER})
     {
     }
+    using NotebookTest::Recreate;
     using NotebookTest::SetUp;
     using NotebookTest::TearDown;
 
@@ -50,6 +52,14 @@ Machine::~Machine()
 {
     notebook->TearDown();
     notebook.reset();
+}
+
+void Recreate(DWORD major, unsigned codePage)
+{
+    notebook->Recreate({.major = major,
+                        .minor = major == 5 ? 1U : 0U,
+                        .codePage = codePage,
+                        .installation = INSTALLATION_FOLDER});
 }
 
 } // namespace environment

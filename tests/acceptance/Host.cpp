@@ -87,8 +87,9 @@ Host::Host() : user(environment::UserName()), m_arrived(CreateEventW(nullptr, TR
     InitializeCriticalSection(&m_section);
     EXPECT_EQ(nullptr, theHost) << "there is a host already";
     theHost = this;
-    EXPECT_TRUE(Load()) << "can't load the plug-in, error " << GetLastError();
-    if (IsLoaded())
+    const bool loaded = Load();
+    EXPECT_TRUE(loaded) << "can't load the plug-in, error " << GetLastError();
+    if (loaded)
     {
         EXPECT_EQ(TRX_OPERATION_OK, Initialize());
     }

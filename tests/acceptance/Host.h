@@ -17,6 +17,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 /// What came back from a request.
@@ -87,8 +88,10 @@ public:
     /// Sends a request with buffers at odd addresses between guards; a test fails when a guard was touched.
     Answer Send(const std::string& command, std::span<const std::byte> payload = {});
 
+    /// The same with a record, or a number, as the payload.
     template <class Record>
-    Answer Send(const std::string& command, const Record& record)
+    requires(!std::is_convertible_v<const Record&, std::span<const std::byte>>) Answer
+        Send(const std::string& command, const Record& record)
     {
         return Send(command, Payload(record));
     }
@@ -108,7 +111,8 @@ public:
     /// Called on the sender's thread for each event, before it is kept.
     std::function<void(const Event&)> onEvent;
 
-    // The parts of the life cycle, for tests about it.
+    // The parts of the life cycle, for tests about it, and for those that want the notification thread out of
+    // the way: requests are served, and events of requests sent, after `Uninitialize` too.
     bool Load();
     void Unload();
     LONG Initialize();
@@ -116,10 +120,6 @@ public:
     LONG Uninitialize();
     const char* ModuleId() const;
     const char* Description() const;
-    bool IsLoaded() const
-    {
-        return m_library != nullptr;
-    }
 
 private:
     static int __cdecl Receive(const char* moduleId, const char* eventName, const void* data, DWORD dataLen);
