@@ -19,11 +19,12 @@ bool GetConfigurationFolder(wchar_t* target, std::size_t capacity) noexcept
     // The system asks for room for a whole path, whatever room the caller has.
     wchar_t folder[MAX_PATH] = {};
     const HRESULT found = SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, 0, folder);
-    if (found != S_OK)
+    if (FAILED(found))
     {
         CORVLBase::DBGOUT(L"SHGetFolderPath failed for %ld", found);
         return false;
     }
+    // Empty for a folder that the account doesn't have yet, which the system doesn't count as a failure.
     if (folder[0] == L'\0')
     {
         return false;

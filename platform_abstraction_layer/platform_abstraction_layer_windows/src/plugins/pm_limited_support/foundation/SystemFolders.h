@@ -15,8 +15,8 @@ namespace folders
 constexpr const wchar_t* kConfigurationFolder = L"Kelvo\\ORVL\\Cfg";
 
 /// The configuration folder of the running account, without a final backslash; cut at `capacity`
-/// characters. False, with `target` empty, when the system doesn't tell the local application data folder;
-/// the reason is then logged as "SHGetFolderPath failed for %ld".
+/// characters. False, with `target` empty, when there is no local application data folder; where the system
+/// refuses to tell, its reason is logged as "SHGetFolderPath failed for %ld".
 bool GetConfigurationFolder(wchar_t* target, std::size_t capacity) noexcept;
 
 template <std::size_t N>
