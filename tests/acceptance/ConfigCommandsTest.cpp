@@ -193,6 +193,8 @@ TEST_F(ConfigCommands, NamesThatWouldLeadElsewhereAreRefused)
                                             {"S", "K\n[T]"},
                                             {"S", "[T]"},
                                             {"S", ";K"},
+                                            {"S", " \t[T]"},
+                                            {"S", " ;K"},
                                             {"S", "K=1"}})
         {
             for (const char* const command : kCommands)

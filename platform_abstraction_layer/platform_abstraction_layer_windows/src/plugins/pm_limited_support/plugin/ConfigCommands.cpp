@@ -53,13 +53,20 @@ bool IsFileName(const wchar_t* text) noexcept
            !HoldsLineBreak(text);
 }
 
+// A key that stays one on its line of the file, where blanks in front of it don't count.
+bool IsKey(const wchar_t* text) noexcept
+{
+    const wchar_t* const end = text + text::Length(text);
+    const wchar_t* const begin = std::find_if(text, end, [](wchar_t character) { return character > L' '; });
+    return *begin != L'[' && *begin != L';' && !HoldsAny(text, L"=\r\n");
+}
+
 // Whether the texts that the command reads stay what they are in the file. Others would write lines of the
 // caller's own making.
 bool IsAccessible(const ConfigData& data, Reads reads) noexcept
 {
-    const bool keyIsPlain = data.item[0] != L'[' && data.item[0] != L';' && !HoldsAny(data.item, L"=\r\n");
     const bool textIsPlain = reads == Reads::KeyAlone || !HoldsLineBreak(data.stringValue);
-    return IsFileName(data.file) && !HoldsLineBreak(data.section) && keyIsPlain && textIsPlain;
+    return IsFileName(data.file) && !HoldsLineBreak(data.section) && IsKey(data.item) && textIsPlain;
 }
 
 LONG GetInt(const Access& access) noexcept
