@@ -6,7 +6,7 @@
 #include "plugin/NotifyThread.h"
 #include "plugin/RequestLock.h"
 
-extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds)
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID processEnds) noexcept
 {
     if (reason == DLL_PROCESS_ATTACH)
     {
