@@ -25,6 +25,7 @@ struct Run
     HANDLE appliedEvent;
     HMODULE module; // the thread's own reference to the library in which it runs
     DWORD threadId;
+    bool isOver; // the thread's own: it was stopped from within its call of the host
     LONG volatile shares;
     Run* nextWaiting;
 };
@@ -39,20 +40,24 @@ Run* current = nullptr;
 // already have followed when it gets to run.
 Run* waiting = nullptr;
 
-void GiveBack(Run* run) noexcept
+void CloseEvents(Run& run) noexcept
 {
-    if (InterlockedDecrement(&run->shares) > 0)
+    for (HANDLE* const event : {&run.appliedEvent, &run.stopEvent})
     {
-        return;
-    }
-    for (HANDLE const event : {run->stopEvent, run->appliedEvent})
-    {
-        if (event != nullptr)
+        if (*event != nullptr)
         {
-            CloseHandle(event);
+            CloseHandle(std::exchange(*event, nullptr));
         }
     }
-    HeapFree(GetProcessHeap(), 0, run);
+}
+
+void GiveBack(Run* run) noexcept
+{
+    if (InterlockedDecrement(&run->shares) == 0)
+    {
+        CloseEvents(*run);
+        HeapFree(GetProcessHeap(), 0, run);
+    }
 }
 
 // A start with all that its thread needs; null when something can't be had.
@@ -179,8 +184,13 @@ void Stop(CPluginHelper& context) noexcept
     {
         return;
     }
-    const bool asked = SetEvent(run->stopEvent) != 0;
-    if (asked && run->threadId != GetCurrentThreadId())
+    if (run->threadId == GetCurrentThreadId())
+    {
+        // It doesn't wait now and won't again, so nobody needs the events any more.
+        run->isOver = true;
+        CloseEvents(*run);
+    }
+    else if (SetEvent(run->stopEvent))
     {
         WaitForSingleObject(thread.Get(), INFINITE);
     }
@@ -198,7 +208,7 @@ DWORD WINAPI PMNotifyHandler(LPVOID) noexcept
         PmLog(L"return PMNotifyHandler");
         return 0;
     }
-    while (notification::WaitForApplied(*run))
+    while (!run->isOver && notification::WaitForApplied(*run))
     {
         PmLog(L"Wait PM_APPLY_SCHEME and send back event");
         // Before the number is read, so that a signal from now on makes another round.
