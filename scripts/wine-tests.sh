@@ -2,6 +2,8 @@
 # wine-tests.sh --available      exit status 0 when a 32-bit Wine runs here
 # wine-tests.sh BIN              runs the Windows test programs of that folder on it
 #
+# Programs that are byte for byte those of the last passing run are not run again; WINE_TESTS=again runs them.
+#
 # Wine stands in for two generations of Windows by its version setting. Its power manager is a stub, so the
 # programs find our own powrprof.dll beside them and Wine is told to take it.
 set -euo pipefail
@@ -41,6 +43,13 @@ if [ "${1:-}" = --available ]; then
 fi
 
 bin=$1
+passed=$PWD/build/wine-tests.passed
+sum=$(cat "$bin"/*.exe "$bin"/*.dll | sha256sum)
+if [ "${WINE_TESTS:-}" != again ] && [ -e "$passed" ] && [ "$(cat "$passed")" = "$sum" ]; then
+  echo "unchanged since they passed on $(date -r "$passed" '+%Y-%m-%d %H:%M')"
+  exit
+fi
+rm -f "$passed"
 prepare_prefix
 faults=0
 for version in winxp vista; do
@@ -50,3 +59,4 @@ for version in winxp vista; do
   done
 done
 [ "$faults" = 0 ] || { echo "$faults Windows test runs failed" >&2; exit 1; }
+printf '%s\n' "$sum" >"$passed"
