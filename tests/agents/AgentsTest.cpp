@@ -109,14 +109,9 @@ std::vector<std::string> AgentsTest::NewLogLines()
     return lines;
 }
 
-void AgentsTest::Configure(const wchar_t* file, const wchar_t* section, const std::string& key,
-                           const std::string& value)
+void AgentsTest::WriteInstalled(const std::string& file, const std::string& content)
 {
-    const std::vector<wchar_t> path =
-        ToUtf16(std::string(Notebook::kInstallationFolder) + ToUtf8(file) + '\0');
-    const std::vector<wchar_t> wideKey = ToUtf16(key + '\0');
-    const std::vector<wchar_t> wideValue = ToUtf16(value + '\0');
-    ASSERT_TRUE(WritePrivateProfileStringW(section, wideKey.data(), wideValue.data(), path.data()));
+    std::ofstream(Machine::PathOf("drives/C") + "/Program Files/Kelvo/ORVL/Cfg/" + file) << content;
 }
 
 void AgentsTest::UseOneAdapter(const std::string& description)

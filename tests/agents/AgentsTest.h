@@ -41,9 +41,8 @@ protected:
     /// The lines that the classes logged since the last call, without their final newlines.
     static std::vector<std::string> NewLogLines();
 
-    /// Writes a key of a file of the installation.
-    static void Configure(const wchar_t* file, const wchar_t* section, const std::string& key,
-                          const std::string& value);
+    /// Writes a file of the installation anew.
+    static void WriteInstalled(const std::string& file, const std::string& content);
 
     /// Makes one network adapter, with this description, the machine's only device.
     static void UseOneAdapter(const std::string& description);

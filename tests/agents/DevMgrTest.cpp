@@ -42,7 +42,6 @@ protected:
         DeviceTree::Add({kCard, GUID_DEVCLASS_NET, "Network Card"});
         DeviceTree::Add({"PCI\\VEN_10EC\\9", GUID_DEVCLASS_NET, "Second Card"});
         UseClasses({kNetText});
-        Configure(L"ORVLCfg.ini", L"OrvlDevMgr", "DmOptions", "0");
     }
 
     void TearDown() override
@@ -51,13 +50,17 @@ protected:
         AgentsTest::TearDown();
     }
 
-    static void UseClasses(const std::vector<std::string>& classes)
+    /// Writes the configuration anew, with these classes and options.
+    static void UseClasses(const std::vector<std::string>& classes,
+                           const std::string& options = "DmOptions=0\n")
     {
-        Configure(L"ORVLCfg.ini", L"DevGUIDs", "Num", std::to_string(classes.size()));
+        std::string content =
+            "[OrvlDevMgr]\n" + options + "[DevGUIDs]\nNum=" + std::to_string(classes.size()) + '\n';
         for (std::size_t index = 0; index < classes.size(); ++index)
         {
-            Configure(L"ORVLCfg.ini", L"DevGUIDs", "GUID" + std::to_string(index), classes[index]);
+            content += "GUID" + std::to_string(index) + '=' + classes[index] + '\n';
         }
+        WriteInstalled("ORVLCfg.ini", content);
     }
     static bool Runs(const char* device)
     {
@@ -189,8 +192,7 @@ TEST_F(DevMgrTest, DescriptionIsLookedForDepthFirstIgnoringCase)
 
 TEST_F(DevMgrTest, ByDefaultTheServiceIsAsked)
 {
-    Configure(L"ORVLCfg.ini", L"OrvlDevMgr", "DmOptions", "1");
-    Configure(L"ORVLCfg.ini", L"OrvlDevMgr", "TimeoutMS", "5000");
+    UseClasses({kNetText}, "TimeoutMS=5000\n");
     ASSERT_EQ(kSucceeded, manager.Setup());
     EXPECT_EQ(kGeneralFailure, manager.ChangeState(0, OrvlDeviceDisable)) << "nobody serves";
 
