@@ -31,8 +31,6 @@ bool FindAdapter(const AdapterSearch& search, FoundAdapter& found) noexcept
         return Fail(search.listFailed);
     }
 
-    // One character more than is read, so that a text without a terminator ends all the same.
-    wchar_t description[text::kPathCapacity + 1] = {};
     for (DWORD index = 0;; ++index)
     {
         found.device = EmptyDeviceRecord();
@@ -40,15 +38,14 @@ bool FindAdapter(const AdapterSearch& search, FoundAdapter& found) noexcept
         {
             return Fail(search.endReached);
         }
-        if (!SetupDiGetDeviceRegistryPropertyW(found.list.Get(), &found.device, SPDRP_DEVICEDESC, nullptr,
-                                               reinterpret_cast<BYTE*>(description),
-                                               sizeof description - sizeof(wchar_t), nullptr))
+        // One character more than is read, so that a text without a terminator ends all the same.
+        wchar_t description[text::kPathCapacity + 1] = {};
+        const BOOL isRead = SetupDiGetDeviceRegistryPropertyW(
+            found.list.Get(), &found.device, SPDRP_DEVICEDESC, nullptr, reinterpret_cast<BYTE*>(description),
+            sizeof description - sizeof(wchar_t), nullptr);
+        if (!isRead && search.readFailed != nullptr)
         {
-            if (search.readFailed != nullptr)
-            {
-                return Fail(search.readFailed);
-            }
-            continue;
+            return Fail(search.readFailed);
         }
         if (search.contains(description, search.firstWord) || search.contains(description, search.secondWord))
         {
