@@ -117,6 +117,36 @@ TEST_F(LanAgentTest, SpeedIsReadFromTheFirstAdapterThatHasOne)
     EXPECT_THAT(NewLogLines(), testing::Contains("Cannot find the hardware."));
 }
 
+// Nothing vouches for a value's type, terminator or size.
+TEST_F(LanAgentTest, SpeedIsReadFromMalformedValuesUpToTheirEnd)
+{
+    struct Case
+    {
+        std::vector<BYTE> bytes;
+        int level;
+    };
+    const Case cases[] = {
+        {{'3', 0}, 3},
+        {{'3', 0, '4'}, 3},
+        {{'3'}, 0},
+        {std::vector<BYTE>(520, ' '), 0},
+        {std::vector<BYTE>(522), -1},
+    };
+    UseAdapters({{"Realtek GBE", "1", nullptr}});
+    HKEY key = nullptr;
+    ASSERT_EQ(0, RegOpenKeyExW(HKEY_LOCAL_MACHINE,
+                               L"SYSTEM\\CurrentControlSet\\Control\\Class\\"
+                               L"{4D36E972-E325-11CE-BFC1-08002BE10318}\\0000",
+                               0, KEY_ALL_ACCESS, &key));
+    for (const Case& row : cases)
+    {
+        EXPECT_EQ(0, RegSetValueExW(key, L"DuplexMode", 0, REG_BINARY, row.bytes.data(),
+                                    static_cast<DWORD>(row.bytes.size())));
+        EXPECT_EQ(row.level, agent.GetLanSpeed()) << row.bytes.size();
+    }
+    RegCloseKey(key);
+}
+
 TEST_F(LanAgentTest, SpeedIsStoredForEveryAdapterAndOneSuccessIsEnough)
 {
     UseAdapters({{"Realtek GBE", "1", nullptr}, {"Other", "1", nullptr}, {"Realtek FE", "1", nullptr}});

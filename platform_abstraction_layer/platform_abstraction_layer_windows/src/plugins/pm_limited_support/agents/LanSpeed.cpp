@@ -6,6 +6,7 @@
 #include "agents/LanAgent.h"
 
 #include "agents/AdapterSearch.h"
+#include "foundation/Registry.h"
 
 #include <algorithm>
 #include <iterator>
@@ -18,19 +19,13 @@ constexpr wchar_t kStandardSpeedValue[] = L"*SpeedDuplex";
 /// The number of each speed level in the standard value.
 constexpr int kStandardSpeeds[] = {0, 1, 2, 3, 4, 6};
 
-/// The text of a registry value; one character more than is read, so that it always ends.
-struct ValueText
-{
-    wchar_t text[text::kPathCapacity + 1];
+using ValueText = wchar_t[text::kPathCapacity];
 
-    bool Read(HKEY key, const wchar_t* name) noexcept
-    {
-        *this = {};
-        DWORD size = sizeof text - sizeof(wchar_t);
-        return RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(text), &size) ==
-               ERROR_SUCCESS;
-    }
-};
+/// Reads a value as text, whatever its type. False when it isn't there.
+bool ReadValue(HKEY key, const wchar_t* name, ValueText& value) noexcept
+{
+    return registry::ReadText(key, name, value) == ERROR_SUCCESS;
+}
 
 /// The key that holds the network adapters' driver keys.
 owners::Key OpenAdapterClass() noexcept
@@ -50,10 +45,9 @@ owners::Key OpenAdapter(const owners::Key& adapterClass, DWORD index, REGSAM acc
 {
     wchar_t name[text::kPathCapacity];
     owners::Key adapter;
-    if (RegEnumKeyW(adapterClass.Get(), index, name, static_cast<DWORD>(std::size(name))) == ERROR_SUCCESS &&
-        RegOpenKeyExW(adapterClass.Get(), name, 0, access, adapter.Receive()) != ERROR_SUCCESS)
+    if (RegEnumKeyW(adapterClass.Get(), index, name, static_cast<DWORD>(std::size(name))) == ERROR_SUCCESS)
     {
-        adapter.Detach();
+        RegOpenKeyExW(adapterClass.Get(), name, 0, access, adapter.Receive());
     }
     return adapter;
 }
@@ -78,27 +72,27 @@ bool WriteNumber(HKEY key, const wchar_t* name, int number) noexcept
 bool CLanAgent::TakesSpeedFrom(HKEY adapter) noexcept
 {
     ValueText description;
-    if (!description.Read(adapter, L"DriverDesc"))
+    if (!ReadValue(adapter, L"DriverDesc", description))
     {
         return false;
     }
-    const bool isSecond = text::Contains(description.text, m_szLanDesc2);
+    const bool isSecond = text::Contains(description, m_szLanDesc2);
     if (isSecond)
     {
         text::Copy(m_szSpeedValue, kStandardSpeedValue);
     }
-    return isSecond || text::Contains(description.text, m_szLanDesc1);
+    return isSecond || text::Contains(description, m_szLanDesc1);
 }
 
 bool CLanAgent::StoreSpeed(HKEY adapter, int level) noexcept
 {
     ValueText present;
-    if (present.Read(adapter, m_szSpeedValue))
+    if (ReadValue(adapter, m_szSpeedValue, present))
     {
         return WriteNumber(adapter, m_szSpeedValue, level);
     }
     const bool isKnown = level < static_cast<int>(std::size(kStandardSpeeds));
-    return present.Read(adapter, kStandardSpeedValue) && isKnown &&
+    return ReadValue(adapter, kStandardSpeedValue, present) && isKnown &&
            WriteNumber(adapter, kStandardSpeedValue, kStandardSpeeds[level]);
 }
 
@@ -132,13 +126,13 @@ int CLanAgent::SetLanSpeed(int level) noexcept
 bool CLanAgent::LoadSpeed(HKEY adapter, int& level) noexcept
 {
     ValueText present;
-    const bool isPlain = present.Read(adapter, m_szSpeedValue);
-    if (!isPlain && !present.Read(adapter, kStandardSpeedValue))
+    const bool isPlain = ReadValue(adapter, m_szSpeedValue, present);
+    if (!isPlain && !ReadValue(adapter, kStandardSpeedValue, present))
     {
         return false;
     }
-    DBGOUT(L"get the registry value successfully %s\n", present.text);
-    level = text::ToInt(present.text);
+    DBGOUT(L"get the registry value successfully %s\n", present);
+    level = text::ToInt(present);
     if (!isPlain)
     {
         const auto* found = std::find(std::begin(kStandardSpeeds), std::end(kStandardSpeeds), level);
