@@ -5,9 +5,9 @@
 #include "agents/BatAgent.h"
 
 #include "foundation/Owners.h"
+#include "foundation/PowerProfile.h"
 #include "foundation/Results.h"
 
-#include <powrprof.h>
 #include <setupapi.h>
 
 #include <algorithm>
