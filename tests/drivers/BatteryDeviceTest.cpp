@@ -55,8 +55,8 @@ protected:
     {
         std::memset(output, 0xCC, sizeof output);
         returned = 0;
-        std::vector<BYTE> in(inputSize);
-        std::memcpy(in.data(), input, inputSize);
+        const auto* const bytes = static_cast<const BYTE*>(input);
+        std::vector<BYTE> in(bytes, bytes + inputSize);
         return DeviceIoControl(m_battery, code, in.data(), inputSize, output, outputSize, &returned, nullptr)
                    ? DWORD{ERROR_SUCCESS}
                    : GetLastError();
@@ -131,6 +131,7 @@ TEST_F(BatteryDeviceTest, ControlsAreChecked)
     EXPECT_EQ(122U, Send(kQueryStatus, &status, 20, 15));
     EXPECT_EQ(122U, Send(kQueryTag, &tag, 4, 3));
     EXPECT_EQ(87U, Send(kQueryTag, &tag, 2, 4));
+    EXPECT_EQ(0U, Send(kQueryTag, &tag, 0, 4));
     EXPECT_EQ(1U, Send(0x294048, information, 12, 36));
     Batteries::RefuseOpening(0, ERROR_ACCESS_DENIED);
     EXPECT_EQ(INVALID_HANDLE_VALUE, Open(0, GENERIC_READ));
@@ -166,6 +167,8 @@ TEST_F(BatteryDeviceTest, StatusFollowsThePowerSource)
     status = QueryStatus();
     EXPECT_EQ(BATTERY_POWER_ON_LINE | BATTERY_CHARGING, status.PowerState);
     EXPECT_EQ(9000, status.Rate);
+    ASSERT_TRUE(PowerSource::SetRate(BATTERY_UNKNOWN_RATE));
+    EXPECT_EQ(BATTERY_UNKNOWN_RATE, static_cast<ULONG>(QueryStatus().Rate));
 
     // Two batteries share by their capacities.
     Batteries::SetValue(0, "FullChargedCapacity", "30000");

@@ -61,6 +61,10 @@ ULONG ShareOf(ULONG whole, const std::string& instanceId, const PowerAnswers& po
 
 LONG RateOf(const std::string& instanceId, const PowerAnswers& power)
 {
+    if (power.battery.Rate == BATTERY_UNKNOWN_RATE)
+    {
+        return static_cast<LONG>(BATTERY_UNKNOWN_RATE);
+    }
     const auto rate = static_cast<LONG>(power.battery.Rate);
     const ULONG size = ShareOf(static_cast<ULONG>(rate < 0 ? -rate : rate), instanceId, power);
     return power.battery.Discharging ? -static_cast<LONG>(size) : static_cast<LONG>(size);

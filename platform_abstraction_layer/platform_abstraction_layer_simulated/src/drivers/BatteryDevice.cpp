@@ -116,7 +116,10 @@ DWORD QueryTag(const std::string& battery, std::span<const BYTE> in, Answer& ans
     {
         return ERROR_INVALID_PARAMETER;
     }
-    std::memcpy(&wait, in.data(), in.empty() ? 0 : sizeof wait);
+    if (!in.empty())
+    {
+        std::memcpy(&wait, in.data(), sizeof wait);
+    }
     if (answer.room.size() < sizeof(ULONG))
     {
         return ERROR_INSUFFICIENT_BUFFER;
