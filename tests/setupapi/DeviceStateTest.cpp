@@ -127,6 +127,8 @@ TEST_F(DeviceStateTest, ParametersAreChecked)
     EXPECT_TRUE(SetupDiChangeState(list, &device));
     EXPECT_FALSE(SetupDiCallClassInstaller(1, list, &device));
     EXPECT_EQ(ERROR_DI_DO_DEFAULT, GetLastError());
+    EXPECT_FALSE(SetupDiSetClassInstallParamsW(list, &device, nullptr, 1));
+    EXPECT_TRUE(SetupDiChangeState(list, &device)) << "a refused call leaves the parameters alone";
     EXPECT_TRUE(SetupDiSetClassInstallParamsW(list, &device, nullptr, 0)); // takes them away
     EXPECT_FALSE(SetupDiCallClassInstaller(DIF_PROPERTYCHANGE, list, &device));
     EXPECT_EQ(ERROR_NO_CLASSINSTALL_PARAMS, GetLastError());

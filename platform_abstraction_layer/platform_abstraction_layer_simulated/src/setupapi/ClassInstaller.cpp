@@ -34,12 +34,12 @@ bool IsValid(const SP_PROPCHANGE_PARAMS& parameters)
 
 DWORD SetParameters(DeviceList::Device& device, const SP_CLASSINSTALL_HEADER* header, DWORD size)
 {
-    if (header == nullptr)
+    if (header == nullptr && size == 0)
     {
         device.parameters.reset();
-        return size == 0 ? ERROR_SUCCESS : ERROR_INVALID_PARAMETER;
+        return ERROR_SUCCESS;
     }
-    if (size < sizeof *header)
+    if (header == nullptr || size < sizeof *header)
     {
         return ERROR_INVALID_PARAMETER;
     }
