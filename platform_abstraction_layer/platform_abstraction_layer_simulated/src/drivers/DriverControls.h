@@ -8,6 +8,7 @@
 
 #include <winerror.h>
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <span>
