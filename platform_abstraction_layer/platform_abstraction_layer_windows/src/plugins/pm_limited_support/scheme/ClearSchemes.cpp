@@ -9,8 +9,6 @@
 #include "scheme/SchemeEx.h"
 #include "scheme/UserSchemes.h"
 
-#include <algorithm>
-
 namespace
 {
 
@@ -41,19 +39,13 @@ bool OpenUserSchemes(CORVLProfile& users) noexcept
 void ClearUser(CSchemeEx& engine, CORVLProfile& users, const wchar_t* section,
                const UserTexts& texts) noexcept
 {
-    const int count = user_schemes::CountOf(users, section);
+    const int count = user_schemes::CountSchemes(users, section);
     CORVLBase::DBGOUT(texts.user, section, count);
-    files::GapLimit gap;
     for (int entry = count - 1; entry >= 0; --entry)
     {
         const int scheme = users.GetInt(section, files::NumberedKey(user_schemes::kScheme, entry).Text(), -1);
         engine.DeletePwrScheme(scheme);
         CORVLBase::DBGOUT(texts.scheme, scheme);
-        if (gap.IsReached(scheme == -1))
-        {
-            // The count is damaged; the schemes stand at the low end.
-            entry = std::min(entry, files::GapLimit::kLongestGap);
-        }
     }
     users.PutString(section, nullptr, nullptr);
 }
@@ -62,17 +54,11 @@ void ClearAllUsers(CSchemeEx& engine, CORVLProfile& users) noexcept
 {
     constexpr UserTexts texts{L"ClearPwrSchemes: Get username=%s, Number=%d",
                               L"ClearPwrSchemes: DeletePwrScheme(%d)"};
-    const int count = user_schemes::CountOf(users, user_schemes::kUserList);
-    files::GapLimit gap;
+    const int count = user_schemes::CountUsers(users);
     for (int user = 0; user < count; ++user)
     {
-        files::ShortText section = {};
-        users.GetString(user_schemes::kUserList, files::NumberedKey(user_schemes::kUser, user).Text(),
-                        nullptr, section, static_cast<int>(files::kTextCapacity));
-        if (gap.IsReached(section[0] == L'\0'))
-        {
-            return;
-        }
+        files::ShortText section;
+        user_schemes::ReadUser(users, user, section);
         ClearUser(engine, users, section, texts);
     }
 }

@@ -5,7 +5,6 @@
 #include "scheme/UserSchemes.h"
 
 #include "scheme/SchemeEx.h"
-#include "scheme/Wrapping.h"
 
 #include <algorithm>
 
@@ -17,21 +16,37 @@ namespace
 
 constexpr int kCapacity = static_cast<int>(files::kTextCapacity);
 
+// More entries than this are believed only as far as they are there: a damaged number would keep a walk
+// through the entries busy for hours.
+constexpr int kManyEntries = 1000;
+
+// How many entries of the form `key` a section has.
+int CountEntries(CORVLProfile& users, const wchar_t* section, const wchar_t* key) noexcept
+{
+    const int number = std::max(0, users.GetInt(section, user_schemes::kNumber, 0));
+    if (number <= kManyEntries)
+    {
+        return number;
+    }
+    int present = 0;
+    ShortText value = {};
+    while (present < number &&
+           users.GetString(section, NumberedKey(key, present).Text(), nullptr, value, kCapacity) > 0)
+    {
+        ++present;
+    }
+    return present;
+}
+
 // The entry of the scheme in a section of `count` entries, or -1. `absent` stands for an entry that a
 // damaged file lacks.
 int FindEntry(CORVLProfile& users, const wchar_t* section, int count, int scheme, int absent) noexcept
 {
-    files::GapLimit gap;
     for (int entry = 0; entry < count; ++entry)
     {
-        const int found = users.GetInt(section, NumberedKey(user_schemes::kScheme, entry).Text(), absent);
-        if (found == scheme)
+        if (users.GetInt(section, NumberedKey(user_schemes::kScheme, entry).Text(), absent) == scheme)
         {
             return entry;
-        }
-        if (gap.IsReached(found == absent))
-        {
-            break;
         }
     }
     return -1;
@@ -39,21 +54,31 @@ int FindEntry(CORVLProfile& users, const wchar_t* section, int count, int scheme
 
 bool Owns(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
 {
-    const int count = user_schemes::CountOf(users, section);
+    const int count = user_schemes::CountSchemes(users, section);
     return scheme >= 0 && FindEntry(users, section, count, scheme, -1) >= 0;
 }
 
 } // namespace
 
-int user_schemes::CountOf(CORVLProfile& users, const wchar_t* section) noexcept
+int user_schemes::CountUsers(CORVLProfile& users) noexcept
 {
-    return std::max(0, users.GetInt(section, kNumber, 0));
+    return CountEntries(users, kUserList, kUser);
+}
+
+void user_schemes::ReadUser(CORVLProfile& users, int place, ShortText& section) noexcept
+{
+    section[0] = L'\0';
+    users.GetString(kUserList, NumberedKey(kUser, place).Text(), nullptr, section, kCapacity);
+}
+
+int user_schemes::CountSchemes(CORVLProfile& users, const wchar_t* section) noexcept
+{
+    return CountEntries(users, section, kScheme);
 }
 
 int user_schemes::FindByName(CORVLProfile& users, const wchar_t* section, const wchar_t* name) noexcept
 {
-    const int count = CountOf(users, section);
-    files::GapLimit gap;
+    const int count = CountSchemes(users, section);
     for (int entry = 0; entry < count; ++entry)
     {
         ShortText found = {};
@@ -61,10 +86,6 @@ int user_schemes::FindByName(CORVLProfile& users, const wchar_t* section, const 
         if (text::Equal(found, name))
         {
             return users.GetInt(section, NumberedKey(kScheme, entry).Text(), 0);
-        }
-        if (gap.IsReached(found[0] == L'\0'))
-        {
-            break;
         }
     }
     return -1;
@@ -76,16 +97,11 @@ bool user_schemes::BelongsToAnother(CORVLProfile& users, const wchar_t* section,
     {
         return false;
     }
-    const int count = CountOf(users, kUserList);
-    files::GapLimit gap;
+    const int count = CountUsers(users);
     for (int user = 0; user < count; ++user)
     {
-        ShortText other = {};
-        users.GetString(kUserList, NumberedKey(kUser, user).Text(), nullptr, other, kCapacity);
-        if (gap.IsReached(other[0] == L'\0'))
-        {
-            break;
-        }
+        ShortText other;
+        ReadUser(users, user, other);
         if (!text::EqualIgnoringCase(other, section) && Owns(users, other, scheme))
         {
             return true;
@@ -96,23 +112,18 @@ bool user_schemes::BelongsToAnother(CORVLProfile& users, const wchar_t* section,
 
 void user_schemes::Remove(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
 {
-    const int count = CountOf(users, section);
+    const int count = CountSchemes(users, section);
     const int removed = FindEntry(users, section, count, scheme, 0);
     if (removed < 0)
     {
         return;
     }
-    files::GapLimit gap;
     for (int entry = removed + 1; entry < count; ++entry)
     {
         // The name is read before anything of the lower place is overwritten.
         const int number = users.GetInt(section, NumberedKey(kScheme, entry).Text(), 0);
         ShortText name = {};
         users.GetString(section, NumberedKey(kSchemeName, entry).Text(), nullptr, name, kCapacity);
-        if (gap.IsReached(name[0] == L'\0'))
-        {
-            break;
-        }
         users.PutInt(section, NumberedKey(kScheme, entry - 1).Text(), number);
         users.PutString(section, NumberedKey(kSchemeName, entry - 1).Text(), name);
     }
@@ -138,25 +149,19 @@ int CSchemeEx::AddtoUserList(const wchar_t* user) noexcept
         DBGOUT(L"AddtoUserList: initialize the user scheme cfg file failed");
         return -1;
     }
-    const int count = user_schemes::CountOf(users, user_schemes::kUserList);
+    const int count = user_schemes::CountUsers(users);
     DBGOUT(L"AddtoUserList: get number in userlist is %d", count);
-    files::GapLimit gap;
     for (int entry = 0; entry < count; ++entry)
     {
-        ShortText listed = {};
-        users.GetString(user_schemes::kUserList, NumberedKey(user_schemes::kUser, entry).Text(), nullptr,
-                        listed, kCapacity);
+        ShortText listed;
+        user_schemes::ReadUser(users, entry, listed);
         if (text::Equal(listed, m_szSubKey))
         {
             return 1;
         }
-        if (gap.IsReached(listed[0] == L'\0'))
-        {
-            break;
-        }
     }
     users.PutString(user_schemes::kUserList, NumberedKey(user_schemes::kUser, count).Text(), m_szSubKey);
-    users.PutInt(user_schemes::kUserList, user_schemes::kNumber, static_cast<int>(WrappingSum(count, 1)));
+    users.PutInt(user_schemes::kUserList, user_schemes::kNumber, count + 1);
     return 1;
 }
 
@@ -175,11 +180,11 @@ int CSchemeEx::AddtoUserScheme(const wchar_t* name, const wchar_t* user, int num
         DBGOUT(L"initialize the user scheme cfg file failed");
         return -1;
     }
-    const int count = user_schemes::CountOf(users, section);
+    const int count = user_schemes::CountSchemes(users, section);
     DBGOUT(L"Get number from %s is %d", section, count);
     // The count goes last: until then the new entry doesn't exist.
     users.PutInt(section, NumberedKey(user_schemes::kScheme, count).Text(), number);
     users.PutString(section, NumberedKey(user_schemes::kSchemeName, count).Text(), name);
-    users.PutInt(section, user_schemes::kNumber, static_cast<int>(WrappingSum(count, 1)));
+    users.PutInt(section, user_schemes::kNumber, count + 1);
     return 1;
 }

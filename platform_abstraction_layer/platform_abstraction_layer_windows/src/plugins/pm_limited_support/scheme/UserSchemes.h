@@ -15,8 +15,15 @@ constexpr const wchar_t* kUser = L"User%d";
 constexpr const wchar_t* kScheme = L"Scheme%d";
 constexpr const wchar_t* kSchemeName = L"SchemeName%d";
 
-/// How many entries a section has; never negative.
-int CountOf(CORVLProfile& users, const wchar_t* section) noexcept;
+/// How many users are listed; never negative. A number that only damage explains counts as far as the
+/// entries are there.
+int CountUsers(CORVLProfile& users) noexcept;
+
+/// The section of one listed user, empty when the entry isn't there.
+void ReadUser(CORVLProfile& users, int place, files::ShortText& section) noexcept;
+
+/// How many schemes a user's section has; likewise.
+int CountSchemes(CORVLProfile& users, const wchar_t* section) noexcept;
 
 /// The scheme of that name in a section, case told apart, or -1.
 int FindByName(CORVLProfile& users, const wchar_t* section, const wchar_t* name) noexcept;
