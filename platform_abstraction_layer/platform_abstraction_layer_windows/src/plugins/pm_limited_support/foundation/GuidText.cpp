@@ -17,7 +17,7 @@ constexpr WORD kGuidParserOrdinal = 270;
 int ParseGuid(const wchar_t* text, GUID* guid) noexcept
 {
     const HMODULE library = LoadLibraryW(L"Shlwapi.dll");
-    if (library == nullptr)
+    if (library == nullptr || text == nullptr || guid == nullptr)
     {
         return 0;
     }

@@ -28,13 +28,12 @@ LSTATUS WritePath(HKEY key, const wchar_t* path, ULONG size) noexcept
                           static_cast<DWORD>(characters * sizeof(wchar_t)));
 }
 
+// The write makes the file where the installation has none.
 void RecordFlagInFile(int flag) noexcept
 {
     CORVLCfg root;
-    if (files::OpenRoot(root))
-    {
-        root.PutInt(L"ORVACfg", L"AutoRun", flag);
-    }
+    files::OpenRoot(root);
+    root.PutInt(L"ORVACfg", L"AutoRun", flag);
 }
 
 } // namespace

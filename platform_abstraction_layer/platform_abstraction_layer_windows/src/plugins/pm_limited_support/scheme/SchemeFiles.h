@@ -72,12 +72,12 @@ bool OpenDisplay(CORVLProfile& file, const wchar_t* folder) noexcept;
 class GapLimit
 {
 public:
-    static constexpr int kLongestGap = 10000;
-
     /// Notes one entry; true when the walk is to end.
     bool IsReached(bool entryIsAbsent) noexcept;
 
 private:
+    static constexpr int kLongestGap = 10000;
+
     int m_gap = 0;
 };
 

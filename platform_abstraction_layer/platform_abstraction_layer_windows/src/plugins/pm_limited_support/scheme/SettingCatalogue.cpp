@@ -16,6 +16,13 @@ namespace
 constexpr const wchar_t* kOptionCount = L"OptionNumber";
 constexpr const wchar_t* kHibernateTime = L"HibernateTimeOut";
 
+// Opens the catalogue to read of one variable. Without a name the system's functions would give the list of
+// all sections.
+bool OpenFor(CORVLCfg& file, const wchar_t* name) noexcept
+{
+    return name != nullptr && files::OpenCatalogue(file);
+}
+
 int ReadOption(CORVLCfg& file, const wchar_t* name, int option) noexcept
 {
     return file.GetInt(name, files::NumberedKey(L"ValueOption%d", option).Text(), -1);
@@ -26,7 +33,7 @@ template <class Predicate>
 bool FindOption(const wchar_t* name, Predicate accepts, int& value) noexcept
 {
     CORVLCfg file;
-    if (!files::OpenCatalogue(file))
+    if (!OpenFor(file, name))
     {
         return false;
     }
@@ -58,7 +65,7 @@ bool ReadGuid(CORVLCfg& file, const wchar_t* name, const wchar_t* key, GUID& gui
 int CopyText(const wchar_t* name, const wchar_t* key, wchar_t* buffer, int size) noexcept
 {
     CORVLCfg file;
-    if (buffer == nullptr || size <= 0 || !files::OpenCatalogue(file))
+    if (buffer == nullptr || size <= 0 || !OpenFor(file, name))
     {
         return -1;
     }
@@ -91,7 +98,7 @@ int catalogue::HibernateTimeAfter(int standby) noexcept
 bool catalogue::ReadSetting(const wchar_t* name, GUID& subGroup, GUID& setting) noexcept
 {
     CORVLCfg file;
-    return files::OpenCatalogue(file) && ReadGuid(file, name, L"SubGroupGuid", subGroup) &&
+    return OpenFor(file, name) && ReadGuid(file, name, L"SubGroupGuid", subGroup) &&
            ReadGuid(file, name, L"Guid", setting);
 }
 
@@ -125,13 +132,13 @@ int CSchemeEx::GetHiberTimeFromStandbyTime(int standby) noexcept
 int CSchemeEx::GetPwrVariableOptCount(const wchar_t* name) noexcept
 {
     CORVLCfg file;
-    return files::OpenCatalogue(file) ? file.GetInt(name, kOptionCount, -1) : -1;
+    return OpenFor(file, name) ? file.GetInt(name, kOptionCount, -1) : -1;
 }
 
 int CSchemeEx::GetPwrVariableOptValue(const wchar_t* name, int option) noexcept
 {
     CORVLCfg file;
-    return files::OpenCatalogue(file) ? ReadOption(file, name, option) : -1;
+    return OpenFor(file, name) ? ReadOption(file, name, option) : -1;
 }
 
 int CSchemeEx::GetPwrVariableOptDesc(const wchar_t* name, int option, wchar_t* buffer, int size) noexcept

@@ -40,6 +40,10 @@ int CSchemeEx::SetPwrVariable(int, int, const wchar_t*, const wchar_t*) noexcept
 
 int CSchemeEx::ValidateData(const wchar_t* name, int value) noexcept
 {
+    if (name == nullptr)
+    {
+        return 0;
+    }
     const bool accepted = m_bVista != 0 ? vista::Accepts(name, value) : xp::Accepts(name, value);
     return accepted ? 1 : 0;
 }
