@@ -87,6 +87,7 @@ Host::Host() : user(environment::UserName()), m_arrived(CreateEventW(nullptr, TR
     InitializeCriticalSection(&m_section);
     EXPECT_EQ(nullptr, theHost) << "there is a host already";
     theHost = this;
+    m_interface.SendEvent = Receive;
     const bool loaded = Load();
     EXPECT_TRUE(loaded) << "can't load the plug-in, error " << GetLastError();
     if (loaded)
@@ -125,7 +126,6 @@ void Host::Unload()
 
 LONG Host::Initialize()
 {
-    m_interface.SendEvent = Receive;
     return Initialize(&m_interface);
 }
 
