@@ -93,12 +93,14 @@ using PHANDLE = HANDLE*;
 using LPHANDLE = HANDLE*;
 using HLOCAL = void*;
 
+// NOLINTBEGIN(bugprone-macro-parentheses): the argument is a name to be declared.
 #define SIM_DECLARE_HANDLE(name)                                                                             \
     struct name##__                                                                                          \
     {                                                                                                        \
         int unused;                                                                                          \
     };                                                                                                       \
     using name = name##__*
+// NOLINTEND(bugprone-macro-parentheses)
 SIM_DECLARE_HANDLE(HKEY);
 SIM_DECLARE_HANDLE(HINSTANCE);
 SIM_DECLARE_HANDLE(HWND);

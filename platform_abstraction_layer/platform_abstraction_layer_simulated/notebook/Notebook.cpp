@@ -79,7 +79,7 @@ DWORD FoldersVersion()
     return static_cast<DWORD>(Machine::ReadNumber(kSection, "FoldersOf", MajorVersion()));
 }
 
-std::string Replaced(std::string text, std::string_view begin, std::string_view with)
+std::string Replaced(const std::string& text, std::string_view begin, std::string_view with)
 {
     return text.starts_with(begin) ? std::string(with) + text.substr(begin.size()) : text;
 }

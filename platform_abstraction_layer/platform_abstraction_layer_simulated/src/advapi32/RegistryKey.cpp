@@ -104,7 +104,8 @@ std::string Joined(const std::vector<std::string>& names)
     std::string joined;
     for (const std::string& name : names)
     {
-        joined += '/' + name;
+        joined += '/';
+        joined += name;
     }
     return joined;
 }
@@ -115,16 +116,21 @@ std::size_t SpellAsCreated(std::string folder, std::vector<std::string>& names)
     std::size_t existing = 0;
     for (std::string& name : names)
     {
-        if (access((folder + '/' + name).c_str(), F_OK) != 0)
+        const std::size_t above = folder.size();
+        folder += '/';
+        folder += name;
+        if (access(folder.c_str(), F_OK) != 0)
         {
+            folder.resize(above);
             const std::string spelled = FindIgnoringCase(folder, name);
             if (spelled.empty())
             {
                 break;
             }
             name = spelled;
+            folder += '/';
+            folder += name;
         }
-        folder += '/' + name;
         ++existing;
     }
     return existing;

@@ -6,6 +6,8 @@
 
 #include "notebook/Text.h"
 
+#include <algorithm>
+
 namespace simulated::registry
 {
 
@@ -110,7 +112,7 @@ DWORD CopyValue(const Value& value, LPDWORD type, LPBYTE data, LPDWORD size)
     {
         return ERROR_MORE_DATA;
     }
-    std::memcpy(data, value.bytes.data(), value.bytes.size());
+    std::copy(value.bytes.begin(), value.bytes.end(), data);
     Terminate(value, data, room);
     return ERROR_SUCCESS;
 }
