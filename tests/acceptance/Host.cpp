@@ -151,6 +151,12 @@ const char* Host::Description() const
 
 Answer Host::Send(const std::string& command, std::span<const std::byte> payload)
 {
+    return SendFor(user, command, payload);
+}
+
+Answer Host::SendFor(const std::string& userId, const std::string& command,
+                     std::span<const std::byte> payload)
+{
     GuardedBytes params(payload);
     GuardedBytes result(room, std::byte{0xEE});
     GuardedBytes resultLen(sizeof(DWORD));
@@ -159,7 +165,7 @@ Answer Host::Send(const std::string& command, std::span<const std::byte> payload
 
     PM_Request request{};
     std::memcpy(request.command, command.data(), std::min(command.size(), sizeof request.command));
-    request.userId = user.c_str();
+    request.userId = userId.c_str();
     request.params = params.Data();
     request.paramsLen = static_cast<DWORD>(payload.size());
     request.result = result.Data();

@@ -96,6 +96,10 @@ public:
         return Send(command, Payload(record));
     }
 
+    /// The same for another user than `user`. Threads may send at once.
+    Answer SendFor(const std::string& userId, const std::string& command,
+                   std::span<const std::byte> payload = {});
+
     /// Sends a request as it stands, null included.
     LONG Send(PM_Request* request);
 
@@ -126,7 +130,7 @@ private:
     void Keep(Event event);
 
     HMODULE m_library = nullptr;
-    PM_HostInterface m_interface{};
+    PM_HostInterface m_interface{0, Receive};
     const char*(__cdecl* m_getModuleId)() = nullptr;
     const char*(__cdecl* m_getDescription)() = nullptr;
     LONG(__cdecl* m_initialize)(PM_HostInterface*) = nullptr;
