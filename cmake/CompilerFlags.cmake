@@ -26,6 +26,12 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   target_compile_options(project_flags INTERFACE -Wno-restrict)
 endif()
 
+if(NOT WIN32 AND (NOT SANITIZE OR CMAKE_CXX_COMPILER_ID STREQUAL GNU))
+  # A library that lacks something must fail here, as the Windows linker would have it, not when it is loaded.
+  # Under sanitizers clang leaves their run time to the program.
+  target_link_options(project_flags INTERFACE LINKER:-z,defs)
+endif()
+
 if(WIN32)
   # What Windows XP SP3 on a Pentium M runs: no later functions, no SSE, one DLL without companions.
   add_compile_definitions(_WIN32_WINNT=0x0501 WINVER=0x0501 UNICODE _UNICODE)
