@@ -54,6 +54,20 @@ void ShowAccounts()
     }
 }
 
+// By number for the account and, where Windows has such schemes, by GUID for the machine.
+void ShowScheme()
+{
+    const std::optional<std::string> guid = RegistryEditor::ReadText(
+        "HKLM\\SYSTEM\\CurrentControlSet\\Control\\Power\\User\\PowerSchemes", "ActivePowerScheme");
+    const std::optional<std::string> number =
+        RegistryEditor::ReadText("HKCU\\Control Panel\\PowerCfg", "CurrentPowerPolicy");
+    const std::optional<DWORD> told =
+        RegistryEditor::ReadNumber("HKLM\\Software\\Kelvo\\ORVA", "CurrentPwrSchemeID");
+    std::printf("Scheme         number %s%s%s is active, %s was told to the companion\n",
+                number.value_or("none").c_str(), guid ? ", GUID " : "", guid.value_or("").c_str(),
+                told ? std::to_string(*told).c_str() : "none");
+}
+
 void ShowPower()
 {
     const PowerAnswers power = PowerSource::Get();
@@ -61,12 +75,7 @@ void ShowPower()
                 power.status.ACLineStatus == 1 ? "in" : "out",
                 static_cast<unsigned>(power.status.BatteryLifePercent),
                 power.hibernateAllowed ? "allowed" : "refused");
-    const std::optional<std::string> active =
-        RegistryEditor::ReadText("HKCU\\Control Panel\\PowerCfg", "CurrentPowerPolicy");
-    const std::optional<DWORD> told =
-        RegistryEditor::ReadNumber("HKLM\\Software\\Kelvo\\ORVA", "CurrentPwrSchemeID");
-    std::printf("Scheme         %s is active, %s was told to the companion\n",
-                active.value_or("none").c_str(), told ? std::to_string(*told).c_str() : "none");
+    ShowScheme();
 }
 
 void ShowHardware()
