@@ -1,0 +1,424 @@
+// tests/scheme/AddDeleteTest.cpp
+//
+// New schemes, names, deletion, and the user scheme file behind them.
+
+#include "scheme/SchemeTest.h"
+
+#include "notebook/IniDocument.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <random>
+
+using namespace simulated;
+using testing::Contains;
+using testing::ElementsAre;
+
+namespace
+{
+
+constexpr const char* kMachineKey = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg";
+
+/// A user's entries, as the file has them.
+using Entries = std::vector<std::pair<int, std::string>>;
+
+class AddDelete : public SchemeTest
+{
+protected:
+    explicit AddDelete(DWORD major = 5) : SchemeTest(major, major == 5 ? 1 : 0)
+    {
+    }
+
+    int Add(Engine& who, const std::string& name, int from = 3)
+    {
+        return who.AddPwrScheme(seeding::Wide(name).data(), L"text", from, L"user");
+    }
+
+    static Entries EntriesOf(const std::string& section)
+    {
+        const IniDocument file(seeding::ReadBytes(Users()).value_or(""), Encoding::Windows1252);
+        Entries entries;
+        const int count = std::stoi(file.Value(section, "Number").value_or("0"));
+        for (int i = 0; i < count; ++i)
+        {
+            const std::string place = std::to_string(i);
+            entries.emplace_back(std::stoi(file.Value(section, "Scheme" + place).value_or("-1")),
+                                 file.Value(section, "SchemeName" + place).value_or(kAbsent));
+        }
+        return entries;
+    }
+
+    static std::string NameOf(Engine& who, int scheme)
+    {
+        wchar_t name[64] = {};
+        ULONG capacity = 64;
+        return who.GetPwrSchemeNameDesc(scheme, name, &capacity, nullptr, nullptr) != 0 ? seeding::Utf8(name)
+                                                                                        : "";
+    }
+};
+
+class VistaAddDelete : public AddDelete
+{
+protected:
+    VistaAddDelete() : AddDelete(6)
+    {
+    }
+};
+
+TEST_F(AddDelete, ACopyTakesRecordsAndSomeVariablesAlong)
+{
+    ASSERT_EQ(1, engine.SetPwrVariable(3, 1, L"MonitorOffTimeOut", 1500));
+    ASSERT_EQ(5, engine.SetPwrVariable(3, 0, L"BacklightLevel", 5));
+    ASSERT_EQ(4, engine.SetPwrVariable(3, 1, L"LUMS", 4));
+    ASSERT_EQ(1, engine.SetPwrVariable(3, 1, L"BTStatus", 1));
+    EXPECT_EQ(6, Add(engine, "Mine"));
+    EXPECT_EQ(1500, engine.GetPwrVariable(6, 1, L"MonitorOffTimeOut"));
+    EXPECT_EQ(5, engine.GetPwrVariable(6, 0, L"BacklightLevel"));
+    EXPECT_EQ(4, engine.GetPwrVariable(6, 1, L"LUMS"));
+    EXPECT_EQ(-1, engine.GetPwrVariable(6, 1, L"BTStatus"));
+    const auto processor = Processor(6);
+    const auto original = Processor(3);
+    EXPECT_EQ(0, memcmp(&original, &processor, sizeof processor));
+    EXPECT_EQ("Mine", NameOf(engine, 6));
+    EXPECT_EQ("6", seeding::GetText(HKEY_LOCAL_MACHINE, kMachineKey, "LastID"));
+    EXPECT_EQ((Entries{{6, "Mine"}}), EntriesOf(SidOf("alice")));
+    EXPECT_EQ(SidOf("alice"), seeding::GetKey(Users(), "UserList", "User0"));
+    EXPECT_EQ(7, Add(engine, "Second"));
+    EXPECT_EQ("1", seeding::GetKey(Users(), "UserList", "Number"));
+}
+
+TEST_F(AddDelete, NamesAreTrimmedTestedAndComparedExactly)
+{
+    struct Row
+    {
+        std::string name;
+        int result;
+    };
+    Engine bob;
+    ActFor(bob, "bob");
+    ASSERT_EQ(6, Add(bob, "Mine"));
+    const std::string longest(29, 'x');
+    for (const Row& row :
+         {Row{"", -1}, Row{"   ", -1}, Row{"Mine", 7}, Row{"Mine", -2}, Row{"mine", 8}, Row{" Mine ", -2},
+          Row{longest, 9}, Row{"  " + longest + "  ", -2}, Row{longest + "x", -1},
+          Row{std::string(259, ' '), -1}, Row{"a\r\nNumber=9", -1}, Row{"\tMine", -1}, Row{"a\x7F", -1}})
+    {
+        EXPECT_EQ(row.result, Add(engine, row.name)) << row.name;
+    }
+    EXPECT_EQ(-1, engine.AddPwrScheme(static_cast<const wchar_t*>(nullptr), L"", 3, L"alice"));
+    // The tests run in order: a taken name shows before a missing base scheme.
+    EXPECT_EQ(-2, Add(engine, "Mine", 99));
+    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, Add(engine, "Other", 99)); }),
+                ElementsAre("Find copy from scheme failed: 99"));
+    EXPECT_EQ(3U, EntriesOf(SidOf("alice")).size());
+    EXPECT_EQ(1U, EntriesOf(SidOf("bob")).size());
+}
+
+TEST_F(AddDelete, WithoutAnOwnerTheOperatingSystemsNamesCount)
+{
+    EXPECT_EQ(-2, engine.AddPwrScheme(seeding::Wide(NameOf(engine, 2)).data(), L"", 3));
+    EXPECT_EQ(6, engine.AddPwrScheme(L"Nobody's", L"", 3));
+    EXPECT_EQ(-2, engine.AddPwrScheme(L"Nobody's", L"", 3));
+    EXPECT_TRUE(LinesOf([&] { EXPECT_EQ(-1, engine.AddPwrScheme(L"Other", L"", 99)); }).empty());
+    EXPECT_FALSE(seeding::Exists(Users()));
+}
+
+TEST_F(AddDelete, AWholeSchemeIsAddedWithItsValues)
+{
+    PWRSET set{};
+    set.schemeID = 3;
+    std::fill_n(set.desc, kSchemeTextCapacity, L'd');
+    for (std::size_t i = 0; i < 6; ++i)
+    {
+        set.name[i] = L" Mine "[i];
+    }
+    set.ac = {50, 6, 4, 3, 1200, 1800, 1, 0, 1};
+    set.dc = {75, 2, 1, 0, 60, 300, 0, 1, 0};
+    set.IconNum = 8;
+    EXPECT_EQ(6, engine.AddPwrScheme(set, L"alice"));
+    EXPECT_EQ(6, set.schemeID);
+    EXPECT_EQ((Entries{{6, "Mine"}}), EntriesOf(SidOf("alice")));
+    PWRSET read = set;
+    engine.GetPwrVariableAll(read, 6);
+    EXPECT_EQ(0, memcmp(&set, &read, sizeof set));
+    EXPECT_EQ(0, engine.GetPwrVariable(6, 1, L"HibernateTimeOut"));
+    set.schemeID = 3;
+    EXPECT_EQ(-2, engine.AddPwrScheme(set, L"alice"));
+    EXPECT_EQ(3, set.schemeID);
+    // A name that fills its field whole has no terminator.
+    std::fill_n(set.name, kSchemeTextCapacity, L'n');
+    EXPECT_EQ(-1, engine.AddPwrScheme(set, L"alice"));
+}
+
+TEST_F(AddDelete, WhatAFailedAdditionLeavesBehind)
+{
+    struct Row
+    {
+        const char* function;
+        int result;
+        bool inStore;
+        bool owned;
+    };
+    int next = 6;
+    for (const Row& row :
+         {Row{"ReadPwrScheme", -1, false, false}, Row{"ReadProcessorPwrScheme", -1, false, false},
+          Row{"WritePwrScheme", -1, false, false}, Row{"WriteProcessorPwrScheme", -1, true, false},
+          Row{"RegSetValueExW", 1, true, true}})
+    {
+        SCOPED_TRACE(row.function);
+        const std::size_t owned = EntriesOf(SidOf("alice")).size();
+        Faults::Inject(row.function, 1, ERROR_ACCESS_DENIED);
+        EXPECT_EQ(row.result < 0 ? -1 : next, Add(engine, row.function));
+        EXPECT_TRUE(Faults::AllHit());
+        EXPECT_EQ(row.inStore ? 1 : 0, engine.FindPwrScheme(next));
+        EXPECT_EQ(owned + (row.owned ? 1 : 0), EntriesOf(SidOf("alice")).size());
+        next += row.inStore ? 1 : 0;
+    }
+    // Without the user scheme file the scheme has no owner.
+    ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "UserScheme", ""));
+    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(next, Add(engine, "Nobody's")); }),
+                Contains("initialize the user scheme cfg file failed"));
+    EXPECT_EQ(1, engine.FindPwrScheme(next));
+}
+
+TEST_F(AddDelete, RenamingLeavesTheUserSchemeFileAlone)
+{
+    ASSERT_EQ(6, Add(engine, "Old"));
+    EXPECT_EQ(6, engine.SetPwrSchemeNameDesc(6, L"  New ", L"more"));
+    EXPECT_EQ("New", NameOf(engine, 6));
+    EXPECT_EQ((Entries{{6, "Old"}}), EntriesOf(SidOf("alice")));
+    EXPECT_EQ(-2, Add(engine, "Old"));
+    EXPECT_EQ(7, Add(engine, "New"));
+    for (const auto& [function, line] :
+         {std::pair{"WritePwrScheme", "SetPwrSchemeNameDesc: ::WritePwrScheme failed"},
+          {"WriteProcessorPwrScheme", "SetPwrSchemeNameDesc: ::WriteProcessorPwrScheme failed"},
+          {"ReadProcessorPwrScheme", "CSchemeEx::SetPwrSchemeNameDesc: Can't read cpu scheme: 6"}})
+    {
+        Faults::Inject(function, 1, ERROR_ACCESS_DENIED);
+        EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, engine.SetPwrSchemeNameDesc(6, L"X", L"")); }),
+                    ElementsAre(line));
+    }
+    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, engine.SetPwrSchemeNameDesc(99, L"X", L"")); }),
+                ElementsAre("CSchemeEx::SetPwrSchemeNameDesc: Can't Find pwr scheme: 99"));
+}
+
+TEST_F(AddDelete, DeletingClosesTheGapAndKeepsTheStaleEntry)
+{
+    for (const char* name : {"a", "b", "c"})
+    {
+        ASSERT_GT(Add(engine, name), 0);
+    }
+    ASSERT_EQ(1, engine.SetPwrVariable(6, 1, L"Wifi", 1));
+    EXPECT_EQ(1, engine.DeletePwrScheme(6, L"alice"));
+    EXPECT_EQ((Entries{{7, "b"}, {8, "c"}}), EntriesOf(SidOf("alice")));
+    EXPECT_EQ("c", seeding::GetKey(Users(), SidOf("alice"), "SchemeName2"));
+    EXPECT_EQ(kAbsent, Stored(6, "Wifi"));
+    EXPECT_EQ(0, engine.FindPwrScheme(6));
+    EXPECT_EQ(1, engine.DeletePwrScheme(8, L"alice"));
+    EXPECT_EQ((Entries{{7, "b"}}), EntriesOf(SidOf("alice")));
+    // The freed highest number is used again.
+    EXPECT_EQ(8, Add(engine, "d"));
+    EXPECT_EQ((Entries{{7, "b"}, {8, "d"}}), EntriesOf(SidOf("alice")));
+}
+
+TEST_F(AddDelete, StandardSchemesReachNoPlatformFunction)
+{
+    for (const int scheme : {0, 5})
+    {
+        const auto calls = CallsOf(
+            [&]
+            {
+                EXPECT_EQ(0, engine.DeletePwrScheme(scheme));
+                EXPECT_EQ(0, engine.DeletePwrScheme(scheme, L"alice"));
+            });
+        EXPECT_TRUE(calls.empty());
+    }
+    for (const int scheme : {6, -1})
+    {
+        EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(scheme)); }),
+                    ElementsAre(testing::StartsWith("delete windows power scheme failed ")));
+    }
+}
+
+TEST_F(AddDelete, AnotherUsersSchemeIsNotDeleted)
+{
+    Engine bob;
+    ActFor(bob, "bob");
+    ASSERT_EQ(6, Add(bob, "his"));
+    ASSERT_EQ(7, engine.AddPwrScheme(L"nobody's", L"", 3));
+    ASSERT_EQ(8, Add(engine, "mine"));
+    const auto before = seeding::ReadBytes(Users());
+    EXPECT_EQ(0, engine.DeletePwrScheme(6, L"alice"));
+    EXPECT_EQ(1, engine.FindPwrScheme(6));
+    EXPECT_EQ(1, engine.DeletePwrScheme(7, L"alice"));
+    EXPECT_EQ(before, seeding::ReadBytes(Users()));
+    // What stands in both sections belongs to either.
+    ASSERT_EQ(1, bob.AddtoUserScheme(L"shared", L"bob", 8));
+    EXPECT_EQ(1, engine.DeletePwrScheme(8, L"alice"));
+    EXPECT_EQ(2U, EntriesOf(SidOf("bob")).size());
+    EXPECT_TRUE(EntriesOf(SidOf("alice")).empty());
+}
+
+TEST_F(AddDelete, WhatAFailedDeletionLeavesBehind)
+{
+    ASSERT_EQ(6, Add(engine, "active"));
+    ASSERT_TRUE(SetActivePwrScheme(6, nullptr, nullptr));
+    EXPECT_EQ(0, engine.DeletePwrScheme(6, L"alice"));
+    EXPECT_EQ(1U, EntriesOf(SidOf("alice")).size());
+    ASSERT_TRUE(SetActivePwrScheme(3, nullptr, nullptr));
+
+    // The scheme goes, section and entry stay.
+    ASSERT_EQ(1, engine.SetPwrVariable(6, 1, L"Wifi", 1));
+    ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "PowerScheme", ""));
+    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(6, L"alice")); }),
+                ElementsAre("orvlScheme.Initialize(buffer) failed"));
+    ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "PowerScheme", "PowerSchemes.ini"));
+    EXPECT_EQ(0, engine.FindPwrScheme(6));
+    EXPECT_NE("", Stored(6, "Wifi"));
+    EXPECT_EQ(1U, EntriesOf(SidOf("alice")).size());
+
+    // Scheme and section go, the entry stays, and the call reports success.
+    ASSERT_EQ(6, Add(engine, "again"));
+    ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "UserScheme", ""));
+    EXPECT_EQ(1, engine.DeletePwrScheme(6, L"alice"));
+    EXPECT_EQ(kAbsent, Stored(6, "Wifi"));
+    EXPECT_EQ(2U, EntriesOf(SidOf("alice")).size());
+    seeding::Remove(Root());
+    ASSERT_EQ(7,
+              [&]
+              {
+                  UINT number = 7;
+                  POWER_POLICY policy = Policy(3);
+                  return WritePwrScheme(&number, seeding::Wide("x").data(), seeding::Wide("").data(), &policy)
+                             ? 7
+                             : 0;
+              }());
+    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(7)); }),
+                ElementsAre("orvlCfg.Initialize finished"));
+}
+
+unsigned char CALLBACK Note(unsigned int number, ULONG, wchar_t*, ULONG, wchar_t*, LONG argument)
+{
+    // The walk ends at the scheme that the argument names.
+    return number == static_cast<unsigned int>(argument) ? 0 : 1;
+}
+
+TEST_F(AddDelete, EnumeratingAndNaming)
+{
+    EXPECT_NE(0, engine.EnumPwrSchemes(Note, 2));
+    EXPECT_EQ(0, engine.EnumPwrSchemes(nullptr, 0));
+    wchar_t name[5] = {};
+    wchar_t description[512] = L"untouched";
+    ULONG nameLength = 5;
+    ULONG descriptionLength = 512;
+    ASSERT_EQ(6, engine.AddPwrScheme(L"abcdef", L"described", 3, L"alice"));
+    EXPECT_NE(0, engine.GetPwrSchemeNameDesc(6, nullptr, &nameLength, description, &descriptionLength));
+    EXPECT_EQ("described", seeding::Utf8(description));
+    EXPECT_NE(0, engine.GetPwrSchemeNameDesc(6, name, &nameLength, nullptr, nullptr));
+    EXPECT_EQ("abcd", seeding::Utf8(name));
+    EXPECT_EQ(0, engine.GetPwrSchemeNameDesc(7, name, &nameLength, nullptr, nullptr));
+}
+
+TEST_F(VistaAddDelete, OnlyDeletingWorks)
+{
+    EXPECT_EQ(-1, Add(engine, "Mine", 1));
+    EXPECT_EQ(-1, engine.SetPwrSchemeNameDesc(1, L"Mine", L""));
+    EXPECT_EQ(0, engine.EnumPwrSchemes(Note, 2));
+    wchar_t name[5];
+    ULONG length = 5;
+    EXPECT_EQ(0, engine.GetPwrSchemeNameDesc(1, name, &length, nullptr, nullptr));
+
+    GUID standard{};
+    for (int row = 0; row < 3; ++row)
+    {
+        EXPECT_EQ(0, engine.DeletePwrScheme(row));
+        EXPECT_EQ(1, engine.SchemeIndexToGuid(row, &standard));
+    }
+    GUID* copy = nullptr;
+    ASSERT_EQ(0U, PowerDuplicateScheme(nullptr, &standard, &copy));
+    ASSERT_EQ(0U, PowerSetActiveScheme(nullptr, copy));
+    ASSERT_EQ(3, engine.GetActivePwrScheme(0));
+    ASSERT_EQ(0U, PowerSetActiveScheme(nullptr, &standard));
+    EXPECT_EQ(1, engine.DeletePwrScheme(3, L"alice"));
+    EXPECT_EQ(kAbsent, Stored(3, "GUID"));
+    DWORD size = 0;
+    EXPECT_NE(0U, PowerReadFriendlyName(nullptr, copy, nullptr, nullptr, nullptr, &size));
+    LocalFree(copy);
+}
+
+/// One of the users of the long run: what he does, and what his section should say.
+struct Player
+{
+    Engine engine;
+    std::string section;
+    Entries own;
+};
+
+// Adds an entry unless the name is taken: what an addition does to the file, without the copy of the scheme.
+void AddAtRandom(Player& player, const std::string& name, int number)
+{
+    const auto wide = seeding::Wide(name);
+    const bool isTaken = std::any_of(player.own.begin(), player.own.end(),
+                                     [&](const auto& entry) { return entry.second == name; });
+    ASSERT_EQ(isTaken, player.engine.FindPwrScheme(wide.data(), L"") != -1);
+    if (!isTaken)
+    {
+        UINT scheme = static_cast<UINT>(number);
+        POWER_POLICY policy{};
+        ASSERT_TRUE(WritePwrScheme(&scheme, seeding::Wide(name).data(), seeding::Wide("").data(), &policy));
+        ASSERT_EQ(1, player.engine.AddtoUserScheme(wide.data(), L"", number));
+        player.own.emplace_back(number, name);
+    }
+}
+
+// Deletes a scheme of `owner`, which works for himself alone.
+void DeleteAtRandom(Player& player, Player& owner, std::size_t place)
+{
+    const bool isOwn = &player == &owner;
+    const auto victim = owner.own.begin() + static_cast<std::ptrdiff_t>(place);
+    ASSERT_EQ(isOwn ? 1 : 0, player.engine.DeletePwrScheme(victim->first, L""));
+    if (isOwn)
+    {
+        owner.own.erase(victim);
+    }
+}
+
+// Three users add and delete at random; the file says what a simple model says.
+TEST_F(AddDelete, TheUserSchemeFileFollowsAModelThroughManySteps)
+{
+    constexpr int kSteps = 10000;
+    constexpr std::size_t kMostEntries = 5;
+    Trace::Record(false);
+    std::mt19937 random(20240229); // NOLINT(bugprone-random-generator-seed): a failure must be repeatable
+    Player players[3];
+    for (const auto& [player, name] :
+         {std::pair{&players[0], "alice"}, {&players[1], "bob"}, {&players[2], "carol"}})
+    {
+        ActFor(player->engine, name);
+        player->section = SidOf(name);
+    }
+    for (int step = 0; step < kSteps && !HasFatalFailure(); ++step)
+    {
+        Player& player = players[random() % 3];
+        Player& owner = players[random() % 3];
+        if (player.own.size() < kMostEntries && random() % 2 == 0)
+        {
+            AddAtRandom(player, "n" + std::to_string(random() % 10), 6 + step);
+        }
+        else if (!owner.own.empty())
+        {
+            DeleteAtRandom(player, owner, random() % owner.own.size());
+        }
+        if (step % 16 == 0 || step == kSteps - 1)
+        {
+            for (const Player& each : players)
+            {
+                ASSERT_EQ(each.own, EntriesOf(each.section)) << step;
+            }
+        }
+    }
+    EXPECT_EQ("3", seeding::GetKey(Users(), "UserList", "Number"));
+}
+
+} // namespace

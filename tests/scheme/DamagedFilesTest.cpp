@@ -1,0 +1,112 @@
+// tests/scheme/DamagedFilesTest.cpp
+//
+// Files that hold anything: no result but the documented ones, no write outside a buffer, no endless walk.
+
+#include "scheme/SchemeTest.h"
+
+#include <algorithm>
+#include <random>
+
+namespace
+{
+
+std::string RandomBytes(std::size_t size)
+{
+    std::mt19937 random(7); // NOLINT(bugprone-random-generator-seed): a failure must be repeatable
+    std::string bytes(size, '\0');
+    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(random()); });
+    return bytes;
+}
+
+class DamagedFiles : public SchemeTest, public testing::WithParamInterface<unsigned>
+{
+protected:
+    DamagedFiles() : SchemeTest(GetParam(), GetParam() == 5 ? 1 : 0)
+    {
+    }
+
+    /// Every operation that reads files once; the results are a failure's or a number from the file.
+    void UseEverything()
+    {
+        wchar_t buffer[8];
+        PWRSET set{};
+        GUID guid{};
+        engine.GetPwrVariableAll(set, 1);
+        engine.SetPwrVariable(set);
+        engine.GetPwrVariableOptCount(L"Wifi");
+        engine.GetPwrVariableOptDesc(L"Wifi", 0, buffer, 8);
+        engine.GetPwrVariableName(L"Wifi", buffer, 8);
+        engine.ValidateData(L"Wifi", 1);
+        engine.GetHiberTimeFromStandbyTime(60);
+        engine.SchemeIndexToGuid(1, &guid);
+        engine.SchemeGuidToIndex(&guid);
+        engine.FindPwrScheme(L"name", L"alice");
+        engine.DeletePwrScheme(42, L"alice");
+        engine.AddtoUserScheme(L"name", L"alice", 42);
+        engine.GetActivePwrScheme(0);
+    }
+};
+
+TEST_P(DamagedFiles, GarbageIsSurvived)
+{
+    const std::string longLines = "[Scheme 1]\r\nWifi=" + std::string(70000, '9') +
+                                  "\r\nGUID=" + std::string(5000, '{') + "\r\n[" + std::string(5000, 'x');
+    for (const std::string& bytes :
+         {RandomBytes(4096), "\xFF\xFE" + RandomBytes(4095), longLines,
+          std::string("[Wifi]\r\nOptionNumber=-7\r\n[Schemes]\r\nSchemeMaxIndex=-9\r\n")})
+    {
+        for (const std::string& file : {Values(), Users(), Catalogue(), Display("alice")})
+        {
+            const auto before = seeding::ReadBytes(file);
+            ASSERT_TRUE(seeding::WriteBytes(file, bytes));
+            UseEverything();
+            if (before)
+            {
+                ASSERT_TRUE(seeding::WriteBytes(file, *before));
+            }
+            else
+            {
+                seeding::Remove(file);
+            }
+        }
+    }
+}
+
+TEST_P(DamagedFiles, ALineOfTenMegabytesIsSurvived)
+{
+    const std::string line =
+        "[Wifi]\r\nOptionNumber=1\r\nValueOption0=1\r\nUnit=" + std::string(10 << 20, 'u');
+    ASSERT_TRUE(seeding::WriteBytes(Catalogue(), line));
+    wchar_t unit[8];
+    EXPECT_EQ(7, engine.GetPwrVariableUnit(L"Wifi", unit, 8));
+    EXPECT_EQ(1, engine.SetPwrVariable(1, 1, L"Wifi", 1));
+}
+
+// A damaged count of two thousand million entries must not keep a request for hours.
+TEST_P(DamagedFiles, CountsWithoutEntriesEndSoon)
+{
+    simulated::Trace::Record(false);
+    const std::string huge = "2147483647";
+    ASSERT_TRUE(seeding::SetKey(Catalogue(), "Wifi", "OptionNumber", huge));
+    EXPECT_EQ(0, engine.ValidateData(L"Wifi", 77));
+    EXPECT_EQ(1, engine.ValidateData(L"Wifi", 1));
+    ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), "Number", huge));
+    EXPECT_EQ(-1, engine.FindPwrScheme(L"name", L"alice"));
+    ASSERT_TRUE(seeding::SetKey(Values(), "Schemes", "SchemeMaxIndex", huge));
+    const GUID unknown{};
+    EXPECT_EQ(-1, engine.SchemeGuidToIndex(&unknown));
+}
+
+TEST_P(DamagedFiles, ANegativeCountIsNone)
+{
+    ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), "Number", "-5"));
+    EXPECT_EQ(1, engine.AddtoUserScheme(L"name", L"alice", 42));
+    EXPECT_EQ("1", seeding::GetKey(Users(), SidOf("alice"), "Number"));
+    EXPECT_EQ(42, engine.FindPwrScheme(L"name", L"alice"));
+    ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), "Scheme0", ""));
+    EXPECT_EQ(0, engine.FindPwrScheme(L"name", L"alice"));
+}
+
+INSTANTIATE_TEST_SUITE_P(BothGenerations, DamagedFiles, testing::Values(5U, 6U));
+
+} // namespace

@@ -1,0 +1,162 @@
+// tests/scheme/MappingTest.cpp
+//
+// The choice of the path, and the way from a scheme index to the operating system's scheme and back.
+
+#include "scheme/SchemeTest.h"
+
+#include <gmock/gmock.h>
+
+using namespace simulated;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Not;
+
+namespace
+{
+
+constexpr GUID kBalanced = {0x381B4222, 0xF694, 0x41F0, {0x96, 0x85, 0xFF, 0x5B, 0xB2, 0x60, 0xDF, 0x2E}};
+constexpr GUID kUnknown = {0x01234567, 0x89AB, 0xCDEF, {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF}};
+
+class XpMapping : public SchemeTest
+{
+};
+
+class VistaMapping : public SchemeTest
+{
+protected:
+    VistaMapping() : SchemeTest(6, 1)
+    {
+    }
+};
+
+TEST_F(XpMapping, MajorVersionSixAloneTakesTheVistaPath)
+{
+    for (const auto& [major, minor, vista] : {std::tuple{5U, 1U, 0}, {6U, 0U, 1}, {6U, 1U, 1}, {10U, 0U, 0}})
+    {
+        ASSERT_TRUE(Notebook::SetVersion(major, minor));
+        const auto calls = CallsOf([&] { engine.Initialize(); });
+        EXPECT_EQ(vista, engine.m_bVista) << major;
+        // Version, library and eight functions.
+        EXPECT_EQ(vista != 0 ? 10U : 1U, calls.size());
+    }
+}
+
+TEST_F(VistaMapping, AFailedStartLeavesThePathAsItWas)
+{
+    Engine fresh;
+    Faults::Inject("GetVersionExW", 1, ERROR_INVALID_PARAMETER, true);
+    EXPECT_THAT(LinesOf([&] { engine.Initialize(); }),
+                ElementsAre("CSchemeEx::Initialize GetVersionEx failed"));
+    fresh.Initialize();
+    EXPECT_EQ(1, engine.m_bVista);
+    EXPECT_EQ(0, fresh.m_bVista);
+    Faults::Clear();
+
+    ASSERT_TRUE(Notebook::SetModule("PowrProf.dll", false));
+    EXPECT_THAT(LinesOf([&] { fresh.Initialize(); }), ElementsAre("CSchemeEx::Initialize hModule==NULL"));
+    EXPECT_EQ(0, fresh.m_bVista);
+}
+
+TEST_F(XpMapping, SchemesAreTheSubkeysOfTheStores)
+{
+    EXPECT_EQ(1, engine.FindPwrScheme(5));
+    EXPECT_EQ(0, engine.FindPwrScheme(6));
+    EXPECT_EQ(5, engine.GetPwrSchemeMaxIndex());
+    ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE,
+                                   "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls "
+                                   "Folder\\PowerCfg\\PowerPolicies\\17",
+                                   "x", 0));
+    EXPECT_EQ(17, engine.GetPwrSchemeMaxIndex());
+    EXPECT_EQ(0, engine.FindPwrScheme(17));
+    // A name without digits counts as number 0.
+    ASSERT_TRUE(seeding::SetNumber(HKEY_CURRENT_USER, "Control Panel\\PowerCfg\\PowerPolicies\\12x", "x", 0));
+    EXPECT_EQ(1, engine.FindPwrScheme(12));
+    EXPECT_EQ(1, engine.FindPwrScheme(0));
+}
+
+TEST_F(VistaMapping, RowsAndGuidsLeadToEachOther)
+{
+    GUID guid{};
+    EXPECT_EQ(1, engine.SchemeIndexToGuid(1, &guid));
+    EXPECT_EQ(0, memcmp(&kBalanced, &guid, sizeof guid));
+    EXPECT_EQ(1, engine.SchemeGuidToIndex(&guid));
+    EXPECT_EQ(3, engine.GetPwrSchemeMaxIndex());
+    EXPECT_EQ(-1, engine.SchemeGuidToIndex(&kUnknown));
+    EXPECT_EQ(0, engine.SchemeIndexToGuid(-1, &guid));
+    EXPECT_EQ(0, engine.SchemeIndexToGuid(1, nullptr));
+    EXPECT_EQ(0, engine.FindPwrScheme(7));
+}
+
+TEST_F(VistaMapping, AStaleRowGoesWithAllThatItHolds)
+{
+    ASSERT_TRUE(Store(2, "Wifi", "1"));
+    ASSERT_TRUE(Store(2, "GUID", "{01234567-89AB-CDEF-0123-456789ABCDEF}"));
+    EXPECT_EQ(-1, engine.GetPwrVariable(2, 1, L"Wifi"));
+    EXPECT_EQ(kAbsent, Stored(2, "GUID"));
+    EXPECT_EQ(kAbsent, Stored(2, "Wifi"));
+    EXPECT_EQ(3, engine.GetPwrSchemeMaxIndex());
+}
+
+// Without the one function that knows, no row may be taken for stale.
+TEST_F(VistaMapping, WithoutTheExistenceTestRowsStay)
+{
+    ASSERT_TRUE(Notebook::SetModule("PowrProf.dll.PowerReadFriendlyName", false));
+    engine.Initialize();
+    EXPECT_EQ(0, engine.FindPwrScheme(1));
+    EXPECT_NE(kAbsent, Stored(1, "GUID"));
+}
+
+TEST_F(VistaMapping, TheSearchSkipsGapsAndEndsAtABrokenRow)
+{
+    const std::string text = Stored(1, "GUID");
+    ASSERT_TRUE(Store(1, "GUID", ""));
+    ASSERT_TRUE(Store(3, "GUID", text));
+    // The row of "SchemeMaxIndex" itself is looked at, too.
+    EXPECT_EQ(3, engine.SchemeGuidToIndex(&kBalanced));
+    ASSERT_TRUE(Store(2, "GUID", "{broken}"));
+    EXPECT_EQ(-1, engine.SchemeGuidToIndex(&kBalanced));
+    GUID guid{};
+    EXPECT_EQ(0, engine.SchemeIndexToGuid(2, &guid));
+    EXPECT_EQ("{broken}", Stored(2, "GUID"));
+}
+
+TEST_F(VistaMapping, AnUnknownActiveSchemeGetsTheNextRow)
+{
+    GUID* copy = nullptr;
+    ASSERT_EQ(0U, PowerDuplicateScheme(nullptr, &kBalanced, &copy));
+    ASSERT_EQ(0U, PowerSetActiveScheme(nullptr, copy));
+    EXPECT_EQ(3, engine.GetActivePwrScheme(0));
+    EXPECT_EQ(4, engine.GetPwrSchemeMaxIndex());
+    GUID guid{};
+    EXPECT_EQ(1, engine.SchemeIndexToGuid(3, &guid));
+    EXPECT_EQ(0, memcmp(copy, &guid, sizeof guid));
+    EXPECT_EQ(3, engine.GetActivePwrScheme(0));
+
+    ASSERT_TRUE(Store(3, "GUID", ""));
+    ASSERT_TRUE(seeding::SetKey(Values(), "Schemes", "SchemeMaxIndex", "-1"));
+    const auto before = seeding::ReadBytes(Values());
+    EXPECT_EQ(-1, engine.GetActivePwrScheme(0));
+    EXPECT_EQ(before, seeding::ReadBytes(Values()));
+    LocalFree(copy);
+}
+
+TEST_F(VistaMapping, GuidTextsNeedRoomForTheirTerminator)
+{
+    wchar_t buffer[40];
+    GUID guid = kBalanced;
+    for (const auto& [size, wanted] : {std::pair{38U, 39U}, {0U, 39U}, {39U, 40U}})
+    {
+        buffer[0] = L'x';
+        ULONG room = size;
+        EXPECT_EQ(0, engine.GuidIntoString(&guid, buffer, &room));
+        EXPECT_EQ(wanted, room);
+        EXPECT_EQ(L'x', buffer[0]);
+    }
+    ULONG room = 40;
+    EXPECT_EQ(1, engine.GuidIntoString(&guid, buffer, &room));
+    EXPECT_EQ(" {381B4222-F694-41f0-9685-FF5BB260DF2E}", seeding::Utf8(buffer));
+    EXPECT_EQ(0, engine.GuidIntoString(nullptr, buffer, &room));
+    EXPECT_EQ(0, engine.GuidIntoString(&guid, buffer, nullptr));
+}
+
+} // namespace

@@ -1,0 +1,229 @@
+// tests/scheme/PresentStateTest.cpp
+//
+// What is in force now: the processor's speed, the companion application's start, batteries and devices by
+// name.
+
+#include "scheme/SchemeTest.h"
+
+#include "notebook/PowerSource.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+using namespace simulated;
+using testing::ElementsAre;
+
+namespace
+{
+
+constexpr const char* kRunKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+constexpr const char* kApplicationKey = "SOFTWARE\\Kelvo\\ORVA";
+
+class XpState : public SchemeTest
+{
+};
+
+class VistaState : public SchemeTest
+{
+protected:
+    VistaState() : SchemeTest(6, 0)
+    {
+    }
+};
+
+void SetLine(BYTE line)
+{
+    PowerAnswers answers = PowerSource::Get();
+    answers.status.ACLineStatus = line;
+    ASSERT_TRUE(PowerSource::Set(answers));
+}
+
+TEST_F(XpState, SpeedBelongsToTheSourceThatFeedsTheMachine)
+{
+    const int active = engine.GetActivePwrScheme(0);
+    const int battery = engine.GetPwrVariable(active, 0, L"CpuSpeed");
+    SetLine(AC_LINE_ONLINE);
+    const int before = engine.GetCPUSpeed();
+    EXPECT_EQ(before, engine.SetCPUSpeed(75));
+    EXPECT_EQ(75, engine.SetCPUSpeed(75));
+    EXPECT_EQ(75, engine.GetCPUSpeed());
+    EXPECT_EQ(battery, engine.GetPwrVariable(active, 0, L"CpuSpeed"));
+    // Whatever isn't mains for certain counts as battery.
+    SetLine(AC_LINE_UNKNOWN);
+    EXPECT_EQ(0, engine.GetIfAC());
+    EXPECT_EQ(battery, engine.SetCPUSpeed(50));
+    EXPECT_EQ(75, engine.GetPwrVariable(active, 1, L"CpuSpeed"));
+    EXPECT_EQ(50, engine.GetPwrVariable(active, 0, L"CpuSpeed"));
+}
+
+TEST_F(XpState, ARefusedSpeedStillAppliesTheScheme)
+{
+    const int speed = engine.GetCPUSpeed();
+    const auto calls = CallsOf([&] { EXPECT_EQ(speed, engine.SetCPUSpeed(33)); });
+    EXPECT_THAT(calls, testing::Contains("SetActivePwrScheme"));
+    EXPECT_EQ(speed, engine.GetCPUSpeed());
+    Faults::Inject("GetActivePwrScheme", 1, ERROR_FILE_NOT_FOUND);
+    EXPECT_THAT(CallsOf([&] { EXPECT_EQ(-1, engine.SetCPUSpeed(50)); }), ElementsAre("GetActivePwrScheme"));
+}
+
+TEST_F(VistaState, SpeedIsTheStoredPercentage)
+{
+    EXPECT_EQ(100, engine.GetCPUSpeed());
+    const int active = engine.GetActivePwrScheme(0);
+    EXPECT_EQ("6553700", Stored(active, "CpuSpeed"));
+    EXPECT_EQ(100, engine.SetCPUSpeed(0));
+    EXPECT_EQ(0, engine.SetCPUSpeed(50));
+    EXPECT_EQ(3, engine.GetPwrVariable(active, engine.GetIfAC(), L"CpuAdaptive"));
+}
+
+TEST_F(XpState, AutoRunIsEnteredAndTakenOut)
+{
+    const auto entry = [] { return seeding::GetText(HKEY_LOCAL_MACHINE, kRunKey, "ORVA"); };
+    const auto flag = [] { return seeding::GetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag"); };
+    const auto recorded = [] { return seeding::GetKey(Root(), "ORVACfg", "AutoRun"); };
+    ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag", 9));
+    ASSERT_TRUE(seeding::SetText(HKEY_LOCAL_MACHINE, kRunKey, "ORVA.exe", "old"));
+
+    // Nothing to take out: the old entry goes, nothing is recorded.
+    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.SetAutoRunORVA(0, nullptr, 0)); }),
+                ElementsAre("WriteAutoRunSettings: flag = 0 delete Key failed at 2"));
+    EXPECT_FALSE(seeding::GetText(HKEY_LOCAL_MACHINE, kRunKey, "ORVA.exe").has_value());
+    EXPECT_EQ(9U, flag());
+
+    EXPECT_EQ(1, engine.SetAutoRunORVA(1, L"C:\\ORVA.exe", 260));
+    EXPECT_EQ("C:\\ORVA.exe", entry());
+    EXPECT_EQ(1U, flag());
+    EXPECT_EQ("1", recorded());
+    EXPECT_EQ(1, engine.SetAutoRunORVA(2, nullptr, 0));
+    EXPECT_EQ("C:\\ORVA.exe", entry());
+    EXPECT_EQ(2U, flag());
+    EXPECT_EQ("2", recorded());
+    EXPECT_EQ(1, engine.SetAutoRunORVA(0, nullptr, 0));
+    EXPECT_FALSE(entry().has_value());
+    EXPECT_EQ("0", recorded());
+    EXPECT_EQ(0, engine.SetAutoRunORVA(1, nullptr, 0));
+}
+
+TEST_F(XpState, AutoRunFailuresLeaveWhatWasDoneBefore)
+{
+    struct Row
+    {
+        const char* function;
+        unsigned nth;
+        int result;
+        const char* line;
+        bool entered;
+        const char* recorded;
+    };
+    ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag", 9));
+    for (const Row& row :
+         {Row{"RegOpenKeyExW", 1, 0,
+              "WriteAutoRunSettings: Open Key Software\\Microsoft\\Windows\\CurrentVersion\\Run failed at 5!",
+              false, "0"},
+          Row{"RegSetValueExW", 1, 0, "WriteAutoRunSettings: Write ORVA path into Run failed at 5", false,
+              "0"},
+          Row{"RegOpenKeyExW", 2, 0, "SetAutoRunORVA: Open Key SOFTWARE\\Kelvo\\ORVA failed at 5!", true,
+              "0"},
+          Row{"RegSetValueExW", 2, 1, "SetAutoRunORVA: Write value AutoRunFlag failed at 5", true, "1"}})
+    {
+        Faults::Inject(row.function, row.nth, ERROR_ACCESS_DENIED);
+        EXPECT_THAT(LinesOf([&] { EXPECT_EQ(row.result, engine.SetAutoRunORVA(1, L"C:\\ORVA.exe", 260)); }),
+                    ElementsAre(row.line));
+        EXPECT_EQ(row.entered, seeding::RemoveValue(HKEY_LOCAL_MACHINE, kRunKey, "ORVA"));
+        EXPECT_EQ(row.recorded, seeding::GetKey(Root(), "ORVACfg", "AutoRun"));
+        EXPECT_EQ(9U, seeding::GetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag"));
+    }
+}
+
+TEST_F(XpState, BatteryItemsAreFoundByTheirConfiguredPlace)
+{
+    struct Row
+    {
+        const char* start;
+        const char* size;
+        int result;
+    };
+    _BATTERY_INFORMATION info{};
+    ASSERT_EQ(0, engine.GetBatteryInfo(0, info));
+    for (const Row& row :
+         {Row{"16", "4", 0}, Row{"0", "36", 0}, Row{"33", "4", -1}, Row{"0", "37", -1}, Row{"-2", "4", -1},
+          Row{"4", "-1", -1}, Row{"2147483647", "2147483647", -1}, Row{"36", "0", 0}})
+    {
+        ASSERT_TRUE(seeding::SetKey(Root(), "BatteryInforList", "BAStart4", row.start));
+        ASSERT_TRUE(seeding::SetKey(Root(), "BatteryInforList", "BASize4", row.size));
+        ULONG value[9] = {};
+        EXPECT_EQ(row.result, engine.GetBatteryInformation(0, L"FullChargedCapacity", value)) << row.start;
+        if (row.result == 0)
+        {
+            EXPECT_EQ(0, memcmp(value, reinterpret_cast<const char*>(&info) + std::stoi(row.start),
+                                static_cast<std::size_t>(std::stoi(row.size))));
+        }
+    }
+    ULONG value = 77;
+    EXPECT_EQ(-1, engine.GetBatteryInformation(4, L"CycleCount", &value));
+    EXPECT_EQ(0, engine.GetBatteryInformation(0, L"cyclecount", &value));
+    EXPECT_EQ(77U, value);
+    // A name in both lists is the firmware's.
+    ASSERT_TRUE(seeding::SetKey(Root(), "BatteryInforList", "BEAName3", "CycleCount"));
+    EXPECT_EQ(0, engine.GetBatteryInformation(4, L"CycleCount", &value));
+    ASSERT_TRUE(seeding::SetKey(Root(), "BatteryInforList", "BEAStart3", "13"));
+    EXPECT_EQ(-1, engine.GetBatteryInformation(0, L"CycleCount", &value));
+}
+
+TEST_F(XpState, BatteryQueriesOfAMachineWithoutAnswers)
+{
+    PowerAnswers answers = PowerSource::Get();
+    answers.battery.MaxCapacity = 100;
+    answers.battery.RemainingCapacity = 150;
+    ASSERT_TRUE(PowerSource::Set(answers));
+    EXPECT_EQ(1.0F, engine.GetRemainBatPer(0));
+    EXPECT_EQ(0.0F, engine.GetRemainBatPer(1));
+    EXPECT_EQ(150U, engine.GetRemainCapacity(0));
+    EXPECT_TRUE(CallsOf([&] { EXPECT_EQ(0U, engine.GetRemainCapacity(1)); }).empty());
+    answers.status.BatteryFlag = BATTERY_FLAG_UNKNOWN;
+    ASSERT_TRUE(PowerSource::Set(answers));
+    EXPECT_THAT(CallsOf([&] { EXPECT_EQ(0U, engine.GetBatteryCount()); }),
+                ElementsAre("GetSystemPowerStatus"));
+    Faults::Inject("SetupDiGetClassDevsW", 1, ERROR_ACCESS_DENIED, true);
+    _BATTERY_STATUS status{};
+    EXPECT_EQ(-1, engine.GetBatteryStatus(0, status));
+    EXPECT_EQ(0U, engine.GetCompleteTime(0));
+    EXPECT_EQ(0U, engine.GetRemainingUsageTime(0));
+}
+
+TEST_F(XpState, LiveDevicesGoByTheirVariablesName)
+{
+    int status = 77;
+    EXPECT_EQ(-1, engine.GetDeviceStatus(L"Nothing", &status));
+    EXPECT_TRUE(CallsOf(
+                    [&]
+                    {
+                        EXPECT_EQ(0, engine.GetDeviceStatus(L"USBPort 3", &status));
+                        EXPECT_EQ(0, engine.SetDeviceStatus(L"CpuSpeed", 1));
+                    })
+                    .empty());
+    EXPECT_EQ(77, status);
+    EXPECT_GE(engine.SetDeviceStatus(L"BTStatus", 0), 0);
+    EXPECT_EQ(0, engine.GetDeviceStatus(L"btstatus", &status));
+    EXPECT_EQ(0, status);
+    EXPECT_GE(engine.SetDeviceStatus(L"wifi", 1), 0);
+    EXPECT_EQ(1, engine.GetDeviceStatus(L"Wifi", &status));
+    EXPECT_EQ(1, status);
+    Faults::Inject("CreateFileW", 1, ERROR_FILE_NOT_FOUND, true);
+    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, engine.GetDeviceStatus(L"Wifi", &status)); }).back(),
+                testing::StartsWith("Get Wifi device status failed for HRESULT: 0x8"));
+}
+
+TEST_F(XpState, ChipsetFunctionsAreSwitchedByTheirVariablesName)
+{
+    int disabled = 77;
+    for (const int wanted : {1, 0})
+    {
+        ASSERT_EQ(0, engine.SetDeviceStatus(L"hd audio", wanted));
+        EXPECT_EQ(0, engine.GetDeviceStatus(L"HD Audio", &disabled));
+        EXPECT_EQ(wanted, disabled);
+    }
+}
+
+} // namespace

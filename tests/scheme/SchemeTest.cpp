@@ -1,0 +1,119 @@
+// tests/scheme/SchemeTest.cpp
+//
+// An engine on a notebook with the reference installation.
+
+#include "scheme/SchemeTest.h"
+
+#include <algorithm>
+
+using namespace simulated;
+
+namespace
+{
+
+std::string OwnFolder()
+{
+    return seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\";
+}
+
+std::string SectionOf(int scheme)
+{
+    return "Scheme " + std::to_string(scheme);
+}
+
+} // namespace
+
+SchemeTest::SchemeTest(DWORD major, DWORD minor) : NotebookTest({major, minor, 1252, INSTALLATION_FOLDER})
+{
+}
+
+void SchemeTest::SetUp()
+{
+    NotebookTest::SetUp();
+    engine.Initialize();
+    ActFor(engine, Notebook::kFirstUser);
+}
+
+void SchemeTest::ActFor(Engine& target, const std::string& user)
+{
+    const auto account = Accounts::Find(user);
+    ASSERT_TRUE(account.has_value()) << user;
+    const std::string folder = account->profile + "\\Local Settings\\Application Data\\Kelvo\\ORVL\\Cfg";
+    target.SetSubKeyProfilePath(seeding::Wide(user).data(), seeding::Wide(account->sid).data(),
+                                seeding::Wide(folder).data());
+}
+
+std::string SchemeTest::SidOf(const std::string& user)
+{
+    const auto account = Accounts::Find(user);
+    return account ? account->sid : std::string();
+}
+
+std::string SchemeTest::FolderOf(const std::string& user) const
+{
+    Engine other;
+    ActFor(other, user);
+    return seeding::Utf8(other.m_szProfilePath);
+}
+
+std::string SchemeTest::Root()
+{
+    return std::string(Notebook::kInstallationFolder) + "ORVLCfg.ini";
+}
+
+std::string SchemeTest::Catalogue()
+{
+    return std::string(Notebook::kInstallationFolder) + "PowerSetting.ini";
+}
+
+std::string SchemeTest::Values()
+{
+    return OwnFolder() + "PowerSchemes.ini";
+}
+
+std::string SchemeTest::Users()
+{
+    return OwnFolder() + "UserSchemes.ini";
+}
+
+std::string SchemeTest::Display(const std::string& user) const
+{
+    return FolderOf(user) + "\\OrvProfile.ini";
+}
+
+std::string SchemeTest::Stored(int scheme, const std::string& key)
+{
+    return seeding::GetKey(Values(), SectionOf(scheme), key);
+}
+
+bool SchemeTest::Store(int scheme, const std::string& key, const std::string& value)
+{
+    return seeding::SetKey(Values(), SectionOf(scheme), key, value);
+}
+
+POWER_POLICY SchemeTest::Policy(int scheme)
+{
+    POWER_POLICY policy{};
+    EXPECT_TRUE(ReadPwrScheme(static_cast<UINT>(scheme), &policy));
+    return policy;
+}
+
+MACHINE_PROCESSOR_POWER_POLICY SchemeTest::Processor(int scheme)
+{
+    MACHINE_PROCESSOR_POWER_POLICY policy{};
+    EXPECT_TRUE(ReadProcessorPwrScheme(static_cast<UINT>(scheme), &policy));
+    return policy;
+}
+
+std::vector<std::string> SchemeTest::TracedNames()
+{
+    std::vector<std::string> names;
+    for (const TracedCall& call : Trace::Calls())
+    {
+        if (call.callClass != CallClass::Log)
+        {
+            names.push_back(call.function);
+        }
+    }
+    return names;
+}

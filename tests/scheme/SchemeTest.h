@@ -1,0 +1,81 @@
+// tests/scheme/SchemeTest.h
+//
+// An engine on a notebook with the reference installation, acting for the user alice.
+#pragma once
+
+#include "acceptance/Seeding.h"
+#include "notebook/Trace.h"
+#include "scheme/SchemeEx.h"
+#include "support/NotebookTest.h"
+
+#include <string>
+#include <vector>
+
+/// What stands under a key that isn't there.
+constexpr const char* kAbsent = "(absent)";
+
+/// The engine with its protected operations.
+class Engine : public CSchemeEx
+{
+public:
+    using CSchemeEx::FindPwrScheme;
+    using CSchemeEx::GetHiberTimeFromStandbyTime;
+    using CSchemeEx::GuidIntoString;
+    using CSchemeEx::ParseVarName;
+    using CSchemeEx::ValidateData;
+};
+
+class SchemeTest : public NotebookTest
+{
+protected:
+    explicit SchemeTest(DWORD major = 5, DWORD minor = 1);
+
+    void SetUp() override;
+
+    /// Fills the engine's strings with those of an account.
+    static void ActFor(Engine& target, const std::string& user);
+    static std::string SidOf(const std::string& user);
+
+    /// A user's configuration folder, without a final backslash.
+    std::string FolderOf(const std::string& user) const;
+
+    // The files, by path.
+
+    static std::string Root();
+    static std::string Catalogue();
+    static std::string Values();
+    static std::string Users();
+    std::string Display(const std::string& user) const;
+
+    /// What stands under a key of a scheme's section in the scheme values file.
+    static std::string Stored(int scheme, const std::string& key);
+    static bool Store(int scheme, const std::string& key, const std::string& value);
+
+    /// The lines that the engine logs while `work` runs.
+    template <class Work>
+    std::vector<std::string> LinesOf(Work work)
+    {
+        seeding::SwitchLogsOn();
+        work();
+        auto lines = seeding::LogLines("orvl.log");
+        seeding::SwitchLogsOff();
+        return lines;
+    }
+
+    /// The names of the platform functions that the engine calls while `work` runs, in order.
+    template <class Work>
+    std::vector<std::string> CallsOf(Work work)
+    {
+        simulated::Trace::Clear();
+        work();
+        return TracedNames();
+    }
+
+    static POWER_POLICY Policy(int scheme);
+    static MACHINE_PROCESSOR_POWER_POLICY Processor(int scheme);
+
+    Engine engine;
+
+private:
+    static std::vector<std::string> TracedNames();
+};

@@ -1,0 +1,125 @@
+// tests/scheme/StandbyRulesTest.cpp
+//
+// Standby and hibernation in three fields: what each rule makes of each state.
+
+#include "scheme/StandbyRules.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace
+{
+
+constexpr LONG kNone = 0;
+constexpr LONG kSleep = 2;
+constexpr LONG kHibernate = 3;
+constexpr LONG kHuge = std::numeric_limits<LONG>::max();
+constexpr bool kAc = true;
+constexpr bool kDc = false;
+
+// The hibernate times of a catalogue, in file order.
+int LaterTime(int standby) noexcept
+{
+    for (const int offered : {900, 1800, 3600, 0})
+    {
+        if (offered > standby)
+        {
+            return offered;
+        }
+    }
+    return 0;
+}
+
+struct Case
+{
+    const char* name;
+    IdleState before;
+    bool ac;
+    LONG value;
+    bool reconciled;
+    IdleState after;
+};
+
+void PrintTo(const Case& row, std::ostream* out)
+{
+    *out << row.name;
+}
+
+class StandbyRule : public testing::TestWithParam<Case>
+{
+};
+
+TEST_P(StandbyRule, MovesStandby)
+{
+    const Case& row = GetParam();
+    IdleState state = row.before;
+    ASSERT_EQ(row.reconciled, ChangeStandbyTime(state, row.ac, row.value, LaterTime));
+    if (row.reconciled)
+    {
+        EXPECT_EQ(row.after.idle, state.idle);
+        EXPECT_EQ(row.after.action, state.action);
+        EXPECT_EQ(row.after.doze, state.doze);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, StandbyRule,
+    testing::Values(
+        Case{"hibernation stays where it is", {600, kSleep, 1200}, kAc, 1200, true, {1200, kSleep, 600}},
+        Case{"hibernation gives way", {600, kSleep, 1200}, kAc, 1800, true, {1800, kSleep, 1800}},
+        Case{"no later hibernation", {600, kSleep, 1200}, kAc, 7200, true, {7200, kSleep, 0}},
+        Case{"no later hibernation on battery", {600, kSleep, 1200}, kDc, 7200, true, {7200, kSleep, 0}},
+        Case{"off, hibernation stays", {600, kSleep, 1200}, kAc, 0, true, {1800, kHibernate, 0}},
+        Case{"off, no hibernation", {600, kSleep, 0}, kAc, 0, true, {0, kNone, 0}},
+        Case{"hibernation alone is lost", {3600, kHibernate, 0}, kAc, 900, true, {900, kSleep, 0}},
+        Case{"hibernation alone, off", {3600, kHibernate, 0}, kAc, 0, true, {0, kNone, 0}},
+        Case{"doze without idle is dropped", {0, kSleep, 1200}, kAc, 1800, true, {1800, kSleep, 0}},
+        Case{"hibernating with a doze", {600, kHibernate, 1200}, kAc, 2000, true, {2000, kSleep, 1600}},
+        Case{"later time before idle", {7200, kSleep, -6000}, kAc, 1500, false, {}},
+        Case{"later time at idle on mains", {3600, kSleep, -1800}, kAc, 2000, false, {}},
+        Case{"later time at idle on battery", {3600, kSleep, -1800}, kDc, 2000, true, {2000, kSleep, 0}},
+        Case{"times beyond all bounds", {kHuge, kSleep, 1}, kAc, 600, false, {}}));
+
+class HibernateRule : public testing::TestWithParam<Case>
+{
+};
+
+TEST_P(HibernateRule, MovesHibernation)
+{
+    const Case& row = GetParam();
+    IdleState state = row.before;
+    ASSERT_EQ(row.reconciled, ChangeHibernateTime(state, row.ac, row.value));
+    if (row.reconciled)
+    {
+        EXPECT_EQ(row.after.idle, state.idle);
+        EXPECT_EQ(row.after.action, state.action);
+        EXPECT_EQ(row.after.doze, state.doze);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Table, HibernateRule,
+    testing::Values(Case{"behind standby", {600, kSleep, 0}, kAc, 1800, true, {600, kSleep, 1200}},
+                    Case{"before standby", {600, kSleep, 0}, kAc, 300, false, {}},
+                    Case{"off", {600, kSleep, 1200}, kAc, 0, true, {600, kSleep, 0}},
+                    Case{"without standby", {0, kNone, 0}, kAc, 1200, true, {1200, kHibernate, 0}},
+                    Case{"off without standby", {0, kNone, 0}, kAc, 0, true, {0, kNone, 0}},
+                    Case{"at standby on mains", {600, kSleep, 1200}, kAc, 600, false, {}},
+                    Case{"at standby on battery", {600, kSleep, 1200}, kDc, 600, true, {600, kSleep, 0}},
+                    Case{
+                        "hibernating already", {3600, kHibernate, 0}, kAc, 1800, true, {1800, kHibernate, 0}},
+                    Case{"hibernating already, off", {3600, kHibernate, 0}, kAc, 0, true, {0, kHibernate, 0}},
+                    Case{"wraps", {-kHuge, kSleep, 0}, kAc, kHuge, false, {}}));
+
+TEST(IdleTimes, FollowTheAction)
+{
+    EXPECT_EQ(600, StandbyTimeOf({600, kSleep, 1200}));
+    EXPECT_EQ(0, StandbyTimeOf({600, kHibernate, 0}));
+    EXPECT_EQ(1800, HibernateTimeOf({600, kSleep, 1200}));
+    EXPECT_EQ(0, HibernateTimeOf({600, kSleep, 0}));
+    EXPECT_EQ(600, HibernateTimeOf({600, kHibernate, 1200}));
+    EXPECT_EQ(0, HibernateTimeOf({600, kNone, 1200}));
+}
+
+} // namespace

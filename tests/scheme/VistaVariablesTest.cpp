@@ -1,0 +1,228 @@
+// tests/scheme/VistaVariablesTest.cpp
+//
+// Single variables on the Vista path: settings of the operating system, packed copies, and the writes that
+// follow from a write.
+
+#include "scheme/SchemeTest.h"
+#include "scheme/VariableTable.h"
+
+#include <gmock/gmock.h>
+
+using namespace simulated;
+using testing::Contains;
+using testing::Not;
+
+namespace
+{
+
+// Row 1 of the reference installation.
+constexpr int kScheme = 1;
+constexpr GUID kBalanced = {0x381B4222, 0xF694, 0x41F0, {0x96, 0x85, 0xFF, 0x5B, 0xB2, 0x60, 0xDF, 0x2E}};
+constexpr GUID kProcessor = {0x54533251, 0x82BE, 0x4824, {0x96, 0xC1, 0x47, 0xB6, 0x0B, 0x74, 0x0D, 0x00}};
+constexpr GUID kThrottleMaximum = {
+    0xBC5038F7, 0x23E0, 0x4960, {0x96, 0xDA, 0x33, 0xAB, 0xAF, 0x59, 0x35, 0xEC}};
+constexpr GUID kThrottleMinimum = {
+    0x893DEE8E, 0x2BEF, 0x41E0, {0x89, 0xC6, 0xB5, 0x5D, 0x09, 0x29, 0x96, 0x4C}};
+constexpr GUID kFirstPolicy = {0x68F262A7, 0xF621, 0x4069, {0xB9, 0xA5, 0x48, 0x74, 0x16, 0x9B, 0xE2, 0x3C}};
+constexpr GUID kSecondPolicy = {0xBBDC3814, 0x18E9, 0x4463, {0x8A, 0x55, 0xD1, 0x97, 0x32, 0x7C, 0x45, 0xC0}};
+
+int ProcessorSetting(bool ac, const GUID& setting)
+{
+    DWORD value = 0;
+    EXPECT_EQ(0U, (ac ? PowerReadACValueIndex : PowerReadDCValueIndex)(nullptr, &kBalanced, &kProcessor,
+                                                                       &setting, &value));
+    return static_cast<int>(value);
+}
+
+class VistaVariables : public SchemeTest
+{
+protected:
+    VistaVariables() : SchemeTest(6, 0)
+    {
+    }
+};
+
+TEST_F(VistaVariables, TimesAreWholeMinutesWhateverTheCatalogueOffers)
+{
+    ASSERT_TRUE(seeding::SetKey(Catalogue(), "StandbyTimeOut", "OptionNumber", "0"));
+    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", 120));
+    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 0, L"StandbyTimeOut", 0));
+    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", 90));
+    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", -60));
+    EXPECT_EQ(120, engine.GetPwrVariable(kScheme, 1, L"StandbyTimeOut"));
+    EXPECT_EQ(0, engine.GetPwrVariable(kScheme, 0, L"StandbyTimeOut"));
+    // Only the names as the table has them are exempt from the catalogue.
+    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"standbytimeout", 120));
+}
+
+TEST_F(VistaVariables, EveryOtherVariableComesBackAsItWasWritten)
+{
+    for (int number = kCpuAdaptive; number < kVariableCount; ++number)
+    {
+        const wchar_t* name = VariableOf(number).name;
+        SCOPED_TRACE(seeding::Utf8(name));
+        if (number == kBacklightLevel)
+        {
+            continue;
+        }
+        const int first = engine.GetPwrVariableOptValue(name, 0);
+        const int second = engine.GetPwrVariableOptValue(name, 1);
+        ASSERT_EQ(first, engine.SetPwrVariable(kScheme, 1, name, first));
+        ASSERT_EQ(second, engine.SetPwrVariable(kScheme, 0, name, second));
+        EXPECT_EQ(number == kLums ? second : first, engine.GetPwrVariable(kScheme, 1, name));
+        EXPECT_EQ(second, engine.GetPwrVariable(kScheme, 0, name));
+    }
+}
+
+TEST_F(VistaVariables, AFirstReadStoresTheDefault)
+{
+    struct Row
+    {
+        const wchar_t* name;
+        int value;
+        const char* stored;
+    };
+    for (const Row& row : {Row{L"CpuAdaptive", 3, "196611"}, Row{L"CpuSpeed", 100, "6553700"},
+                           Row{L"LANStatus", -1, "-1"}, Row{L"LUMS", -1, "-1"}, Row{L"USBPort 3", -1, "-1"}})
+    {
+        const std::string key = seeding::Utf8(row.name);
+        for (const int ifAC : {1, 0})
+        {
+            EXPECT_EQ(row.value, engine.GetPwrVariable(kScheme, ifAC, row.name)) << key;
+            EXPECT_EQ(row.stored, Stored(kScheme, key));
+        }
+    }
+}
+
+TEST_F(VistaVariables, TheAdaptivePolicySetsTheProcessor)
+{
+    struct Row
+    {
+        int ifAC;
+        int value;
+        int policy;
+        bool fixesRange;
+    };
+    for (const Row& row : {Row{1, 0, 4, true}, Row{0, 0, 5, true}, Row{1, 3, 2, false}, Row{0, 1, 3, false}})
+    {
+        const bool ac = row.ifAC != 0;
+        ASSERT_EQ(50, engine.SetPwrVariable(kScheme, row.ifAC, L"CpuSpeedMin", 50));
+        ASSERT_EQ(70, engine.SetPwrVariable(kScheme, row.ifAC, L"CpuSpeedMax", 70));
+        ASSERT_EQ(row.value, engine.SetPwrVariable(kScheme, row.ifAC, L"CpuAdaptive", row.value));
+        EXPECT_EQ(row.policy, ProcessorSetting(ac, kFirstPolicy));
+        EXPECT_EQ(row.policy, ProcessorSetting(ac, kSecondPolicy));
+        EXPECT_EQ(row.fixesRange ? 100 : 50, ProcessorSetting(ac, kThrottleMinimum));
+        EXPECT_EQ(row.fixesRange ? 100 : 70, ProcessorSetting(ac, kThrottleMaximum));
+    }
+}
+
+TEST_F(VistaVariables, ARefusedAdaptiveWriteLeavesTheOnesBeforeIt)
+{
+    ASSERT_EQ(50, engine.SetPwrVariable(kScheme, 1, L"CpuSpeedMin", 50));
+    Faults::Inject("PowerWriteACValueIndex", 3, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"CpuAdaptive", 0));
+    EXPECT_EQ(4, ProcessorSetting(true, kSecondPolicy));
+    EXPECT_EQ(50, ProcessorSetting(true, kThrottleMinimum));
+    EXPECT_EQ("0", Stored(kScheme, "CpuAdaptive"));
+}
+
+TEST_F(VistaVariables, SpeedZeroTurnsTheAdaptivePolicyOnForThatSource)
+{
+    ASSERT_EQ(0, engine.SetPwrVariable(kScheme, 1, L"CpuAdaptive", 0));
+    EXPECT_EQ(0, engine.SetPwrVariable(kScheme, 1, L"CpuSpeed", 0));
+    EXPECT_EQ(3, engine.GetPwrVariable(kScheme, 1, L"CpuAdaptive"));
+    EXPECT_EQ(2, ProcessorSetting(true, kFirstPolicy));
+    EXPECT_EQ("3", Stored(kScheme, "CpuAdaptive"));
+    EXPECT_EQ(50, engine.SetPwrVariable(kScheme, 1, L"CpuSpeed", 50));
+    EXPECT_EQ(3, engine.GetPwrVariable(kScheme, 1, L"CpuAdaptive"));
+}
+
+// The copy in the file is made where it is missing; the operating system is what counts.
+TEST_F(VistaVariables, TheProcessorRangeIsTheOperatingSystems)
+{
+    ASSERT_EQ(80, engine.SetPwrVariable(kScheme, 1, L"CpuSpeedMax", 80));
+    ASSERT_EQ(60, engine.SetPwrVariable(kScheme, 0, L"CpuSpeedMax", 60));
+    EXPECT_EQ("3932240", Stored(kScheme, "CpuSpeedMax"));
+    ASSERT_EQ(0U, PowerWriteDCValueIndex(nullptr, &kBalanced, &kProcessor, &kThrottleMaximum, 30));
+    EXPECT_EQ(30, engine.GetPwrVariable(kScheme, 0, L"CpuSpeedMax"));
+    EXPECT_EQ("3932240", Stored(kScheme, "CpuSpeedMax"));
+    ASSERT_TRUE(Store(kScheme, "CpuSpeedMax", "-1"));
+    EXPECT_EQ(80, engine.GetPwrVariable(kScheme, 1, L"CpuSpeedMax"));
+    EXPECT_EQ("1966160", Stored(kScheme, "CpuSpeedMax"));
+    Faults::Inject("PowerReadDCValueIndex", 1, ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"CpuSpeedMax"));
+}
+
+TEST_F(VistaVariables, BacklightLevelsBecomePercentages)
+{
+    struct Row
+    {
+        const char* levels;
+        int level;
+        int percentage; ///< -1: refused
+        int readBack;
+    };
+    for (const Row& row : {Row{"8", 3, 42, 3}, Row{"8", 7, 100, 7}, Row{"8", 0, 0, 0}, Row{"5", 7, -1, 0},
+                           Row{"1", 0, -1, 0}, Row{"0", 0, -1, -1}, Row{"-3", 0, -1, -1}})
+    {
+        SCOPED_TRACE(testing::Message() << row.levels << " levels, " << row.level);
+        ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "MaxBrightLevel", row.levels));
+        EXPECT_EQ(row.percentage, engine.SetPwrVariable(kScheme, 1, L"BacklightLevel", row.level));
+        // The copy is merged before the conversion can fail.
+        EXPECT_EQ(std::to_string(row.level), Stored(kScheme, "BacklightLevel"));
+        const auto calls =
+            CallsOf([&] { EXPECT_EQ(row.readBack, engine.GetPwrVariable(kScheme, 1, L"BacklightLevel")); });
+        if (row.readBack < 0)
+        {
+            EXPECT_THAT(calls, Not(Contains("PowerReadACValueIndex")));
+        }
+    }
+}
+
+TEST_F(VistaVariables, ABrokenSettingReachesNoPowerFunction)
+{
+    for (const char* text : {"", "nonsense", "{3C0BC021-C8A8-4E07-A973-6B14CBCB2B7", "{}"})
+    {
+        ASSERT_TRUE(seeding::SetKey(Catalogue(), "MonitorOffTimeOut", "Guid", text));
+        const auto calls = CallsOf(
+            [&]
+            {
+                EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"MonitorOffTimeOut"));
+                EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"MonitorOffTimeOut", 60));
+            });
+        EXPECT_THAT(calls, Not(Contains("PowerReadACValueIndex")));
+        EXPECT_THAT(calls, Not(Contains("PowerWriteACValueIndex")));
+    }
+}
+
+TEST_F(VistaVariables, AMissingFunctionFailsWhatNeedsIt)
+{
+    for (const char* function : {"PowrProf.dll.PowerWriteDCValueIndex", "PowrProf.dll.PowerReadDCValueIndex"})
+    {
+        ASSERT_TRUE(Notebook::SetModule(function, false));
+        engine.Initialize();
+        const bool writes = std::string(function).find("Write") != std::string::npos;
+        EXPECT_EQ(writes ? -1 : 1, engine.SetPwrVariable(kScheme, 1, L"Wifi", 1));
+        EXPECT_EQ(writes ? -1 : -1, engine.GetPwrVariable(kScheme, 1, writes ? L"3G" : L"Wifi"));
+        ASSERT_TRUE(Notebook::SetModule(function, true));
+    }
+    engine.Initialize();
+    EXPECT_EQ(1, engine.GetPwrVariable(kScheme, 1, L"Wifi"));
+}
+
+TEST_F(VistaVariables, NamesWithSettingsNeedTheCatalogueAndOthersDont)
+{
+    GUID group{};
+    GUID setting{};
+    const auto calls = CallsOf([&] { EXPECT_EQ(7, engine.ParseVarName(L"CPUSPEED", &group, &setting)); });
+    EXPECT_TRUE(calls.empty());
+    EXPECT_EQ(8, engine.ParseVarName(L"BacklightLevel", &group, &setting));
+    EXPECT_EQ(0xADED5E82U, setting.Data1);
+    EXPECT_EQ(-1, engine.ParseVarName(L"BacklightLevel", nullptr, &setting));
+    EXPECT_EQ(-1, engine.ParseVarName(L"Nothing", &group, &setting));
+    engine.m_bVista = 0;
+    EXPECT_EQ(-1, engine.ParseVarName(L"BacklightLevel", &group, &setting));
+    EXPECT_EQ(8, engine.ParseVarName(L"BacklightLevel"));
+}
+
+} // namespace
