@@ -50,7 +50,13 @@ bool FillHive(RegistrySeeder& hive, const Account& account, const Layout& layout
     bool done = hive.PutText(kExplorer, "Logon User Name", account.name) &&
                 hive.PutText(shellFolders, "Local AppData", Joined(account.profile, layout.localAppData)) &&
                 hive.PutText(shellFolders, "AppData", Joined(account.profile, layout.appData)) &&
-                hive.AddKey("Software\\Kelvo") && hive.AddKey("Environment") && SeedUserPower(hive.AsPut());
+                hive.AddKey("Software\\Kelvo") && hive.AddKey("Environment");
+    // Every hive gets the same, so it is worked out once.
+    static const std::vector<RegistrySeeder::File> kPower = RegistrySeeder::Record(&SeedUserPower);
+    for (const RegistrySeeder::File& file : kPower)
+    {
+        done = done && hive.Put(file);
+    }
     for (const ShellFolder& folder : kShellFolders)
     {
         done = done && hive.PutText(shellFolders, folder.value, Joined(account.profile, folder.folder));

@@ -48,9 +48,13 @@ bool RegistrySeeder::AddKey(std::string_view path)
 
 bool RegistrySeeder::Put(std::string_view path, std::string_view name, const registry::Value& value)
 {
-    const std::string folder = FolderOf(path);
-    return !folder.empty() &&
-           host_files::Write(folder + '/' + registry::ValueFileName(name), registry::FormatValue(value));
+    return Put({std::string(path), std::string(name), registry::FormatValue(value)});
+}
+
+bool RegistrySeeder::Put(const File& file)
+{
+    const std::string folder = FolderOf(file.path);
+    return !folder.empty() && host_files::Write(folder + '/' + registry::ValueFileName(file.name), file.text);
 }
 
 bool RegistrySeeder::PutText(std::string_view path, std::string_view name, std::string_view text)
@@ -69,6 +73,19 @@ RegistryPut RegistrySeeder::AsPut()
     {
         return Put(path, name, {type, std::string(static_cast<const char*>(data), size)});
     };
+}
+
+std::vector<RegistrySeeder::File> RegistrySeeder::Record(bool (*seed)(const RegistryPut& put))
+{
+    std::vector<File> files;
+    seed(
+        [&files](const std::string& path, const std::string& name, DWORD type, const void* data, DWORD size)
+        {
+            const registry::Value value{type, std::string(static_cast<const char*>(data), size)};
+            files.push_back({path, name, registry::FormatValue(value)});
+            return true;
+        });
+    return files;
 }
 
 } // namespace simulated

@@ -10,6 +10,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace simulated
 {
@@ -26,8 +27,20 @@ public:
     bool PutText(std::string_view path, std::string_view name, std::string_view text);
     bool PutNumber(std::string_view path, std::string_view name, DWORD number);
 
+    /// A value whose file is ready made.
+    struct File
+    {
+        std::string path;
+        std::string name;
+        std::string text;
+    };
+    bool Put(const File& file);
+
     /// `Put` in the form that the seeds of other parts of the machine take.
     RegistryPut AsPut();
+
+    /// What a seed puts, for hives that all get the same.
+    static std::vector<File> Record(bool (*seed)(const RegistryPut& put));
 
 private:
     /// The host folder of a key, empty when it can't be made.
