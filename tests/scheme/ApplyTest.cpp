@@ -51,7 +51,7 @@ const Names kParseGuid = {"LoadLibraryW", "GetProcAddress", "GUIDFromStringW"};
 class XpApply : public SchemeTest
 {
 protected:
-    explicit XpApply(DWORD major = 5) : SchemeTest(major, 1)
+    explicit XpApply(DWORD major = 5) : SchemeTest(major)
     {
     }
 

@@ -18,7 +18,7 @@ constexpr const char* kProduct = "Software\\Kelvo\\ORVA";
 class Clearing : public SchemeTest
 {
 protected:
-    explicit Clearing(DWORD major = 5) : SchemeTest(major, major == 5 ? 1 : 0)
+    explicit Clearing(DWORD major = 5) : SchemeTest(major)
     {
     }
 

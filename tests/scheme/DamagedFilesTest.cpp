@@ -21,7 +21,7 @@ std::string RandomBytes(std::size_t size)
 class DamagedFiles : public SchemeTest, public testing::WithParamInterface<unsigned>
 {
 protected:
-    DamagedFiles() : SchemeTest(GetParam(), GetParam() == 5 ? 1 : 0)
+    DamagedFiles() : SchemeTest(GetParam())
     {
     }
 

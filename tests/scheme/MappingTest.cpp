@@ -14,7 +14,6 @@ using testing::Not;
 namespace
 {
 
-constexpr GUID kBalanced = {0x381B4222, 0xF694, 0x41F0, {0x96, 0x85, 0xFF, 0x5B, 0xB2, 0x60, 0xDF, 0x2E}};
 constexpr GUID kUnknown = {0x01234567, 0x89AB, 0xCDEF, {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF}};
 
 class XpMapping : public SchemeTest
@@ -24,7 +23,7 @@ class XpMapping : public SchemeTest
 class VistaMapping : public SchemeTest
 {
 protected:
-    VistaMapping() : SchemeTest(6, 1)
+    VistaMapping() : SchemeTest(6)
     {
     }
 };

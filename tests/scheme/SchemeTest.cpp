@@ -23,7 +23,7 @@ std::string SectionOf(int scheme)
 
 } // namespace
 
-SchemeTest::SchemeTest(DWORD major, DWORD minor) : NotebookTest({major, minor, 1252, INSTALLATION_FOLDER})
+SchemeTest::SchemeTest(DWORD major) : NotebookTest({major, major == 5 ? 1U : 0U, 1252, INSTALLATION_FOLDER})
 {
 }
 

@@ -14,6 +14,9 @@
 /// What stands under a key that isn't there.
 constexpr const char* kAbsent = "(absent)";
 
+/// Row 1 of the reference installation.
+constexpr GUID kBalanced = {0x381B4222, 0xF694, 0x41F0, {0x96, 0x85, 0xFF, 0x5B, 0xB2, 0x60, 0xDF, 0x2E}};
+
 /// The engine with its protected operations.
 class Engine : public CSchemeEx
 {
@@ -28,7 +31,7 @@ public:
 class SchemeTest : public NotebookTest
 {
 protected:
-    explicit SchemeTest(DWORD major = 5, DWORD minor = 1);
+    explicit SchemeTest(DWORD major = 5);
 
     void SetUp() override;
 

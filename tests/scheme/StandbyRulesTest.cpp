@@ -31,8 +31,19 @@ int LaterTime(int standby) noexcept
     return 0;
 }
 
+bool Standby(IdleState& state, bool ac, LONG value)
+{
+    return ChangeStandbyTime(state, ac, value, LaterTime);
+}
+
+bool Hibernate(IdleState& state, bool ac, LONG value)
+{
+    return ChangeHibernateTime(state, ac, value);
+}
+
 struct Case
 {
+    bool (*move)(IdleState& state, bool ac, LONG value);
     const char* name;
     IdleState before;
     bool ac;
@@ -41,76 +52,48 @@ struct Case
     IdleState after;
 };
 
-void PrintTo(const Case& row, std::ostream* out)
-{
-    *out << row.name;
-}
-
-class StandbyRule : public testing::TestWithParam<Case>
-{
+const Case kCases[] = {
+    {Standby, "hibernation stays where it is", {600, kSleep, 1200}, kAc, 1200, true, {1200, kSleep, 600}},
+    {Standby, "hibernation gives way", {600, kSleep, 1200}, kAc, 1800, true, {1800, kSleep, 1800}},
+    {Standby, "no later hibernation", {600, kSleep, 1200}, kAc, 7200, true, {7200, kSleep, 0}},
+    {Standby, "no later hibernation on battery", {600, kSleep, 1200}, kDc, 7200, true, {7200, kSleep, 0}},
+    {Standby, "off, hibernation stays", {600, kSleep, 1200}, kAc, 0, true, {1800, kHibernate, 0}},
+    {Standby, "off, no hibernation", {600, kSleep, 0}, kAc, 0, true, {0, kNone, 0}},
+    {Standby, "hibernation alone is lost", {3600, kHibernate, 0}, kAc, 900, true, {900, kSleep, 0}},
+    {Standby, "hibernation alone, off", {3600, kHibernate, 0}, kAc, 0, true, {0, kNone, 0}},
+    {Standby, "doze without idle is dropped", {0, kSleep, 1200}, kAc, 1800, true, {1800, kSleep, 0}},
+    {Standby, "hibernating with a doze", {600, kHibernate, 1200}, kAc, 2000, true, {2000, kSleep, 1600}},
+    {Standby, "later time before idle", {7200, kSleep, -6000}, kAc, 1500, false, {}},
+    {Standby, "later time at idle on mains", {3600, kSleep, -1800}, kAc, 2000, false, {}},
+    {Standby, "later time at idle on battery", {3600, kSleep, -1800}, kDc, 2000, true, {2000, kSleep, 0}},
+    {Standby, "times beyond all bounds", {kHuge, kSleep, 1}, kAc, 600, false, {}},
+    {Hibernate, "behind standby", {600, kSleep, 0}, kAc, 1800, true, {600, kSleep, 1200}},
+    {Hibernate, "before standby", {600, kSleep, 0}, kAc, 300, false, {}},
+    {Hibernate, "off", {600, kSleep, 1200}, kAc, 0, true, {600, kSleep, 0}},
+    {Hibernate, "without standby", {0, kNone, 0}, kAc, 1200, true, {1200, kHibernate, 0}},
+    {Hibernate, "off without standby", {0, kNone, 0}, kAc, 0, true, {0, kNone, 0}},
+    {Hibernate, "at standby on mains", {600, kSleep, 1200}, kAc, 600, false, {}},
+    {Hibernate, "at standby on battery", {600, kSleep, 1200}, kDc, 600, true, {600, kSleep, 0}},
+    {Hibernate, "hibernating already", {3600, kHibernate, 0}, kAc, 1800, true, {1800, kHibernate, 0}},
+    {Hibernate, "hibernating already, off", {3600, kHibernate, 0}, kAc, 0, true, {0, kHibernate, 0}},
+    {Hibernate, "wraps", {-kHuge, kSleep, 0}, kAc, kHuge, false, {}},
 };
 
-TEST_P(StandbyRule, MovesStandby)
+TEST(StandbyRules, MoveOneTimeAndKeepTheOther)
 {
-    const Case& row = GetParam();
-    IdleState state = row.before;
-    ASSERT_EQ(row.reconciled, ChangeStandbyTime(state, row.ac, row.value, LaterTime));
-    if (row.reconciled)
+    for (const Case& row : kCases)
     {
-        EXPECT_EQ(row.after.idle, state.idle);
-        EXPECT_EQ(row.after.action, state.action);
-        EXPECT_EQ(row.after.doze, state.doze);
+        SCOPED_TRACE(testing::Message() << (row.move == Standby ? "standby: " : "hibernation: ") << row.name);
+        IdleState state = row.before;
+        ASSERT_EQ(row.reconciled, row.move(state, row.ac, row.value));
+        if (row.reconciled)
+        {
+            EXPECT_EQ(row.after.idle, state.idle);
+            EXPECT_EQ(row.after.action, state.action);
+            EXPECT_EQ(row.after.doze, state.doze);
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, StandbyRule,
-    testing::Values(
-        Case{"hibernation stays where it is", {600, kSleep, 1200}, kAc, 1200, true, {1200, kSleep, 600}},
-        Case{"hibernation gives way", {600, kSleep, 1200}, kAc, 1800, true, {1800, kSleep, 1800}},
-        Case{"no later hibernation", {600, kSleep, 1200}, kAc, 7200, true, {7200, kSleep, 0}},
-        Case{"no later hibernation on battery", {600, kSleep, 1200}, kDc, 7200, true, {7200, kSleep, 0}},
-        Case{"off, hibernation stays", {600, kSleep, 1200}, kAc, 0, true, {1800, kHibernate, 0}},
-        Case{"off, no hibernation", {600, kSleep, 0}, kAc, 0, true, {0, kNone, 0}},
-        Case{"hibernation alone is lost", {3600, kHibernate, 0}, kAc, 900, true, {900, kSleep, 0}},
-        Case{"hibernation alone, off", {3600, kHibernate, 0}, kAc, 0, true, {0, kNone, 0}},
-        Case{"doze without idle is dropped", {0, kSleep, 1200}, kAc, 1800, true, {1800, kSleep, 0}},
-        Case{"hibernating with a doze", {600, kHibernate, 1200}, kAc, 2000, true, {2000, kSleep, 1600}},
-        Case{"later time before idle", {7200, kSleep, -6000}, kAc, 1500, false, {}},
-        Case{"later time at idle on mains", {3600, kSleep, -1800}, kAc, 2000, false, {}},
-        Case{"later time at idle on battery", {3600, kSleep, -1800}, kDc, 2000, true, {2000, kSleep, 0}},
-        Case{"times beyond all bounds", {kHuge, kSleep, 1}, kAc, 600, false, {}}));
-
-class HibernateRule : public testing::TestWithParam<Case>
-{
-};
-
-TEST_P(HibernateRule, MovesHibernation)
-{
-    const Case& row = GetParam();
-    IdleState state = row.before;
-    ASSERT_EQ(row.reconciled, ChangeHibernateTime(state, row.ac, row.value));
-    if (row.reconciled)
-    {
-        EXPECT_EQ(row.after.idle, state.idle);
-        EXPECT_EQ(row.after.action, state.action);
-        EXPECT_EQ(row.after.doze, state.doze);
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, HibernateRule,
-    testing::Values(Case{"behind standby", {600, kSleep, 0}, kAc, 1800, true, {600, kSleep, 1200}},
-                    Case{"before standby", {600, kSleep, 0}, kAc, 300, false, {}},
-                    Case{"off", {600, kSleep, 1200}, kAc, 0, true, {600, kSleep, 0}},
-                    Case{"without standby", {0, kNone, 0}, kAc, 1200, true, {1200, kHibernate, 0}},
-                    Case{"off without standby", {0, kNone, 0}, kAc, 0, true, {0, kNone, 0}},
-                    Case{"at standby on mains", {600, kSleep, 1200}, kAc, 600, false, {}},
-                    Case{"at standby on battery", {600, kSleep, 1200}, kDc, 600, true, {600, kSleep, 0}},
-                    Case{
-                        "hibernating already", {3600, kHibernate, 0}, kAc, 1800, true, {1800, kHibernate, 0}},
-                    Case{"hibernating already, off", {3600, kHibernate, 0}, kAc, 0, true, {0, kHibernate, 0}},
-                    Case{"wraps", {-kHuge, kSleep, 0}, kAc, kHuge, false, {}}));
 
 TEST(IdleTimes, FollowTheAction)
 {

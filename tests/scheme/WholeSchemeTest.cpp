@@ -13,16 +13,8 @@ using testing::Each;
 namespace
 {
 
-class XpWholeScheme : public SchemeTest
+class WholeScheme : public SchemeTest
 {
-};
-
-class VistaWholeScheme : public SchemeTest
-{
-protected:
-    VistaWholeScheme() : SchemeTest(6, 0)
-    {
-    }
 };
 
 // Values that the catalogue offers, all different where two could be mixed up.
@@ -38,29 +30,7 @@ PWRSET Sample(int scheme)
     return set;
 }
 
-void ExpectComesBack(Engine& engine, int scheme)
-{
-    PWRSET written = Sample(scheme);
-    ASSERT_EQ(scheme, engine.SetPwrVariable(written));
-    PWRSET read{};
-    read.dc.lums = 77;
-    read.name[0] = L'n';
-    ASSERT_EQ(1, engine.GetPwrVariableAll(read, scheme));
-    written.name[0] = L'n';
-    EXPECT_EQ(0, memcmp(&written, &read, sizeof read));
-}
-
-TEST_F(XpWholeScheme, ComesBackAsItWasWritten)
-{
-    ExpectComesBack(engine, 3);
-}
-
-TEST_F(VistaWholeScheme, ComesBackAsItWasWritten)
-{
-    ExpectComesBack(engine, 1);
-}
-
-TEST_F(XpWholeScheme, AMissingSchemeReadsAsNothing)
+TEST_F(WholeScheme, AMissingSchemeReadsAsNothing)
 {
     PWRSET set = Sample(42);
     const auto lines = LinesOf([&] { EXPECT_EQ(42, engine.SetPwrVariable(set)); });
@@ -81,7 +51,7 @@ TEST_F(XpWholeScheme, AMissingSchemeReadsAsNothing)
 }
 
 // A value of -1 is refused, so a record that was read leaves what it couldn't read alone.
-TEST_F(XpWholeScheme, ReadingChangingAndWritingLeavesTheRestAlone)
+TEST_F(WholeScheme, ReadingChangingAndWritingLeavesTheRestAlone)
 {
     ASSERT_EQ(1, engine.SetPwrVariable(3, 1, L"Wifi", 1));
     const POWER_POLICY before = Policy(3);
@@ -97,7 +67,7 @@ TEST_F(XpWholeScheme, ReadingChangingAndWritingLeavesTheRestAlone)
     EXPECT_EQ(5, engine.GetPwrVariable(3, 1, L"LanSpeed"));
 }
 
-TEST_F(XpWholeScheme, DisplayAttributesBelongToTheUser)
+TEST_F(WholeScheme, DisplayAttributesBelongToTheUser)
 {
     Engine bob;
     ActFor(bob, "bob");

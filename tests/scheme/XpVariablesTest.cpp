@@ -213,24 +213,18 @@ TEST_F(XpVariables, WithoutConfigurationKeysCountAsAbsent)
     EXPECT_EQ("1", Stored(kScheme, "Wifi"));
 }
 
-TEST_F(XpVariables, CatalogueQueries)
+TEST_F(XpVariables, CatalogueTexts)
 {
     wchar_t buffer[64] = L"untouched";
-    EXPECT_EQ(2, engine.GetPwrVariableOptCount(L"wifi"));
-    EXPECT_EQ(-1, engine.GetPwrVariableOptCount(L"Nothing"));
-    EXPECT_EQ(1, engine.GetPwrVariableOptValue(L"Wifi", 1));
-    EXPECT_EQ(-1, engine.GetPwrVariableOptValue(L"Wifi", 2));
     EXPECT_EQ(0, engine.GetPwrVariableName(L"USBPort 11", buffer, 64));
     EXPECT_EQ("untouched", seeding::Utf8(buffer));
-    EXPECT_EQ(-1, engine.GetPwrVariableOptDesc(L"DiskOffTimeOut", 14, buffer, 64));
-    EXPECT_EQ(9, engine.GetPwrVariableOptDesc(L"DiskOffTimeOut", 0, buffer, 64));
-    EXPECT_EQ("3 minutes", seeding::Utf8(buffer));
-    EXPECT_EQ(7, engine.GetPwrVariableUnit(L"DiskOffTimeOut", buffer, 64));
     EXPECT_EQ(0, engine.GetPwrVariableName(L"Thermal Throttle", buffer, 64));
     EXPECT_EQ("Thermal throttling", seeding::Utf8(buffer));
     EXPECT_EQ(-1, engine.GetPwrVariableName(L"Nothing", buffer, 64));
+    EXPECT_EQ(-1, engine.GetPwrVariableOptDesc(L"DiskOffTimeOut", 14, buffer, 64));
+    EXPECT_EQ(9, engine.GetPwrVariableOptDesc(L"DiskOffTimeOut", 0, buffer, 64));
+    EXPECT_EQ("3 minutes", seeding::Utf8(buffer));
     EXPECT_EQ(3, engine.GetPwrVariableUnit(L"DiskOffTimeOut", buffer, 4));
-    EXPECT_EQ(-1, engine.GetPwrVariableUnit(L"DiskOffTimeOut", nullptr, 4));
 }
 
 } // namespace
