@@ -15,10 +15,10 @@ using simulated::Trace;
 namespace
 {
 
-// Where a command makes many calls, those at the beginning and then every so many are let fail: the middle of
-// a whole scheme repeats the same few steps for each variable.
+// Where a command makes many calls, those at the beginning and then ever fewer are let fail: the middle of a
+// whole scheme repeats the same few steps for each variable.
 constexpr unsigned kEveryCallUpTo = 40;
-constexpr unsigned kStride = 17;
+constexpr unsigned kShareOfStride = 6;
 
 class FaultsOfThePlatform : public AcceptanceTest, public testing::WithParamInterface<DWORD>
 {
@@ -66,7 +66,7 @@ TEST_P(FaultsOfThePlatform, OfEachCommand)
         unsigned nth = 1;
         while (SendWithFault(request, nth))
         {
-            nth += nth < kEveryCallUpTo ? 1 : kStride;
+            nth += nth < kEveryCallUpTo ? 1 : nth / kShareOfStride;
         }
         const LONG code = host->Send(request.command, request.payload).code;
         EXPECT_TRUE(code == 0 || code == 1 || code == 5 || code == 6) << code;
