@@ -79,7 +79,7 @@ TEST_F(AddDelete, ACopyTakesRecordsAndSomeVariablesAlong)
     EXPECT_EQ(-1, engine.GetPwrVariable(6, 1, L"BTStatus"));
     const auto processor = Processor(6);
     const auto original = Processor(3);
-    EXPECT_EQ(0, memcmp(&original, &processor, sizeof processor));
+    EXPECT_EQ(BytesOf(original), BytesOf(processor));
     EXPECT_EQ("Mine", NameOf(engine, 6));
     EXPECT_EQ("6", seeding::GetText(HKEY_LOCAL_MACHINE, kMachineKey, "LastID"));
     EXPECT_EQ((Entries{{6, "Mine"}}), EntriesOf(SidOf("alice")));
@@ -141,7 +141,7 @@ TEST_F(AddDelete, AWholeSchemeIsAddedWithItsValues)
     EXPECT_EQ((Entries{{6, "Mine"}}), EntriesOf(SidOf("alice")));
     PWRSET read = set;
     engine.GetPwrVariableAll(read, 6);
-    EXPECT_EQ(0, memcmp(&set, &read, sizeof set));
+    EXPECT_EQ(BytesOf(set), BytesOf(read));
     EXPECT_EQ(0, engine.GetPwrVariable(6, 1, L"HibernateTimeOut"));
     set.schemeID = 3;
     EXPECT_EQ(-2, engine.AddPwrScheme(set, L"alice"));

@@ -322,12 +322,12 @@ TEST_F(XpApply, TheGlobalPolicyIsTheUsersButForTheMachinesPart)
     ASSERT_TRUE(Notebook::SetModule("PowrProf.dll.ReadGlobalPwrPolicy", true));
     GLOBAL_POWER_POLICY after{};
     ASSERT_TRUE(ReadGlobalPwrPolicy(&after));
-    EXPECT_EQ(0, memcmp(&before, &after, sizeof before));
+    EXPECT_EQ(BytesOf(before), BytesOf(after));
 
     engine.SetGolbalPwrPolicyFromCurrentUser(2);
     ASSERT_TRUE(ReadGlobalPwrPolicy(&after));
-    EXPECT_EQ(0, memcmp(&user, &after.user, sizeof user));
-    EXPECT_EQ(0, memcmp(&before.mach, &after.mach, sizeof after.mach));
+    EXPECT_EQ(BytesOf(user), BytesOf(after.user));
+    EXPECT_EQ(BytesOf(before.mach), BytesOf(after.mach));
 
     const BYTE tooBig[177] = {};
     setPolicy(tooBig, sizeof tooBig);

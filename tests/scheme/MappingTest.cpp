@@ -77,7 +77,7 @@ TEST_F(VistaMapping, RowsAndGuidsLeadToEachOther)
 {
     GUID guid{};
     EXPECT_EQ(1, engine.SchemeIndexToGuid(1, &guid));
-    EXPECT_EQ(0, memcmp(&kBalanced, &guid, sizeof guid));
+    EXPECT_EQ(BytesOf(kBalanced), BytesOf(guid));
     EXPECT_EQ(1, engine.SchemeGuidToIndex(&guid));
     EXPECT_EQ(3, engine.GetPwrSchemeMaxIndex());
     EXPECT_EQ(-1, engine.SchemeGuidToIndex(&kUnknown));
@@ -128,7 +128,7 @@ TEST_F(VistaMapping, AnUnknownActiveSchemeGetsTheNextRow)
     EXPECT_EQ(4, engine.GetPwrSchemeMaxIndex());
     GUID guid{};
     EXPECT_EQ(1, engine.SchemeIndexToGuid(3, &guid));
-    EXPECT_EQ(0, memcmp(copy, &guid, sizeof guid));
+    EXPECT_EQ(BytesOf(*copy), BytesOf(guid));
     EXPECT_EQ(3, engine.GetActivePwrScheme(0));
 
     ASSERT_TRUE(Store(3, "GUID", ""));

@@ -17,6 +17,13 @@ constexpr const char* kAbsent = "(absent)";
 /// Row 1 of the reference installation.
 constexpr GUID kBalanced = {0x381B4222, 0xF694, 0x41F0, {0x96, 0x85, 0xFF, 0x5B, 0xB2, 0x60, 0xDF, 0x2E}};
 
+/// A record's bytes, padding included, to be compared.
+template <class Record>
+std::string BytesOf(const Record& record)
+{
+    return {reinterpret_cast<const char*>(&record), sizeof record};
+}
+
 /// The engine with its protected operations.
 class Engine : public CSchemeEx
 {

@@ -47,7 +47,7 @@ TEST_F(WholeScheme, AMissingSchemeReadsAsNothing)
     expected.IfDefault = 1;
     expected.IconNum = -7;
     expected.IfShow = 3;
-    EXPECT_EQ(0, memcmp(&expected, &read, sizeof read));
+    EXPECT_EQ(BytesOf(expected), BytesOf(read));
 }
 
 // A value of -1 is refused, so a record that was read leaves what it couldn't read alone.

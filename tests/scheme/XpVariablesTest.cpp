@@ -53,7 +53,7 @@ TEST_F(XpVariables, StandbyAndHibernationShareTheirFields)
     const POWER_POLICY before = Policy(kScheme);
     EXPECT_EQ(-2, engine.SetPwrVariable(kScheme, 1, L"HibernateTimeOut", 300));
     const POWER_POLICY after = Policy(kScheme);
-    EXPECT_EQ(0, memcmp(&before, &after, sizeof before));
+    EXPECT_EQ(BytesOf(before), BytesOf(after));
 
     ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", 0));
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.GetPwrVariable(kScheme, 1, L"StandbyTimeOut")); }),
@@ -159,7 +159,7 @@ TEST_F(XpVariables, RefusalsSayWhyAndChangeNothing)
     }
     EXPECT_EQ(kAbsent, Stored(kScheme, "Wifi"));
     const auto after = Policy(kScheme);
-    EXPECT_EQ(0, memcmp(&before, &after, sizeof before));
+    EXPECT_EQ(BytesOf(before), BytesOf(after));
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"Wif")); }),
                 ElementsAre("ParseVarName(Wif) error", ""));
 }
