@@ -45,19 +45,27 @@ public:
         return writeAc != nullptr && writeDc != nullptr;
     }
 
-    bool Write(const GUID& group, const GUID& which, int value) const noexcept
+    /// The variable's own setting, as the catalogue names it.
+    bool Write(int value) const noexcept
     {
-        return m_write(nullptr, &scheme, &group, &which, static_cast<DWORD>(value)) == ERROR_SUCCESS;
+        return WriteSetting(subGroup, setting, value);
     }
 
     bool WriteProcessor(const GUID& which, int value) const noexcept
     {
-        return Write(kProcessorSettings, which, value);
+        return WriteSetting(kProcessorSettings, which, value);
     }
 
     GUID scheme{};
+    GUID subGroup{};
+    GUID setting{};
 
 private:
+    bool WriteSetting(const GUID& group, const GUID& which, int value) const noexcept
+    {
+        return m_write(nullptr, &scheme, &group, &which, static_cast<DWORD>(value)) == ERROR_SUCCESS;
+    }
+
     PowerValueWriter m_write = nullptr;
 };
 
@@ -85,12 +93,45 @@ bool LevelToPercentage(int level, LONG levels, int& percentage) noexcept
     return true;
 }
 
+int WriteBacklight(const SettingWriter& writer, StoredVariables& stored, int level) noexcept
+{
+    int percentage = 0;
+    const bool isWritten =
+        LevelToPercentage(level, stored.MaxBrightLevel(), percentage) && writer.Write(percentage);
+    return isWritten ? percentage : -1;
+}
+
 bool IsTimeOut(const wchar_t* name) noexcept
 {
     constexpr const wchar_t* kTimeOuts[] = {L"HibernateTimeOut", L"DiskOffTimeOut", L"StandbyTimeOut",
                                             L"MonitorOffTimeOut"};
     return std::any_of(std::begin(kTimeOuts), std::end(kTimeOuts),
                        [name](const wchar_t* timeOut) { return text::Equal(name, timeOut); });
+}
+
+// What follows from a variable that has been stored. The result is that of the whole write.
+int PassOn(CSchemeEx& engine, const SettingWriter& writer, StoredVariables& stored, const Variable& variable,
+           int index, bool ac, int value) noexcept
+{
+    switch (variable.vista)
+    {
+    case VistaPlace::ThrottleMinimum:
+        return writer.WriteProcessor(kThrottleMinimum, value) ? value : -1;
+    case VistaPlace::ThrottleMaximum:
+        return writer.WriteProcessor(kThrottleMaximum, value) ? value : -1;
+    case VistaPlace::Adaptive:
+        return WriteAdaptive(writer, ac, value) ? value : -1;
+    case VistaPlace::Backlight:
+        return WriteBacklight(writer, stored, value);
+    case VistaPlace::Speed:
+        if (value == 0)
+        {
+            engine.SetPwrVariable(index, ac ? 1 : 0, VariableOf(kCpuAdaptive).name, kAdaptivePolicy);
+        }
+        return value;
+    default:
+        return value;
+    }
 }
 
 } // namespace
@@ -114,15 +155,13 @@ int vista::WriteVariable(CSchemeEx& engine, int index, bool ac, const wchar_t* n
         return -1;
     }
     const Variable& variable = VariableOf(number);
-    GUID subGroup{};
-    GUID setting{};
-    if (HasSetting(variable) && !catalogue::ReadSetting(name, subGroup, setting))
+    if (HasSetting(variable) && !catalogue::ReadSetting(name, writer.subGroup, writer.setting))
     {
         return -1;
     }
     if (variable.vista == VistaPlace::Setting)
     {
-        return vista::Accepts(name, value) && writer.Write(subGroup, setting, value) ? 1 : -1;
+        return vista::Accepts(name, value) && writer.Write(value) ? 1 : -1;
     }
 
     StoredVariables stored(index);
@@ -136,29 +175,5 @@ int vista::WriteVariable(CSchemeEx& engine, int index, bool ac, const wchar_t* n
         return value;
     }
     stored.Merge(variable, ac, value);
-
-    switch (variable.vista)
-    {
-    case VistaPlace::ThrottleMinimum:
-        return writer.WriteProcessor(kThrottleMinimum, value) ? value : -1;
-    case VistaPlace::ThrottleMaximum:
-        return writer.WriteProcessor(kThrottleMaximum, value) ? value : -1;
-    case VistaPlace::Adaptive:
-        return WriteAdaptive(writer, ac, value) ? value : -1;
-    case VistaPlace::Speed:
-        if (value == 0)
-        {
-            engine.SetPwrVariable(index, ac ? 1 : 0, VariableOf(kCpuAdaptive).name, kAdaptivePolicy);
-        }
-        return value;
-    case VistaPlace::Backlight:
-    {
-        int percentage = 0;
-        const bool isWritten = LevelToPercentage(value, stored.MaxBrightLevel(), percentage) &&
-                               writer.Write(subGroup, setting, percentage);
-        return isWritten ? percentage : -1;
-    }
-    default:
-        return value;
-    }
+    return PassOn(engine, writer, stored, variable, index, ac, value);
 }
