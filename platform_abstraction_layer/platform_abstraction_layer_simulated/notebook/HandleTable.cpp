@@ -19,7 +19,7 @@ namespace
 struct Entry
 {
     std::shared_ptr<Object> object;
-    bool observed;
+    bool counted; ///< the leak count knows it
 };
 
 struct Table
@@ -67,11 +67,12 @@ void* HandleTable::Insert(std::shared_ptr<Object> object, const PlatformCall& ca
         handle += kHandleStep;
     }
     void* const result = reinterpret_cast<void*>(handle);
-    if (call.IsObserved())
+    const bool counted = call.IsObserved() && !object->LivesWithTheProcess();
+    if (counted)
     {
         Leaks::Opened(LeakKind(object->Kind()), result, call.Function());
     }
-    table.entries[handle] = {std::move(object), call.IsObserved()};
+    table.entries[handle] = {std::move(object), counted};
     return result;
 }
 
@@ -94,7 +95,7 @@ DWORD HandleTable::Close(const void* handle)
         return ERROR_INVALID_HANDLE;
     }
     last = std::move(found->second.object);
-    if (found->second.observed)
+    if (found->second.counted)
     {
         Leaks::Closed(LeakKind(last->Kind()), handle);
     }

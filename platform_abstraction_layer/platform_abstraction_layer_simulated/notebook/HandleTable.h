@@ -40,6 +40,12 @@ public:
         return m_kind;
     }
 
+    /// True for what the plug-in keeps open by design until its process ends; the leak count passes it over.
+    virtual bool LivesWithTheProcess() const
+    {
+        return false;
+    }
+
 private:
     ObjectKind m_kind;
 };

@@ -5,6 +5,7 @@
 
 #include "drivers/DriverControls.h"
 #include "kernel32/Devices.h"
+#include "kernel32/SystemVersion.h"
 #include "notebook/DriverGate.h"
 #include "notebook/Text.h"
 
@@ -88,6 +89,12 @@ class KernelDriverDevice : public Device
 public:
     explicit KernelDriverDevice(bool isObserved) : m_isObserved(isObserved)
     {
+    }
+
+    // From Windows Vista on the channel to the driver stays open once it is.
+    bool LivesWithTheProcess() const override
+    {
+        return ReadSystemVersion().major >= 6;
     }
 
     DWORD Control(DWORD code, const void* in, DWORD inSize, void* out, DWORD outSize,
