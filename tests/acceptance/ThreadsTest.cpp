@@ -127,6 +127,33 @@ TEST_F(Threads, AStopWaitsForTheRequestsThatRun)
     requester.join();
 }
 
+// The second of two callers finds nothing left to stop, and still returns only when the thread has ended.
+TEST_F(Threads, EachOfTwoStopsWaitsForTheNotificationThread)
+{
+    std::atomic<bool> isInside = false;
+    std::atomic<bool> isOver = false;
+    host.onEvent = [&](const Event&)
+    {
+        isInside = true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        isOver = true;
+    };
+    SignalApplied();
+    while (!isInside)
+    {
+        std::this_thread::yield();
+    }
+    const auto stop = [&]
+    {
+        host.Uninitialize();
+        EXPECT_TRUE(isOver);
+    };
+    std::thread first(stop);
+    std::thread second(stop);
+    first.join();
+    second.join();
+}
+
 TEST_F(Threads, StartsAndStopsMayMeet)
 {
     const auto work = [&]

@@ -27,7 +27,7 @@ struct Run
     DWORD threadId;
     bool isOver; // the thread's own: it was stopped from within its call of the host
     LONG volatile shares;
-    Run* nextWaiting;
+    Run* nextAlive;
 };
 
 // Guards the context's handles and the two variables below. Nobody waits or calls the host under it.
@@ -36,9 +36,13 @@ CRITICAL_SECTION section;
 // The start to which the context's handles belong.
 Run* current = nullptr;
 
-// Starts whose thread hasn't come for them yet. A thread finds its own by its number: another start may
-// already have followed when it gets to run.
-Run* waiting = nullptr;
+// Starts whose thread hasn't ended. A thread finds its own by its number: another start may already have
+// followed when it gets to run.
+Run* alive = nullptr;
+
+// Held while one caller stops a thread and waits for its end, so that a second caller doesn't return before
+// it. The threads that are stopped never take it.
+CRITICAL_SECTION stopping;
 
 void CloseEvents(Run& run) noexcept
 {
@@ -82,18 +86,28 @@ Run* Prepare() noexcept
 }
 
 // The calling thread's own start, or null.
-Run* TakeOwn() noexcept
+Run* FindOwn() noexcept
 {
     const owners::SectionLock lock(section);
     const DWORD self = GetCurrentThreadId();
-    for (Run** link = &waiting; *link != nullptr; link = &(*link)->nextWaiting)
+    Run* run = alive;
+    while (run != nullptr && run->threadId != self)
     {
-        if ((*link)->threadId == self)
-        {
-            return std::exchange(*link, (*link)->nextWaiting);
-        }
+        run = run->nextAlive;
     }
-    return nullptr;
+    return run;
+}
+
+// Takes a start out of the list, as the last thing that its thread does with it.
+void Leave(const Run* run) noexcept
+{
+    const owners::SectionLock lock(section);
+    Run** link = &alive;
+    while (*link != run)
+    {
+        link = &(*link)->nextAlive;
+    }
+    *link = run->nextAlive;
 }
 
 // The number of the scheme in force as the party outside stored it; 0, with the reason logged, when it can't
@@ -129,48 +143,8 @@ bool WaitForApplied(const Run& run) noexcept
            WAIT_OBJECT_0 + 1;
 }
 
-} // namespace
-
-void SetUp() noexcept
-{
-    InitializeCriticalSection(&section);
-}
-
-void TearDown() noexcept
-{
-    DeleteCriticalSection(&section);
-}
-
-bool Start(CPluginHelper& context) noexcept
-{
-    const owners::SectionLock lock(section);
-    if (current != nullptr)
-    {
-        return true;
-    }
-    Run* const run = Prepare();
-    if (run == nullptr)
-    {
-        return false;
-    }
-    // The thread looks for its start under the lock, so it finds it complete.
-    const HANDLE thread = CreateThread(nullptr, 0, &PMNotifyHandler, nullptr, 0, &run->threadId);
-    if (thread == nullptr)
-    {
-        FreeLibrary(run->module);
-        GiveBack(run);
-        return false;
-    }
-    run->shares = 2;
-    run->nextWaiting = std::exchange(waiting, run);
-    current = run;
-    context.applySchemeEvent = run->appliedEvent;
-    context.notifyThread = thread;
-    PmLog(L"Create Event APPLY_SCHEME_EVENT");
-    return true;
-}
-
-void Stop(CPluginHelper& context) noexcept
+// Ends the current start, if there is one, and waits for its thread unless that is the calling one.
+void StopCurrent(CPluginHelper& context) noexcept
 {
     Run* run = nullptr;
     owners::Handle thread;
@@ -197,12 +171,66 @@ void Stop(CPluginHelper& context) noexcept
     GiveBack(run);
 }
 
+} // namespace
+
+void SetUp() noexcept
+{
+    InitializeCriticalSection(&section);
+    InitializeCriticalSection(&stopping);
+}
+
+void TearDown() noexcept
+{
+    DeleteCriticalSection(&stopping);
+    DeleteCriticalSection(&section);
+}
+
+bool Start(CPluginHelper& context) noexcept
+{
+    const owners::SectionLock lock(section);
+    if (current != nullptr)
+    {
+        return true;
+    }
+    Run* const run = Prepare();
+    if (run == nullptr)
+    {
+        return false;
+    }
+    // The thread looks for its start under the lock, so it finds it complete.
+    const HANDLE thread = CreateThread(nullptr, 0, &PMNotifyHandler, nullptr, 0, &run->threadId);
+    if (thread == nullptr)
+    {
+        FreeLibrary(run->module);
+        GiveBack(run);
+        return false;
+    }
+    run->shares = 2;
+    run->nextAlive = std::exchange(alive, run);
+    current = run;
+    context.applySchemeEvent = run->appliedEvent;
+    context.notifyThread = thread;
+    PmLog(L"Create Event APPLY_SCHEME_EVENT");
+    return true;
+}
+
+void Stop(CPluginHelper& context) noexcept
+{
+    if (FindOwn() != nullptr)
+    {
+        StopCurrent(context);
+        return;
+    }
+    const owners::SectionLock turn(stopping);
+    StopCurrent(context);
+}
+
 } // namespace notification
 
 DWORD WINAPI PMNotifyHandler(LPVOID) noexcept
 {
     PmLog(L"enter PMNotifyHandler");
-    notification::Run* const run = notification::TakeOwn();
+    notification::Run* const run = notification::FindOwn();
     if (run == nullptr)
     {
         PmLog(L"return PMNotifyHandler");
@@ -221,6 +249,7 @@ DWORD WINAPI PMNotifyHandler(LPVOID) noexcept
 
     // The host may have unloaded the library from within its event; the last reference is then this thread's.
     const HMODULE module = run->module;
+    notification::Leave(run);
     notification::GiveBack(run);
     FreeLibraryAndExitThread(module, 0);
 }
