@@ -7,6 +7,8 @@
 #include "Payload.h"
 #include "TextTools.h"
 
+#include "foundation/Owners.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -35,24 +37,6 @@ int MillisecondsOf(const std::vector<std::string>& words, std::size_t place, int
     return place < words.size() ? ParseNumber(words[place]).value_or(otherwise) : otherwise;
 }
 
-class Lock
-{
-public:
-    explicit Lock(CRITICAL_SECTION& section) : m_section(section)
-    {
-        EnterCriticalSection(&m_section);
-    }
-    ~Lock()
-    {
-        LeaveCriticalSection(&m_section);
-    }
-    Lock(const Lock&) = delete;
-    Lock& operator=(const Lock&) = delete;
-
-private:
-    CRITICAL_SECTION& m_section;
-};
-
 } // namespace
 
 Console::Console(Session& session, std::string user, Style style)
@@ -70,7 +54,7 @@ Console::~Console()
 
 void Console::Print(const std::string& text)
 {
-    const Lock lock(m_section);
+    const owners::SectionLock lock(m_section);
     std::fputs(text.c_str(), stdout);
     std::fflush(stdout);
 }
@@ -79,7 +63,7 @@ void Console::Receive(const Event& event)
 {
     Print(Show(event, m_style));
     {
-        const Lock lock(m_section);
+        const owners::SectionLock lock(m_section);
         m_events.push_back(event);
     }
     SetEvent(m_arrived);
@@ -91,7 +75,7 @@ bool Console::WaitFor(const std::string& event, int milliseconds)
     for (;;)
     {
         {
-            const Lock lock(m_section);
+            const owners::SectionLock lock(m_section);
             const auto found =
                 std::find_if(m_events.begin(), m_events.end(),
                              [&event](const Event& came) { return EqualIgnoringCase(came.name, event); });

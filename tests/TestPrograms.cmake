@@ -1,7 +1,7 @@
 # add_test_program(NAME SOURCES... [LIBRARIES ...] [LABELS ...])
 #
-# A test program of GoogleTest and one CTest entry that runs it whole. A skipped test fails the entry, unless
-# the program says why a skip is right by writing "allowed skip:" with the reason.
+# A test program of GoogleTest and one CTest entry that runs it whole. A skipped test fails the entry:
+# no skip is allowed.
 
 set(GTEST_SOURCES /usr/src/googletest CACHE PATH "Where the sources of GoogleTest lie")
 if(NOT EXISTS ${GTEST_SOURCES}/CMakeLists.txt)

@@ -6,6 +6,7 @@
 
 #include "acceptance/Environment.h"
 #include "acceptance/GuardedBytes.h"
+#include "foundation/Owners.h"
 
 #include <gtest/gtest.h>
 
@@ -18,24 +19,6 @@ namespace
 constexpr auto kLongestWait = std::chrono::seconds(10);
 
 Host* theHost = nullptr;
-
-class Lock
-{
-public:
-    explicit Lock(CRITICAL_SECTION& section) : m_section(section)
-    {
-        EnterCriticalSection(&m_section);
-    }
-    ~Lock()
-    {
-        LeaveCriticalSection(&m_section);
-    }
-    Lock(const Lock&) = delete;
-    Lock& operator=(const Lock&) = delete;
-
-private:
-    CRITICAL_SECTION& m_section;
-};
 
 template <class Function>
 bool Resolve(HMODULE library, const char* name, Function& function)
@@ -195,7 +178,7 @@ LONG Host::Send(PM_Request* request)
 
 std::vector<Event> Host::TakeEvents()
 {
-    const Lock lock(m_section);
+    const owners::SectionLock lock(m_section);
     std::vector<Event> events(m_events.begin(), m_events.end());
     m_events.clear();
     ResetEvent(m_arrived);
@@ -209,7 +192,7 @@ std::optional<Event> Host::WaitForEvent()
     while (WaitForSingleObject(m_arrived, 1000) == WAIT_TIMEOUT && std::chrono::steady_clock::now() < end)
     {
     }
-    const Lock lock(m_section);
+    const owners::SectionLock lock(m_section);
     if (m_events.empty())
     {
         return std::nullopt;
@@ -236,7 +219,7 @@ void Host::Keep(Event event)
     {
         onEvent(event);
     }
-    const Lock lock(m_section);
+    const owners::SectionLock lock(m_section);
     m_events.push_back(std::move(event));
     SetEvent(m_arrived);
 }
