@@ -214,7 +214,6 @@ TEST_F(DeviceCommands, TheLogFollowsTheRequest)
         "send LAN Speed change event to TRX",
         "Set brightness level.",
         "",
-        "set LCD level 4 ",
         "set brightness level, ec setup failed",
     };
     EXPECT_EQ(kLines, seeding::LogLines("trxpm.log"));

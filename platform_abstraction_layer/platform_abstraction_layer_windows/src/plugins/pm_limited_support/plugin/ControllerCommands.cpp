@@ -160,18 +160,14 @@ LONG GetLcdBrightness(CPluginHelper&, const PM_Request& request) noexcept
 LONG SetLcdBrightness(CPluginHelper& context, const PM_Request& request) noexcept
 {
     const auto level = exchange::ReadPayload<LONG>(request);
-    PmLog(L"set LCD level %d ", level);
-    if (level < 0)
-    {
-        return TRX_OPERATION_FAIL;
-    }
     CEcAgent agent;
-    if (agent.Setup() < 0)
+    if (level >= 0 && agent.Setup() < 0)
     {
         PmLog(L"set brightness level, ec setup failed");
         return TRX_OPERATION_FAIL;
     }
-    if (agent.SetBacklightLevel(static_cast<int>(level)) == -1)
+    PmLog(L"set LCD level %d ", level);
+    if (level < 0 || agent.SetBacklightLevel(static_cast<int>(level)) == -1)
     {
         return TRX_OPERATION_FAIL;
     }
