@@ -168,6 +168,7 @@ void StopCurrent(CPluginHelper& context) noexcept
     {
         WaitForSingleObject(thread.Get(), INFINITE);
     }
+    thread.Reset();
     GiveBack(run);
 }
 
