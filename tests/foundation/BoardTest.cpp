@@ -201,7 +201,12 @@ TEST_F(Boards, NamesAreBuiltWhereTheyFit)
     EXPECT_EQ(0, board.ConstructName(nullptr, L"B", name, 30, 0));
     EXPECT_EQ(0, board.ConstructName(L"IPB_Map", nullptr, name, 30, 0));
     EXPECT_EQ(0, board.ConstructName(L"IPB_Map", L"B", nullptr, 30, 0));
+
+    // The room is the caller's; a board's own names have 260 characters.
     const std::vector<wchar_t> longName = seeding::Wide(std::string(400, 'n'));
+    wchar_t room[500];
+    EXPECT_EQ(1, board.ConstructName(L"IPB_Map", longName.data(), room, 500, 0));
+    EXPECT_EQ("Global\\IPB_Map" + std::string(400, 'n') + "0", seeding::Utf8(room));
     EXPECT_EQ(kGeneralFailure, board.Reset(longName.data(), kSize, 1, 0));
 }
 

@@ -8,6 +8,7 @@
 #include "foundation/Results.h"
 #include "foundation/Text.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <limits>
@@ -20,7 +21,9 @@ constexpr DWORD kWholeMapping = 0xF001F;
 constexpr LONG kHighestCount = 0x7FFFFFFF;
 constexpr DWORD kLockTimeOut = 1000;
 
-// What `ConstructName` wants beside the two strings.
+constexpr wchar_t kPrefix[] = L"Global\\";
+
+// What is set aside for prefix and instance number of a name.
 constexpr std::size_t kNameOverhead = 10;
 
 void ReportLastError(const wchar_t* format) noexcept
@@ -248,19 +251,14 @@ int CInterProcessBoard::ConstructName(const wchar_t* kind, const wchar_t* name, 
     {
         return 0;
     }
-    wchar_t built[text::kPathCapacity];
-    const std::size_t needed = text::Length(kind) + text::Length(name) + kNameOverhead;
-    const auto room = static_cast<std::size_t>(size) - 1;
-    if (needed > room || needed >= std::size(built))
+    wchar_t number[16];
+    const std::size_t digits = text::Format(number, L"%d", instance);
+    // A number of many digits needs more than what is set aside.
+    const std::size_t overhead = std::max(kNameOverhead, std::size(kPrefix) - 1 + digits);
+    if (text::Length(kind) + text::Length(name) + overhead > static_cast<std::size_t>(size) - 1)
     {
         return 0;
     }
-    // The overhead doesn't cover an instance number of many digits, so the text is tested as well.
-    const std::size_t length = text::Format(built, L"Global\\%s%s%d", kind, name, instance);
-    if (length > room || length + 1 == std::size(built))
-    {
-        return 0;
-    }
-    text::Copy(buffer, static_cast<std::size_t>(size), built);
+    text::Format(buffer, static_cast<std::size_t>(size), L"%s%s%s%s", kPrefix, kind, name, number);
     return 1;
 }
