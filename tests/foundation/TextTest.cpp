@@ -129,7 +129,7 @@ TEST(NumbersInText, AreReadAsTheRuntimeReadsThem)
         {"42", 42, true, 0x42},  {" \t-7x", -7, true, 0u - 7u},
         {"+3", 3, true, 3},      {"", 0, false, 0},
         {"-", 0, false, 0},      {"g1", 0, false, 0},
-        {"0x1F", 0, true, 0x1F}, {"0x", 0, true, 0},
+        {"0x1F", 0, true, 0x1F}, {"0x", 0, false, 0},
         {"fFz", 0, true, 0xFF},  {"2147483648", -2147483647 - 1, true, 0x47483648},
     };
     for (const Case& row : kCases)

@@ -227,7 +227,7 @@ bool ScanHex(const wchar_t* source, ULONG& value) noexcept
 {
     source = SkipBlanks(source);
     const bool negative = SkipSign(source);
-    if (source[0] == L'0' && LowerCase(source[1]) == L'x' && DigitValue(source[2]) < 16)
+    if (source[0] == L'0' && LowerCase(source[1]) == L'x')
     {
         source += 2;
     }
