@@ -175,7 +175,8 @@ bool EqualIgnoringCase(const wchar_t* left, const wchar_t* right) noexcept
 
 bool EqualNames(const wchar_t* left, const wchar_t* right) noexcept
 {
-    return lstrcmpiW(left, right) == 0;
+    // The system's comparison is a linguistic one: it takes "ss" for a sharp s and reads over a soft hyphen.
+    return lstrcmpiW(left, right) == 0 && Length(left) == Length(right);
 }
 
 bool Contains(const wchar_t* whole, const wchar_t* part) noexcept

@@ -39,7 +39,7 @@ bool Equal(const wchar_t* left, const wchar_t* right) noexcept;
 /// Without regard to the case of the letters A to Z.
 bool EqualIgnoringCase(const wchar_t* left, const wchar_t* right) noexcept;
 
-/// Without regard to case in the whole alphabet, as the system compares names (`lstrcmpiW`).
+/// Without regard to case in the whole alphabet: the system's comparison, character for character.
 bool EqualNames(const wchar_t* left, const wchar_t* right) noexcept;
 
 /// True when `part` stands somewhere in `whole`, case told apart.
