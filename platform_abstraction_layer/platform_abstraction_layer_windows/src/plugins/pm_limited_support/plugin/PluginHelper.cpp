@@ -73,7 +73,7 @@ LONG CPluginHelper::HandleRequest(const PM_Request* request) noexcept
 
 int CPluginHelper::GetUserInfoIndex(const wchar_t* userName) noexcept
 {
-    int free = -1;
+    int target = -1;
     for (int slot = 0; slot < kUserSlots; ++slot)
     {
         if (users[slot].inUse == 1 && text::EqualNames(users[slot].userName, userName))
@@ -81,34 +81,34 @@ int CPluginHelper::GetUserInfoIndex(const wchar_t* userName) noexcept
             PmLog(L"find the subkey&path %d", slot);
             return slot;
         }
-        if (users[slot].inUse == 0 && free < 0)
+        if (users[slot].inUse == 0 && target < 0)
         {
-            free = slot;
+            target = slot;
         }
     }
-    if (free >= 0)
+    if (target >= 0)
     {
-        PmLog(L"can't find subkey&path, find an empty one %d", free);
+        PmLog(L"can't find subkey&path, find an empty one %d", target);
     }
     else
     {
         PmLog(L"can't find empty one, replace 2");
-        free = kReplacedSlot;
+        target = kReplacedSlot;
     }
 
-    UserInfo& user = users[free];
+    UserInfo& user = users[target];
     user = {};
     text::Copy(user.userName, userName);
     if (GetCurrentUserSubkeyProfilePath(userName, user.subKey, user.profilePath) != 1)
     {
-        PmLog(L"set subkey&path at pos%d failed", free);
+        PmLog(L"set subkey&path at pos%d failed", target);
         return -1;
     }
     user.inUse = 1;
-    PmLog(L"set subkey&path at pos%d succeed", free);
+    PmLog(L"set subkey&path at pos%d succeed", target);
     PmLog(L"Getuserinfo SubKey=%s", user.subKey);
     PmLog(L"Getuserinfo path=%s", user.profilePath);
-    return free;
+    return target;
 }
 
 void CPluginHelper::SendHostEvent(const char* eventName, LONG value) noexcept

@@ -9,7 +9,7 @@
 #include "plugin/HostRecords.h"
 
 /// How the plug-in calls itself, to the host and in every event.
-constexpr const char* kModuleId = "Kelvo Power Manager";
+inline constexpr char kModuleId[] = "Kelvo Power Manager";
 
 /// One slot of the user table.
 struct UserInfo
