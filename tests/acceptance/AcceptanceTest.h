@@ -1,6 +1,6 @@
 // tests/acceptance/AcceptanceTest.h
 //
-// The base of the acceptance tests: a machine for each test.
+// The bases of the acceptance tests: a machine for each test, and one on each generation of Windows.
 #pragma once
 
 #include "acceptance/Environment.h"
@@ -8,6 +8,8 @@
 #include "acceptance/Seeding.h"
 
 #include <gtest/gtest.h>
+
+#include <optional>
 
 class AcceptanceTest : public testing::Test
 {
@@ -25,4 +27,22 @@ protected:
     }
 
     environment::Machine machine;
+};
+
+/// The parameter is the major version of Windows: `testing::ValuesIn(environment::Generations())`.
+class GenerationTest : public AcceptanceTest, public testing::WithParamInterface<DWORD>
+{
+protected:
+    void SetUp() override
+    {
+        environment::Recreate(GetParam());
+        host.emplace();
+    }
+
+    static bool IsXp()
+    {
+        return GetParam() == 5;
+    }
+
+    std::optional<Host> host;
 };

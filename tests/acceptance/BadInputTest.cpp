@@ -6,8 +6,6 @@
 #include "acceptance/AcceptanceTest.h"
 #include "acceptance/CommandShapes.h"
 #include "acceptance/GuardedBytes.h"
-#include "acceptance/NativeMachine.h"
-#include "notebook/Trace.h"
 
 #include <random>
 
@@ -22,20 +20,17 @@ std::vector<std::byte> Zeros(std::size_t size)
     return std::vector<std::byte>(size);
 }
 
-class BadInput : public AcceptanceTest, public testing::WithParamInterface<DWORD>
+class BadInput : public GenerationTest
 {
 protected:
     void SetUp() override
     {
-        environment::Recreate(GetParam());
-        host.emplace();
+        GenerationTest::SetUp();
         host->Uninitialize(); // the calls of its thread aren't a request's
     }
-
-    std::optional<Host> host;
 };
 
-INSTANTIATE_TEST_SUITE_P(Windows, BadInput, testing::Values(5, 6));
+INSTANTIATE_TEST_SUITE_P(Windows, BadInput, testing::ValuesIn(environment::Generations()));
 
 TEST_P(BadInput, WrongLengthsFail)
 {
@@ -94,10 +89,10 @@ TEST_P(BadInput, NullPointersFailBeforeAnythingIsDone)
         }
         for (PM_Request& request : requests)
         {
-            simulated::Trace::Clear();
+            environment::ForgetCalls();
             EXPECT_EQ(6, host->Send(&request)) << shape.name;
             EXPECT_EQ(reply.size(), size) << shape.name;
-            EXPECT_EQ(simulated::Trace::Count(simulated::CallClass::Log), simulated::Trace::Calls().size())
+            EXPECT_TRUE(environment::HasOnlyLogged())
                 << shape.name << " asked more of the platform than a log line";
         }
     }
@@ -111,8 +106,7 @@ TEST_P(BadInput, AnAccountNameIsBounded)
         LONG code;
     };
     const Case kCases[] = {
-        {"alice", 0},
-        {"ALICE", 0},
+        {environment::UserName(), 0},
         {"", 6},
         {"nobody", 6},
         {std::string(255, 'u'), 6},
@@ -145,7 +139,8 @@ TEST_P(BadInput, RandomBytesNeverLeaveTheBuffers)
                 // All bytes, printable ones without an end, or small numbers.
                 byte = static_cast<std::byte>(kind == 0 ? upTo(255) : kind == 1 ? 'A' + upTo(25) : upTo(3));
             }
-            host->user = upTo(3) == 0 ? std::string(upTo(300), static_cast<char>(1 + upTo(254))) : "alice";
+            host->user = upTo(3) == 0 ? std::string(upTo(300), static_cast<char>(1 + upTo(254)))
+                                      : environment::UserName();
             const LONG code = host->Send(shape.name, payload).code;
             EXPECT_TRUE(code == 0 || code == 1 || code == 6 ||
                         std::string(shape.name) == "POST_DOWN_INTERFACE")

@@ -5,15 +5,12 @@
 
 #include "acceptance/AcceptanceTest.h"
 #include "acceptance/CommandShapes.h"
-#include "acceptance/NativeMachine.h"
+#include "acceptance/HostThread.h"
 #include "acceptance/SampleRequests.h"
 #include "acceptance/Schemes.h"
-#include "notebook/Machine.h"
-#include "notebook/Trace.h"
 
 #include <atomic>
-#include <filesystem>
-#include <fstream>
+#include <deque>
 #include <random>
 #include <thread>
 
@@ -25,8 +22,8 @@ constexpr int kClients = 4;
 constexpr int kRequestsOfEach = 60;
 constexpr int kFirstAdded = 6;
 
-// With whom the machine knows there is one who isn't logged on, and nobodies.
-const std::string kUsers[] = {"alice", "bob", "ALICE", "carol", "nobody", ""};
+// Two whom the machine knows, and nobodies.
+const std::string kUsers[] = {environment::UserName(), environment::OtherUserName(), "nobody", ""};
 
 // Set on the threads on which requests are sent.
 thread_local bool isClient = false;
@@ -53,7 +50,7 @@ public:
             if (round % 10 == 0)
             {
                 m_mark.value = round;
-                EXPECT_EQ(0, m_host.SendFor("alice", "PUT_INT_INTO_CONFIG", Payload(m_mark)).code);
+                EXPECT_EQ(0, m_host.SendFor(kUsers[0], "PUT_INT_INTO_CONFIG", Payload(m_mark)).code);
             }
         }
     }
@@ -61,7 +58,7 @@ public:
     // What the shared file says of this client.
     LONG LastMark() const
     {
-        return m_host.SendFor("alice", "GET_INT_FROM_CONFIG", Payload(m_mark)).Number();
+        return m_host.SendFor(kUsers[0], "GET_INT_FROM_CONFIG", Payload(m_mark)).Number();
     }
 
 private:
@@ -101,49 +98,43 @@ private:
     PM_Config_Data m_mark{};
 };
 
-bool IsWellFormed(const std::filesystem::path& file)
+void CheckThatIsWellFormed(const std::string& file)
 {
-    std::ifstream stream(file, std::ios::binary);
-    for (std::string line; std::getline(stream, line);)
+    const std::string text = seeding::ReadBytes(file).value_or("");
+    EXPECT_EQ(std::string::npos, text.find('\0')) << file;
+    for (std::size_t begin = 0; begin < text.size();)
     {
-        if (line.ends_with('\r'))
-        {
-            line.pop_back();
-        }
+        const std::size_t end = std::min(text.find("\r\n", begin), text.size());
+        const std::string line = text.substr(begin, end - begin);
         const bool isHeader = line.starts_with('[') && line.ends_with(']');
-        if (line.find('\0') != std::string::npos ||
-            (!line.empty() && !line.starts_with(';') && !isHeader && line.find('=') == std::string::npos))
-        {
-            ADD_FAILURE() << file << ": " << line;
-            return false;
-        }
+        EXPECT_TRUE(line.empty() || line[0] == ';' || isHeader || line.find('=') != std::string::npos)
+            << file << ": " << line;
+        begin = end + 2;
     }
-    return true;
 }
 
-class ManyThreads : public AcceptanceTest, public testing::WithParamInterface<DWORD>
+void SignalApplied()
+{
+    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, L"ApplySchemeEvent");
+    SetEvent(event);
+    CloseHandle(event);
+}
+
+class ManyThreads : public GenerationTest
 {
 protected:
-    void SetUp() override
+    // Work for a thread: repeats `step` until `m_over`.
+    template <class Step>
+    auto Repeating(Step step)
     {
-        environment::Recreate(GetParam());
-        simulated::Trace::Record(false);
-        host.emplace();
-    }
-
-    // Repeats `work` on a thread of its own until `m_over`.
-    template <class Work>
-    std::thread Repeat(Work work)
-    {
-        return std::thread(
-            [this, work]
+        return [this, step]
+        {
+            while (!m_over)
             {
-                while (!m_over)
-                {
-                    work();
-                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-                }
-            });
+                step();
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        };
     }
 
     // The next request from within an event, and now and then a stop from within a request's own event.
@@ -153,7 +144,7 @@ protected:
         {
             EXPECT_EQ(0, host->Uninitialize());
         }
-        const LONG code = host->SendFor("bob", "GET_ACTIVE_SCHEME").code;
+        const LONG code = host->SendFor(kUsers[1], "GET_ACTIVE_SCHEME").code;
         EXPECT_TRUE(code == 0 || code == 6) << code;
     }
 
@@ -168,50 +159,40 @@ protected:
         }
     }
 
-    std::optional<Host> host;
     std::atomic<bool> m_over = false;
     std::atomic<int> m_events = 0;
 };
 
-INSTANTIATE_TEST_SUITE_P(Windows, ManyThreads, testing::Values(5, 6));
+INSTANTIATE_TEST_SUITE_P(Windows, ManyThreads, testing::ValuesIn(environment::Generations()));
 
 TEST_P(ManyThreads, BreakNothing)
 {
     const std::string installed = seeding::ReadBytes(ProfileFile("PowerSchemes.ini")).value();
     host->onEvent = [this](const Event&) { OnEvent(); };
-    std::thread others[] = {
-        Repeat(
-            []
-            {
-                const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, L"ApplySchemeEvent");
-                SetEvent(event);
-                CloseHandle(event);
-            }),
-        Repeat(
-            [this]
-            {
-                EXPECT_EQ(0, host->Initialize());
-                EXPECT_EQ(0, host->Uninitialize());
-            }),
-    };
+    const auto startAndStop = Repeating(
+        [this]
+        {
+            EXPECT_EQ(0, host->Initialize());
+            EXPECT_EQ(0, host->Uninitialize());
+        });
+    const HostThread others[] = {HostThread(startAndStop), HostThread(startAndStop),
+                                 HostThread(Repeating(SignalApplied))};
     std::vector<Client> clients;
     for (unsigned number = 0; number < kClients; ++number)
     {
         clients.emplace_back(*host, number);
     }
-    std::vector<std::thread> threads;
-    for (Client& client : clients)
     {
-        threads.emplace_back(&Client::Run, &client);
-    }
-    for (std::thread& thread : threads)
-    {
-        thread.join();
+        std::deque<HostThread> threads;
+        for (Client& client : clients)
+        {
+            threads.emplace_back([&client] { client.Run(); });
+        }
     }
     m_over = true;
-    for (std::thread& thread : others)
+    for (const HostThread& thread : others)
     {
-        thread.join();
+        thread.Join();
     }
     host->Uninitialize();
 
@@ -222,14 +203,13 @@ TEST_P(ManyThreads, BreakNothing)
     }
     // A full clearing takes away what the installation knows of the standard schemes.
     seeding::WriteBytes(ProfileFile("PowerSchemes.ini"), installed);
-    CheckThatSchemesWorkFor("alice");
-    CheckThatSchemesWorkFor("bob");
-    std::error_code error;
-    for (const auto& entry :
-         std::filesystem::recursive_directory_iterator(simulated::Machine::PathOf("drives/C"), error))
+    CheckThatSchemesWorkFor(kUsers[0]);
+    CheckThatSchemesWorkFor(kUsers[1]);
+    for (const char* const name : {"PowerSchemes.ini", "UserSchemes.ini", "OrvProfile.ini", "clients.ini"})
     {
-        EXPECT_TRUE(entry.path().extension() != ".ini" || IsWellFormed(entry.path()));
+        CheckThatIsWellFormed(ProfileFile(name));
     }
+    CheckThatIsWellFormed(InstallationFile("ORVLCfg.ini"));
 }
 
 } // namespace

@@ -1,18 +1,34 @@
 // tests/acceptance/Environment.h
 //
 // What the machine under the tests is: natively a fresh notebook for each test, on Windows the machine as it
-// is. The one seam between the two; the tests themselves are the same.
+// is, brought into the state of a fresh installation. The one seam between the two; the tests are the same.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <windows.h>
 
 #include <string>
+#include <vector>
 
 namespace environment
 {
 
-/// The running account, in the ANSI code page.
+/// The running account, and another one that may send requests, in the ANSI code page.
 std::string UserName();
+std::string OtherUserName();
+
+/// The major versions of Windows that this machine can be.
+std::vector<DWORD> Generations();
+
+/// Begins anew as Windows of major version `major`, one of `Generations`, with the reference installation.
+void Recreate(DWORD major);
+
+/// Takes the kernel driver, the batteries and the network adapters out; on Windows there are none.
+void RemoveHardware();
+
+/// True when the plug-in has asked for nothing but its log since `ForgetCalls`; always where that can't be
+/// seen.
+bool HasOnlyLogged();
+void ForgetCalls();
 
 /// A machine for one test.
 class Machine

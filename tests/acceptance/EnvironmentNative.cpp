@@ -4,8 +4,12 @@
 
 #include "acceptance/Environment.h"
 
-#include "acceptance/NativeMachine.h"
 #include "acceptance/Seeding.h"
+#include "notebook/Adapters.h"
+#include "notebook/Batteries.h"
+#include "notebook/KernelDriver.h"
+#include "notebook/PowerSource.h"
+#include "notebook/Trace.h"
 #include "support/NotebookTest.h"
 
 #include <memory>
@@ -50,6 +54,40 @@ std::string UserName()
     return simulated::Notebook::kFirstUser;
 }
 
+std::string OtherUserName()
+{
+    return simulated::Notebook::kSecondUser;
+}
+
+std::vector<DWORD> Generations()
+{
+    return {5, 6};
+}
+
+void Recreate(DWORD major)
+{
+    notebook->Recreate({.major = major, .minor = major == 5 ? 1U : 0U, .installation = INSTALLATION_FOLDER});
+}
+
+void RemoveHardware()
+{
+    simulated::KernelDriver::SetPresent(false);
+    simulated::Adapters::Clear();
+    simulated::PowerSource::RemoveBattery();
+    simulated::Batteries::Remove(0);
+}
+
+bool HasOnlyLogged()
+{
+    using simulated::Trace;
+    return Trace::Count(simulated::CallClass::Log) == Trace::Calls().size();
+}
+
+void ForgetCalls()
+{
+    simulated::Trace::Clear();
+}
+
 Machine::Machine()
 {
     notebook = std::make_unique<FreshNotebook>();
@@ -61,14 +99,6 @@ Machine::~Machine()
 {
     notebook->TearDown();
     notebook.reset();
-}
-
-void Recreate(DWORD major, unsigned codePage)
-{
-    notebook->Recreate({.major = major,
-                        .minor = major == 5 ? 1U : 0U,
-                        .codePage = codePage,
-                        .installation = INSTALLATION_FOLDER});
 }
 
 } // namespace environment

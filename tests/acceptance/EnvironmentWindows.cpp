@@ -1,13 +1,16 @@
 // tests/acceptance/EnvironmentWindows.cpp
 //
-// The machine as it is, with a folder of its own for the installation's files. What these tests leave in the
-// registry and in the account's configuration folder goes with each of them.
+// The machine as it is, with a folder of its own for the installation's files, and a power manager whose
+// store is seeded anew. What the tests leave in the registry and in the account's configuration folder goes
+// with each of them; the account loses its own power schemes.
 
 #include "acceptance/Environment.h"
 
+#include "PowerStoreKey.h"
+#include "PowerStoreSeeding.h"
 #include "acceptance/Seeding.h"
 
-#include <windows.h>
+#include <gtest/gtest.h>
 
 namespace environment
 {
@@ -16,7 +19,76 @@ namespace
 {
 
 constexpr const char* kInstallationKey = "Software\\Kelvo\\ORVL";
+constexpr const char* kRunKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 constexpr const char* kFolder = "C:\\OrvlAcceptance\\";
+constexpr const char* kExplorerKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer";
+constexpr const char* kOtherUser = "SYSTEM";
+constexpr const char* kOtherHive = "S-1-5-18";
+
+// The files of an installation lie in this folder beside the program.
+std::string ReferenceFile(const std::string& name)
+{
+    wchar_t program[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    const std::string path = seeding::Utf8(program);
+    return path.substr(0, path.find_last_of('\\') + 1) + "installation\\" + name;
+}
+
+void InstallFile(const std::string& folder, const std::string& name)
+{
+    const std::optional<std::string> bytes = seeding::ReadBytes(ReferenceFile(name));
+    ASSERT_TRUE(bytes.has_value()) << name << " is not beside the program";
+    EXPECT_TRUE(seeding::WriteBytes(folder + name, *bytes));
+}
+
+void EmptyFolder(const std::string& folder)
+{
+    WIN32_FIND_DATAW found;
+    const HANDLE search = FindFirstFileW(seeding::Wide(folder + "*.*").data(), &found);
+    if (search == INVALID_HANDLE_VALUE)
+    {
+        return;
+    }
+    do
+    {
+        seeding::Remove(folder + seeding::Utf8(found.cFileName)); // refuses folders
+    } while (FindNextFileW(search, &found) != 0);
+    FindClose(search);
+}
+
+// What a logon leaves in a hive, as far as it isn't there: Wine has no hive of the other user.
+void MakeLogon(HKEY root, const std::string& hive, const std::string& user, const std::string& folder)
+{
+    const std::string explorer = hive + kExplorerKey;
+    if (!seeding::GetText(root, explorer, "Logon User Name").has_value())
+    {
+        EXPECT_TRUE(seeding::SetText(root, explorer, "Logon User Name", user));
+    }
+    const std::string folders = explorer + "\\Shell Folders";
+    if (!seeding::GetText(root, folders, "Local AppData").has_value())
+    {
+        EXPECT_TRUE(seeding::SetText(root, folders, "Local AppData", folder));
+    }
+}
+
+void RemoveTraces()
+{
+    seeding::SwitchLogsOff();
+    power_store::Key::RemoveTree(HKEY_LOCAL_MACHINE, power_store::ToText(L"Software\\Kelvo\\ORVL"));
+    power_store::Key::RemoveTree(HKEY_LOCAL_MACHINE, power_store::ToText(L"Software\\Kelvo\\ORVA"));
+    seeding::RemoveValue(HKEY_LOCAL_MACHINE, kRunKey, "ORVA");
+    EmptyFolder(kFolder);
+    EmptyFolder(std::string(kFolder) + "other\\Kelvo\\ORVL\\Cfg\\");
+    EmptyFolder(seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\");
+}
+
+DWORD MajorVersion()
+{
+    OSVERSIONINFOW version{};
+    version.dwOSVersionInfoSize = sizeof version;
+    GetVersionExW(&version);
+    return version.dwMajorVersion;
+}
 
 } // namespace
 
@@ -28,20 +100,54 @@ std::string UserName()
     return name;
 }
 
-Machine::Machine()
+std::string OtherUserName()
 {
-    EXPECT_TRUE(seeding::MakeFolder("C:\\OrvlAcceptance"));
+    return kOtherUser;
+}
+
+std::vector<DWORD> Generations()
+{
+    return {MajorVersion()};
+}
+
+void Recreate(DWORD major)
+{
+    RemoveTraces();
+    EXPECT_EQ(DWORD{ERROR_SUCCESS}, power_store::RemoveStore());
+    EXPECT_EQ(DWORD{ERROR_SUCCESS}, power_store::SeedMachine(major));
+    EXPECT_EQ(DWORD{ERROR_SUCCESS}, power_store::SeedCurrentUser());
+    for (const char* const name : {"ORVLCfg.ini", "PowerSetting.ini", "SBXCfg.ini"})
+    {
+        InstallFile(kFolder, name);
+    }
+    InstallFile(seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\", "PowerSchemes.ini");
+    MakeLogon(HKEY_CURRENT_USER, "", UserName(), seeding::LocalAppData());
+    MakeLogon(HKEY_USERS, std::string(kOtherHive) + "\\", kOtherUser, std::string(kFolder) + "other");
     EXPECT_TRUE(seeding::SetText(HKEY_LOCAL_MACHINE, kInstallationKey, "CfgPath", kFolder));
     EXPECT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, "Software\\Kelvo\\ORVA", "Test", 1));
 }
 
+void RemoveHardware()
+{
+}
+
+bool HasOnlyLogged()
+{
+    return true;
+}
+
+void ForgetCalls()
+{
+}
+
+Machine::Machine()
+{
+    Recreate(MajorVersion());
+}
+
 Machine::~Machine()
 {
-    seeding::SwitchLogsOff();
-    for (const char* const key : {"Software\\Kelvo\\ORVL", "Software\\Kelvo\\ORVA"})
-    {
-        RegDeleteKeyW(HKEY_LOCAL_MACHINE, seeding::Wide(key).data());
-    }
+    RemoveTraces();
 }
 
 } // namespace environment

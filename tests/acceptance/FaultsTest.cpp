@@ -4,7 +4,6 @@
 // open, and the next request works.
 
 #include "acceptance/AcceptanceTest.h"
-#include "acceptance/NativeMachine.h"
 #include "acceptance/SampleRequests.h"
 #include "notebook/Trace.h"
 
@@ -20,13 +19,12 @@ namespace
 constexpr unsigned kEveryCallUpTo = 40;
 constexpr unsigned kShareOfStride = 6;
 
-class FaultsOfThePlatform : public AcceptanceTest, public testing::WithParamInterface<DWORD>
+class FaultsOfThePlatform : public GenerationTest
 {
 protected:
     void SetUp() override
     {
-        environment::Recreate(GetParam());
-        host.emplace();
+        GenerationTest::SetUp();
         host->Uninitialize();                 // the calls of its thread aren't a request's
         host->Send("INIT_CFG_FILE");          // the user's lookup has a test of its own
         host->Send("GET_MAX_LCD_BRIGHTNESS"); // on Vista the driver stays open from here on
@@ -52,11 +50,10 @@ protected:
         return hit;
     }
 
-    std::optional<Host> host;
     unsigned m_held = 0; ///< what the plug-in holds between two requests
 };
 
-INSTANTIATE_TEST_SUITE_P(Windows, FaultsOfThePlatform, testing::Values(5, 6));
+INSTANTIATE_TEST_SUITE_P(Windows, FaultsOfThePlatform, testing::ValuesIn(environment::Generations()));
 
 TEST_P(FaultsOfThePlatform, OfEachCommand)
 {
@@ -77,7 +74,7 @@ TEST_P(FaultsOfThePlatform, OfEachCommand)
 
 TEST_P(FaultsOfThePlatform, OfTheUsersLookup)
 {
-    host->user = "bob";
+    host->user = environment::OtherUserName();
     for (unsigned nth = 1; nth < 100; ++nth)
     {
         host->Unload();

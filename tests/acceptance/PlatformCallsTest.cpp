@@ -4,7 +4,6 @@
 // of what the plug-in asks of Windows and has to be meant.
 
 #include "acceptance/AcceptanceTest.h"
-#include "acceptance/NativeMachine.h"
 #include "acceptance/SampleRequests.h"
 #include "notebook/Trace.h"
 
