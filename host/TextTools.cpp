@@ -33,6 +33,15 @@ bool IsBlank(char letter) noexcept
     return letter == ' ' || letter == '\t' || letter == '\r';
 }
 
+std::string Narrow(const wchar_t* wide, int units, UINT to)
+{
+    std::string narrow(static_cast<std::size_t>(units) * 4, '\0');
+    const int bytes = WideCharToMultiByte(to, 0, wide, units, narrow.data(), static_cast<int>(narrow.size()),
+                                          nullptr, nullptr);
+    narrow.resize(static_cast<std::size_t>(bytes));
+    return narrow;
+}
+
 std::string Convert(std::string_view text, UINT from, UINT to)
 {
     if (text.empty() || from == to)
@@ -41,12 +50,7 @@ std::string Convert(std::string_view text, UINT from, UINT to)
     }
     const int length = static_cast<int>(text.size());
     std::vector<wchar_t> wide(text.size());
-    const int units = MultiByteToWideChar(from, 0, text.data(), length, wide.data(), length);
-    std::string converted(static_cast<std::size_t>(units) * 4, '\0');
-    const int bytes = WideCharToMultiByte(to, 0, wide.data(), units, converted.data(),
-                                          static_cast<int>(converted.size()), nullptr, nullptr);
-    converted.resize(static_cast<std::size_t>(bytes));
-    return converted;
+    return Narrow(wide.data(), MultiByteToWideChar(from, 0, text.data(), length, wide.data(), length), to);
 }
 
 } // namespace
@@ -125,6 +129,15 @@ std::string ToWire(std::string_view consoleText)
 std::string FromWire(std::string_view wireText)
 {
     return Convert(wireText, CP_ACP, kConsoleCodePage);
+}
+
+std::string RunningAccount()
+{
+    constexpr DWORD kLongestName = 256;
+    wchar_t name[kLongestName + 1] = {};
+    DWORD size = kLongestName + 1;
+    const bool known = GetUserNameW(name, &size) != 0 && size > 1;
+    return known ? Narrow(name, static_cast<int>(size - 1), kConsoleCodePage) : std::string();
 }
 
 } // namespace host

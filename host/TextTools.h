@@ -1,7 +1,7 @@
 // host/TextTools.h
 //
 // Small text helpers of the host: names without regard to case, words of a line, numbers, and the way from
-// the console's text to the wire's and back.
+// the console's text to the wire's and back, the running account.
 #pragma once
 
 #include <cstdint>
@@ -25,5 +25,8 @@ std::optional<std::int32_t> ParseNumber(std::string_view text) noexcept;
 /// Text as the console has it, in the ANSI code page of the wire, and back.
 std::string ToWire(std::string_view consoleText);
 std::string FromWire(std::string_view wireText);
+
+/// The name of the account that this process runs in, as the console has it; empty when it isn't known.
+std::string RunningAccount();
 
 } // namespace host

@@ -25,7 +25,8 @@ constexpr const char* kUsage =
     "\n"
     "Without a command, requests are read from the script or from the terminal.\n"
     "\n"
-    "  -u, --user NAME      the account for which the request is made\n"
+    "  -u, --user NAME      the account for which the request is made; the running one unless\n"
+    "                       told otherwise\n"
     "  -s, --script FILE    runs a file of requests (- is standard input)\n"
     "  -w, --wait MS        stays for MS milliseconds after the last request and prints events\n"
     "  -j, --json           prints one JSON object for each answer and event\n"
@@ -44,7 +45,7 @@ constexpr int kNoPlugIn = 3;
 
 struct Options
 {
-    std::string user;
+    std::string user = host::RunningAccount();
     std::string script;
     std::string library = "pm_limited_support.dll";
     int wait = 0;
