@@ -3,7 +3,8 @@ rem install.cmd ACCOUNT [FOLDER]
 rem
 rem Installs the plug-in for a host service that runs in ACCOUNT: the files into FOLDER, the registry keys that the
 rem plug-in looks for, and the scheme rows into the account's local application data. What didn't exist before is
-rem noted in FOLDER\installed.lst, so that uninstall.cmd can remove exactly that.
+rem noted in FOLDER\installed.lst, so that uninstall.cmd can remove exactly that. A file that is there already is
+rem replaced, as an update.
 setlocal
 set here=%~dp0
 set account=%~1
@@ -16,6 +17,8 @@ if "%appdata_folder%"=="" goto no_account
 
 set list=%TEMP%\orvl-installed.lst
 if exist "%list%" del "%list%"
+rem An installation over another one goes on with its list.
+if exist "%folder%\installed.lst" copy /y "%folder%\installed.lst" "%list%" >nul
 
 call :make_folder "%folder%"
 if errorlevel 1 goto failed
@@ -27,6 +30,8 @@ for %%f in (ORVLCfg.ini PowerSetting.ini SBXCfg.ini) do call :copy_file "%here%c
 call :make_folder "%appdata_folder%\Kelvo\ORVL\Cfg"
 if errorlevel 1 goto failed
 call :copy_file "%here%cfg\PowerSchemes.ini" "%appdata_folder%\Kelvo\ORVL\Cfg\PowerSchemes.ini"
+rem The plug-in creates these two on first use.
+for %%f in (UserSchemes.ini OrvProfile.ini) do call :expect_file "%appdata_folder%\Kelvo\ORVL\Cfg\%%f"
 
 call :make_key "HKEY_LOCAL_MACHINE\Software\Kelvo"
 call :make_key "HKEY_LOCAL_MACHINE\Software\Kelvo\ORVL"
@@ -75,8 +80,12 @@ exit /b 0
 
 :copy_file
 if not exist "%~1" exit /b 0
-if not exist "%~2" call :note file "%~2"
+call :expect_file "%~2"
 copy /y "%~1" "%~2" >nul
+exit /b 0
+
+:expect_file
+if not exist "%~1" call :note file "%~1"
 exit /b 0
 
 :make_key

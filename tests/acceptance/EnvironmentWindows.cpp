@@ -21,6 +21,7 @@ namespace
 constexpr const char* kInstallationKey = "Software\\Kelvo\\ORVL";
 constexpr const char* kRunKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
 constexpr const char* kFolder = "C:\\OrvlAcceptance\\";
+constexpr const char* kOtherLocalAppData = "C:\\OrvlAcceptance\\other";
 constexpr const char* kExplorerKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer";
 constexpr const char* kOtherUser = "SYSTEM";
 constexpr const char* kOtherHive = "S-1-5-18";
@@ -41,7 +42,8 @@ void InstallFile(const std::string& folder, const std::string& name)
     EXPECT_TRUE(seeding::WriteBytes(folder + name, *bytes));
 }
 
-void EmptyFolder(const std::string& folder)
+// With its files; a folder that holds folders stays.
+void RemoveFolder(const std::string& folder)
 {
     WIN32_FIND_DATAW found;
     const HANDLE search = FindFirstFileW(seeding::Wide(folder + "*.*").data(), &found);
@@ -54,6 +56,7 @@ void EmptyFolder(const std::string& folder)
         seeding::Remove(folder + seeding::Utf8(found.cFileName)); // refuses folders
     } while (FindNextFileW(search, &found) != 0);
     FindClose(search);
+    RemoveDirectoryW(seeding::Wide(folder).data());
 }
 
 // What a logon leaves in a hive, as far as it isn't there: Wine has no hive of the other user.
@@ -77,9 +80,15 @@ void RemoveTraces()
     power_store::Key::RemoveTree(HKEY_LOCAL_MACHINE, power_store::ToText(L"Software\\Kelvo\\ORVL"));
     power_store::Key::RemoveTree(HKEY_LOCAL_MACHINE, power_store::ToText(L"Software\\Kelvo\\ORVA"));
     seeding::RemoveValue(HKEY_LOCAL_MACHINE, kRunKey, "ORVA");
-    EmptyFolder(kFolder);
-    EmptyFolder(std::string(kFolder) + "other\\Kelvo\\ORVL\\Cfg\\");
-    EmptyFolder(seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\");
+    for (const std::string& local : {seeding::LocalAppData(), std::string(kOtherLocalAppData)})
+    {
+        for (const char* const folder : {"\\Kelvo\\ORVL\\Cfg\\", "\\Kelvo\\ORVL\\", "\\Kelvo\\"})
+        {
+            RemoveFolder(local + folder);
+        }
+    }
+    RemoveFolder(std::string(kOtherLocalAppData) + "\\");
+    RemoveFolder(kFolder);
 }
 
 DWORD MajorVersion()
@@ -122,7 +131,7 @@ void Recreate(DWORD major)
     }
     InstallFile(seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\", "PowerSchemes.ini");
     MakeLogon(HKEY_CURRENT_USER, "", UserName(), seeding::LocalAppData());
-    MakeLogon(HKEY_USERS, std::string(kOtherHive) + "\\", kOtherUser, std::string(kFolder) + "other");
+    MakeLogon(HKEY_USERS, std::string(kOtherHive) + "\\", kOtherUser, kOtherLocalAppData);
     EXPECT_TRUE(seeding::SetText(HKEY_LOCAL_MACHINE, kInstallationKey, "CfgPath", kFolder));
     EXPECT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, "Software\\Kelvo\\ORVA", "Test", 1));
 }
