@@ -1,6 +1,6 @@
 // tests/foundation/BoardTest.cpp
 //
-// Boards: their objects, their lock, their bounds, between threads and between processes.
+// Boards: their objects, their lock, their bounds.
 
 #include "acceptance/Seeding.h"
 #include "foundation/InterProcessBoard.h"
@@ -11,9 +11,6 @@
 #include "support/NotebookTest.h"
 
 #include <array>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
 
 using simulated::DebugOutput;
 using simulated::Faults;
@@ -218,51 +215,6 @@ TEST_F(Boards, ResetClosesWhatWasOpen)
     EXPECT_EQ(3U, simulated::Leaks::Count());
     Board first;
     EXPECT_EQ(kGeneralFailure, first.Reset(L"First", kSize, 0, 0));
-}
-
-// Writers never mix: each sees either all of its own bytes or all of another's.
-TEST_F(Boards, ThreadsTakeTurns)
-{
-    Board creator;
-    ASSERT_EQ(kSucceeded, creator.Reset(L"B", kSize, 1, 0));
-    const auto write = [](BYTE mark)
-    {
-        Board board;
-        ASSERT_EQ(kSucceeded, board.Reset(L"B", kSize, 0, 0));
-        std::array<BYTE, 512> bytes;
-        for (int round = 0; round < 50; ++round)
-        {
-            bytes.fill(mark);
-            board.Paste(0, bytes.data(), sizeof bytes); // fails while the other one holds the lock
-        }
-    };
-    std::thread first(write, BYTE{1});
-    std::thread second(write, BYTE{2});
-    first.join();
-    second.join();
-    EXPECT_EQ(0, creator.IsLocked());
-    EXPECT_EQ(kSucceeded, creator.Clear(0, 4));
-}
-
-TEST_F(Boards, AnotherProcessReachesTheBoard)
-{
-    Board board;
-    ASSERT_EQ(kSucceeded, board.Reset(L"B", kSize, 1, 7));
-    const pid_t child = fork();
-    ASSERT_NE(-1, child);
-    if (child == 0)
-    {
-        Board peer;
-        Bytes data = {9, 8, 7, 6};
-        const bool done = peer.Reset(L"B", kSize, 0, 7) == kSucceeded &&
-                          peer.Paste(100, data.data(), sizeof data) == kSucceeded && peer.Flag(0) != 0;
-        _exit(done ? 0 : 1);
-    }
-    int status = 0;
-    ASSERT_EQ(child, waitpid(child, &status, 0));
-    EXPECT_EQ(0, WEXITSTATUS(status));
-    EXPECT_EQ(1, board.IsDataAvailble(1000));
-    EXPECT_EQ((Bytes{9, 8, 7, 6}), ReadFour(board, 100));
 }
 
 } // namespace

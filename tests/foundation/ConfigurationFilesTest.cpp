@@ -168,26 +168,18 @@ TEST_F(ConfigurationFiles, TheRunningAccountsFolderIsBoundedByTheCallersRoom)
     EXPECT_EQ(nullptr, file.GetHomePath(folder, 0));
 }
 
-TEST_F(ConfigurationFiles, TheInstallationsModuleIsLookedForByItsName)
+TEST_F(ConfigurationFiles, TheInstallationsModuleTellsItsFolderAndTheParent)
 {
+    const auto told = [](const wchar_t* answer) { return answer == nullptr ? "none" : Utf8(answer); };
     CORVLCfg file;
     wchar_t folder[text::kPathCapacity];
-    EXPECT_EQ(nullptr, file.GetDllPath(folder, static_cast<int>(std::size(folder))));
-    EXPECT_EQ(nullptr, file.GetHomePath(folder, static_cast<int>(std::size(folder))));
-    EXPECT_EQ(2U, Trace::CallsOf("GetModuleHandleW").size());
-}
-
-TEST_F(ConfigurationFiles, CopiesHaveThePath)
-{
-    CORVLProfile file;
-    ASSERT_EQ(1, file.Initialize(L"p.ini", L"C:\\New", 0));
-    CORVLProfile copy(file);
-    CORVLProfile assigned;
-    assigned = file;
-    EXPECT_EQ("C:\\New\\p.ini", Utf8(copy.GetFullPath()));
-    EXPECT_EQ("C:\\New\\p.ini", Utf8(assigned.GetFullPath()));
-    EXPECT_EQ(1000U, copy.GetVersion());
-    EXPECT_EQ(1000U, CORVLCfg().GetVersion());
+    EXPECT_EQ("none", told(file.GetDllPath(folder, 260)));
+    EXPECT_EQ("none", told(file.GetHomePath(folder, 260)));
+    simulated::Machine::Write("Modules", "ORVLDLL.DLL", "C:\\ORVL\\Bin\\ORVLDLL.DLL");
+    EXPECT_EQ("C:\\ORVL\\Bin", told(file.GetDllPath(folder, 24)));
+    EXPECT_EQ("C:\\ORVL", told(file.GetHomePath(folder, 24)));
+    EXPECT_EQ("none", told(file.GetDllPath(folder, 23))) << "the module's own name doesn't fit";
+    EXPECT_EQ("none", told(file.GetDllPath(folder, 0)));
 }
 
 } // namespace
