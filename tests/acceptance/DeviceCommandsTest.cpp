@@ -332,6 +332,11 @@ TEST_F(PowerCommands, FailuresOfTheBatteryReply)
     EXPECT_EQ(6, withoutDriver.code);
     EXPECT_EQ(std::vector<std::byte>(40), withoutDriver.reply);
 
+    // What the system doesn't tell is unknown.
+    simulated::Faults::Inject("GetSystemPowerStatus", 1, ERROR_ACCESS_DENIED);
+    const auto untold = host.Send("GET_POWER_INFO").As<PM_Power_Info>();
+    EXPECT_EQ((std::vector{-1, -1, -1}), (std::vector{untold.powerState, untold.percent, untold.time}));
+
     // On mains without a battery the driver isn't asked.
     Set({.batteryFlag = 128});
     Trace::Clear();

@@ -23,7 +23,7 @@ namespace
 constexpr LONG kUnknown = -1;
 constexpr BYTE kOnMains = 1;
 constexpr BYTE kNoBattery = 0x80; // set in the flag for an unknown state as well
-constexpr BYTE kUnknownPercent = 255;
+constexpr BYTE kUnknownByte = 255;
 
 // Which of the firmware's battery records is asked for.
 constexpr ULONG kExtendedRecord = 15;
@@ -34,6 +34,15 @@ constexpr ULONG kBatteryStates[] = {BATTERY_DISCHARGING, BATTERY_POWER_ON_LINE, 
                                     BATTERY_CRITICAL};
 constexpr ULONG kPowerStates[] = {BATTERY_DISCHARGING, BATTERY_POWER_ON_LINE, BATTERY_CHARGING};
 
+// What the system knows of the power source: nothing when it doesn't answer.
+SYSTEM_POWER_STATUS ReadPower(CSchemeEx& engine) noexcept
+{
+    SYSTEM_POWER_STATUS power{};
+    power.ACLineStatus = power.BatteryFlag = power.BatteryLifePercent = kUnknownByte;
+    engine.GetSystemPowerStatus(&power);
+    return power;
+}
+
 bool HasNoBattery(const SYSTEM_POWER_STATUS& status) noexcept
 {
     return (status.BatteryFlag & kNoBattery) != 0;
@@ -41,7 +50,7 @@ bool HasNoBattery(const SYSTEM_POWER_STATUS& status) noexcept
 
 LONG Percent(const SYSTEM_POWER_STATUS& status) noexcept
 {
-    return status.BatteryLifePercent == kUnknownPercent ? kUnknown : status.BatteryLifePercent;
+    return status.BatteryLifePercent == kUnknownByte ? kUnknown : status.BatteryLifePercent;
 }
 
 // The firmware's part of the record; false when it can't be read.
@@ -104,8 +113,7 @@ LONG GetBatteryInfo(CPluginHelper&, const PM_Request& request) noexcept
 
     CSchemeEx engine;
     engine.Initialize();
-    SYSTEM_POWER_STATUS power{};
-    engine.GetSystemPowerStatus(&power);
+    const SYSTEM_POWER_STATUS power = ReadPower(engine);
     if (power.ACLineStatus == kOnMains && HasNoBattery(power))
     {
         info.powerState = BATTERY_POWER_ON_LINE;
@@ -142,8 +150,7 @@ LONG GetPowerInfo(CPluginHelper&, const PM_Request& request) noexcept
     PM_Power_Info info{kUnknown, kUnknown, kUnknown};
     CSchemeEx engine;
     engine.Initialize();
-    SYSTEM_POWER_STATUS power{};
-    engine.GetSystemPowerStatus(&power);
+    const SYSTEM_POWER_STATUS power = ReadPower(engine);
     if (!HasNoBattery(power))
     {
         _BATTERY_STATUS status{};
