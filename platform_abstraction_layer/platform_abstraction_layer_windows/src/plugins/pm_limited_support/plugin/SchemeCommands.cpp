@@ -24,9 +24,9 @@ using exchange::Length;
 using exchange::Reply;
 using exchange::Terms;
 
-// Room of an account name, in bytes on the wire and in characters with the terminator.
+// Room of an account name on the wire, in bytes with the terminator, and the longest name in characters.
 constexpr std::size_t kUserIdSize = 1024;
-constexpr std::size_t kUserNameCapacity = 256;
+constexpr std::size_t kLongestUserName = 256;
 
 constexpr Terms kNothing{};
 constexpr Terms kNumberOut{Length::Any, 0, Reply::Required};
@@ -100,7 +100,18 @@ bool ReadUser(const PM_Request& request, User& user) noexcept
     const std::size_t size = text::Length(request.userId, kUserIdSize - 1);
     std::memcpy(user.id, request.userId, size);
     user.id[size] = '\0';
-    return text::ToWide(user.id, size, user.name, std::size(user.name)) < kUserNameCapacity;
+    return text::ToWide(user.id, size, user.name, std::size(user.name)) <= kLongestUserName;
+}
+
+// The slot of the requesting user, whose name comes back in both forms; -1 when he can't be resolved.
+int FindSlot(CPluginHelper& context, const PM_Request& request, LONG number, User& user) noexcept
+{
+    if (!ReadUser(request, user))
+    {
+        return -1;
+    }
+    PmLog(L"%s: CPluginHelper::HandleRequest %d\n", user.name, number);
+    return context.GetUserInfoIndex(user.name);
 }
 
 // The command's own part, for a user whose slot is known.
@@ -140,13 +151,12 @@ LONG ProcessPwrSchemeFunc(CPluginHelper& context, const PM_Request& request, LON
     {
         return TRX_UNKNOWN_COMMAND;
     }
-    User user;
-    if (!exchange::ArePointersRight(request, command->terms) || !ReadUser(request, user))
+    if (!exchange::ArePointersRight(request, command->terms))
     {
         return TRX_OPERATION_FAIL;
     }
-    PmLog(L"%s: CPluginHelper::HandleRequest %d\n", user.name, number);
-    const int slot = context.GetUserInfoIndex(user.name);
+    User user;
+    const int slot = FindSlot(context, request, number, user);
     if (slot < 0)
     {
         PmLog(L"get user infor index failed");
