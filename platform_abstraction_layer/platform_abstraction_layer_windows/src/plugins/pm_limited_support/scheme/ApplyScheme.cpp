@@ -109,9 +109,7 @@ enum class ReadBack
 void RecordMachineChoice(CORVLCfg* root, int index, ReadBack readBack) noexcept
 {
     CORVLProfile values;
-    files::ShortText name;
-    const bool isOpen =
-        root != nullptr && files::ReadName(*root, files::kValuesName, name) && files::OpenOwn(values, name);
+    const bool isOpen = root != nullptr && files::OpenOwn(values, *root, files::kValuesName);
     if (isOpen)
     {
         values.PutInt(L"ORVLCfg", L"CurrentScheme", index);

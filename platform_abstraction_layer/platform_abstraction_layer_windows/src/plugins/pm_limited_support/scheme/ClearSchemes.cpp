@@ -16,7 +16,7 @@ constexpr int kDefaultScheme = 1;
 constexpr const wchar_t* kProductKey = L"Software\\Kelvo";
 constexpr const wchar_t* kDeletedText = L"ClearPwrSchemes: DeleteFile %s";
 
-// The schemes of one user and his section, with the log lines of the caller.
+// What is logged of a user, with his section and the number of his schemes, and of each scheme.
 struct UserTexts
 {
     const wchar_t* user;
@@ -25,17 +25,11 @@ struct UserTexts
 
 bool OpenUserSchemes(CORVLProfile& users) noexcept
 {
-    files::ShortText name;
-    files::FindName(files::kUsersName, name);
-    CORVLBase::DBGOUT(L"ClearPwrSchemes: the user scheme cfg file name is %s", name);
-    if (!files::OpenOwn(users, name))
-    {
-        CORVLBase::DBGOUT(L"ClearPwrSchemes: initialize the user scheme cfg file failed");
-        return false;
-    }
-    return true;
+    return user_schemes::Open(users, L"ClearPwrSchemes: the user scheme cfg file name is %s",
+                              L"ClearPwrSchemes: initialize the user scheme cfg file failed");
 }
 
+// Removes one user's schemes and his section.
 void ClearUser(CSchemeEx& engine, CORVLProfile& users, const wchar_t* section,
                const UserTexts& texts) noexcept
 {

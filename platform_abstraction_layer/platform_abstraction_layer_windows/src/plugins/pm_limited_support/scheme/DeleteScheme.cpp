@@ -54,9 +54,8 @@ int DeleteNumber(int index) noexcept
         CORVLBase::DBGOUT(L"orvlCfg.Initialize finished");
         return 0;
     }
-    files::ShortText name;
     CORVLProfile values;
-    if (!files::ReadName(root, files::kValuesName, name) || !files::OpenOwn(values, name))
+    if (!files::OpenOwn(values, root, files::kValuesName))
     {
         CORVLBase::DBGOUT(L"orvlScheme.Initialize(buffer) failed");
         return 0;

@@ -40,16 +40,22 @@ bool OpenOwn(CORVLProfile& file, const ShortText& name) noexcept
     return name[0] != L'\0' && file.Initialize(name, nullptr, 0) != 0;
 }
 
-bool OpenValues(CORVLProfile& file) noexcept
+bool OpenOwn(CORVLProfile& file, CORVLCfg& root, const NameKey& which) noexcept
 {
     ShortText name;
-    return FindName(kValuesName, name) && OpenOwn(file, name);
+    return ReadName(root, which, name) && OpenOwn(file, name);
+}
+
+bool OpenValues(CORVLProfile& file) noexcept
+{
+    CORVLCfg root;
+    return OpenRoot(root) && OpenOwn(file, root, kValuesName);
 }
 
 bool OpenUsers(CORVLProfile& file) noexcept
 {
-    ShortText name;
-    return FindName(kUsersName, name) && OpenOwn(file, name);
+    CORVLCfg root;
+    return OpenRoot(root) && OpenOwn(file, root, kUsersName);
 }
 
 bool OpenCatalogue(CORVLCfg& file) noexcept

@@ -58,6 +58,9 @@ bool FindName(const NameKey& which, ShortText& name) noexcept;
 /// False also for an empty name.
 bool OpenOwn(CORVLProfile& file, const ShortText& name) noexcept;
 
+/// The same for the file that the open root names.
+bool OpenOwn(CORVLProfile& file, CORVLCfg& root, const NameKey& which) noexcept;
+
 // From the root to the open file in one go; false when one step fails.
 
 bool OpenValues(CORVLProfile& file) noexcept;

@@ -5,11 +5,9 @@
 #include "scheme/StoredVariables.h"
 
 StoredVariables::StoredVariables(int index) noexcept
-    : m_rootIsOpen(files::OpenRoot(m_root)), m_fileIsOpen(false)
+    : m_rootIsOpen(files::OpenRoot(m_root)),
+      m_fileIsOpen(m_rootIsOpen && files::OpenOwn(m_file, m_root, files::kValuesName))
 {
-    files::ShortText name;
-    m_fileIsOpen =
-        m_rootIsOpen && files::ReadName(m_root, files::kValuesName, name) && files::OpenOwn(m_file, name);
     text::Format(m_section, files::kVariablesSection, index);
 }
 

@@ -60,6 +60,19 @@ bool Owns(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
 
 } // namespace
 
+bool user_schemes::Open(CORVLProfile& users, const wchar_t* nameText, const wchar_t* failedText) noexcept
+{
+    ShortText name;
+    files::FindName(files::kUsersName, name);
+    CORVLBase::DBGOUT(nameText, static_cast<const wchar_t*>(name));
+    const bool isOpen = files::OpenOwn(users, name);
+    if (!isOpen)
+    {
+        CORVLBase::DBGOUT(failedText);
+    }
+    return isOpen;
+}
+
 int user_schemes::CountUsers(CORVLProfile& users) noexcept
 {
     return CountEntries(users, kUserList, kUser);
@@ -140,13 +153,10 @@ int CSchemeEx::FindPwrScheme(const wchar_t* name, const wchar_t*) noexcept
 int CSchemeEx::AddtoUserList(const wchar_t* user) noexcept
 {
     DBGOUT(L"Enter AddtoUserList %s", user);
-    ShortText file;
-    files::FindName(files::kUsersName, file);
-    DBGOUT(L"AddtoUserList: the user scheme cfg file name is %s", file);
     CORVLProfile users;
-    if (!files::OpenOwn(users, file))
+    if (!user_schemes::Open(users, L"AddtoUserList: the user scheme cfg file name is %s",
+                            L"AddtoUserList: initialize the user scheme cfg file failed"))
     {
-        DBGOUT(L"AddtoUserList: initialize the user scheme cfg file failed");
         return -1;
     }
     const int count = user_schemes::CountUsers(users);
@@ -171,13 +181,10 @@ int CSchemeEx::AddtoUserScheme(const wchar_t* name, const wchar_t* user, int num
     ShortText section;
     text::Copy(section, m_szSubKey);
     DBGOUT(L"the user id is %s", section);
-    ShortText file;
-    files::FindName(files::kUsersName, file);
-    DBGOUT(L"the user scheme cfg file name is %s", file);
     CORVLProfile users;
-    if (!files::OpenOwn(users, file))
+    if (!user_schemes::Open(users, L"the user scheme cfg file name is %s",
+                            L"initialize the user scheme cfg file failed"))
     {
-        DBGOUT(L"initialize the user scheme cfg file failed");
         return -1;
     }
     const int count = user_schemes::CountSchemes(users, section);

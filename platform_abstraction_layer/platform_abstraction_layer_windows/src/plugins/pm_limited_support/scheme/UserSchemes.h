@@ -1,6 +1,6 @@
 // scheme/UserSchemes.h
 //
-// The user scheme file, open: which schemes belong to which user. A user's section describes the entries 0
+// The user scheme file: which schemes belong to which user. A user's section describes the entries 0
 // to "Number" less 1; what stands above is stale and isn't read.
 #pragma once
 
@@ -14,6 +14,9 @@ constexpr const wchar_t* kNumber = L"Number";
 constexpr const wchar_t* kUser = L"User%d";
 constexpr const wchar_t* kScheme = L"Scheme%d";
 constexpr const wchar_t* kSchemeName = L"SchemeName%d";
+
+/// Opens the file. Logs its name with `nameText`, and `failedText` when it can't be opened.
+bool Open(CORVLProfile& users, const wchar_t* nameText, const wchar_t* failedText) noexcept;
 
 /// How many users are listed; never negative. A number that only damage explains counts as far as the
 /// entries are there.
