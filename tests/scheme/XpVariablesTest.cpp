@@ -225,6 +225,10 @@ TEST_F(XpVariables, CatalogueTexts)
     EXPECT_EQ(9, engine.GetPwrVariableOptDesc(L"DiskOffTimeOut", 0, buffer, 64));
     EXPECT_EQ("3 minutes", seeding::Utf8(buffer));
     EXPECT_EQ(3, engine.GetPwrVariableUnit(L"DiskOffTimeOut", buffer, 4));
+    EXPECT_EQ("Sec", seeding::Utf8(buffer));
+    ASSERT_TRUE(seeding::SetKey(Catalogue(), "DiskOffTimeOut", "Unit", ""));
+    EXPECT_EQ(-1, engine.GetPwrVariableUnit(L"DiskOffTimeOut", buffer, 64));
+    EXPECT_EQ("Sec", seeding::Utf8(buffer));
 }
 
 } // namespace

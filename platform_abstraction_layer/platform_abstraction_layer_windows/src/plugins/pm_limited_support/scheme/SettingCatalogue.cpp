@@ -54,23 +54,30 @@ bool FindOption(const wchar_t* name, Predicate accepts, int& value) noexcept
     return false;
 }
 
-bool ReadGuid(CORVLCfg& file, const wchar_t* name, const wchar_t* key, GUID& guid) noexcept
+// Reads a text of the catalogue; false for none.
+bool ReadText(CORVLCfg& file, const wchar_t* name, const wchar_t* key, files::ShortText& value) noexcept
 {
-    files::ShortText value = {};
-    return file.GetString(name, key, nullptr, value, static_cast<int>(files::kTextCapacity)) > 0 &&
-           ParseGuid(value, &guid) != 0;
+    value[0] = L'\0';
+    return file.GetString(name, key, nullptr, value, static_cast<int>(files::kTextCapacity)) > 0;
 }
 
-// Copies a text of the catalogue; its length, or -1 for none.
+bool ReadGuid(CORVLCfg& file, const wchar_t* name, const wchar_t* key, GUID& guid) noexcept
+{
+    files::ShortText value;
+    return ReadText(file, name, key, value) && ParseGuid(value, &guid) != 0;
+}
+
+// Copies a text of the catalogue; its length, or -1 for none with `buffer` left alone.
 int CopyText(const wchar_t* name, const wchar_t* key, wchar_t* buffer, int size) noexcept
 {
     CORVLCfg file;
-    if (buffer == nullptr || size <= 0 || !OpenFor(file, name))
+    files::ShortText value;
+    if (buffer == nullptr || size <= 0 || !OpenFor(file, name) || !ReadText(file, name, key, value))
     {
         return -1;
     }
-    const int length = file.GetString(name, key, nullptr, buffer, size);
-    return length > 0 ? length : -1;
+    text::Copy(buffer, static_cast<std::size_t>(size), value);
+    return static_cast<int>(text::Length(buffer));
 }
 
 } // namespace
