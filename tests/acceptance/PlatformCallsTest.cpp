@@ -76,7 +76,7 @@ constexpr Cost kOnXp[] = {
     {"GET_SCHEME_NAME", "log=7 registry=9 power=1 text=6 system=1"},
     {"APPLY_SCHEME",
      "file=16 log=15 profile=53 registry=76 object=3 module=3 power=25 shell=3 text=2 system=2"},
-    {"DELETE_SCHEME", "file=6 log=5 profile=8 registry=6 power=1 shell=2 text=2 system=1"},
+    {"DELETE_SCHEME", "file=7 log=5 profile=8 registry=6 power=1 shell=3 text=2 system=1"},
     {"ADD_SCHEME_ALL", "file=83 log=12 profile=175 registry=346 power=38 shell=14 text=4 system=1"},
     {"CLEAR_SCHEMES", "file=11 log=12 profile=10 registry=13 object=3 power=3 shell=4 text=2 system=2"},
     {"CLEAR_SCHEMES",
@@ -132,7 +132,7 @@ constexpr Cost kOnVista[] = {
     {"GET_SCHEME_NAME", "file=3 log=5 profile=2 registry=3 module=9 shell=1 text=2 system=1"},
     {"APPLY_SCHEME", "file=181 log=13 profile=184 registry=273 object=3 memory=1 module=146 power=55 "
                      "shell=48 text=69 system=2"},
-    {"DELETE_SCHEME", "file=6 log=4 profile=5 registry=6 module=9 shell=2 text=2 system=1"},
+    {"DELETE_SCHEME", "file=7 log=4 profile=5 registry=6 module=9 shell=3 text=2 system=1"},
     {"ADD_SCHEME_ALL", "file=6 log=6 profile=4 registry=6 module=11 power=1 shell=2 text=5 system=1"},
     {"CLEAR_SCHEMES", "file=135 log=11 profile=144 registry=189 object=3 memory=1 module=95 power=35 "
                       "shell=36 text=45 system=2"},

@@ -226,9 +226,11 @@ TEST_F(AddDelete, StandardSchemesReachNoPlatformFunction)
     EXPECT_TRUE(CallsOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(0, L"alice")); }).empty());
     for (const int scheme : {6, -1})
     {
-        EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(scheme)); }),
+        EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(scheme, L"alice")); }),
                     ElementsAre(testing::StartsWith("delete windows power scheme failed ")));
     }
+    // A look for an owner makes no file.
+    EXPECT_FALSE(seeding::Exists(Users()));
 }
 
 TEST_F(AddDelete, AnotherUsersSchemeIsNotDeleted)

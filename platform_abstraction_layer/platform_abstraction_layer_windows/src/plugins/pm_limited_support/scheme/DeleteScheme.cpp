@@ -98,7 +98,7 @@ int CSchemeEx::DeletePwrScheme(int index, const wchar_t*) noexcept
     files::ShortText section;
     text::Copy(section, m_szSubKey);
     CORVLProfile users;
-    const bool isOpen = files::OpenUsers(users);
+    const bool isOpen = files::OpenPresentUsers(users);
     if (isOpen && user_schemes::BelongsToAnother(users, section, index))
     {
         DBGOUT(L"DeletePwrScheme: scheme %d belongs to another user", index);

@@ -4,6 +4,10 @@
 
 #include "scheme/SchemeFiles.h"
 
+#include "foundation/SystemFolders.h"
+
+#include <shlwapi.h>
+
 namespace files
 {
 
@@ -56,6 +60,19 @@ bool OpenUsers(CORVLProfile& file) noexcept
 {
     CORVLCfg root;
     return OpenRoot(root) && OpenOwn(file, root, kUsersName);
+}
+
+bool OpenPresentUsers(CORVLProfile& file) noexcept
+{
+    ShortText name;
+    wchar_t path[text::kPathCapacity];
+    if (!FindName(kUsersName, name) || !folders::GetConfigurationFolder(path))
+    {
+        return false;
+    }
+    text::Append(path, L"\\");
+    text::Append(path, name);
+    return PathFileExistsW(path) && OpenOwn(file, name);
 }
 
 bool OpenCatalogue(CORVLCfg& file) noexcept

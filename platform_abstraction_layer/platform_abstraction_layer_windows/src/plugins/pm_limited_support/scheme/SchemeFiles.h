@@ -65,6 +65,10 @@ bool OpenOwn(CORVLProfile& file, CORVLCfg& root, const NameKey& which) noexcept;
 
 bool OpenValues(CORVLProfile& file) noexcept;
 bool OpenUsers(CORVLProfile& file) noexcept;
+
+/// The same for a look that must leave no file behind: false also where there is none yet.
+bool OpenPresentUsers(CORVLProfile& file) noexcept;
+
 bool OpenCatalogue(CORVLCfg& file) noexcept;
 
 /// `folder` is the user's configuration folder.
