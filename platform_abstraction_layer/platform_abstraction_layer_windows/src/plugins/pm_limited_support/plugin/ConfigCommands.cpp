@@ -77,16 +77,6 @@ LONG GetInt(const Access& access) noexcept
     return TRX_OPERATION_OK;
 }
 
-// Converts the text of a profile file whole, as far as the reply's 256 bytes go.
-std::size_t ConvertProfileText(const wchar_t* text, char (&narrow)[256]) noexcept
-{
-    const auto length = static_cast<int>(text::Length(text));
-    const int needed =
-        length == 0 ? 0 : WideCharToMultiByte(CP_ACP, 0, text, length, nullptr, 0, nullptr, nullptr);
-    PmLog(L"the needed string len is %d", needed);
-    return text::ToNarrow(text, narrow, std::size(narrow));
-}
-
 // Converts the text of an installation file, which ends after as many bytes as it has characters: in a code
 // page with several bytes to a character it is cut short.
 std::size_t ConvertInstallationText(const wchar_t* text, char (&narrow)[256]) noexcept
@@ -105,8 +95,10 @@ LONG GetString(const Access& access) noexcept
     PmLog(L"File=%s, Sec=%s, Item=%s str=%s, strlen=%d\n", data.file, data.section, data.item, text, length);
 
     char narrow[256];
-    const std::size_t size = data.fileType == kProfileFile ? ConvertProfileText(text, narrow)
-                                                           : ConvertInstallationText(text, narrow);
+    const std::size_t size =
+        data.fileType == kProfileFile
+            ? exchange::ConvertText(text, L"the needed string len is %d", narrow, std::size(narrow))
+            : ConvertInstallationText(text, narrow);
     exchange::WriteReply(access.request, narrow, static_cast<DWORD>(size + 1));
     return TRX_OPERATION_OK;
 }

@@ -4,6 +4,9 @@
 
 #include "plugin/Exchange.h"
 
+#include "foundation/PmLog.h"
+#include "foundation/Text.h"
+
 namespace exchange
 {
 
@@ -40,6 +43,14 @@ void WriteReply(const PM_Request& request, const void* data, DWORD size) noexcep
     }
     std::memcpy(request.result, data, size);
     WriteReplySize(request, size);
+}
+
+std::size_t ConvertText(const wchar_t* source, const wchar_t* format, char* target,
+                        std::size_t capacity) noexcept
+{
+    const auto length = static_cast<int>(text::Length(source));
+    PmLog(format, WideCharToMultiByte(CP_ACP, 0, source, length, nullptr, 0, nullptr, nullptr));
+    return text::ToNarrow(source, target, capacity);
 }
 
 DWORD ReadReplySize(const PM_Request& request) noexcept

@@ -61,6 +61,11 @@ void WriteReply(const PM_Request& request, const Record& record) noexcept
     WriteReply(request, &record, sizeof record);
 }
 
+/// Converts a text for a reply, as far as `capacity` goes with the terminator, and logs under `format` how
+/// many bytes it needs without. Gives the bytes written before the terminator.
+std::size_t ConvertText(const wchar_t* source, const wchar_t* format, char* target,
+                        std::size_t capacity) noexcept;
+
 /// The room that the host says there is, and what it is told there is now; 0 and nothing for a null pointer.
 DWORD ReadReplySize(const PM_Request& request) noexcept;
 void WriteReplySize(const PM_Request& request, DWORD size) noexcept;

@@ -31,26 +31,16 @@ struct SchemeTexts
     wchar_t description[512];
 };
 
-// Logs, under `format`, how many bytes a text needs on the wire, and converts it as far as they go.
-std::size_t ConvertText(const wchar_t* source, const wchar_t* format, char* target,
-                        std::size_t capacity) noexcept
-{
-    const auto length = static_cast<int>(text::Length(source));
-    const int needed =
-        length == 0 ? 0 : WideCharToMultiByte(CP_ACP, 0, source, length, nullptr, 0, nullptr, nullptr);
-    PmLog(format, needed);
-    return text::ToNarrow(source, target, capacity);
-}
-
 // Copies name and description into the record, each with its terminator. The description comes last, so it
 // stands whole where a name was too long for its field.
 void FillIdentity(const SchemeTexts& texts, PM_Power_Scheme_Data& reply) noexcept
 {
     char name[256];
-    const std::size_t nameSize = ConvertText(texts.name, L"the needed name len is %d", name, sizeof name);
+    const std::size_t nameSize =
+        exchange::ConvertText(texts.name, L"the needed name len is %d", name, sizeof name);
     char description[sizeof reply.desc];
-    const std::size_t size =
-        ConvertText(texts.description, L"the needed desc len is %d", description, sizeof description);
+    const std::size_t size = exchange::ConvertText(texts.description, L"the needed desc len is %d",
+                                                   description, sizeof description);
 
     char* const record = reinterpret_cast<char*>(&reply);
     static_assert(offsetof(PM_Power_Scheme_Data, name) + sizeof name <= sizeof reply);
