@@ -51,8 +51,9 @@ constexpr DWORD IOCTL_GET_DEVICE_PROPERTY = ControlCode(DriverFunction::GetDevic
 /// Room of a device object name in a record, in UTF-16 units with the terminator.
 constexpr std::size_t kDeviceNameUnits = 50;
 
-// A record that carries data ends in a one-byte array, and its message is the record's size minus that byte
-// plus the data. The compiler rounds the record up, so up to three bytes follow the data in a message.
+// A record that carries data has room for its first byte and is rounded up to whole words. Its message is the
+// record's size minus that byte plus the data, so up to three bytes follow the data in a message. The
+// rounding has a name, because the compiler's own would go to the driver with whatever the stack held.
 
 /// Asks for a firmware control method by its four-letter name.
 struct ControlMethodInput
@@ -78,6 +79,7 @@ struct PciConfigRecord
     ULONG offset;                         ///< offset 100
     ULONG length;                         ///< offset 104: bytes
     BYTE data[1];                         ///< offset 108: on write
+    BYTE rounding[3];                     ///< offset 109
 };
 static_assert(sizeof(PciConfigRecord) == 112 && offsetof(PciConfigRecord, offset) == 100 &&
               offsetof(PciConfigRecord, length) == 104 && offsetof(PciConfigRecord, data) == 108);
@@ -85,10 +87,11 @@ static_assert(sizeof(PciConfigRecord) == 112 && offsetof(PciConfigRecord, offset
 /// An access to an I/O port.
 struct PortRecord
 {
-    USHORT port;    ///< offset 0
-    USHORT size;    ///< offset 2: bytes
-    ULONG sizeWide; ///< offset 4: the same again
-    BYTE data[1];   ///< offset 8: on write
+    USHORT port;      ///< offset 0
+    USHORT size;      ///< offset 2: bytes
+    ULONG sizeWide;   ///< offset 4: the same again
+    BYTE data[1];     ///< offset 8: on write
+    BYTE rounding[3]; ///< offset 9
 };
 static_assert(sizeof(PortRecord) == 12 && offsetof(PortRecord, size) == 2 &&
               offsetof(PortRecord, sizeWide) == 4 && offsetof(PortRecord, data) == 8);
@@ -117,7 +120,8 @@ struct MemoryRecord
 {
     ULONG mappedAddress[2]; ///< offset 0: from the descriptor
     ULONG length;           ///< offset 8: bytes
-    BYTE data[1];           ///< offset 12: on write; zeros on read
+    BYTE data[1];           ///< offset 12: on write; zeros on read, with the rounding
+    BYTE rounding[3];       ///< offset 13
 };
 static_assert(sizeof(MemoryRecord) == 16 && offsetof(MemoryRecord, length) == 8 &&
               offsetof(MemoryRecord, data) == 12);

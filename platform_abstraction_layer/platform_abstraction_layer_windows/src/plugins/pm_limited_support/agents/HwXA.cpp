@@ -167,7 +167,7 @@ LONG CHwXA::ReadIoPort(ULONG port, void* buffer, USHORT size) noexcept
     {
         return kGeneralFailure;
     }
-    const PortRecord record = {static_cast<USHORT>(port), size, size, {}};
+    const PortRecord record = {static_cast<USHORT>(port), size, size, {}, {}};
     DWORD returned = 0;
     if (const LONG read = CallDriver(DriverFunction::ReadPort, &record, buffer, size, returned); read < 0)
     {
