@@ -150,6 +150,8 @@ TEST_F(HwSBXTest, FunctionIsFoundByItsExactNameInTheChipsetsList)
     EXPECT_EQ(kSucceeded, chipset.GetFunctionDisable(L"HD Audio", &disabled));
     UseFile(kInPci, kIdentification, "DeviceNumbers=2\nName2=HD Audio\n");
     EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", &disabled));
+    UseFile(kInPci, kIdentification, "DeviceNumbers=2147483647\nName0=Other\n");
+    EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", &disabled)) << "doesn't last for hours";
 }
 
 TEST_F(HwSBXTest, FirstMatchingIdentificationNamesTheChipset)

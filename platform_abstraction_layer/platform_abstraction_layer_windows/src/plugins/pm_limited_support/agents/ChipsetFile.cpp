@@ -4,6 +4,8 @@
 
 #include "agents/ChipsetFile.h"
 
+#include "foundation/GapLimit.h"
+
 #include <algorithm>
 #include <iterator>
 #include <limits>
@@ -120,6 +122,7 @@ bool IsListed(CORVLCfg& file, const wchar_t* chipset, const wchar_t* name) noexc
     wchar_t section[kSectionCapacity];
     text::Format(section, L"%s Devices", chipset);
     const int count = file.GetInt(section, L"DeviceNumbers", kMissing);
+    GapLimit gap;
     for (int index = 0; index < count; ++index)
     {
         wchar_t key[32];
@@ -129,6 +132,10 @@ bool IsListed(CORVLCfg& file, const wchar_t* chipset, const wchar_t* name) noexc
         if (text::Equal(listed, name))
         {
             return true;
+        }
+        if (gap.IsReached(listed[0] == L'\0'))
+        {
+            return false;
         }
     }
     return false;

@@ -5,6 +5,7 @@
 #include "agents/HwSBX.h"
 
 #include "agents/ChipsetFile.h"
+#include "foundation/GapLimit.h"
 #include "foundation/Results.h"
 
 #include <iterator>
@@ -158,10 +159,21 @@ LONG CHwSBX::Setup(int identify) noexcept
         return kSucceeded;
     }
     const int count = file.GetInt(L"Device Identifications", L"SBXIdNumbers", kMissing);
+    GapLimit gap;
     for (int index = 0; index < count; ++index)
     {
         wchar_t section[kSectionCapacity];
         text::Format(section, L"SBX Identification %d", index);
+        RegisterKind kind{};
+        const bool isKnown = ReadRegisterKind(file, section, kind);
+        if (gap.IsReached(!isKnown))
+        {
+            return kGeneralFailure;
+        }
+        if (!isKnown || kind != RegisterKind::PciConfig)
+        {
+            continue;
+        }
         bool matches = false;
         if (const LONG tested = TestIdentification(file, section, matches); tested < 0)
         {
@@ -176,14 +188,9 @@ LONG CHwSBX::Setup(int identify) noexcept
     return kGeneralFailure;
 }
 
-/// Compares one device with an identification section. A section for another kind of register doesn't match.
+/// Compares a device's configuration space with an identification section.
 LONG CHwSBX::TestIdentification(CORVLCfg& file, const wchar_t* section, bool& matches) noexcept
 {
-    RegisterKind kind{};
-    if (!ReadRegisterKind(file, section, kind) || kind != RegisterKind::PciConfig)
-    {
-        return kSucceeded;
-    }
     const int bus = file.GetInt(section, L"Bus", kMissing);
     const int device = file.GetInt(section, L"Device", kMissing);
     const int function = file.GetInt(section, L"Function", kMissing);

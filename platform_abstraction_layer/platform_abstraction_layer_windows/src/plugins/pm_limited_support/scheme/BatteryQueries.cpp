@@ -4,6 +4,7 @@
 
 #include "agents/BatAgent.h"
 #include "agents/EcAgent.h"
+#include "foundation/GapLimit.h"
 #include "foundation/Results.h"
 #include "scheme/SchemeEx.h"
 #include "scheme/SchemeFiles.h"
@@ -33,7 +34,7 @@ constexpr ItemList kSystemItems{L"BAItemNum", L"BAName%d", L"BAStart%d", L"BASiz
 int FindItem(CORVLCfg& root, const ItemList& list, const wchar_t* name) noexcept
 {
     const int count = root.GetInt(kSection, list.count, 0);
-    files::GapLimit gap;
+    GapLimit gap;
     for (int item = 0; item < count; ++item)
     {
         files::ShortText found = {};

@@ -87,10 +87,4 @@ bool OpenDisplay(CORVLProfile& file, const wchar_t* folder) noexcept
     return FindName(kDisplayName, name) && file.Initialize(name, folder, 0) != 0;
 }
 
-bool GapLimit::IsReached(bool entryIsAbsent) noexcept
-{
-    m_gap = entryIsAbsent ? m_gap + 1 : 0;
-    return m_gap >= kLongestGap;
-}
-
 } // namespace files

@@ -74,18 +74,4 @@ bool OpenCatalogue(CORVLCfg& file) noexcept;
 /// `folder` is the user's configuration folder.
 bool OpenDisplay(CORVLProfile& file, const wchar_t* folder) noexcept;
 
-/// Entries that a file numbers are as many as a count in it says. A damaged count would make a walk through
-/// them last for hours, so a walk gives up after a long run of entries that aren't there.
-class GapLimit
-{
-public:
-    /// Notes one entry; true when the walk is to end.
-    bool IsReached(bool entryIsAbsent) noexcept;
-
-private:
-    static constexpr int kLongestGap = 10000;
-
-    int m_gap = 0;
-};
-
 } // namespace files

@@ -4,6 +4,7 @@
 
 #include "scheme/SchemeMapping.h"
 
+#include "foundation/GapLimit.h"
 #include "foundation/GuidText.h"
 #include "scheme/PolicyStore.h"
 #include "scheme/PowerDispatch.h"
@@ -135,7 +136,7 @@ int CSchemeEx::SchemeGuidToIndex(const GUID* guid) noexcept
     }
     // One past the last used row is looked at too.
     const int last = GetPwrSchemeMaxIndex();
-    files::GapLimit gap;
+    GapLimit gap;
     for (int row = 0; row <= last; ++row)
     {
         GuidText guidText;

@@ -4,6 +4,7 @@
 
 #include "scheme/SettingCatalogue.h"
 
+#include "foundation/GapLimit.h"
 #include "foundation/GuidText.h"
 #include "foundation/PowerProfile.h"
 #include "scheme/SchemeEx.h"
@@ -38,7 +39,7 @@ bool FindOption(const wchar_t* name, Predicate accepts, int& value) noexcept
         return false;
     }
     const int count = file.GetInt(name, kOptionCount, 0);
-    files::GapLimit gap;
+    GapLimit gap;
     for (int option = 0; option < count; ++option)
     {
         value = ReadOption(file, name, option);
