@@ -54,12 +54,17 @@ void COrvlDrvMgr::ReplaceHandle(HANDLE handle) noexcept
 
 LONG COrvlDrvMgr::Open() noexcept
 {
-    if (StaysConnected() && m_hDevice != nullptr)
+    const bool stays = StaysConnected();
+    if (stays && m_hDevice != nullptr)
     {
         return kSucceeded;
     }
 
     const owners::SectionLock lock(m_section);
+    if (stays && m_hDevice != nullptr)
+    {
+        return kSucceeded; // another thread has opened it in the meantime
+    }
     const HANDLE opened = CreateFileW(L"\\\\.\\orvlebl", GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                                       FILE_ATTRIBUTE_NORMAL, nullptr);
     if (opened == INVALID_HANDLE_VALUE)
