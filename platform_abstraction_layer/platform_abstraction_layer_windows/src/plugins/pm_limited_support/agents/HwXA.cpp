@@ -178,7 +178,7 @@ LONG CHwXA::ReadIoPort(ULONG port, void* buffer, USHORT size) noexcept
 
 LONG CHwXA::WriteIoPort(ULONG port, void* buffer, USHORT size) noexcept
 {
-    if (!IsUsable(m_bDriverSetUp) || buffer == nullptr)
+    if (!IsUsable(m_bDriverSetUp))
     {
         return kGeneralFailure;
     }
@@ -188,7 +188,7 @@ LONG CHwXA::WriteIoPort(ULONG port, void* buffer, USHORT size) noexcept
         return kGeneralFailure;
     }
     const owners::HeapBlock message = AllocateMessage(sizeof(PortRecord), size);
-    if (!message)
+    if (buffer == nullptr || !message)
     {
         return kGeneralFailure;
     }
