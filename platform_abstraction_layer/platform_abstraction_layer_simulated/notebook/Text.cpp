@@ -190,7 +190,16 @@ std::string FoldCase(std::string_view source)
 
 bool EqualIgnoringCase(std::string_view left, std::string_view right)
 {
-    return left == right || FoldCase(left) == FoldCase(right);
+    std::size_t leftPlace = 0;
+    std::size_t rightPlace = 0;
+    while (leftPlace < left.size() && rightPlace < right.size())
+    {
+        if (UpperCase(NextPoint(left, leftPlace)) != UpperCase(NextPoint(right, rightPlace)))
+        {
+            return false;
+        }
+    }
+    return leftPlace == left.size() && rightPlace == right.size();
 }
 
 wchar_t FoldCase(wchar_t unit)
