@@ -107,11 +107,11 @@ std::string Accounts::RunningSid()
 
 bool Accounts::Store(const Account& account)
 {
-    const std::string section = SectionOf(account.name);
-    return Machine::Write(section, "Sid", account.sid) && Machine::Write(section, "Domain", account.domain) &&
-           Machine::Write(section, "Profile", account.profile) &&
-           Machine::WriteNumber(section, "LoggedOn", account.isLoggedOn ? 1 : 0) &&
-           Machine::WriteNumber(section, "WellKnown", account.isWellKnown ? 1 : 0);
+    return Machine::Write(SectionOf(account.name), {{"Sid", account.sid},
+                                                    {"Domain", account.domain},
+                                                    {"Profile", account.profile},
+                                                    {"LoggedOn", account.isLoggedOn ? "1" : "0"},
+                                                    {"WellKnown", account.isWellKnown ? "1" : "0"}});
 }
 
 bool Accounts::Remove(std::string_view name)

@@ -87,9 +87,7 @@ unsigned Batteries::Add()
     DeviceTree::Description slot = {kInstanceBegin + std::to_string(unit), GUID_DEVCLASS_BATTERY,
                                     "Microsoft ACPI-Compliant Control Method Battery"};
     slot.interfaceClass = GUID_DEVICE_BATTERY;
-    DeviceTree::Add(slot);
-    const unsigned index = static_cast<unsigned>(All().size()) - 1;
-    const std::pair<const char*, const char*> values[] = {
+    slot.values = {
         {"Tag", "1"},
         {"Capabilities", "0x80000000"},
         {"Technology", "1"},
@@ -105,13 +103,10 @@ unsigned Batteries::Add()
         {"DeviceName", "DS-4400"},
         {"ManufactureName", "Kelvo"},
         {"SerialNumber", "01207"},
+        {"UniqueID", "01207KelvoDS-4400-" + std::to_string(unit)},
     };
-    for (const auto& [key, value] : values)
-    {
-        SetValue(index, key, value);
-    }
-    SetValue(index, "UniqueID", "01207KelvoDS-4400-" + std::to_string(unit));
-    return index;
+    DeviceTree::Add(slot);
+    return static_cast<unsigned>(All().size()) - 1;
 }
 
 void Batteries::Remove(unsigned index)
@@ -148,10 +143,10 @@ void Batteries::SetStatus(unsigned index, const std::optional<BATTERY_STATUS>& s
         }
         return;
     }
-    SetValue(index, "PowerState", ToHex(status->PowerState, 8));
-    SetValue(index, "Capacity", std::to_string(status->Capacity));
-    SetValue(index, "Voltage", std::to_string(status->Voltage));
-    SetValue(index, "Rate", ToHex(static_cast<ULONG>(status->Rate), 8));
+    Machine::Write("Device " + IdOf(index), {{"PowerState", ToHex(status->PowerState, 8)},
+                                             {"Capacity", std::to_string(status->Capacity)},
+                                             {"Voltage", std::to_string(status->Voltage)},
+                                             {"Rate", ToHex(static_cast<ULONG>(status->Rate), 8)}});
 }
 
 void Batteries::SetValue(unsigned index, const std::string& key, const std::string& value)

@@ -66,20 +66,21 @@ DWORD Restart(const std::string& instanceId)
 
 void DeviceTree::Add(const Description& device)
 {
-    SetValue(device.instanceId, "Class", ToText(device.setupClass));
-    SetValue(device.instanceId, "Description", device.description);
+    Machine::Entries entries = {{"Class", ToText(device.setupClass)}, {"Description", device.description}};
     if (!device.parent.empty())
     {
-        SetValue(device.instanceId, "Parent", device.parent);
+        entries.emplace_back("Parent", device.parent);
     }
     if (!device.driver.empty())
     {
-        SetValue(device.instanceId, "Driver", device.driver);
+        entries.emplace_back("Driver", device.driver);
     }
     if (device.interfaceClass)
     {
-        SetValue(device.instanceId, "Interface", ToText(*device.interfaceClass));
+        entries.emplace_back("Interface", ToText(*device.interfaceClass));
     }
+    entries.insert(entries.end(), device.values.begin(), device.values.end());
+    Machine::Write(Section(device.instanceId), entries);
 }
 
 void DeviceTree::Remove(const std::string& instanceId)

@@ -22,6 +22,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace simulated
@@ -41,6 +42,7 @@ public:
         std::string parent = {}; ///< instance id; empty: the root
         std::string driver = {}; ///< "{class}\0000"
         std::optional<GUID> interfaceClass = {};
+        std::vector<std::pair<std::string, std::string>> values = {}; ///< more lines of its section
     };
 
     /// Puts a device behind those that are there, present and enabled.

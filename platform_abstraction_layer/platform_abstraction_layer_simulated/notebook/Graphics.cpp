@@ -65,8 +65,8 @@ Graphics::Refusal Graphics::RefusalOf(const std::string& method)
 
 void Graphics::Refuse(const std::string& method, const Refusal& refusal)
 {
-    Machine::Write(kSection, method + ".Result", ToHex(static_cast<DWORD>(refusal.result), 8));
-    Machine::WriteNumber(kSection, method + ".Error", refusal.driverError);
+    Machine::Write(kSection, {{method + ".Result", ToHex(static_cast<DWORD>(refusal.result), 8)},
+                              {method + ".Error", std::to_string(refusal.driverError)}});
 }
 
 bool Graphics::IsComposed()

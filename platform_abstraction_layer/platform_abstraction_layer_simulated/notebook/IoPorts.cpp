@@ -50,10 +50,12 @@ bool IoPorts::Write(DWORD port, unsigned size, DWORD value)
 
 void IoPorts::Set(DWORD port, unsigned size, DWORD value)
 {
+    Machine::Entries bytes;
     for (unsigned index = 0; index < size; ++index)
     {
-        Machine::Write(kPorts, PortKey(port + index), ToHex((value >> (8 * index)) & 0xFF, 2));
+        bytes.emplace_back(PortKey(port + index), ToHex((value >> (8 * index)) & 0xFF, 2));
     }
+    Machine::Write(kPorts, bytes);
 }
 
 } // namespace simulated

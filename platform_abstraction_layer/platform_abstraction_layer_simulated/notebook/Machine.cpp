@@ -135,7 +135,7 @@ const Section* Find(const Content& content, std::string_view name)
     return found == content.sections.end() ? nullptr : &found->second;
 }
 
-/// Lets `change` edit the document under the writers' lock; nothing is written when it answers false.
+/// Lets `change` edit the document under the writers' lock; nothing is written when that leaves it as it was.
 template <class Change>
 bool Edit(Change change)
 {
@@ -145,8 +145,10 @@ bool Edit(Change change)
     {
         return false;
     }
-    IniDocument document(ReadWhole(path).value_or(std::string()), Encoding::Utf8);
-    return !change(document) || WriteWhole(path, document.Bytes());
+    const std::string before = ReadWhole(path).value_or(std::string());
+    IniDocument document(before, Encoding::Utf8);
+    change(document);
+    return document.Bytes() == before || WriteWhole(path, document.Bytes());
 }
 
 std::string FromEnvironment(const char* name, const char* otherwise)
@@ -222,11 +224,18 @@ std::uint64_t Machine::ReadNumber(std::string_view section, std::string_view key
 
 bool Machine::Write(std::string_view section, std::string_view key, std::string_view value)
 {
+    return Edit([&](IniDocument& document) { document.Set(section, key, value); });
+}
+
+bool Machine::Write(std::string_view section, const Entries& entries)
+{
     return Edit(
         [&](IniDocument& document)
         {
-            document.Set(section, key, value);
-            return true;
+            for (const auto& [key, value] : entries)
+            {
+                document.Set(section, key, value);
+            }
         });
 }
 

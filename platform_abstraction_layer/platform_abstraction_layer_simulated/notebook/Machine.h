@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace simulated
@@ -39,6 +40,10 @@ public:
     /// Changes machine.ini whole; the next reader in any process sees it. False when it can't be written.
     static bool Write(std::string_view section, std::string_view key, std::string_view value);
     static bool WriteNumber(std::string_view section, std::string_view key, std::uint64_t value);
+
+    /// The same for what belongs together: a reader sees all of it changed or nothing.
+    using Entries = std::vector<std::pair<std::string, std::string>>; ///< keys and values
+    static bool Write(std::string_view section, const Entries& entries);
     static bool Remove(std::string_view section);
     static bool Remove(std::string_view section, std::string_view key);
 

@@ -307,10 +307,11 @@ bool Notebook::RemoveUser(const std::string& name)
 bool Notebook::SetVersion(DWORD major, DWORD minor)
 {
     const Version* const version = FindVersion(major, minor);
-    return version != nullptr && Machine::WriteNumber(kSection, "Major", version->major) &&
-           Machine::WriteNumber(kSection, "Minor", version->minor) &&
-           Machine::WriteNumber(kSection, "Build", version->build) &&
-           Machine::WriteNumber(kSection, "ServicePack", version->servicePack);
+    return version != nullptr &&
+           Machine::Write(kSection, {{"Major", std::to_string(version->major)},
+                                     {"Minor", std::to_string(version->minor)},
+                                     {"Build", std::to_string(version->build)},
+                                     {"ServicePack", std::to_string(version->servicePack)}});
 }
 
 bool Notebook::SetCodePage(unsigned codePage)

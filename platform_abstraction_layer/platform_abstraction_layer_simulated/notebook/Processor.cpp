@@ -23,6 +23,12 @@ std::string Section(unsigned core)
     return "Core " + std::to_string(core);
 }
 
+/// A register as a line of its core's section.
+std::pair<std::string, std::string> Line(DWORD index, std::uint64_t value)
+{
+    return {ToHex(index, 3), ToHex(value, 16)};
+}
+
 // Ratios and voltages lie at the same places in the registers' low and high halves.
 constexpr std::uint64_t kVidMask = 0x3F;
 constexpr unsigned kRatioShift = 8;
@@ -51,7 +57,7 @@ std::optional<std::uint64_t> Processor::Read(unsigned core, DWORD index)
 
 void Processor::Set(unsigned core, DWORD index, std::uint64_t value)
 {
-    Machine::Write(Section(core), ToHex(index, 3), ToHex(value, 16));
+    Machine::Write(Section(core), {Line(index, value)});
 }
 
 void Processor::Remove(unsigned core, DWORD index)
@@ -69,12 +75,13 @@ DWORD Processor::Write(unsigned core, DWORD index, std::uint64_t value)
     {
         return ERROR_ACCESS_DENIED;
     }
-    Set(core, index, value);
+    Machine::Entries registers = {Line(index, value)};
     const std::optional<std::uint64_t> status = Read(core, kPerformanceStatus);
     if (index == kPerformanceControl && status)
     {
-        Set(core, kPerformanceStatus, StatusAfter(*status, value));
+        registers.push_back(Line(kPerformanceStatus, StatusAfter(*status, value)));
     }
+    Machine::Write(Section(core), registers);
     return ERROR_SUCCESS;
 }
 
@@ -83,11 +90,10 @@ void Processor::Fit(unsigned cores, const Limits& limits)
     const std::uint64_t highest = (limits.highestRatio << kRatioShift) | limits.highestVid;
     for (unsigned core = 0; core < cores; ++core)
     {
-        Set(core, kPerformanceStatus,
-            (highest << kHalf) | (std::uint64_t{limits.lowestRatio} << kLowestRatioShift) | highest);
-        Set(core, kPerformanceControl, highest);
-        Set(core, kClockModulation, 0);
-        Set(core, kThermalControl, limits.lowestVid);
+        const std::uint64_t status =
+            (highest << kHalf) | (std::uint64_t{limits.lowestRatio} << kLowestRatioShift) | highest;
+        Machine::Write(Section(core), {Line(kPerformanceStatus, status), Line(kPerformanceControl, highest),
+                                       Line(kClockModulation, 0), Line(kThermalControl, limits.lowestVid)});
     }
     Machine::WriteNumber("Processor", "Cores", cores);
 }
