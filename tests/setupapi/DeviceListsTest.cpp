@@ -3,9 +3,7 @@
 // Lists of devices and of interfaces, properties, ids and class keys.
 
 #include "notebook/Batteries.h"
-#include "notebook/PlugInModule.h"
 #include "notebook/Text.h"
-#include "notebook/Trace.h"
 #include "setupapi/SetupTest.h"
 
 #include <gmock/gmock.h>
@@ -31,10 +29,8 @@ protected:
     {
         buffer.assign(size + 2, 0xCC);
         type = required = 0;
-        return SetupDiGetDeviceRegistryPropertyW(list, &device, number, &type,
-                                                 size == 0 ? nullptr : buffer.data(), size, &required)
-                   ? DWORD{ERROR_SUCCESS}
-                   : GetLastError();
+        return ErrorOf(SetupDiGetDeviceRegistryPropertyW(
+            list, &device, number, &type, size == 0 ? nullptr : buffer.data(), size, &required));
     }
 
     std::vector<std::string> Descriptions()
@@ -56,20 +52,19 @@ protected:
 TEST_F(DeviceListsTest, DevicesComeInTheOrderOfTheMachine)
 {
     Adapters::Clear();
-    Adapters::Add("JMicron PCI Express Gigabit", {});
+    Adapters::Add("First", {});
     const std::string second = Adapters::Add("50% faster %s%n adapter", {});
-    Adapters::Add("Wifi Link", {});
+    Adapters::Add("Third", {});
     OpenList();
-    EXPECT_THAT(Descriptions(),
-                ElementsAre("JMicron PCI Express Gigabit", "50% faster %s%n adapter", "Wifi Link"));
+    EXPECT_THAT(Descriptions(), ElementsAre("First", "50% faster %s%n adapter", "Third"));
     EXPECT_EQ(259U, Enumerate(3));
     DeviceTree::SetPresent(second, false); // the list stays as it was
     EXPECT_EQ(3U, Descriptions().size());
     OpenList();
-    EXPECT_THAT(Descriptions(), ElementsAre("JMicron PCI Express Gigabit", "Wifi Link"));
+    EXPECT_THAT(Descriptions(), ElementsAre("First", "Third"));
     OpenList(GUID_DEVCLASS_NET, 0); // those of yesterday too
     EXPECT_EQ(3U, Descriptions().size());
-    OpenList(kUnknownClass, DIGCF_PRESENT);
+    OpenList(kUnknownClass);
     EXPECT_EQ(259U, Enumerate(0));
     EXPECT_EQ(INVALID_HANDLE_VALUE, SetupDiGetClassDevsW(nullptr, nullptr, nullptr, DIGCF_PRESENT));
     EXPECT_EQ(87U, GetLastError());
@@ -82,8 +77,7 @@ TEST_F(DeviceListsTest, RecordsMustTellTheirSizeAndBelongToTheList)
     OpenList();
     SP_DEVINFO_DATA wrong = {};
     wrong.cbSize = sizeof wrong - 1;
-    EXPECT_FALSE(SetupDiEnumDeviceInfo(list, 0, &wrong));
-    EXPECT_EQ(1784U, GetLastError());
+    EXPECT_EQ(1784U, ErrorOf(SetupDiEnumDeviceInfo(list, 0, &wrong)));
     ASSERT_EQ(0U, Enumerate(0));
     EXPECT_EQ(sizeof(SP_DEVINFO_DATA), device.cbSize);
     device.cbSize = 0;
@@ -91,13 +85,11 @@ TEST_F(DeviceListsTest, RecordsMustTellTheirSizeAndBelongToTheList)
     device.cbSize = sizeof device;
     device.Reserved = 77;
     EXPECT_EQ(87U, Property(SPDRP_DEVICEDESC, 520));
-    EXPECT_FALSE(SetupDiEnumDeviceInfo(INVALID_HANDLE_VALUE, 0, &device));
-    EXPECT_EQ(6U, GetLastError());
+    EXPECT_EQ(6U, ErrorOf(SetupDiEnumDeviceInfo(INVALID_HANDLE_VALUE, 0, &device)));
 
     SP_DEVINFO_LIST_DETAIL_DATA_W detail = {};
     detail.cbSize = sizeof detail - 1;
-    EXPECT_FALSE(SetupDiGetDeviceInfoListDetailW(list, &detail));
-    EXPECT_EQ(1784U, GetLastError());
+    EXPECT_EQ(1784U, ErrorOf(SetupDiGetDeviceInfoListDetailW(list, &detail)));
     detail.cbSize = sizeof detail;
     EXPECT_TRUE(SetupDiGetDeviceInfoListDetailW(list, &detail));
     EXPECT_EQ(0, std::memcmp(&GUID_DEVCLASS_NET, &detail.ClassGuid, sizeof(GUID)));
@@ -143,16 +135,15 @@ TEST_F(DeviceListsTest, DevicesAreOpenedByInstanceId)
     const DWORD needed = static_cast<DWORD>(id.size() + 1);
     EXPECT_TRUE(SetupDiGetDeviceInstanceIdW(list, &device, text, needed, &required));
     EXPECT_EQ(id, ToUtf8(text));
-    EXPECT_FALSE(SetupDiGetDeviceInstanceIdW(list, &device, text, needed - 1, &required));
-    EXPECT_EQ(122U, GetLastError());
+    EXPECT_EQ(122U, ErrorOf(SetupDiGetDeviceInstanceIdW(list, &device, text, needed - 1, &required)));
     EXPECT_EQ(needed, required);
 
-    EXPECT_FALSE(SetupDiOpenDeviceInfoW(list, L"PCI\\VEN_0000", nullptr, 0, &device));
-    EXPECT_EQ(ERROR_NO_SUCH_DEVINST, GetLastError());
+    EXPECT_EQ(ERROR_NO_SUCH_DEVINST,
+              ErrorOf(SetupDiOpenDeviceInfoW(list, L"PCI\\VEN_0000", nullptr, 0, &device)));
     CloseList();
     list = SetupDiCreateDeviceInfoList(&GUID_DEVCLASS_BATTERY, nullptr);
-    EXPECT_FALSE(SetupDiOpenDeviceInfoW(list, folded.data(), nullptr, 0, &device));
-    EXPECT_EQ(ERROR_CLASS_MISMATCH, GetLastError());
+    EXPECT_EQ(ERROR_CLASS_MISMATCH,
+              ErrorOf(SetupDiOpenDeviceInfoW(list, folded.data(), nullptr, 0, &device)));
 }
 
 TEST_F(DeviceListsTest, InterfacesLeadToAPath)
@@ -160,26 +151,22 @@ TEST_F(DeviceListsTest, InterfacesLeadToAPath)
     Batteries::Add();
     OpenList(GUID_DEVICE_BATTERY, DIGCF_PRESENT | DIGCF_DEVICEINTERFACE);
     SP_DEVICE_INTERFACE_DATA data = {};
-    EXPECT_FALSE(SetupDiEnumDeviceInterfaces(list, nullptr, &GUID_DEVICE_BATTERY, 0, &data));
-    EXPECT_EQ(1784U, GetLastError());
+    EXPECT_EQ(1784U, ErrorOf(SetupDiEnumDeviceInterfaces(list, nullptr, &GUID_DEVICE_BATTERY, 0, &data)));
     data.cbSize = sizeof data;
-    EXPECT_FALSE(SetupDiEnumDeviceInterfaces(list, nullptr, &GUID_DEVICE_BATTERY, 2, &data));
-    EXPECT_EQ(259U, GetLastError());
-    EXPECT_FALSE(SetupDiEnumDeviceInterfaces(list, nullptr, &kUnknownClass, 0, &data));
-    EXPECT_EQ(259U, GetLastError());
+    EXPECT_EQ(259U, ErrorOf(SetupDiEnumDeviceInterfaces(list, nullptr, &GUID_DEVICE_BATTERY, 2, &data)));
+    EXPECT_EQ(259U, ErrorOf(SetupDiEnumDeviceInterfaces(list, nullptr, &kUnknownClass, 0, &data)));
     ASSERT_TRUE(SetupDiEnumDeviceInterfaces(list, nullptr, &GUID_DEVICE_BATTERY, 1, &data));
 
-    EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(list, &data, nullptr, 0, &required, nullptr));
-    EXPECT_EQ(122U, GetLastError());
+    EXPECT_EQ(122U, ErrorOf(SetupDiGetDeviceInterfaceDetailW(list, &data, nullptr, 0, &required, nullptr)));
     const std::string path = "\\\\?\\acpi#pnp0c0a#1#{72631e54-78a4-11d0-bcf7-00aa00b7b32a}";
     ASSERT_EQ(4 + 2 * (path.size() + 1), required);
     std::vector<DWORD> room(required / sizeof(DWORD) + 1);
     auto* const detail = reinterpret_cast<SP_DEVICE_INTERFACE_DETAIL_DATA_W*>(room.data());
-    EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(list, &data, detail, required, nullptr, nullptr));
-    EXPECT_EQ(1784U, GetLastError());
+    EXPECT_EQ(1784U,
+              ErrorOf(SetupDiGetDeviceInterfaceDetailW(list, &data, detail, required, nullptr, nullptr)));
     detail->cbSize = sizeof *detail;
-    EXPECT_FALSE(SetupDiGetDeviceInterfaceDetailW(list, &data, detail, required - 1, nullptr, nullptr));
-    EXPECT_EQ(122U, GetLastError());
+    EXPECT_EQ(122U,
+              ErrorOf(SetupDiGetDeviceInterfaceDetailW(list, &data, detail, required - 1, nullptr, nullptr)));
     device.cbSize = sizeof device;
     EXPECT_TRUE(SetupDiGetDeviceInterfaceDetailW(list, &data, detail, required, nullptr, &device));
     EXPECT_EQ(path, ToUtf8(reinterpret_cast<const wchar_t*>(room.data() + 1)));
@@ -195,14 +182,7 @@ TEST_F(DeviceListsTest, ClassKeysAreRealRegistryKeys)
     wchar_t name[16] = {};
     EXPECT_EQ(0, RegEnumKeyW(key, 0, name, 16));
     EXPECT_EQ("0000", ToUtf8(name));
-    HKEY driver = nullptr;
-    EXPECT_EQ(0, RegOpenKeyExW(key, name, 0, KEY_ALL_ACCESS, &driver));
-    const wchar_t level[] = L"4";
-    EXPECT_EQ(0, RegSetValueExW(driver, L"DuplexMode", 0, REG_SZ, reinterpret_cast<const BYTE*>(level),
-                                sizeof level));
-    EXPECT_EQ(0, RegCloseKey(driver));
     EXPECT_EQ(0, RegCloseKey(key));
-    EXPECT_EQ("4", Adapters::Setting(Adapters::All()[0], "DuplexMode"));
 
     const struct
     {
@@ -222,17 +202,4 @@ TEST_F(DeviceListsTest, ClassKeysAreRealRegistryKeys)
                   SetupDiOpenClassRegKeyExW(&row.classGuid, KEY_READ, row.flags, row.machine, nullptr));
         EXPECT_EQ(row.error, GetLastError());
     }
-}
-
-TEST_F(DeviceListsTest, ListsAndKeysOfThePlugInCountAsHeld)
-{
-    SetPlugInRange(nullptr, reinterpret_cast<const void*>(~std::uintptr_t{0}));
-    OpenList();
-    const HKEY key =
-        SetupDiOpenClassRegKeyExW(&GUID_DEVCLASS_NET, KEY_READ, DIOCR_INSTALLER, nullptr, nullptr);
-    EXPECT_EQ(2U, Leaks::Count()) << Leaks::Describe();
-    RegCloseKey(key);
-    CloseList();
-    EXPECT_EQ(0U, Leaks::Count()) << Leaks::Describe();
-    SetPlugInRange(nullptr, nullptr);
 }

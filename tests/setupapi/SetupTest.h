@@ -13,6 +13,12 @@
 #include <devguid.h>
 #include <setupapi.h>
 
+/// The error of a function that answered `done`.
+inline DWORD ErrorOf(BOOL done)
+{
+    return done ? DWORD{ERROR_SUCCESS} : GetLastError();
+}
+
 class SetupTest : public NotebookTest
 {
 protected:
@@ -43,7 +49,7 @@ protected:
     {
         device = {};
         device.cbSize = sizeof device;
-        return SetupDiEnumDeviceInfo(list, index, &device) ? DWORD{ERROR_SUCCESS} : GetLastError();
+        return ErrorOf(SetupDiEnumDeviceInfo(list, index, &device));
     }
 
     /// Status and problem of `device`.
