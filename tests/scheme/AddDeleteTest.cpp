@@ -26,9 +26,7 @@ using Entries = std::vector<std::pair<int, std::string>>;
 class AddDelete : public SchemeTest
 {
 protected:
-    explicit AddDelete(DWORD major = 5) : SchemeTest(major)
-    {
-    }
+    using SchemeTest::SchemeTest;
 
     int Add(Engine& who, const std::string& name, int from = 3)
     {
@@ -58,13 +56,7 @@ protected:
     }
 };
 
-class VistaAddDelete : public AddDelete
-{
-protected:
-    VistaAddDelete() : AddDelete(6)
-    {
-    }
-};
+using VistaAddDelete = OnVista<AddDelete>;
 
 TEST_F(AddDelete, ACopyTakesRecordsAndSomeVariablesAlong)
 {
@@ -77,9 +69,7 @@ TEST_F(AddDelete, ACopyTakesRecordsAndSomeVariablesAlong)
     EXPECT_EQ(5, engine.GetPwrVariable(6, 0, L"BacklightLevel"));
     EXPECT_EQ(4, engine.GetPwrVariable(6, 1, L"LUMS"));
     EXPECT_EQ(-1, engine.GetPwrVariable(6, 1, L"BTStatus"));
-    const auto processor = Processor(6);
-    const auto original = Processor(3);
-    EXPECT_EQ(BytesOf(original), BytesOf(processor));
+    EXPECT_EQ(BytesOf(Processor(3)), BytesOf(Processor(6)));
     EXPECT_EQ("Mine", NameOf(engine, 6));
     EXPECT_EQ("6", seeding::GetText(HKEY_LOCAL_MACHINE, kMachineKey, "LastID"));
     EXPECT_EQ((Entries{{6, "Mine"}}), EntriesOf(SidOf("alice")));
@@ -153,27 +143,21 @@ TEST_F(AddDelete, AWholeSchemeIsAddedWithItsValues)
 
 TEST_F(AddDelete, WhatAFailedAdditionLeavesBehind)
 {
-    struct Row
-    {
-        const char* function;
-        int result;
-        bool inStore;
-        bool owned;
-    };
     int next = 6;
-    for (const Row& row :
-         {Row{"ReadPwrScheme", -1, false, false}, Row{"ReadProcessorPwrScheme", -1, false, false},
-          Row{"WritePwrScheme", -1, false, false}, Row{"WriteProcessorPwrScheme", -1, true, false},
-          Row{"RegSetValueExW", 1, true, true}})
+    for (const auto& [function, inStore, owned] : {std::tuple{"ReadPwrScheme", false, false},
+                                                   {"ReadProcessorPwrScheme", false, false},
+                                                   {"WritePwrScheme", false, false},
+                                                   {"WriteProcessorPwrScheme", true, false},
+                                                   {"RegSetValueExW", true, true}})
     {
-        SCOPED_TRACE(row.function);
-        const std::size_t owned = EntriesOf(SidOf("alice")).size();
-        Faults::Inject(row.function, 1, ERROR_ACCESS_DENIED);
-        EXPECT_EQ(row.result < 0 ? -1 : next, Add(engine, row.function));
+        SCOPED_TRACE(function);
+        const std::size_t before = EntriesOf(SidOf("alice")).size();
+        Faults::Inject(function, 1, ERROR_ACCESS_DENIED);
+        EXPECT_EQ(owned ? next : -1, Add(engine, function));
         EXPECT_TRUE(Faults::AllHit());
-        EXPECT_EQ(row.inStore ? 1 : 0, engine.FindPwrScheme(next));
-        EXPECT_EQ(owned + (row.owned ? 1 : 0), EntriesOf(SidOf("alice")).size());
-        next += row.inStore ? 1 : 0;
+        EXPECT_EQ(inStore ? 1 : 0, engine.FindPwrScheme(next));
+        EXPECT_EQ(before + (owned ? 1 : 0), EntriesOf(SidOf("alice")).size());
+        next += inStore ? 1 : 0;
     }
     // Without the user scheme file the scheme has no owner.
     ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "UserScheme", ""));
@@ -333,7 +317,7 @@ TEST_F(VistaAddDelete, OnlyDeletingWorks)
     LocalFree(copy);
 }
 
-/// One of the users of the long run: what he does, and what his section should say.
+/// One of the users of the long run, and what his section should say.
 struct Player
 {
     Engine engine;
@@ -341,32 +325,20 @@ struct Player
     Entries own;
 };
 
-// Adds an entry unless the name is taken: what an addition does to the file, without the copy of the scheme.
+// What an addition does to the file, without the copy of the scheme: an entry unless the name is taken.
 void AddAtRandom(Player& player, const std::string& name, int number)
 {
-    const auto wide = seeding::Wide(name);
+    auto wide = seeding::Wide(name);
     const bool isTaken = std::any_of(player.own.begin(), player.own.end(),
                                      [&](const auto& entry) { return entry.second == name; });
     ASSERT_EQ(isTaken, player.engine.FindPwrScheme(wide.data(), L"") != -1);
     if (!isTaken)
     {
-        UINT scheme = static_cast<UINT>(number);
+        auto scheme = static_cast<UINT>(number);
         POWER_POLICY policy{};
-        ASSERT_TRUE(WritePwrScheme(&scheme, seeding::Wide(name).data(), seeding::Wide("").data(), &policy));
+        ASSERT_TRUE(WritePwrScheme(&scheme, wide.data(), wide.data(), &policy));
         ASSERT_EQ(1, player.engine.AddtoUserScheme(wide.data(), L"", number));
         player.own.emplace_back(number, name);
-    }
-}
-
-// Deletes a scheme of `owner`, which works for himself alone.
-void DeleteAtRandom(Player& player, Player& owner, std::size_t place)
-{
-    const bool isOwn = &player == &owner;
-    const auto victim = owner.own.begin() + static_cast<std::ptrdiff_t>(place);
-    ASSERT_EQ(isOwn ? 1 : 0, player.engine.DeletePwrScheme(victim->first, L""));
-    if (isOwn)
-    {
-        owner.own.erase(victim);
     }
 }
 
@@ -378,11 +350,10 @@ TEST_F(AddDelete, TheUserSchemeFileFollowsAModelThroughManySteps)
     Trace::Record(false);
     std::mt19937 random(20240229); // NOLINT(bugprone-random-generator-seed): a failure must be repeatable
     Player players[3];
-    for (const auto& [player, name] :
-         {std::pair{&players[0], "alice"}, {&players[1], "bob"}, {&players[2], "carol"}})
+    for (std::size_t place = 0; const char* name : {"alice", "bob", "carol"})
     {
-        ActFor(player->engine, name);
-        player->section = SidOf(name);
+        ActFor(players[place].engine, name);
+        players[place++].section = SidOf(name);
     }
     for (int step = 0; step < kSteps && !HasFatalFailure(); ++step)
     {
@@ -394,15 +365,18 @@ TEST_F(AddDelete, TheUserSchemeFileFollowsAModelThroughManySteps)
         }
         else if (!owner.own.empty())
         {
-            DeleteAtRandom(player, owner, random() % owner.own.size());
+            // Works for the owner alone.
+            const auto victim = owner.own.begin() + static_cast<std::ptrdiff_t>(random() % owner.own.size());
+            const int deleted = player.engine.DeletePwrScheme(victim->first, L"");
+            ASSERT_EQ(&player == &owner ? 1 : 0, deleted);
+            owner.own.erase(victim, victim + deleted);
         }
-        if (step % 16 == 0 || step == kSteps - 1)
-        {
-            for (const Player& each : players)
-            {
-                ASSERT_EQ(each.own, EntriesOf(each.section)) << step;
-            }
-        }
+        const Player& checked = players[step % 3];
+        ASSERT_TRUE(step % 5 != 0 || checked.own == EntriesOf(checked.section)) << step;
+    }
+    for (const Player& each : players)
+    {
+        EXPECT_EQ(each.own, EntriesOf(each.section));
     }
     EXPECT_EQ("3", seeding::GetKey(Users(), "UserList", "Number"));
 }

@@ -18,9 +18,7 @@ constexpr const char* kProduct = "Software\\Kelvo\\ORVA";
 class Clearing : public SchemeTest
 {
 protected:
-    explicit Clearing(DWORD major = 5) : SchemeTest(major)
-    {
-    }
+    using SchemeTest::SchemeTest;
 
     void SetUp() override
     {
@@ -47,15 +45,10 @@ protected:
         return seeding::GetNumber(HKEY_LOCAL_MACHINE, kProduct, "AutoRunFlag").has_value();
     }
 
-    /// Whether a user's hive holds the companion application's key; the user has to be logged on.
+    /// Whether the hive of a user who is logged on holds the companion application's key.
     static bool HasUserKey(const std::string& user)
     {
         return seeding::GetNumber(HKEY_USERS, SidOf(user) + "\\" + kProduct, "x").has_value();
-    }
-
-    static bool GiveUserKey(const std::string& user)
-    {
-        return seeding::SetNumber(HKEY_USERS, SidOf(user) + "\\" + kProduct, "x", 1);
     }
 
     Engine bob;
@@ -87,6 +80,7 @@ TEST_F(Clearing, OneUsersSchemesSectionAndFilesGo)
     EXPECT_TRUE(HasFiles("bob"));
     EXPECT_TRUE(HasMachineKey());
     EXPECT_EQ(1, engine.ClearCurrentUserSettings());
+    EXPECT_TRUE(CallsOf([&] { EXPECT_EQ(1, engine.ClearORV(2)); }).empty());
 }
 
 TEST_F(Clearing, EverybodysTracesGo)
@@ -95,7 +89,7 @@ TEST_F(Clearing, EverybodysTracesGo)
     ASSERT_TRUE(Notebook::LogOn("carol"));
     for (const char* user : {"alice", "carol"})
     {
-        ASSERT_TRUE(GiveUserKey(user));
+        ASSERT_TRUE(seeding::SetNumber(HKEY_USERS, SidOf(user) + "\\" + kProduct, "x", 1));
     }
     ASSERT_TRUE(Notebook::LogOff("carol"));
     ASSERT_EQ(6, engine.AddPwrScheme(L"a", L"", 3, L"alice"));
@@ -122,12 +116,6 @@ TEST_F(Clearing, EverybodysTracesGo)
         EXPECT_FALSE(HasUserKey("carol"));
         ASSERT_TRUE(Notebook::LogOff("carol"));
     }
-}
-
-TEST_F(Clearing, OtherSelectorsDoNothing)
-{
-    const auto calls = CallsOf([&] { EXPECT_EQ(1, engine.ClearORV(2)); });
-    EXPECT_TRUE(calls.empty());
 }
 
 // Each failure leaves what the step would have removed, and what follows still happens.
@@ -188,13 +176,7 @@ TEST_F(Clearing, PrivilegesMustBeThere)
     }
 }
 
-class VistaClearing : public Clearing
-{
-protected:
-    VistaClearing() : Clearing(6)
-    {
-    }
-};
+using VistaClearing = OnVista<Clearing>;
 
 // The profile's links lead to where the files lie now.
 TEST_F(VistaClearing, ClearsThroughTheLinksOfAProfile)

@@ -16,17 +16,8 @@ namespace
 
 constexpr GUID kUnknown = {0x01234567, 0x89AB, 0xCDEF, {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD, 0xEF}};
 
-class XpMapping : public SchemeTest
-{
-};
-
-class VistaMapping : public SchemeTest
-{
-protected:
-    VistaMapping() : SchemeTest(6)
-    {
-    }
-};
+using XpMapping = SchemeTest;
+using VistaMapping = OnVista<SchemeTest>;
 
 TEST_F(XpMapping, MajorVersionSixAloneTakesTheVistaPath)
 {
@@ -94,11 +85,7 @@ TEST_F(VistaMapping, AStaleRowGoesWithAllThatItHolds)
     EXPECT_EQ(kAbsent, Stored(2, "GUID"));
     EXPECT_EQ(kAbsent, Stored(2, "Wifi"));
     EXPECT_EQ(3, engine.GetPwrSchemeMaxIndex());
-}
-
-// Without the one function that knows, no row may be taken for stale.
-TEST_F(VistaMapping, WithoutTheExistenceTestRowsStay)
-{
+    // Without the one function that knows, no row may be taken for stale.
     ASSERT_TRUE(Notebook::SetModule("PowrProf.dll.PowerReadFriendlyName", false));
     engine.Initialize();
     EXPECT_EQ(0, engine.FindPwrScheme(1));

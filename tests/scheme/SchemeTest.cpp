@@ -4,8 +4,6 @@
 
 #include "scheme/SchemeTest.h"
 
-#include <algorithm>
-
 using namespace simulated;
 
 namespace
@@ -105,9 +103,20 @@ MACHINE_PROCESSOR_POWER_POLICY SchemeTest::Processor(int scheme)
     return policy;
 }
 
-std::vector<std::string> SchemeTest::TracedNames()
+SchemeTest::Lines SchemeTest::LinesOf(const Work& work)
 {
-    std::vector<std::string> names;
+    seeding::SwitchLogsOn();
+    work();
+    auto lines = seeding::LogLines("orvl.log");
+    seeding::SwitchLogsOff();
+    return lines;
+}
+
+SchemeTest::Lines SchemeTest::CallsOf(const Work& work)
+{
+    Trace::Clear();
+    work();
+    Lines names;
     for (const TracedCall& call : Trace::Calls())
     {
         if (call.callClass != CallClass::Log)

@@ -8,6 +8,7 @@
 #include "scheme/SchemeEx.h"
 #include "support/NotebookTest.h"
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -61,31 +62,27 @@ protected:
     static std::string Stored(int scheme, const std::string& key);
     static bool Store(int scheme, const std::string& key, const std::string& value);
 
+    using Lines = std::vector<std::string>;
+    using Work = std::function<void()>;
+
     /// The lines that the engine logs while `work` runs.
-    template <class Work>
-    std::vector<std::string> LinesOf(Work work)
-    {
-        seeding::SwitchLogsOn();
-        work();
-        auto lines = seeding::LogLines("orvl.log");
-        seeding::SwitchLogsOff();
-        return lines;
-    }
+    static Lines LinesOf(const Work& work);
 
     /// The names of the platform functions that the engine calls while `work` runs, in order.
-    template <class Work>
-    std::vector<std::string> CallsOf(Work work)
-    {
-        simulated::Trace::Clear();
-        work();
-        return TracedNames();
-    }
+    static Lines CallsOf(const Work& work);
 
     static POWER_POLICY Policy(int scheme);
     static MACHINE_PROCESSOR_POWER_POLICY Processor(int scheme);
 
     Engine engine;
+};
 
-private:
-    static std::vector<std::string> TracedNames();
+/// A test class on a notebook of the Vista generation.
+template <class Test>
+class OnVista : public Test
+{
+protected:
+    OnVista() : Test(6)
+    {
+    }
 };

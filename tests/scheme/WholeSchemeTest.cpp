@@ -13,9 +13,7 @@ using testing::Each;
 namespace
 {
 
-class WholeScheme : public SchemeTest
-{
-};
+using WholeScheme = SchemeTest;
 
 // Values that the catalogue offers, all different where two could be mixed up.
 PWRSET Sample(int scheme)

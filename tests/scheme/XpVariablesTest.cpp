@@ -16,13 +16,9 @@ using testing::ElementsAre;
 namespace
 {
 
-using Lines = std::vector<std::string>;
-
 constexpr int kScheme = 3;
 
-class XpVariables : public SchemeTest
-{
-};
+using XpVariables = SchemeTest;
 
 TEST_F(XpVariables, PlainTimesLieInTheOperatingSystemBySource)
 {
@@ -59,6 +55,15 @@ TEST_F(XpVariables, StandbyAndHibernationShareTheirFields)
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.GetPwrVariable(kScheme, 1, L"StandbyTimeOut")); }),
                 ElementsAre("pwrPolicy.user.IdleAc.Action!=PowerActionSleep", ""));
     EXPECT_EQ(2700, engine.GetPwrVariable(kScheme, 1, L"HibernateTimeOut"));
+
+    for (const bool allowed : {true, false})
+    {
+        ASSERT_TRUE(PowerSource::AllowHibernate(allowed));
+        EXPECT_EQ(allowed ? 1 : 0, engine.ValidateData(L"HibernateTimeOut", 3600));
+        EXPECT_EQ(1, engine.ValidateData(L"HibernateTimeOut", 0));
+        EXPECT_EQ(allowed ? 900 : 0, engine.GetHiberTimeFromStandbyTime(600));
+        EXPECT_EQ(0, engine.GetHiberTimeFromStandbyTime(21600));
+    }
 }
 
 // A damaged store may hold any number in the place of an action.
@@ -79,24 +84,18 @@ TEST_F(XpVariables, AnUnknownIdleActionIsNeitherSleepNorHibernation)
 
 TEST_F(XpVariables, SpeedAndAdaptivePolicyChangeThreeFieldsTogether)
 {
-    struct Row
-    {
-        const wchar_t* name;
-        int value;
-        int policy;
-        int forced;
-        int speedRead;
-    };
-    for (const Row& row : {Row{L"CpuSpeed", 75, 0, 75, 75}, Row{L"CpuSpeed", 0, 3, 100, 0},
-                           Row{L"CpuAdaptive", 2, 2, 100, 0}, Row{L"CpuAdaptive", 0, 0, 100, 100}})
+    for (const auto& [name, value, policy, forced, speedRead] : {std::tuple{L"CpuSpeed", 75, 0, 75, 75},
+                                                                 {L"CpuSpeed", 0, 3, 100, 0},
+                                                                 {L"CpuAdaptive", 2, 2, 100, 0},
+                                                                 {L"CpuAdaptive", 0, 0, 100, 100}})
     {
         const UCHAR batteryBefore = Policy(kScheme).user.ForcedThrottleDc;
-        ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, row.name, row.value));
-        EXPECT_EQ(row.policy, Policy(kScheme).user.ThrottlePolicyAc);
-        EXPECT_EQ(row.policy, Processor(kScheme).ProcessorPolicyAc.DynamicThrottle);
-        EXPECT_EQ(row.forced, Policy(kScheme).user.ForcedThrottleAc);
-        EXPECT_EQ(row.speedRead, engine.GetPwrVariable(kScheme, 1, L"CpuSpeed"));
-        EXPECT_EQ(row.policy, engine.GetPwrVariable(kScheme, 1, L"CpuAdaptive"));
+        ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, name, value));
+        EXPECT_EQ(policy, Policy(kScheme).user.ThrottlePolicyAc);
+        EXPECT_EQ(policy, Processor(kScheme).ProcessorPolicyAc.DynamicThrottle);
+        EXPECT_EQ(forced, Policy(kScheme).user.ForcedThrottleAc);
+        EXPECT_EQ(speedRead, engine.GetPwrVariable(kScheme, 1, L"CpuSpeed"));
+        EXPECT_EQ(policy, engine.GetPwrVariable(kScheme, 1, L"CpuAdaptive"));
         EXPECT_EQ(batteryBefore, Policy(kScheme).user.ForcedThrottleDc);
     }
     // Adaptive takes both fields.
@@ -162,18 +161,6 @@ TEST_F(XpVariables, RefusalsSayWhyAndChangeNothing)
     EXPECT_EQ(BytesOf(before), BytesOf(after));
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"Wif")); }),
                 ElementsAre("ParseVarName(Wif) error", ""));
-}
-
-TEST_F(XpVariables, HibernationMustBeAllowed)
-{
-    ASSERT_TRUE(PowerSource::AllowHibernate(false));
-    EXPECT_EQ(0, engine.ValidateData(L"HibernateTimeOut", 3600));
-    EXPECT_EQ(1, engine.ValidateData(L"HibernateTimeOut", 0));
-    EXPECT_EQ(0, engine.GetHiberTimeFromStandbyTime(600));
-    ASSERT_TRUE(PowerSource::AllowHibernate(true));
-    EXPECT_EQ(1, engine.ValidateData(L"HibernateTimeOut", 3600));
-    EXPECT_EQ(900, engine.GetHiberTimeFromStandbyTime(600));
-    EXPECT_EQ(0, engine.GetHiberTimeFromStandbyTime(21600));
 }
 
 // The processor's record goes first and stays when the other can't follow.
