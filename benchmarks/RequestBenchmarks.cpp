@@ -79,18 +79,20 @@ void Send(benchmark::State& state, Request& request, LONG expected)
 
 void FindFirstCommand(benchmark::State& state)
 {
+    LONG number = 0;
     for (auto _ : state)
     {
-        benchmark::DoNotOptimize(FindCommand("GET_CPU_SPEED"));
+        benchmark::DoNotOptimize(CommandNumberFromName("GET_CPU_SPEED", &number));
     }
 }
 BENCHMARK(FindFirstCommand);
 
 void FindLastCommand(benchmark::State& state)
 {
+    LONG number = 0;
     for (auto _ : state)
     {
-        benchmark::DoNotOptimize(FindCommand("AUTORUN_ORVA"));
+        benchmark::DoNotOptimize(CommandNumberFromName("AUTORUN_ORVA", &number));
     }
 }
 BENCHMARK(FindLastCommand);

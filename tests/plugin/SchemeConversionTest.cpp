@@ -4,7 +4,6 @@
 
 #include "plugin/SchemeConversion.h"
 #include "acceptance/Seeding.h"
-#include "plugin/CommandTable.h"
 #include "support/NotebookTest.h"
 
 #include <array>
@@ -140,22 +139,6 @@ TEST_F(SchemeConversion, TextsEndAtTheirTerminatorOrAfter255Bytes)
         EXPECT_EQ(row.wideName, seeding::Utf8(set.name));
         EXPECT_EQ(row.wideDescription, seeding::Utf8(set.desc));
     }
-}
-
-// Numbers without a name can't be reached, and no name leads to two commands.
-TEST(CommandTable, NumbersAreReachedByOneNameEach)
-{
-    LONG number = -1;
-    EXPECT_EQ(1, CommandNumberFromName("GET_CPU_SPEED", &number));
-    EXPECT_EQ(0, number);
-    EXPECT_EQ(1, CommandNumberFromName("ADD_SCHEME_ALL", &number));
-    EXPECT_EQ(40, number);
-    EXPECT_EQ(1, CommandNumberFromName("ADD_SCHEME", &number));
-    EXPECT_EQ(22, number);
-    EXPECT_EQ(1, CommandNumberFromName("AUTORUN_ORVA", &number));
-    EXPECT_EQ(45, number);
-    EXPECT_EQ(0, CommandNumberFromName("ADD_SCHEME_", &number));
-    EXPECT_EQ(45, number);
 }
 
 } // namespace

@@ -14,6 +14,13 @@
 namespace
 {
 
+struct Command
+{
+    const char* name;
+    LONG number;
+    CommandHandler handler; // null for a command that is known and not served
+};
+
 // Handlers that need nothing of the context.
 
 LONG HandleConfig(CPluginHelper&, const PM_Request& request, LONG number) noexcept
@@ -75,21 +82,22 @@ static_assert(std::size(kCommands) == 43);
 
 } // namespace
 
-const Command* FindCommand(const char* name) noexcept
-{
-    const auto* const found = std::find_if(
-        std::begin(kCommands), std::end(kCommands),
-        [name](const Command& command) { return std::strncmp(name, command.name, kCommandNameSize) == 0; });
-    return found == std::end(kCommands) ? nullptr : found;
-}
-
 int CommandNumberFromName(const char* name, LONG* number) noexcept
 {
-    const Command* const command = FindCommand(name);
-    if (command == nullptr)
+    for (const Command& command : kCommands)
     {
-        return 0;
+        if (std::strncmp(name, command.name, kCommandNameSize) == 0)
+        {
+            *number = command.number;
+            return 1;
+        }
     }
-    *number = command->number;
-    return 1;
+    return 0;
+}
+
+CommandHandler FindHandler(LONG number) noexcept
+{
+    const auto* const found = std::find_if(std::begin(kCommands), std::end(kCommands),
+                                           [number](const Command& row) { return row.number == number; });
+    return found == std::end(kCommands) ? nullptr : found->handler;
 }

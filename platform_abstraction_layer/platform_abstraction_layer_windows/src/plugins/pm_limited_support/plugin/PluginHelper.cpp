@@ -62,13 +62,18 @@ LONG CPluginHelper::HandleRequest(const PM_Request* request) noexcept
     PM_Request local;
     std::memcpy(&local, request, sizeof local);
 
-    const Command* const command = FindCommand(local.command);
-    if (command == nullptr || command->handler == nullptr)
+    LONG number = 0;
+    if (CommandNumberFromName(local.command, &number) == 0)
+    {
+        return TRX_UNKNOWN_COMMAND;
+    }
+    const CommandHandler handler = FindHandler(number);
+    if (handler == nullptr)
     {
         return TRX_UNKNOWN_COMMAND;
     }
     const request_lock::Scope lock;
-    return command->handler(*this, local, command->number);
+    return handler(*this, local, number);
 }
 
 int CPluginHelper::GetUserInfoIndex(const wchar_t* userName) noexcept
