@@ -6,6 +6,7 @@
 #include "acceptance/HostThread.h"
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 namespace
@@ -25,6 +26,16 @@ constexpr const char* kRequestWithEvent = "SET_CPU_SPEED";
 bool IsFromRequest(const Event& event)
 {
     return event.name == "CPU_SPEED_CHANGED";
+}
+
+// What never comes fails the test and doesn't hold it up for good.
+void WaitFor(const std::atomic<bool>& flag)
+{
+    for (int round = 0; !flag && round < 10'000; ++round)
+    {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    EXPECT_TRUE(flag);
 }
 
 class Threads : public AcceptanceTest
@@ -91,13 +102,10 @@ TEST_F(Threads, ARequestsEventMayStopThePlugIn)
             isNotified = true;
             innerCode = host.Send("GET_CPU_SPEED").code;
         }
-        else if (IsFromRequest(event))
+        else
         {
             SignalApplied();
-            while (!isNotified)
-            {
-                std::this_thread::yield();
-            }
+            WaitFor(isNotified);
             EXPECT_EQ(0, host.Uninitialize());
             EXPECT_EQ(0, innerCode) << "the thread has ended, so its request has too";
         }
@@ -121,10 +129,7 @@ TEST_F(Threads, AStopWaitsForTheRequestsThatRun)
         }
     };
     HostThread requester([&] { host.Send(kRequestWithEvent, LONG{2}); });
-    while (!isInside)
-    {
-        std::this_thread::yield();
-    }
+    WaitFor(isInside);
     host.Uninitialize();
     isStopped = true;
     requester.Join();
@@ -142,10 +147,7 @@ TEST_F(Threads, EachOfTwoStopsWaitsForTheNotificationThread)
         isOver = true;
     };
     SignalApplied();
-    while (!isInside)
-    {
-        std::this_thread::yield();
-    }
+    WaitFor(isInside);
     const auto stop = [&]
     {
         host.Uninitialize();
