@@ -145,33 +145,6 @@ class CodePages : public NotebookTest
 {
 };
 
-TEST_F(CodePages, NarrowTextBecomesWide)
-{
-    struct Case
-    {
-        unsigned codePage;
-        std::string narrow;
-        std::size_t length;
-        std::size_t capacity;
-        const char* wide;
-    };
-    const Case kCases[] = {
-        {1252, "J\xF6rg", 32, 32, "J\u00F6rg"},   {65001, "J\xC3\xB6rg", 32, 32, "J\u00F6rg"},
-        {1252, "abcdef", 3, 32, "abc"}, // no terminator within the field
-        {1252, "abcdef", 32, 4, "abc"}, // no room
-        {1252, std::string("\0b", 2), 2, 32, ""}, {65001, "\xE2\x82\xAC", 32, 32, "\u20AC"},
-    };
-    for (const Case& row : kCases)
-    {
-        simulated::Notebook::SetCodePage(row.codePage);
-        std::vector<wchar_t> target(row.capacity, L'#');
-        const std::size_t written =
-            text::ToWide(row.narrow.c_str(), row.length, target.data(), target.size());
-        EXPECT_EQ(row.wide, Utf8(target.data()));
-        EXPECT_EQ(text::Length(target.data()), written);
-    }
-}
-
 TEST_F(CodePages, WideTextBecomesNarrowAndIsCutAtWholeCharacters)
 {
     struct Case
