@@ -56,10 +56,10 @@ struct Radio
     const wchar_t* unchangedLog;
     const wchar_t* failedLog;
     const char* event;
-    int absent; ///< the status that says there is no such radio, or kNeverAbsent
+    bool mayBeMissing; ///< `kNotFitted` says that there is no such radio
 };
 
-constexpr int kNeverAbsent = -2;
+constexpr int kNotFitted = 255;
 
 constexpr Radio k3G{&CEcAgent::Get3GStatus,
                     &CEcAgent::Set3GStatus,
@@ -68,7 +68,7 @@ constexpr Radio k3G{&CEcAgent::Get3GStatus,
                     L"3G Status isn't changed",
                     nullptr,
                     "3G_CHANGED",
-                    255};
+                    true};
 constexpr Radio kWireless{&CEcAgent::GetWifiStatus,
                           &CEcAgent::SetWifiStatus,
                           L"Get WLAN status %d.\n",
@@ -76,7 +76,7 @@ constexpr Radio kWireless{&CEcAgent::GetWifiStatus,
                           L"WLAN power status isn't changed\n",
                           L"set WLAN power status failed\n",
                           "WLAN_CHANGED",
-                          kNeverAbsent};
+                          false};
 constexpr Radio kBluetooth{&CEcAgent::GetBluetoothStatus,
                            &CEcAgent::SetBluetoothStatus,
                            L"Get Bluetooth status %d.\n",
@@ -84,7 +84,7 @@ constexpr Radio kBluetooth{&CEcAgent::GetBluetoothStatus,
                            L"Bluetooth power status isn't changed\n",
                            L"set Bluetooth power status failed\n",
                            nullptr,
-                           kNeverAbsent};
+                           false};
 
 LONG GetRadio(const Radio& radio, const PM_Request& request) noexcept
 {
@@ -103,7 +103,7 @@ LONG GetRadio(const Radio& radio, const PM_Request& request) noexcept
 LONG SwitchRadio(const Radio& radio, CPluginHelper& context, CEcAgent& agent, LONG value) noexcept
 {
     const int status = (agent.*radio.get)();
-    if (status == radio.absent)
+    if (radio.mayBeMissing && status == kNotFitted)
     {
         return TRX_OPERATION_FAIL;
     }
