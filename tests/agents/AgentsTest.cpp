@@ -6,6 +6,7 @@
 
 #include "agents/OrvlDrvMgr.h"
 #include "notebook/DeviceTree.h"
+#include "notebook/HexText.h"
 #include "notebook/KernelDriver.h"
 #include "notebook/Machine.h"
 #include "notebook/Text.h"
@@ -84,7 +85,7 @@ std::size_t AgentsTest::Calls(const std::string& function)
 
 std::size_t AgentsTest::DriverCalls(DWORD code, bool onlySuccessful)
 {
-    const std::string argument = ", " + std::to_string(code) + ", ";
+    const std::string argument = ", " + ToHex(code, 8) + ", ";
     const std::vector<TracedCall> calls = Trace::CallsOf("DeviceIoControl");
     return static_cast<std::size_t>(std::count_if(calls.begin(), calls.end(),
                                                   [&](const TracedCall& call) {

@@ -43,25 +43,30 @@ protected:
         }
         return halves;
     }
+    static void SetOnAll(DWORD index, std::uint64_t value)
+    {
+        for (unsigned core = 0; core < 4; ++core)
+        {
+            Processor::Set(core, index, value);
+        }
+    }
 
     CCpuAgent agent;
 };
 
-struct LevelCase
-{
-    int level;
-    int reached;
-    DWORD control;    ///< ratio in bits 12..8, voltage below
-    DWORD modulation; ///< duty in bits 3..1 with the enable bit, 2 for none
-};
-
 TEST_F(CpuAgentTest, LevelIsReachedByTheLowestRatioAndThenTheLowestDuty)
 {
-    constexpr LevelCase kLevels[] = {
+    constexpr struct
+    {
+        int level;
+        int reached;
+        DWORD control;    ///< ratio in bits 12..8, voltage below
+        DWORD modulation; ///< duty in bits 3..1 with the enable bit, 2 for none
+    } kLevels[] = {
         {1, 6, 0x060A, 0x12},   {18, 18, 0x060A, 0x16}, {25, 25, 0x060A, 0x18}, {40, 43, 0x060A, 0x1E},
         {50, 50, 0x060A, 0x02}, {51, 51, 0x070B, 0x1E}, {75, 75, 0x090F, 0x02}, {100, 100, 0x0C15, 0x02},
     };
-    for (const LevelCase& row : kLevels)
+    for (const auto& row : kLevels)
     {
         EXPECT_EQ(row.reached, agent.SetEblLevel(row.level)) << row.level;
         EXPECT_THAT(Low(kControl), testing::Each(row.control)) << row.level;
@@ -77,10 +82,7 @@ TEST_F(CpuAgentTest, RatioAndVoltageReplaceOnlyTheirBits)
 {
     Processor::Fit(4, {6, 12, 0x20, 0x30});
     ASSERT_EQ(1, agent.Initialize());
-    for (unsigned core = 0; core < 4; ++core)
-    {
-        Processor::Set(core, kControl, 0x12345678'0000FFFF);
-    }
+    SetOnAll(kControl, 0x12345678'0000FFFF);
     ForgetDriver();
     EXPECT_EQ(50, agent.SetEblLevel(50));
     EXPECT_EQ(0x12345678'0000E6E0U, Processor::Read(3, kControl));
@@ -91,10 +93,7 @@ TEST_F(CpuAgentTest, ModulationIsReadByItsEnableBit)
 {
     for (const auto& [low, level] : {std::pair{0x16, 37}, {0x0E, 100}, {0x02, 100}, {0x10, -1}, {0x1E, 87}})
     {
-        for (unsigned core = 0; core < 4; ++core)
-        {
-            Processor::Set(core, kModulation, static_cast<std::uint64_t>(low));
-        }
+        SetOnAll(kModulation, static_cast<std::uint64_t>(low));
         EXPECT_EQ(level, agent.GetEblLevel()) << low;
     }
 }
@@ -138,11 +137,8 @@ TEST_F(CpuAgentTest, ImpossibleLevelsAndProcessorsAreRefused)
     {
         Processor::Fit(4, limits);
         ASSERT_EQ(1, agent.Initialize());
-        for (unsigned core = 0; core < 4; ++core)
-        {
-            Processor::Set(core, Processor::kPerformanceStatus,
-                           *Processor::Read(core, Processor::kPerformanceStatus) ^ 0x100);
-        }
+        constexpr DWORD kStatus = Processor::kPerformanceStatus;
+        SetOnAll(kStatus, *Processor::Read(0, kStatus) ^ 0x100); // runs at another ratio
         EXPECT_EQ(-1, agent.SetEblLevel(1));
         EXPECT_EQ(limits.highestRatio == 0, agent.GetEblLevel() == -1);
     }

@@ -222,20 +222,4 @@ TEST_F(DevMgrTest, ByDefaultTheServiceIsAsked)
     EXPECT_TRUE(Runs(kCard)) << "nothing is changed here";
 }
 
-TEST_F(DevMgrTest, NothingStaysOpenWhicheverCallFails)
-{
-    WithEachFailure(
-        "*", ERROR_GEN_FAILURE,
-        []
-        {
-            wchar_t id[64];
-            CDevMgr fresh;
-            fresh.Setup();
-            fresh.ChangeState(0, OrvlDeviceDisable);
-            fresh.ExecStateChange2(L"Network Card", OrvlDeviceEnable);
-            fresh.DrvDescToInstID(L"Leaf", id, 64);
-        },
-        [](unsigned nth) { EXPECT_EQ(0U, Leaks::Count()) << nth << ": " << Leaks::Describe(); });
-}
-
 } // namespace

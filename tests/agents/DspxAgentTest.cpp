@@ -15,6 +15,16 @@ namespace
 
 using Words = std::vector<DWORD>;
 
+/// The records of the three policies as the driver holds them.
+struct Policies
+{
+    Words frqg = {0};
+    Words abr = {0, 0, 0, 0, 0};
+    Words lums = {0, 0, 0, 0, 0};
+
+    bool operator==(const Policies&) const = default;
+};
+
 class DspxAgentTest : public AgentsTest
 {
 protected:
@@ -22,50 +32,43 @@ protected:
     {
         AgentsTest::SetUp();
         Graphics::SetInstalled(true);
-        UsePolicies({0}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 0});
+        UsePolicies({});
     }
-    static void UsePolicies(const Words& frqg, const Words& abr, const Words& lums)
+    static void UsePolicies(const Policies& policies)
     {
-        Graphics::SetPolicy("FRQG", frqg);
-        Graphics::SetPolicy("ABR", abr);
-        Graphics::SetPolicy("LUMS", lums);
+        Graphics::SetPolicy("FRQG", policies.frqg);
+        Graphics::SetPolicy("ABR", policies.abr);
+        Graphics::SetPolicy("LUMS", policies.lums);
     }
-};
-
-struct WordCase
-{
-    Words frqg;
-    Words abr;
-    Words lums;
-    int word;
-};
-
-const WordCase kWordCases[] = {
-    {{1}, {0, 0, 0, 0, 0}, {1, 0, 0, 3, 0}, 0x44000003},
-    {{0}, {1, 0, 0, 0, 0}, {0, 0, 0, 0, 0}, 0x10000000},
-    {{0}, {0, 1, 0, 0, 0}, {1, 0, 0, 0xFFFFF, 0}, 0x240FFFFF},
-    {{0}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 0}, 0},
+    static Policies Present()
+    {
+        return {*Graphics::Policy("FRQG"), *Graphics::Policy("ABR"), *Graphics::Policy("LUMS")};
+    }
 };
 
 TEST_F(DspxAgentTest, WordStandsForTheThreePolicies)
 {
+    const std::pair<Policies, int> cases[] = {
+        {{{1}, {0, 0, 0, 0, 0}, {1, 0, 0, 3, 0}}, 0x44000003},
+        {{{0}, {1, 0, 0, 0, 0}, {0, 0, 0, 0, 0}}, 0x10000000},
+        {{{0}, {0, 1, 0, 0, 0}, {1, 0, 0, 0xFFFFF, 0}}, 0x240FFFFF},
+        {{}, 0},
+    };
     CDspxAgent agent;
     ASSERT_EQ(kSucceeded, agent.Setup());
-    for (const WordCase& row : kWordCases)
+    for (const auto& [policies, word] : cases)
     {
-        UsePolicies(row.frqg, row.abr, row.lums);
-        EXPECT_EQ(row.word, agent.GetEblLevel());
-        UsePolicies({7}, {7, 7, 7, 7, 7}, {7, 7, 7, 7, 7});
+        UsePolicies(policies);
+        EXPECT_EQ(word, agent.GetEblLevel());
+        UsePolicies({{7}, {7, 7, 7, 7, 7}, {7, 7, 7, 7, 7}});
         // Bits without a meaning are given back and change nothing.
-        EXPECT_EQ(row.word | 0x03000000, agent.SetEblLevel(row.word | 0x03000000));
-        EXPECT_EQ(row.frqg, Graphics::Policy("FRQG"));
-        EXPECT_EQ(row.abr, Graphics::Policy("ABR"));
-        EXPECT_EQ(row.lums, Graphics::Policy("LUMS"));
+        EXPECT_EQ(word | 0x03000000, agent.SetEblLevel(word | 0x03000000));
+        EXPECT_EQ(policies, Present());
     }
     // A level counts only while the feature is on, and only by its twenty bits.
-    UsePolicies({2}, {0, 0, 0, 0, 0}, {0, 0, 0, 5, 0});
+    UsePolicies({{2}, {0, 0, 0, 0, 0}, {0, 0, 0, 5, 0}});
     EXPECT_EQ(0x40000000, agent.GetEblLevel());
-    UsePolicies({0}, {0, 0, 0, 0, 0}, {1, 0, 0, 0xFFF00001, 0});
+    UsePolicies({{0}, {0, 0, 0, 0, 0}, {1, 0, 0, 0xFFF00001, 0}});
     EXPECT_EQ(0x04000001, agent.GetEblLevel());
     EXPECT_EQ(-1, agent.SetEblLevel(-1));
     EXPECT_THAT(NewLogLines(), testing::Contains("Wrong level!"));
@@ -75,7 +78,7 @@ TEST_F(DspxAgentTest, FeatureThatTheDriverDoesntHaveIsPassedOver)
 {
     CDspxAgent agent;
     ASSERT_EQ(kSucceeded, agent.Setup());
-    UsePolicies({1}, {1, 1, 0, 0, 0}, {1, 0, 0, 9, 0});
+    UsePolicies({{1}, {1, 1, 0, 0, 0}, {1, 0, 0, 9, 0}});
     Graphics::RemovePolicy("ABR");
     EXPECT_EQ(0x44000009, agent.GetEblLevel());
     EXPECT_EQ(0x34000002, agent.SetEblLevel(0x34000002));
@@ -90,36 +93,32 @@ TEST_F(DspxAgentTest, OtherFailureEndsTheWalkWithTheEarlierPoliciesSet)
     ASSERT_EQ(kSucceeded, agent.Setup());
     for (const Graphics::Refusal& refusal : {Graphics::Refusal{0, 7}, {E_FAIL, 0}})
     {
-        UsePolicies({0}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 0});
+        UsePolicies({});
         Graphics::Refuse("GetPowerPolicy.ABR", refusal);
         Graphics::Refuse("SetPowerPolicy.ABR", refusal);
         EXPECT_EQ(-1, agent.GetEblLevel());
         EXPECT_EQ(-1, agent.SetEblLevel(0x74000001));
-        EXPECT_EQ(Words{1}, Graphics::Policy("FRQG"));
-        EXPECT_EQ((Words{0, 0, 0, 0, 0}), Graphics::Policy("LUMS"));
+        EXPECT_EQ((Policies{{1}}), Present());
     }
     EXPECT_THAT(NewLogLines(),
                 testing::IsSupersetOf({"GetPowerPolicy for ABR failed", "SetPowerPolicy for ABR failed"}));
 }
 
-struct OpenCase
-{
-    Graphics::Refusal refusal;
-    LONG result;
-    const char* line;
-};
-
 TEST_F(DspxAgentTest, RefusedPowerInterfaceIsLetGo)
 {
-    constexpr OpenCase kCases[] = {
+    constexpr struct
+    {
+        Graphics::Refusal refusal;
+        LONG result;
+        const char* line;
+    } kCases[] = {
         {{0, 19}, kNotSupported, "PowerAPI Not Supported.19"},
         {{0, 20}, kAccessRefused, "PowerAPI Locked.20"},
         {{E_FAIL, 20}, kAccessRefused, "PowerAPI Locked.20"},
-        {{0, 24}, kGeneralFailure, "PowerApiOpen() failed.24"},
         {{E_FAIL, 0}, kGeneralFailure, "PowerApiOpen() failed.0"},
     };
     CDspxAgent agent;
-    for (const OpenCase& row : kCases)
+    for (const auto& row : kCases)
     {
         Graphics::Refuse("PowerApiOpen", row.refusal);
         NewLogLines();

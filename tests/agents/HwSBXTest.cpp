@@ -4,7 +4,6 @@
 
 #include "agents/AgentsTest.h"
 
-#include "agents/DriverRecords.h"
 #include "agents/HwSBX.h"
 #include "foundation/Results.h"
 #include "notebook/Chipset.h"
@@ -151,7 +150,8 @@ TEST_F(HwSBXTest, FunctionIsFoundByItsExactNameInTheChipsetsList)
     UseFile(kInPci, kIdentification, "DeviceNumbers=2\nName2=HD Audio\n");
     EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", &disabled));
     UseFile(kInPci, kIdentification, "DeviceNumbers=2147483647\nName0=Other\n");
-    EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", &disabled)) << "doesn't last for hours";
+    EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", &disabled))
+        << "doesn't last for hours";
 }
 
 TEST_F(HwSBXTest, FirstMatchingIdentificationNamesTheChipset)
@@ -180,30 +180,6 @@ TEST_F(HwSBXTest, FirstMatchingIdentificationNamesTheChipset)
     EXPECT_EQ(kGeneralFailure, unidentified.FunctionDisable(L"HD Audio", 1));
     WriteInstalled("SBXCfg.ini", "");
     EXPECT_EQ(kGeneralFailure, unidentified.Setup(1));
-}
-
-TEST_F(HwSBXTest, MemoryIsUnmappedWhicheverRequestFails)
-{
-    UseFile(kInMemory);
-    CHwSBX chipset;
-    ASSERT_EQ(kSucceeded, chipset.Setup(1));
-    WithEachFailure(
-        "DeviceIoControl", ERROR_GEN_FAILURE,
-        [&chipset]
-        {
-            int disabled = 0;
-            chipset.FunctionDisable(L"HD Audio", 1);
-            chipset.GetFunctionDisable(L"HD Audio", &disabled);
-        },
-        [&chipset](unsigned nth)
-        {
-            // A refused request to unmap leaves the driver with a mapping, but it was made.
-            EXPECT_EQ(DriverCalls(IOCTL_MAP_MEMORY, true), DriverCalls(IOCTL_UNMAP_MEMEMORY, false)) << nth;
-            chipset.Cleanup();
-            Leaks::Forget();
-            Trace::Clear();
-            chipset.Setup(1);
-        });
 }
 
 } // namespace

@@ -194,36 +194,4 @@ TEST_F(HwXATest, DeviceNamesComeFromTheTableWhileTheHardwareConfirmsThem)
     EXPECT_TRUE(DriverInputs().empty());
 }
 
-TEST_F(HwXATest, EveryBlockAndMappingIsGivenBackWhicheverCallFails)
-{
-    LONG unmapped = kSucceeded;
-    for (const char* function : {"DeviceIoControl", "HeapAlloc"})
-    {
-        WithEachFailure(
-            function, ERROR_GEN_FAILURE,
-            [&]
-            {
-                DWORD data = 0;
-                void* mapping = nullptr;
-                hardware.WriteIoPort(0x1080, &data, 4);
-                hardware.WritePCIConfig(bridge, 0x80, &data, 4);
-                auto* address = reinterpret_cast<void*>(ULONG_PTR{kRange});
-                if (hardware.MapMemorySpace(address, 4, &mapping) == kSucceeded)
-                {
-                    hardware.WriteMemory(mapping, &data, 4);
-                    unmapped = hardware.UnmapMemorySpace(mapping);
-                }
-            },
-            [&](unsigned nth)
-            {
-                // Only the refused request itself leaves the driver with a mapping.
-                hardware.Cleanup();
-                EXPECT_EQ(unmapped < 0 ? 1U : 0U, Leaks::Count()) << nth << ": " << Leaks::Describe();
-                Leaks::Forget();
-                unmapped = kSucceeded;
-                hardware.Setup();
-            });
-    }
-}
-
 } // namespace

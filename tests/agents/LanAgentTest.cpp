@@ -246,22 +246,4 @@ TEST_F(LanAgentTest, ApplySettingsRestartsTheFirstAdapterOfThatSpelling)
     EXPECT_EQ(1U, DeviceTree::Restarts(kAdapter));
 }
 
-TEST_F(LanAgentTest, NothingStaysOpenWhicheverCallFails)
-{
-    UseAdapters({{"Realtek GBE", "1", nullptr}, {"JMicron", nullptr, "1"}});
-    WithEachFailure(
-        "*", ERROR_ACCESS_DENIED,
-        [this]
-        {
-            UseOneAdapter("Realtek Wireless");
-            agent.Initialize();
-            agent.SetLanSpeed(3);
-            agent.GetLanSpeed();
-            agent.ApplySettings();
-            agent.SetLANConnectStatus(0);
-            agent.GetWLANConnectStatus();
-        },
-        [](unsigned nth) { EXPECT_EQ(0U, Leaks::Count()) << nth << ": " << Leaks::Describe(); });
-}
-
 } // namespace
