@@ -6,14 +6,12 @@
 
 #include "agents/OrvlDrvMgr.h"
 #include "notebook/DeviceTree.h"
-#include "notebook/HexText.h"
 #include "notebook/KernelDriver.h"
 #include "notebook/Machine.h"
 #include "notebook/Text.h"
 
 #include <devguid.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -83,18 +81,6 @@ std::size_t AgentsTest::Calls(const std::string& function)
     return Trace::CallsOf(function).size();
 }
 
-std::size_t AgentsTest::DriverCalls(DWORD code, bool onlySuccessful)
-{
-    const std::string argument = ", " + ToHex(code, 8) + ", ";
-    const std::vector<TracedCall> calls = Trace::CallsOf("DeviceIoControl");
-    return static_cast<std::size_t>(std::count_if(calls.begin(), calls.end(),
-                                                  [&](const TracedCall& call) {
-                                                      return call.arguments.find(argument) !=
-                                                                 std::string::npos &&
-                                                             (call.succeeded || !onlySuccessful);
-                                                  }));
-}
-
 std::vector<std::string> AgentsTest::NewLogLines()
 {
     std::vector<std::string> lines;
@@ -122,21 +108,6 @@ void AgentsTest::UseOneAdapter(const std::string& description)
         DeviceTree::Remove(device);
     }
     DeviceTree::Add({kAdapter, GUID_DEVCLASS_NET, description});
-}
-
-void AgentsTest::WithEachFailure(const std::string& function, DWORD error, const std::function<void()>& work,
-                                 const std::function<void(unsigned)>& check)
-{
-    unsigned nth = 1;
-    for (bool wasHit = true; wasHit && !HasFailure(); ++nth)
-    {
-        Faults::Inject(function, nth, error);
-        work();
-        wasHit = Faults::AllHit();
-        Faults::Clear();
-        check(nth);
-    }
-    EXPECT_GT(nth, 2U) << "nothing was there to fail";
 }
 
 std::string Narrow(const wchar_t* wide)

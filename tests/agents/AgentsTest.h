@@ -12,7 +12,6 @@
 
 #include <windows.h>
 
-#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -35,9 +34,6 @@ protected:
     /// How often the plug-in called a platform function since the trace was cleared.
     static std::size_t Calls(const std::string& function);
 
-    /// How often one of the driver's I/O controls was called since then, or called with success.
-    static std::size_t DriverCalls(DWORD code, bool onlySuccessful);
-
     /// The lines that the classes logged since the last call, without their final newlines.
     static std::vector<std::string> NewLogLines();
 
@@ -47,11 +43,6 @@ protected:
     /// Makes one network adapter, with this description, the machine's only device.
     static void UseOneAdapter(const std::string& description);
     static constexpr const char* kAdapter = "PCI\\VEN_10EC&DEV_8168\\1";
-
-    /// Runs `work` again and again, with the first, the second, ... observed call of `function` failing,
-    /// until none is left to fail. `check` is run after each, told how often it was.
-    static void WithEachFailure(const std::string& function, DWORD error, const std::function<void()>& work,
-                                const std::function<void(unsigned)>& check);
 };
 
 /// Wide text for messages and comparisons.

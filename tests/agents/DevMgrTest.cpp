@@ -72,20 +72,19 @@ protected:
 
 TEST_F(DevMgrTest, SetupGathersTheDevicesOfTheConfiguredClasses)
 {
-    struct Case
+    const struct
     {
         std::vector<std::string> classes;
         LONG result;
         std::vector<std::string> devices;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {{}, kSucceeded, {}},
         {{kModemText, kNetText}, kSucceeded, {kModem, kCard, "PCI\\VEN_10EC\\9"}},
         {{kModemText, "", kNetText}, kGeneralFailure, {kModem}},
         {{"not a GUID", kModemText}, kSucceeded, {kModem}},
         {{"{00000000-0000-0000-0000-000000000001}", kModemText}, kSucceeded, {kModem}},
     };
-    for (const Case& row : cases)
+    for (const auto& row : cases)
     {
         UseClasses(row.classes);
         ListBox list;

@@ -115,37 +115,34 @@ TEST_F(EcAgentTest, SetupWithoutTheDriverGivesTheTranslatedErrorAndStaysUnusable
     EXPECT_THAT(NewLogLines(), testing::Contains("Open connection with driver failed for 0x80070002"));
 }
 
-struct SwitchCase
-{
-    int (CEcAgent::*change)(int) noexcept;
-    DWORD item;
-    const char* adapter; ///< description
-    DWORD before;        ///< the item's value
-    bool disabled;       ///< the adapter, before
-    int status;
-    std::size_t requests; ///< to the firmware
-    std::size_t sleeps;
-    std::size_t looks; ///< at the adapter's state; each change takes one too
-    bool runs;         ///< the adapter, afterwards
-};
-
-constexpr SwitchCase kSwitchCases[] = {
-    {&CEcAgent::SetWifiStatus, 0xC1, "Vendor Wireless Card", 1, true, 1, 1, 0, 2, true},
-    {&CEcAgent::SetWifiStatus, 0xC1, "Vendor WIFI Card", 0, true, 1, 2, 1, 2, true},
-    {&CEcAgent::SetWifiStatus, 0xC1, "Vendor Wifi Card", 0, false, 1, 2, 1, 1, true},
-    {&CEcAgent::SetWifiStatus, 0xC1, "Vendor Wireless Card", 1, true, 0, 1, 0, 0, false},
-    {&CEcAgent::SetWifiStatus, 0xC1, "Vendor Wireless Card", 0, true, 2, 1, 0, 0, false},
-    {&CEcAgent::SetLANStatus, 0xC2, "REALTEK Card", 1, true, 1, 1, 0, 2, true},
-    {&CEcAgent::SetLANStatus, 0xC2, "JMicron Card", 0, true, 1, 2, 0, 1, true},
-    {&CEcAgent::SetLANStatus, 0xC2, "JMicron Card", 0, false, 1, 2, 0, 1, true},
-    {&CEcAgent::SetLANStatus, 0xC2, "Realtek Card", 1, true, 0, 1, 0, 0, false},
-};
-
 TEST_F(EcAgentTest, SwitchingANetworkOnBringsItsAdapterBack)
 {
-    for (const SwitchCase& row : kSwitchCases)
+    constexpr struct
     {
-        SCOPED_TRACE(&row - kSwitchCases);
+        int (CEcAgent::*change)(int) noexcept;
+        DWORD item;
+        const char* adapter; ///< description
+        DWORD before;        ///< the item's value
+        bool disabled;       ///< the adapter, before
+        int status;
+        std::size_t requests; ///< to the firmware
+        std::size_t sleeps;
+        std::size_t looks; ///< at the adapter's state; each change takes one too
+        bool runs;         ///< the adapter, afterwards
+    } kCases[] = {
+        {&CEcAgent::SetWifiStatus, 0xC1, "Vendor Wireless Card", 1, true, 1, 1, 0, 2, true},
+        {&CEcAgent::SetWifiStatus, 0xC1, "Vendor WIFI Card", 0, true, 1, 2, 1, 2, true},
+        {&CEcAgent::SetWifiStatus, 0xC1, "Vendor Wifi Card", 0, false, 1, 2, 1, 1, true},
+        {&CEcAgent::SetWifiStatus, 0xC1, "Vendor Wireless Card", 1, true, 0, 1, 0, 0, false},
+        {&CEcAgent::SetWifiStatus, 0xC1, "Vendor Wireless Card", 0, true, 2, 1, 0, 0, false},
+        {&CEcAgent::SetLANStatus, 0xC2, "REALTEK Card", 1, true, 1, 1, 0, 2, true},
+        {&CEcAgent::SetLANStatus, 0xC2, "JMicron Card", 0, true, 1, 2, 0, 1, true},
+        {&CEcAgent::SetLANStatus, 0xC2, "JMicron Card", 0, false, 1, 2, 0, 1, true},
+        {&CEcAgent::SetLANStatus, 0xC2, "Realtek Card", 1, true, 0, 1, 0, 0, false},
+    };
+    for (const auto& row : kCases)
+    {
+        SCOPED_TRACE(&row - kCases);
         UseOneAdapter(row.adapter);
         DeviceTree::SetValue(kAdapter, "DisabledInProfile", row.disabled ? "1" : "0");
         EmbeddedController::SetItem(row.item, row.before);

@@ -67,17 +67,15 @@ protected:
     }
 };
 
-struct BitCase
-{
-    const char* disableType;
-    int disable;
-    bool isSet;   ///< the bit, afterwards
-    int disabled; ///< what is read then
-};
-
 TEST_F(HwSBXTest, DisableTypeDecidesWhatTheBitMeans)
 {
-    constexpr BitCase kCases[] = {
+    constexpr struct
+    {
+        const char* disableType;
+        int disable;
+        bool isSet;   ///< the bit, afterwards
+        int disabled; ///< what is read then
+    } kCases[] = {
         {"1", 1, false, 1}, {"1", 0, true, 0}, {"1", 2, true, 0}, {"0", 1, true, 1},
         {"0", 0, false, 0}, {"0", 2, true, 1}, {"5", 0, true, 1}, {"5", 1, true, 1},
     };
@@ -85,7 +83,7 @@ TEST_F(HwSBXTest, DisableTypeDecidesWhatTheBitMeans)
     ASSERT_EQ(kSucceeded, chipset.Setup(1));
     for (const auto& [section, place] : {std::pair{&kInPci, 0U}, {&kInMemory, 1U}, {&kInPorts, 2U}})
     {
-        for (const BitCase& row : kCases)
+        for (const auto& row : kCases)
         {
             SCOPED_TRACE(std::to_string(place) + ' ' + row.disableType + ' ' + std::to_string(row.disable));
             UseFile(std::string("DisableType=") + row.disableType + '\n' + *section);
@@ -104,36 +102,27 @@ TEST_F(HwSBXTest, DisableTypeDecidesWhatTheBitMeans)
 
 TEST_F(HwSBXTest, IncompleteSectionsAreRefusedAndChangeNothing)
 {
-    const std::pair<const char*, const std::string&> cases[] = {
-        {"RegisterType=\n", kInPci},
-        {"RegisterType=pciconfig\n", kInPci},
-        {"Bus=\n", kInPci},
-        {"Device=\n", kInPci},
-        {"Function=\n", kInPci},
-        {"ValueOffset=20\n", kInPci},
-        {"ValueOffset=0X20\n", kInPci},
-        {"ValueOffset=0x\n", kInPci},
-        {"ValueSize=5\n", kInPci},
-        {"ValueSize=0\n", kInPci},
-        {"Bit=\n", kInPci},
-        {"Bit=32\n", kInPci},
-        {"Bit=-2\n", kInPci},
-        {"DisableType=\n", kInPci},
-        {"AddressOffset=\n", kInMemory},
-        {"AddressSize=5\n", kInMemory},
-        {"AddressSize=\n", kInPorts},
-        {"Device=30\n", kInPci},
+    const std::pair<const std::string&, std::vector<const char*>> cases[] = {
+        {kInPci,
+         {"RegisterType=", "RegisterType=pciconfig", "Bus=", "Device=", "Device=30",
+          "Function=", "ValueOffset=20", "ValueOffset=0X20", "ValueOffset=0x", "ValueSize=5", "ValueSize=0",
+          "Bit=", "Bit=32", "Bit=-2", "DisableType="}},
+        {kInMemory, {"AddressOffset=", "AddressSize=5"}},
+        {kInPorts, {"AddressSize="}},
     };
     CHwSBX chipset;
     ASSERT_EQ(kSucceeded, chipset.Setup(1));
     SetRegisters(0);
-    for (const auto& [change, section] : cases)
+    for (const auto& [section, changes] : cases)
     {
-        UseFile(change + section);
-        int disabled = -1;
-        EXPECT_EQ(kGeneralFailure, chipset.FunctionDisable(L"HD Audio", 0)) << change;
-        EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", &disabled)) << change;
-        EXPECT_EQ(-1, disabled);
+        for (const std::string change : changes)
+        {
+            UseFile(change + '\n' + section);
+            int disabled = -1;
+            EXPECT_EQ(kGeneralFailure, chipset.FunctionDisable(L"HD Audio", 0)) << change;
+            EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", &disabled)) << change;
+            EXPECT_EQ(-1, disabled);
+        }
     }
     EXPECT_THAT(Registers(), testing::Each(0U));
 }

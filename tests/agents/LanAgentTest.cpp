@@ -60,15 +60,14 @@ protected:
 
 TEST_F(LanAgentTest, SpeedIsStoredWhereTheDriverKeepsIt)
 {
-    struct Case
+    const struct
     {
         DriverKey adapter;
         int level;
         int result;
         const char* plain;
         const char* standard;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {{"Realtek GBE", "0", nullptr}, 5, 5, "5", "none"},
         {{"Realtek GBE", nullptr, "0"}, 5, 5, "none", "6"},
         {{"Realtek GBE", nullptr, "0"}, 4, 4, "none", "4"},
@@ -80,7 +79,7 @@ TEST_F(LanAgentTest, SpeedIsStoredWhereTheDriverKeepsIt)
         {{"REALTEK GBE", "0", "0"}, 5, -1, "0", "0"},
         {{"Realtek GBE", "0", "0"}, -1, -1, "0", "0"},
     };
-    for (const Case& row : cases)
+    for (const auto& row : cases)
     {
         SCOPED_TRACE(std::string(row.adapter.description) + ' ' + std::to_string(row.level));
         UseAdapters({row.adapter});
@@ -93,12 +92,7 @@ TEST_F(LanAgentTest, SpeedIsStoredWhereTheDriverKeepsIt)
 
 TEST_F(LanAgentTest, SpeedIsReadFromTheFirstAdapterThatHasOne)
 {
-    struct Case
-    {
-        std::vector<DriverKey> adapters;
-        int level;
-    };
-    const Case cases[] = {
+    const std::pair<std::vector<DriverKey>, int> cases[] = {
         {{{"Realtek GBE", "3", nullptr}}, 3},
         {{{"Realtek GBE", nullptr, "6"}}, 5},
         {{{"Realtek GBE", nullptr, "5"}}, -1},
@@ -108,11 +102,11 @@ TEST_F(LanAgentTest, SpeedIsReadFromTheFirstAdapterThatHasOne)
         {{{"JMicron GBE", nullptr, nullptr}, {"Realtek GBE", "2", "3"}}, 3},
         {{}, -1},
     };
-    for (const Case& row : cases)
+    for (const auto& [adapters, level] : cases)
     {
-        UseAdapters(row.adapters);
+        UseAdapters(adapters);
         agent.Initialize();
-        EXPECT_EQ(row.level, agent.GetLanSpeed()) << testing::PrintToString(row.adapters.size());
+        EXPECT_EQ(level, agent.GetLanSpeed()) << adapters.size();
     }
     EXPECT_THAT(NewLogLines(), testing::Contains("Cannot find the hardware."));
 }
@@ -120,12 +114,7 @@ TEST_F(LanAgentTest, SpeedIsReadFromTheFirstAdapterThatHasOne)
 // Nothing vouches for a value's type, terminator or size.
 TEST_F(LanAgentTest, SpeedIsReadFromMalformedValuesUpToTheirEnd)
 {
-    struct Case
-    {
-        std::vector<BYTE> bytes;
-        int level;
-    };
-    const Case cases[] = {
+    const std::pair<std::vector<BYTE>, int> cases[] = {
         {{'3', 0}, 3},
         {{'3', 0, '4'}, 3},
         {{'3'}, 0},
@@ -138,11 +127,11 @@ TEST_F(LanAgentTest, SpeedIsReadFromMalformedValuesUpToTheirEnd)
                                L"SYSTEM\\CurrentControlSet\\Control\\Class\\"
                                L"{4D36E972-E325-11CE-BFC1-08002BE10318}\\0000",
                                0, KEY_ALL_ACCESS, &key));
-    for (const Case& row : cases)
+    for (const auto& [bytes, level] : cases)
     {
-        EXPECT_EQ(0, RegSetValueExW(key, L"DuplexMode", 0, REG_BINARY, row.bytes.data(),
-                                    static_cast<DWORD>(row.bytes.size())));
-        EXPECT_EQ(row.level, agent.GetLanSpeed()) << row.bytes.size();
+        EXPECT_EQ(0, RegSetValueExW(key, L"DuplexMode", 0, REG_BINARY, bytes.data(),
+                                    static_cast<DWORD>(bytes.size())));
+        EXPECT_EQ(level, agent.GetLanSpeed()) << bytes.size();
     }
     RegCloseKey(key);
 }
@@ -161,36 +150,32 @@ TEST_F(LanAgentTest, SpeedIsStoredForEveryAdapterAndOneSuccessIsEnough)
     EXPECT_EQ("3", Stored(2, "DuplexMode"));
 }
 
-/// A state of an adapter as lines of the machine's file.
-struct StateCase
-{
-    const char* key;
-    const char* value;
-    int status; ///< from the status queries
-    int enable; ///< result of enabling
-    int disable;
-};
-
 TEST_F(LanAgentTest, AdapterStateDecidesWhatCanBeReadAndChanged)
 {
-    constexpr StateCase kStates[] = {
+    constexpr struct
+    {
+        const char* key; ///< a line of the machine's file
+        const char* value;
+        int status; ///< from the status queries
+        int enable; ///< result of enabling
+        int disable;
+    } kStates[] = {
         {"Present", "1", 1, -1, 1},       {"DisabledInProfile", "1", 0, 1, -1},
         {"SwitchedOff", "1", -1, -1, -1}, {"Disableable", "0", -1, -1, -1},
         {"Problem", "10", 1, -1, 1},      {"Present", "0", -1, -1, -1},
     };
-    struct Kind
+    constexpr struct
     {
         const char* description;
         int (CLanAgent::*get)() noexcept;
         int (CLanAgent::*set)(int) noexcept;
-    };
-    constexpr Kind kKinds[] = {
+    } kKinds[] = {
         {"vendor REALTEK card", &CLanAgent::GetLANConnectStatus, &CLanAgent::SetLANConnectStatus},
         {"vendor WIFI card", &CLanAgent::GetWLANConnectStatus, &CLanAgent::SetWLANConnectStatus},
     };
-    for (const Kind& kind : kKinds)
+    for (const auto& kind : kKinds)
     {
-        for (const StateCase& state : kStates)
+        for (const auto& state : kStates)
         {
             SCOPED_TRACE(std::string(kind.description) + ' ' + state.key + '=' + state.value);
             for (const int enable : {0, 1})
