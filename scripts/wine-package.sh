@@ -35,10 +35,12 @@ unpack() {
   cp -r "$work"/unpacked/pm_limited_support-* "$drive/package"
 }
 
-# snapshot NAME: files and the machine's keys.
+# snapshot NAME: files and the machine's keys, but for the power manager's own, which applying a scheme changes.
 snapshot() {
   (cd "$drive" && find . -path ./package -prune -o -print | sort) >"$work/$1.files"
-  timeout 60 wine reg export 'HKLM\Software' "Z:$work/$1.reg" /y >/dev/null 2>&1
+  timeout 60 wine reg export "HKLM\Software" "Z:$work/registry" /y >/dev/null 2>&1
+  iconv -f utf-16 -t utf-8 "$work/registry" | tr -d '\r' |
+    awk 'BEGIN { RS = "" } !/Controls Folder..PowerCfg/' >"$work/$1.reg"
 }
 
 # A host, a service and the plug-in in two processes. The power manager of a real machine comes from beside them.
