@@ -1,7 +1,7 @@
 // tests/acceptance/FaultsTest.cpp
 //
 // Each single platform call of each command failing in turn: the result is a documented one, nothing stays
-// open, and the next request works.
+// open, the files stay whole, and the next request works.
 
 #include "acceptance/AcceptanceTest.h"
 #include "acceptance/SampleRequests.h"
@@ -65,6 +65,7 @@ TEST_P(FaultsOfThePlatform, OfEachCommand)
         {
             nth += nth < kEveryCallUpTo ? 1 : nth / kShareOfStride;
         }
+        CheckFiles();
         const LONG code = host->Send(request.command, request.payload).code;
         EXPECT_TRUE(code == 0 || code == 1 || code == 5 || code == 6) << code;
         EXPECT_EQ(0, host->Send("INIT_CFG_FILE").code);

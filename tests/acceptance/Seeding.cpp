@@ -7,6 +7,8 @@
 #include <shlobj.h>
 #include <shlwapi.h>
 
+#include <algorithm>
+
 namespace seeding
 {
 
@@ -61,6 +63,18 @@ bool SetValue(HKEY root, std::string_view key, std::string_view name, DWORD type
     const Key opened(root, key, true);
     return RegSetValueExW(opened.Get(), Wide(name).data(), 0, type, static_cast<const BYTE*>(data), size) ==
            ERROR_SUCCESS;
+}
+
+std::vector<std::string> LinesOf(const std::string& bytes)
+{
+    std::vector<std::string> lines;
+    for (std::size_t begin = 0; begin < bytes.size();)
+    {
+        const std::size_t end = std::min(bytes.find("\r\n", begin), bytes.size());
+        lines.push_back(bytes.substr(begin, end - begin));
+        begin = end + 2;
+    }
+    return lines;
 }
 
 } // namespace
@@ -177,6 +191,19 @@ std::optional<std::string> ReadBytes(std::string_view file)
     return bytes;
 }
 
+bool IsWellFormed(std::string_view file)
+{
+    const std::vector<std::string> lines = LinesOf(ReadBytes(file).value_or(""));
+    return std::all_of(lines.begin(), lines.end(),
+                       [](const std::string& line)
+                       {
+                           const bool isHeader = line.starts_with('[') && line.ends_with(']');
+                           const bool isKey = line.find('=') != std::string::npos;
+                           return line.find('\0') == std::string::npos &&
+                                  (line.empty() || line[0] == ';' || isHeader || isKey);
+                       });
+}
+
 bool Exists(std::string_view path)
 {
     return GetFileAttributesW(Wide(path).data()) != INVALID_FILE_ATTRIBUTES;
@@ -214,15 +241,7 @@ void SwitchLogsOff()
 
 std::vector<std::string> LogLines(std::string_view log)
 {
-    const std::string bytes = ReadBytes(LogFile(log)).value_or("");
-    std::vector<std::string> lines;
-    for (std::size_t begin = 0; begin < bytes.size();)
-    {
-        const std::size_t end = std::min(bytes.find("\r\n", begin), bytes.size());
-        lines.push_back(bytes.substr(begin, end - begin));
-        begin = end + 2;
-    }
-    return lines;
+    return LinesOf(ReadBytes(LogFile(log)).value_or(""));
 }
 
 } // namespace seeding
