@@ -115,7 +115,7 @@ bool user_schemes::BelongsToAnother(CORVLProfile& users, const wchar_t* section,
     {
         ShortText other;
         ReadUser(users, user, other);
-        if (!text::EqualIgnoringCase(other, section) && Owns(users, other, scheme))
+        if (Owns(users, other, scheme))
         {
             return true;
         }
