@@ -103,6 +103,10 @@ TEST_F(AddDelete, NamesAreTrimmedTestedAndComparedExactly)
                 ElementsAre("Find copy from scheme failed: 99"));
     EXPECT_EQ(3U, EntriesOf(SidOf("alice")).size());
     EXPECT_EQ(1U, EntriesOf(SidOf("bob")).size());
+    EXPECT_EQ(6, engine.FindPwrScheme(L"Mine"));
+    // The entry keeps the name as it was given.
+    EXPECT_EQ(10, Add(engine, " Blank"));
+    EXPECT_THAT(seeding::ReadBytes(Users()).value_or(""), testing::HasSubstr("= Blank\r\n"));
 }
 
 TEST_F(AddDelete, WithoutAnOwnerTheOperatingSystemsNamesCount)
@@ -126,6 +130,11 @@ TEST_F(AddDelete, AWholeSchemeIsAddedWithItsValues)
     set.ac = {50, 6, 4, 3, 1200, 1800, 1, 0, 1};
     set.dc = {75, 2, 1, 0, 60, 300, 0, 1, 0};
     set.IconNum = 8;
+    for (const int ifAC : {1, 0})
+    {
+        ASSERT_EQ(1, engine.SetPwrVariable(3, ifAC, L"StandbyTimeOut", 300));
+        ASSERT_EQ(1, engine.SetPwrVariable(3, ifAC, L"HibernateTimeOut", 21600));
+    }
     EXPECT_EQ(6, engine.AddPwrScheme(set, L"alice"));
     EXPECT_EQ(6, set.schemeID);
     EXPECT_EQ((Entries{{6, "Mine"}}), EntriesOf(SidOf("alice")));
@@ -133,6 +142,7 @@ TEST_F(AddDelete, AWholeSchemeIsAddedWithItsValues)
     engine.GetPwrVariableAll(read, 6);
     EXPECT_EQ(BytesOf(set), BytesOf(read));
     EXPECT_EQ(0, engine.GetPwrVariable(6, 1, L"HibernateTimeOut"));
+    EXPECT_EQ(0, engine.GetPwrVariable(6, 0, L"HibernateTimeOut"));
     set.schemeID = 3;
     EXPECT_EQ(-2, engine.AddPwrScheme(set, L"alice"));
     EXPECT_EQ(3, set.schemeID);

@@ -103,7 +103,15 @@ TEST_F(XpApply, TellsTheServiceAndRecordsTheChoice)
                 Contains("get current scheme in set avtive is 2"));
     EXPECT_EQ("2", CurrentScheme());
     EXPECT_EQ("4", ActiveOf("alice"));
+
+    // Without a configured time it is a second, like that of the boards' own waits.
+    ASSERT_TRUE(seeding::SetKey(Root(), "OrvlDevMgr", "TimeoutMS", ""));
+    Trace::Clear();
     EXPECT_EQ(2, engine.SetActivePwrScheme(2));
+    for (const TracedCall& call : Trace::Calls())
+    {
+        EXPECT_TRUE(call.function != "WaitForSingleObject" || call.arguments.ends_with(", 1000"));
+    }
 }
 
 // Without a service the scheme is active and recorded all the same.

@@ -85,6 +85,8 @@ TEST_F(VistaMapping, AStaleRowGoesWithAllThatItHolds)
     EXPECT_EQ(kAbsent, Stored(2, "GUID"));
     EXPECT_EQ(kAbsent, Stored(2, "Wifi"));
     EXPECT_EQ(3, engine.GetPwrSchemeMaxIndex());
+    Faults::Inject("PowerReadFriendlyName", 1, ERROR_MORE_DATA);
+    EXPECT_EQ(1, engine.FindPwrScheme(1));
     // Without the one function that knows, no row may be taken for stale.
     ASSERT_TRUE(Notebook::SetModule("PowrProf.dll.PowerReadFriendlyName", false));
     engine.Initialize();

@@ -139,8 +139,8 @@ TEST_F(VistaVariables, BacklightLevelsBecomePercentages)
         int percentage; ///< -1: refused
         int readBack;
     };
-    for (const Row& row : {Row{"8", 3, 42, 3}, Row{"8", 7, 100, 7}, Row{"8", 0, 0, 0}, Row{"5", 7, -1, 0},
-                           Row{"1", 0, -1, 0}, Row{"0", 0, -1, -1}, Row{"-3", 0, -1, -1}})
+    for (const Row& row : {Row{"8", 3, 42, 3}, Row{"8", 7, 100, 7}, Row{"7", 7, 116, 7}, Row{"8", 0, 0, 0},
+                           Row{"5", 7, -1, 0}, Row{"1", 0, -1, 0}, Row{"0", 0, -1, -1}, Row{"-3", 0, -1, -1}})
     {
         SCOPED_TRACE(testing::Message() << row.levels << " levels, " << row.level);
         ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "MaxBrightLevel", row.levels));

@@ -54,6 +54,9 @@ TEST_F(XpVariables, StandbyAndHibernationShareTheirFields)
     ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", 0));
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.GetPwrVariable(kScheme, 1, L"StandbyTimeOut")); }),
                 ElementsAre("pwrPolicy.user.IdleAc.Action!=PowerActionSleep", ""));
+    ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 0, L"StandbyTimeOut", 300));
+    EXPECT_TRUE(
+        LinesOf([&] { EXPECT_EQ(300, engine.GetPwrVariable(kScheme, 0, L"StandbyTimeOut")); }).empty());
     EXPECT_EQ(2700, engine.GetPwrVariable(kScheme, 1, L"HibernateTimeOut"));
 
     for (const bool allowed : {true, false})
@@ -61,6 +64,7 @@ TEST_F(XpVariables, StandbyAndHibernationShareTheirFields)
         ASSERT_TRUE(PowerSource::AllowHibernate(allowed));
         EXPECT_EQ(allowed ? 1 : 0, engine.ValidateData(L"HibernateTimeOut", 3600));
         EXPECT_EQ(1, engine.ValidateData(L"HibernateTimeOut", 0));
+        EXPECT_EQ(0, engine.ValidateData(L"Nothing", -1));
         EXPECT_EQ(allowed ? 900 : 0, engine.GetHiberTimeFromStandbyTime(600));
         EXPECT_EQ(0, engine.GetHiberTimeFromStandbyTime(21600));
     }
