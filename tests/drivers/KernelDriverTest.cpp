@@ -205,40 +205,106 @@ TEST_F(KernelDriverTest, TheDriverCanBeAbsentBusyOrFailing)
     EXPECT_EQ(5U, GetLastError());
 }
 
-TEST_F(KernelDriverTest, ControlMethodsReadAndWriteTheController)
+/// A request and what comes of it; the rows of a table are sent one after the other.
+struct Request
 {
+    DWORD code;
+    Bytes input;
+    std::size_t outputSize;
+    DWORD error;
+    Bytes output;
+};
+
+Request ReadItem(DWORD item, DWORD error, const Bytes& value)
+{
+    return {orvlebl::kEvaluateMethod, Method("GRDI", item), 4, error, value};
+}
+Request WriteItem(DWORD item, DWORD value, DWORD error, const Bytes& answer)
+{
+    return {orvlebl::kEvaluateMethod, Method("GWRI", item, value), 4, error, answer};
+}
+Request ReadPort(WORD port, WORD size, DWORD error, const Bytes& value)
+{
+    return {orvlebl::kReadPort, ToBytes(orvlebl::PortAccess{port, size, size, {}}), size, error, value};
+}
+Request WritePort(WORD port, DWORD error, const Bytes& value)
+{
+    const WORD size = static_cast<WORD>(value.size());
+    return {orvlebl::kWritePort, ToMessage(orvlebl::PortAccess{port, size, size, {}}, value), 0, error, {}};
+}
+Request ReadPci(const wchar_t* name, DWORD offset, DWORD length, DWORD error, const Bytes& value)
+{
+    return {orvlebl::kReadPci, ToBytes(PciHead(name, offset, length)), length, error, value};
+}
+Request WritePci(DWORD offset, DWORD error, const Bytes& value)
+{
+    const DWORD length = static_cast<DWORD>(value.size());
+    return {orvlebl::kWritePci, ToMessage(PciHead(kBridgeName, offset, length), value), 0, error, {}};
+}
+Request ReadProperty(DWORD number, const wchar_t* name, std::size_t size, DWORD error, const Bytes& value)
+{
+    return {orvlebl::kGetProperty, Property(number, name), size, error, value};
+}
+
+TEST_F(KernelDriverTest, RequestsReachTheHardware)
+{
+    constexpr const wchar_t* kMoved = L"\\Device\\NTPNP_PCI0020";
+    constexpr const wchar_t* kFolded = L"\\device\\ntpnp_pci0040"; // object names ignore case
     EmbeddedController::SetItem(EmbeddedController::k3G, EmbeddedController::kNotFitted);
-    EmbeddedController::SetBattery(15, {0x12, 0x34, 0x56, 0x78, 0x1FF, 0, 0, 0, 0, 0, 0, 0xFFFFFFFF});
-    const struct
-    {
-        Bytes input;
-        std::size_t outputSize;
-        DWORD error;
-        Bytes output;
-    } cases[] = {
-        {Method("GRDI", 0xC0), 4, 0, {5, 0, 0, 0}},
-        {Method("GWRI", 0xC0, 7), 4, 0, {1, 0, 0, 0}},
-        {Method("GRDI", 0xC0), 4, 0, {7, 0, 0, 0}},
-        {Method("GWRI", 0xC3, 1), 4, 0, {0, 0, 0, 0}},
-        {Method("GRDI", 0xC3), 4, 0, {0xFF, 0, 0, 0}},
-        {Method("GRDI", 0xC5), 4, 2, {}},
-        {Method("GWRI", 0xC5, 1), 4, 2, {}},
-        {Method("_STA", 0), 4, 0, {0x0F, 0, 0, 0}},
-        {Method("grdi", 0xC0), 4, 2, {}},
-        {Method("XXXX", 0), 4, 2, {}},
-        {Method("EBTR", 12, 0, 14), 48, 2, {}},
-        {Method("EBTR", 11, 0, 15), 48, 2, {}},
-        {Method("EBTR", 12, 0, 15), 48, 0, {0x12, 0, 0, 0, 0x34, 0, 0, 0, 0x56, 0,    0,    0,
-                                            0x78, 0, 0, 0, 0xFF, 1, 0, 0, 0,    0,    0,    0,
-                                            0,    0, 0, 0, 0,    0, 0, 0, 0,    0,    0,    0,
-                                            0,    0, 0, 0, 0,    0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF}},
+    IoPorts::Set(0x80, 4, 0x04030201);
+    PciBus::Add(40, {3, 4, 5}, 0x1234, 0x5678);
+    auto unterminated = PciHead(kBridgeName, 0, 4);
+    std::fill(std::begin(unterminated.name), std::end(unterminated.name), L'x');
+    const Request requests[] = {
+        ReadItem(0xC0, 0, {5, 0, 0, 0}),
+        WriteItem(0xC0, 7, 0, {1, 0, 0, 0}),
+        ReadItem(0xC0, 0, {7, 0, 0, 0}),
+        WriteItem(0xC3, 1, 0, {0, 0, 0, 0}),
+        ReadItem(0xC3, 0, {0xFF, 0, 0, 0}),
+        ReadItem(0xC5, 2, {}),
+        WriteItem(0xC5, 1, 2, {}),
+        {orvlebl::kEvaluateMethod, Method("grdi", 0xC0), 4, 2, {}},
+        {orvlebl::kEvaluateMethod, Method("EBTR", 12, 0, 14), 48, 2, {}},
+        {orvlebl::kEvaluateMethod, Method("EBTR", 11, 0, 15), 48, 2, {}},
+
+        ReadPort(0x80, 4, 0, {1, 2, 3, 4}),
+        ReadPort(0x83, 1, 0, {4}),
+        ReadPort(0x80, 3, 87, {}),
+        {orvlebl::kReadPort, ToBytes(orvlebl::PortAccess{0x80, 2, 4, {}}), 2, 87, {}},
+        ReadPort(0x83, 2, 2, {}),
+        WritePort(0x81, 0, {9, 8}),
+        ReadPort(0x80, 4, 0, {1, 9, 8, 4}),
+        WritePort(0x80, 87, {1, 1, 1}),
+        WritePort(0x84, 2, {1}),
+
+        ReadPci(kBridgeName, 0, 4, 0, {0x86, 0x80, 0xB9, 0x27}),
+        WritePci(0x4E, 0, {1, 2, 3, 4}), // across two rows
+        ReadPci(kBridgeName, 0x4D, 6, 0, {0, 1, 2, 3, 4, 0}),
+        WritePci(2, 0, {0xFF, 0xFF, 0x05, 0x00}), // the device number stays, the command register doesn't
+        ReadPci(kBridgeName, 0, 6, 0, {0x86, 0x80, 0xB9, 0x27, 0x05, 0x00}),
+        ReadPci(kBridgeName, 254, 4, 0, {0, 0}),
+        ReadPci(kBridgeName, 0xFFFFFFFF, 4, 0, {}),
+        WritePci(254, 87, {1, 2, 3, 4}),
+        WritePci(0xFFFFFFFF, 87, {1, 2, 3, 4}),
+        {orvlebl::kReadPci, ToBytes(unterminated), 4, 87, {}},
+        ReadPci(kMoved, 0, 4, 2, {}),
+        ReadProperty(14, kFolded, 4, 0, {3, 0, 0, 0}),
+        ReadProperty(16, kFolded, 260, 0, {5, 0, 4, 0}),
+        ReadProperty(0, kFolded, 260, 2, {}),
     };
-    for (const auto& row : cases)
+    for (const Request& request : requests)
     {
-        EXPECT_EQ(row.error, Send(orvlebl::kEvaluateMethod, row.input, row.outputSize));
-        EXPECT_EQ(row.output, output);
+        SCOPED_TRACE(&request - requests);
+        EXPECT_EQ(request.error, Send(request.code, request.input, request.outputSize));
+        EXPECT_EQ(request.output, output);
     }
     EXPECT_EQ("0x07", Machine::Read("EmbeddedController", "0xC0")); // where other processes read it
+
+    PciBus::Move(20, kBridge); // hot plug: the function answers under another name
+    const Request moved = ReadPci(kMoved, 0, 4, 0, {});
+    const Request gone = ReadPci(kBridgeName, 0, 4, 0, {});
+    EXPECT_EQ(0U, Send(moved.code, moved.input, 4));
+    EXPECT_EQ(2U, Send(gone.code, gone.input, 4));
 }
 
 TEST_F(KernelDriverTest, EachCoreHasItsOwnRegisters)
@@ -269,77 +335,6 @@ TEST_F(KernelDriverTest, EachCoreHasItsOwnRegisters)
     EXPECT_EQ(2U, ReadMsr(0x1A0));
     EXPECT_EQ(2U, WriteMsr(0x1A0, 0, 0));
     EXPECT_EQ(5U, WriteMsr(0x198, 0, 0));
-}
-
-TEST_F(KernelDriverTest, PortsAreBytesInARow)
-{
-    IoPorts::Set(0x80, 4, 0x04030201);
-    const struct
-    {
-        orvlebl::PortAccess access;
-        std::size_t outputSize;
-        DWORD error;
-        Bytes output;
-    } cases[] = {
-        {{0x80, 4, 4, {}}, 4, 0, {1, 2, 3, 4}}, {{0x81, 2, 2, {}}, 2, 0, {2, 3}},
-        {{0x83, 1, 1, {}}, 1, 0, {4}},          {{0x80, 3, 3, {}}, 3, 87, {}},
-        {{0x80, 0, 0, {}}, 1, 87, {}},          {{0x80, 2, 4, {}}, 2, 87, {}},
-        {{0x83, 2, 2, {}}, 2, 2, {}},
-    };
-    for (const auto& row : cases)
-    {
-        EXPECT_EQ(row.error, Send(orvlebl::kReadPort, ToBytes(row.access), row.outputSize));
-        EXPECT_EQ(row.output, output);
-    }
-    EXPECT_EQ(0U, Send(orvlebl::kWritePort, ToMessage(orvlebl::PortAccess{0x81, 2, 2, {}}, {9, 8}), 0));
-    EXPECT_EQ(0x04080901U, IoPorts::Read(0x80, 4));
-    EXPECT_EQ(87U, Send(orvlebl::kWritePort, ToMessage(orvlebl::PortAccess{0x80, 3, 3, {}}, {1, 1, 1}), 0));
-    EXPECT_EQ(2U, Send(orvlebl::kWritePort, ToMessage(orvlebl::PortAccess{0x84, 1, 1, {}}, {1}), 0));
-}
-
-TEST_F(KernelDriverTest, ConfigurationSpaceIsReachedByDeviceObject)
-{
-    const auto read = [&](const wchar_t* name, DWORD offset, DWORD length)
-    { return Send(orvlebl::kReadPci, ToBytes(PciHead(name, offset, length)), length); };
-    const auto write = [&](DWORD offset, const Bytes& data)
-    {
-        const auto head = PciHead(kBridgeName, offset, static_cast<DWORD>(data.size()));
-        return Send(orvlebl::kWritePci, ToMessage(head, data), 0);
-    };
-    EXPECT_EQ(0U, read(kBridgeName, 0, 4));
-    EXPECT_EQ((Bytes{0x86, 0x80, 0xB9, 0x27}), output);
-    EXPECT_EQ(0U, write(0x4E, {1, 2, 3, 4})); // across two rows
-    EXPECT_EQ(0U, read(kBridgeName, 0x4D, 6));
-    EXPECT_EQ((Bytes{0, 1, 2, 3, 4, 0}), output);
-    EXPECT_EQ(0U,
-              write(2, {0xFF, 0xFF, 0x05, 0x00})); // the device number stays, the command register doesn't
-    EXPECT_EQ(0U, read(kBridgeName, 0, 6));
-    EXPECT_EQ((Bytes{0x86, 0x80, 0xB9, 0x27, 0x05, 0x00}), output);
-    EXPECT_EQ(0U, read(kBridgeName, 254, 4));
-    EXPECT_EQ(2U, output.size());
-    EXPECT_EQ(0U, read(kBridgeName, 0xFFFFFFFF, 4));
-    EXPECT_EQ(0U, output.size());
-    EXPECT_EQ(87U, write(254, {1, 2, 3, 4}));
-    EXPECT_EQ(87U, write(0xFFFFFFFF, {1, 2, 3, 4}));
-
-    auto unterminated = PciHead(kBridgeName, 0, 4);
-    std::fill(std::begin(unterminated.name), std::end(unterminated.name), L'x');
-    EXPECT_EQ(87U, Send(orvlebl::kReadPci, ToBytes(unterminated), 4));
-
-    PciBus::Move(20, kBridge); // hot plug: the function answers under another name
-    EXPECT_EQ(2U, read(kBridgeName, 0, 4));
-    EXPECT_EQ(0U, read(L"\\Device\\NTPNP_PCI0020", 0, 4));
-    EXPECT_EQ((Bytes{0x86, 0x80, 0xB9, 0x27}), output);
-
-    PciBus::Add(40, {3, 4, 5}, 0x1234, 0x5678);
-    const wchar_t* const name = L"\\device\\ntpnp_pci0040"; // object names ignore case
-    EXPECT_EQ(0U, Send(orvlebl::kGetProperty, Property(14, name), 4));
-    EXPECT_EQ((Bytes{3, 0, 0, 0}), output);
-    EXPECT_EQ(0U, Send(orvlebl::kGetProperty, Property(16, name), 260));
-    EXPECT_EQ((Bytes{5, 0, 4, 0}), output);
-    EXPECT_EQ(2U, Send(orvlebl::kGetProperty, Property(0, name), 260));
-    PciBus::Remove(40);
-    EXPECT_EQ(2U, Send(orvlebl::kGetProperty, Property(14, name), 4));
 }
 
 TEST_F(KernelDriverTest, MappedMemoryIsReadAndWrittenFromItsStart)
