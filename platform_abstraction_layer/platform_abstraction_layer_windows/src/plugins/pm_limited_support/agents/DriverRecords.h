@@ -171,3 +171,16 @@ constexpr DriverControl kDriverControls[] = {
     {DriverFunction::GetDeviceProperty, sizeof(DevicePropertyInput), 0, DataIn::Output},
 };
 static_assert(std::size(kDriverControls) == static_cast<std::size_t>(DriverFunction::Count));
+static_assert(
+    []
+    {
+        std::size_t row = 0;
+        for (const DriverControl& control : kDriverControls)
+        {
+            if (static_cast<std::size_t>(control.function) != row++)
+            {
+                return false;
+            }
+        }
+        return true;
+    }());
