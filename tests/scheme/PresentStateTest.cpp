@@ -149,6 +149,8 @@ TEST_F(PresentState, BatteryQueriesOfAMachineWithoutAnswers)
     EXPECT_EQ(0.0F, engine.GetRemainBatPer(1));
     EXPECT_EQ(150U, engine.GetRemainCapacity(0));
     EXPECT_TRUE(CallsOf([&] { EXPECT_EQ(0U, engine.GetRemainCapacity(1)); }).empty());
+    Faults::Inject("GetSystemPowerStatus", 1, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(0U, engine.GetBatteryCount());
     answers.status.BatteryFlag = BATTERY_FLAG_UNKNOWN;
     ASSERT_TRUE(PowerSource::Set(answers));
     EXPECT_THAT(CallsOf([&] { EXPECT_EQ(0U, engine.GetBatteryCount()); }),

@@ -112,8 +112,7 @@ int ReadSystemItem(CORVLCfg& root, int item, int battery, ULONG* value) noexcept
 ULONG CSchemeEx::GetBatteryCount() noexcept
 {
     SYSTEM_POWER_STATUS status = {};
-    ::GetSystemPowerStatus(&status);
-    if ((status.BatteryFlag & kNoBattery) != 0)
+    if (!::GetSystemPowerStatus(&status) || (status.BatteryFlag & kNoBattery) != 0)
     {
         return 0;
     }
