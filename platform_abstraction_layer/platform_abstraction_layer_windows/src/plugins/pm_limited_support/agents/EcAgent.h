@@ -13,6 +13,9 @@ struct _BATTERY_EXTEND_FIELDS
 };
 static_assert(sizeof(_BATTERY_EXTEND_FIELDS) == 16);
 
+/// The selector of the battery record that everybody here asks for.
+constexpr ULONG kExtendedBatteryRecord = 15;
+
 /// An object serves one piece of work: `Setup`, a few operations, `Cleanup` or destruction. The `int`
 /// operations give what the firmware answered, or -1 on any failure; 1 is on for a status. Before `Setup`
 /// every method is refused with 0x80070006, or -1.

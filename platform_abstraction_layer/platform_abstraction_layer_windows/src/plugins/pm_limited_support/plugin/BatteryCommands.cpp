@@ -25,9 +25,6 @@ constexpr BYTE kOnMains = 1;
 constexpr BYTE kNoBattery = 0x80; // set in the flag for an unknown state as well
 constexpr BYTE kUnknownByte = 255;
 
-// Which of the firmware's battery records is asked for.
-constexpr ULONG kExtendedRecord = 15;
-
 // The states that a flag field may hold at once, in the order in which each reply looks for them: a battery
 // reply takes the first, a power reply the last that is set.
 constexpr ULONG kBatteryStates[] = {BATTERY_DISCHARGING, BATTERY_POWER_ON_LINE, BATTERY_CHARGING,
@@ -57,7 +54,7 @@ LONG Percent(const SYSTEM_POWER_STATUS& status) noexcept
 bool FillExtendedFields(CEcAgent& agent, PM_Battery_Info& info) noexcept
 {
     _BATTERY_EXTEND_FIELDS fields{};
-    const bool read = agent.GetBatteryExtends(&fields, kExtendedRecord) >= 0;
+    const bool read = agent.GetBatteryExtends(&fields, kExtendedBatteryRecord) >= 0;
     agent.Cleanup();
     if (read)
     {

@@ -16,7 +16,6 @@ namespace
 {
 
 constexpr BYTE kNoBattery = 0x80; // also set where the system knows nothing
-constexpr ULONG kExtendedRecord = 15;
 constexpr const wchar_t* kSection = L"BatteryInforList";
 
 // One of the two lists of named items, by the formats of its keys.
@@ -85,7 +84,7 @@ int ReadExtendedItem(CORVLCfg& root, int item, ULONG* value) noexcept
     _BATTERY_EXTEND_FIELDS fields = {};
     CEcAgent agent;
     if (!ReadPlace(root, kExtendedItems, item, sizeof fields, place) || agent.Setup() < 0 ||
-        agent.GetBatteryExtends(&fields, kExtendedRecord) != kSucceeded)
+        agent.GetBatteryExtends(&fields, kExtendedBatteryRecord) != kSucceeded)
     {
         return -1;
     }
