@@ -18,37 +18,28 @@ using testing::Not;
 namespace
 {
 
-using Names = std::vector<std::string>;
-
-Names operator+(Names left, const Names& right)
+std::string Times(int count, const std::string& steps)
 {
-    left.insert(left.end(), right.begin(), right.end());
-    return left;
+    return count == 1 ? steps : Times(count - 1, steps) + steps;
 }
 
-Names operator*(int count, const Names& calls)
+// What the power manager is asked, and what is written anywhere, in order, each followed by a blank. What
+// lies between, the opening of files and the look for schemes, is counted by the acceptance tests.
+std::string StepsOf(const std::vector<std::string>& calls)
 {
-    Names all;
-    for (int i = 0; i < count; ++i)
+    std::string steps;
+    for (const std::string& name : calls)
     {
-        all = all + calls;
+        // The first event is the result board's; with it the exchange with the service begins.
+        if (name == "OpenEventW")
+        {
+            break;
+        }
+        if (name.find("Pwr") != std::string::npos || name.starts_with("Power") || name.starts_with("Write"))
+        {
+            steps += name + ' ';
+        }
     }
-    return all;
-}
-
-// What the power manager is asked, and what is written anywhere, in order. What lies between, the opening of
-// files and the look for schemes, is counted by the acceptance tests.
-Names StepsOf(const Names& calls)
-{
-    const auto isStep = [](const std::string& name)
-    {
-        return name.find("Pwr") != std::string::npos || name.starts_with("Power") ||
-               name.starts_with("Write") || name == "OpenEventW";
-    };
-    Names steps;
-    std::copy_if(calls.begin(), calls.end(), std::back_inserter(steps), isStep);
-    // The first event is the result board's; with it the exchange with the service begins.
-    steps.erase(std::find(steps.begin(), steps.end(), "OpenEventW"), steps.end());
     return steps;
 }
 
@@ -117,17 +108,14 @@ TEST_F(XpApply, TellsTheServiceAndRecordsTheChoice)
 // Without a service the scheme is active and recorded all the same.
 TEST_F(XpApply, TheStepsOfTheRoadComeInTheirOrder)
 {
-    const Names read = {"ReadPwrScheme", "ReadProcessorPwrScheme"};
-    const Names allowed = {"IsPwrHibernateAllowed"};
-    const Names write = {"WriteProcessorPwrScheme", "WritePwrScheme"};
-    const Names record = {"WritePrivateProfileStringW"};
+    const std::string read = "ReadPwrScheme ReadProcessorPwrScheme ";
+    const std::string allowed = "IsPwrHibernateAllowed ";
+    const std::string write = "WriteProcessorPwrScheme WritePwrScheme ";
     // On battery the target's standby time has overtaken the user's hibernate time, so a later one is sought.
-    const Names times =
-        2 * (read + write) + 2 * read + (read + allowed + write) + allowed + (read + allowed + write);
-    const Names expected =
-        times +
-        Names{"ReadGlobalPwrPolicy", "WriteGlobalPwrPolicy", "GetActivePwrScheme", "SetActivePwrScheme"} +
-        2 * record;
+    const std::string expected =
+        Times(2, read + write) + Times(2, read) + read + allowed + write + allowed + read + allowed + write +
+        "ReadGlobalPwrPolicy WriteGlobalPwrPolicy GetActivePwrScheme SetActivePwrScheme "
+        "WritePrivateProfileStringW WritePrivateProfileStringW ";
     ASSERT_EQ(1, engine.AddtoUserList(L"alice"));
     EXPECT_EQ(expected, StepsOf(CallsOf([&] { EXPECT_EQ(-1, engine.SetActivePwrScheme(2, L"alice")); })));
     EXPECT_EQ(2, engine.GetActivePwrScheme(0));
@@ -145,16 +133,15 @@ TEST_F(VistaApply, TheStepsOfTheRoadComeInTheirOrder)
         ASSERT_GE(engine.GetPwrVariable(2, 1, name), 0);
     }
     ASSERT_EQ(1, engine.AddtoUserList(L"alice"));
-    const auto calls = StepsOf(CallsOf([&] { engine.SetActivePwrScheme(2, L"alice"); }));
+    const std::string steps = StepsOf(CallsOf([&] { engine.SetActivePwrScheme(2, L"alice"); }));
 
-    const Names known = {"PowerReadFriendlyName"};
-    const Names record = {"WritePrivateProfileStringW"};
-    const Names readLimit = 2 * known + Names{"PowerReadDCValueIndex", "PowerReadACValueIndex"};
-    const Names read = 2 * known + 2 * readLimit;
-    const Names write = 2 * known + record + Names{"PowerWriteACValueIndex"};
-    const Names expected = Names{"WriteGlobalPwrPolicy"} + known + Names{"PowerGetActiveScheme"} + read +
-                           2 * write + read + Names{"PowerSetActiveScheme"} + 2 * record;
-    EXPECT_EQ(expected, Names(std::find(calls.begin(), calls.end(), "WriteGlobalPwrPolicy"), calls.end()));
+    const std::string known = "PowerReadFriendlyName ";
+    const std::string readLimit = Times(2, known) + "PowerReadDCValueIndex PowerReadACValueIndex ";
+    const std::string read = Times(2, known) + Times(2, readLimit);
+    const std::string write = Times(2, known) + "WritePrivateProfileStringW PowerWriteACValueIndex ";
+    EXPECT_EQ("WriteGlobalPwrPolicy " + known + "PowerGetActiveScheme " + read + Times(2, write) + read +
+                  "PowerSetActiveScheme " + Times(2, "WritePrivateProfileStringW "),
+              steps.substr(steps.find("WriteGlobalPwrPolicy")));
     EXPECT_EQ("2", CurrentScheme());
     EXPECT_EQ("2", ActiveOf("alice"));
 }
