@@ -229,8 +229,7 @@ LONG CHwSBX::FunctionDisable(const wchar_t* name, int disable) noexcept
         return read;
     }
 
-    // The bit is cleared by exactly one request: the opposite of the state in which it is set. A type that is
-    // neither 0 nor 1 knows no clearing.
+    // Each type clears the bit for one value of the request alone; what is neither 0 nor 1 never clears it.
     const int type = target.DisableType();
     const bool clears = (type == 1 && disable == 1) || (type == 0 && disable == 0);
     value = clears ? value & ~target.Mask() : value | target.Mask();
