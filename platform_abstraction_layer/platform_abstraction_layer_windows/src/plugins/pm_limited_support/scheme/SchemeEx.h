@@ -27,7 +27,7 @@ using PwrSchemeCallback = unsigned char(CALLBACK*)(unsigned int, ULONG, wchar_t*
 class ORVL_API CSchemeEx : public CORVLBase
 {
 public:
-    /// On the XP path, with the strings unset.
+    /// On the XP path, with empty strings.
     CSchemeEx() noexcept;
     CSchemeEx(const CSchemeEx&) noexcept;
     CSchemeEx& operator=(const CSchemeEx&) noexcept;
@@ -46,7 +46,8 @@ public:
     int SetSubKeyProfilePath(const wchar_t* userId, const wchar_t* subKey,
                              const wchar_t* profilePath) noexcept;
 
-    // The setting catalogue, on both paths. -1 when a file can't be opened.
+    // The setting catalogue, on both paths. -1 when a file can't be opened. A text has at most 254 characters;
+    // `buffer` is left alone where there is none.
 
     /// How many options the variable offers, or -1.
     int GetPwrVariableOptCount(const wchar_t* name) noexcept;
