@@ -46,8 +46,8 @@ public:
     int SetSubKeyProfilePath(const wchar_t* userId, const wchar_t* subKey,
                              const wchar_t* profilePath) noexcept;
 
-    // The setting catalogue, on both paths. -1 when a file can't be opened. A text has at most 254 characters;
-    // `buffer` is left alone where there is none.
+    // The setting catalogue, on both paths. -1 when a file can't be opened. A text has at most 254
+    // characters; `buffer` is left alone where there is none.
 
     /// How many options the variable offers, or -1.
     int GetPwrVariableOptCount(const wchar_t* name) noexcept;
