@@ -6,6 +6,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,14 @@ void RemoveHardware();
 /// seen.
 bool HasOnlyLogged();
 void ForgetCalls();
+
+/// What is held of the system: on Windows by this process, natively by the plug-in.
+struct Holdings
+{
+    DWORD handles = 0;
+    std::size_t heapBytes = 0; ///< natively 0: there the address sanitizer looks
+};
+Holdings Held();
 
 /// A machine for one test.
 class Machine

@@ -88,6 +88,11 @@ void ForgetCalls()
     simulated::Trace::Clear();
 }
 
+Holdings Held()
+{
+    return {simulated::Leaks::Count(), 0};
+}
+
 Machine::Machine()
 {
     notebook = std::make_unique<FreshNotebook>();

@@ -12,6 +12,8 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+
 namespace environment
 {
 
@@ -147,6 +149,23 @@ bool HasOnlyLogged()
 
 void ForgetCalls()
 {
+}
+
+Holdings Held()
+{
+    Holdings held;
+    GetProcessHandleCount(GetCurrentProcess(), &held.handles);
+    HANDLE heaps[64];
+    const DWORD count = GetProcessHeaps(static_cast<DWORD>(std::size(heaps)), heaps);
+    for (DWORD place = 0; place < count && place < std::size(heaps); ++place)
+    {
+        PROCESS_HEAP_ENTRY entry{};
+        while (HeapWalk(heaps[place], &entry) != 0)
+        {
+            held.heapBytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
+        }
+    }
+    return held;
 }
 
 Machine::Machine()

@@ -11,6 +11,7 @@ namespace
 {
 
 constexpr int kManyCycles = 1000;
+constexpr int kWarmUpCycles = 20; // what the system itself keeps is there after these
 
 void Signal()
 {
@@ -168,17 +169,27 @@ TEST_F(LifeCycle, UnloadingWithoutAStopTakesNothingFromUnderTheThread)
 TEST_F(LifeCycle, ManyCyclesLeaveNothing)
 {
     host.Unload();
+    environment::Holdings held;
     for (int cycle = 0; cycle < kManyCycles; ++cycle)
     {
         ASSERT_TRUE(host.Load()) << cycle;
         ASSERT_EQ(0, host.Initialize()) << cycle;
+        ASSERT_EQ(0, host.Send("GET_ACTIVE_SCHEME").code) << cycle;
         if (cycle % 10 == 0)
         {
             Signal();
         }
         host.Unload();
+        host.TakeEvents();
         ASSERT_FALSE(IsListenedFor()) << cycle;
+        if (cycle == kWarmUpCycles)
+        {
+            held = environment::Held();
+        }
     }
+    const environment::Holdings now = environment::Held();
+    EXPECT_EQ(held.handles, now.handles);
+    EXPECT_EQ(held.heapBytes, now.heapBytes);
 }
 
 } // namespace
