@@ -3,11 +3,11 @@
 // Paths, files and folders of the simulated machine, and the folders that the system knows by number.
 
 #include "support/NotebookTest.h"
+#include "support/WideText.h"
 
 #include "notebook/Machine.h"
 #include "notebook/Notebook.h"
 #include "notebook/Text.h"
-#include "notebook/Trace.h"
 
 #include <windows.h>
 
@@ -17,6 +17,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sys/stat.h>
+#include <tuple>
 
 namespace
 {
@@ -50,52 +51,37 @@ long ErrorOf(bool succeeded)
     return succeeded ? ERROR_SUCCESS : static_cast<long>(GetLastError());
 }
 
+// The same of an opening, which is closed again.
+long ErrorOf(HANDLE opened)
+{
+    return ErrorOf(opened != INVALID_HANDLE_VALUE && CloseHandle(opened));
+}
+
 TEST_F(FilesTest, SpellingsOfPaths)
 {
-    struct Row
-    {
-        const wchar_t* path;
-        long error;
+    const std::vector<wchar_t> tooLong = Wide("C:\\Folder\\" + std::string(300, 'x'));
+    const std::pair<long, std::vector<const wchar_t*>> rows[] = {
+        {ERROR_SUCCESS,
+         {L"C:\\Folder\\File.txt", L"c:/folder/FILE.TXT", L"C:\\\\Folder//File.txt", L"\\Folder\\File.txt",
+          L"Folder\\File.txt", L"C:Folder\\File.txt", L"\\\\?\\C:\\Folder\\File.txt",
+          L"C:\\Folder\\.\\..\\Folder\\File.txt", L"C:\\Missing\\..\\Folder\\File.txt",
+          L"C:\\..\\..\\..\\Folder\\File.txt", L"C:\\Folder\\File.txt. .", L"C:\\Folder\\", L"C:\\"}},
+        {ERROR_FILE_NOT_FOUND, {L"C:\\Folder\\Other.txt"}},
+        {ERROR_PATH_NOT_FOUND,
+         {L"C:\\Missing\\File.txt", L"C:\\Folder\\File.txt\\File.txt", L"Q:\\File.txt",
+          L"\\\\server\\share\\File.txt", L"", nullptr}},
+        {ERROR_INVALID_NAME,
+         {L"C:\\Folder\\File.txt\\", L"C:\\Folder\\a?b", L"C:\\Folder\\a\x01z",
+          L"C:\\Folder\\File.txt:stream", L"C:\\Folder\\nul.txt", L"C:\\.~MACHINE.INI.lock"}},
+        {ERROR_FILENAME_EXCED_RANGE, {tooLong.data()}},
     };
-    const std::vector<wchar_t> longName = ToUtf16("C:\\Folder\\" + std::string(300, 'x'));
-    std::vector<wchar_t> terminated = longName;
-    terminated.push_back(0);
-    const Row rows[] = {
-        {L"C:\\Folder\\File.txt", 0},
-        {L"c:/folder/FILE.TXT", 0},
-        {L"C:\\\\Folder//File.txt", 0},
-        {L"\\Folder\\File.txt", 0},
-        {L"Folder\\File.txt", 0},
-        {L"C:Folder\\File.txt", 0},
-        {L"\\\\?\\C:\\Folder\\File.txt", 0},
-        {L"C:\\Folder\\.\\..\\Folder\\File.txt", 0},
-        {L"C:\\Missing\\..\\Folder\\File.txt", 0},
-        {L"C:\\..\\..\\..\\Folder\\File.txt", 0},
-        {L"C:\\Folder\\File.txt. .", 0},
-        {L"C:\\Folder\\", 0},
-        {L"C:\\", 0},
-        {L"C:\\Folder\\Other.txt", ERROR_FILE_NOT_FOUND},
-        {L"C:\\Missing\\File.txt", ERROR_PATH_NOT_FOUND},
-        {L"C:\\Folder\\File.txt\\File.txt", ERROR_PATH_NOT_FOUND},
-        {L"C:\\Folder\\File.txt\\", ERROR_INVALID_NAME},
-        {L"C:\\Folder\\a?b", ERROR_INVALID_NAME},
-        {L"C:\\Folder\\a\x01"
-         L"b",
-         ERROR_INVALID_NAME},
-        {L"C:\\Folder\\File.txt:stream", ERROR_INVALID_NAME},
-        {L"C:\\Folder\\nul.txt", ERROR_INVALID_NAME},
-        {L"C:\\.~MACHINE.INI.lock", ERROR_INVALID_NAME},
-        {terminated.data(), ERROR_FILENAME_EXCED_RANGE},
-        {L"Q:\\File.txt", ERROR_PATH_NOT_FOUND},
-        {L"\\\\server\\share\\File.txt", ERROR_PATH_NOT_FOUND},
-        {L"", ERROR_PATH_NOT_FOUND},
-        {nullptr, ERROR_PATH_NOT_FOUND},
-    };
-    for (const Row& row : rows)
+    for (const auto& [error, paths] : rows)
     {
-        SCOPED_TRACE(ToUtf8(row.path));
-        EXPECT_EQ(row.error, ErrorOf(PathFileExistsW(row.path) != FALSE));
-        EXPECT_EQ(row.error, ErrorOf(GetFileAttributesW(row.path) != INVALID_FILE_ATTRIBUTES));
+        for (const wchar_t* const path : paths)
+        {
+            EXPECT_EQ(error, ErrorOf(PathFileExistsW(path))) << ToUtf8(path);
+            EXPECT_EQ(error, ErrorOf(GetFileAttributesW(path) != INVALID_FILE_ATTRIBUTES)) << ToUtf8(path);
+        }
     }
     // A new file gets the spelling asked for; below a folder it is the folder's own that counts.
     ASSERT_TRUE(CreateDirectoryW(L"c:/FOLDER/New", nullptr));
@@ -104,14 +90,8 @@ TEST_F(FilesTest, SpellingsOfPaths)
 
 TEST_F(FilesTest, DispositionsOfCreateFile)
 {
-    struct Row
-    {
-        DWORD disposition;
-        DWORD onExisting; ///< last error
-        DWORD onMissing;
-        std::uintmax_t sizeAfter; ///< of the existing file
-    };
-    const Row rows[] = {
+    // The last error for a file that exists and for a missing one, and the size of the former afterwards.
+    const std::tuple<DWORD, DWORD, DWORD, std::uintmax_t> rows[] = {
         {CREATE_NEW, ERROR_FILE_EXISTS, 0, 6},
         {CREATE_ALWAYS, ERROR_ALREADY_EXISTS, 0, 0},
         {OPEN_EXISTING, 0, ERROR_FILE_NOT_FOUND, 6},
@@ -120,37 +100,29 @@ TEST_F(FilesTest, DispositionsOfCreateFile)
         {0, ERROR_INVALID_PARAMETER, ERROR_INVALID_PARAMETER, 6},
         {6, ERROR_INVALID_PARAMETER, ERROR_INVALID_PARAMETER, 6},
     };
-    for (const Row& row : rows)
+    for (const auto& [disposition, onExisting, onMissing, sizeAfter] : rows)
     {
-        SCOPED_TRACE(row.disposition);
+        SCOPED_TRACE(disposition);
         std::ofstream(HostPath("Folder/File.txt")) << "abcdef";
-        for (const auto& [path, error] : {std::pair(L"C:\\folder\\file.TXT", row.onExisting),
-                                          std::pair(L"C:\\Folder\\Missing", row.onMissing)})
+        for (const auto& [path, error] :
+             {std::pair(L"C:\\folder\\file.TXT", onExisting), std::pair(L"C:\\Folder\\Missing", onMissing)})
         {
             SetLastError(777);
-            const HANDLE file = Open(path, GENERIC_WRITE, 0, row.disposition);
+            const HANDLE file = Open(path, GENERIC_WRITE, 0, disposition);
             EXPECT_EQ(error, GetLastError());
             EXPECT_EQ(file != INVALID_HANDLE_VALUE, error == 0 || error == ERROR_ALREADY_EXISTS);
             CloseHandle(file);
         }
-        EXPECT_EQ(row.sizeAfter, std::filesystem::file_size(HostPath("Folder/File.txt")));
+        EXPECT_EQ(sizeAfter, std::filesystem::file_size(HostPath("Folder/File.txt")));
         std::filesystem::remove(HostPath("Folder/Missing"));
     }
-    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(Open(L"C:\\Folder", GENERIC_READ, 0) != INVALID_HANDLE_VALUE));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(Open(L"C:\\Folder", GENERIC_READ, 0)));
 }
 
 TEST_F(FilesTest, ShareModes)
 {
     constexpr DWORD kAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    struct Row
-    {
-        DWORD firstAccess;
-        DWORD firstShare;
-        DWORD access;
-        DWORD share;
-        bool opens;
-    };
-    const Row rows[] = {
+    const std::tuple<DWORD, DWORD, DWORD, DWORD, bool> rows[] = {
         {GENERIC_READ, kAll, GENERIC_READ | GENERIC_WRITE, kAll, true},
         {GENERIC_READ, FILE_SHARE_READ, GENERIC_READ, FILE_SHARE_READ, true},
         {GENERIC_READ, FILE_SHARE_READ, GENERIC_WRITE, kAll, false},
@@ -162,23 +134,18 @@ TEST_F(FilesTest, ShareModes)
         {0, 0, GENERIC_WRITE, 0, true},
     };
     const wchar_t* const path = L"C:\\Folder\\File.txt";
-    for (const Row& row : rows)
+    for (const auto& [firstAccess, firstShare, access, share, opens] : rows)
     {
-        SCOPED_TRACE(&row - rows);
-        const HANDLE first = Open(path, row.firstAccess, row.firstShare);
+        SCOPED_TRACE(testing::Message() << firstAccess << ' ' << firstShare << ' ' << access << ' ' << share);
+        const HANDLE first = Open(path, firstAccess, firstShare);
         ASSERT_NE(INVALID_HANDLE_VALUE, first);
-        const HANDLE second = Open(path, row.access, row.share);
-        EXPECT_EQ(row.opens, second != INVALID_HANDLE_VALUE);
-        EXPECT_TRUE(row.opens || GetLastError() == ERROR_SHARING_VIOLATION);
-        CloseHandle(second);
-        const bool sharesDelete = row.firstAccess == 0 || (row.firstShare & FILE_SHARE_DELETE) != 0;
-        EXPECT_EQ(sharesDelete ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION,
-                  ErrorOf(DeleteFileW(path) != FALSE));
+        EXPECT_EQ(opens ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION, ErrorOf(Open(path, access, share)));
+        const bool sharesDelete = firstAccess == 0 || (firstShare & FILE_SHARE_DELETE) != 0;
+        EXPECT_EQ(sharesDelete ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION, ErrorOf(DeleteFileW(path)));
         EXPECT_TRUE(CloseHandle(first));
         std::ofstream(HostPath("Folder/File.txt")) << "abcdef";
-        const HANDLE after = Open(path, GENERIC_READ | GENERIC_WRITE, 0);
-        EXPECT_NE(INVALID_HANDLE_VALUE, after) << "a claim outlived its handle";
-        CloseHandle(after);
+        EXPECT_EQ(ERROR_SUCCESS, ErrorOf(Open(path, GENERIC_READ | GENERIC_WRITE, 0)))
+            << "a claim outlived its handle";
     }
 }
 
@@ -202,9 +169,9 @@ TEST_F(FilesTest, ReadingAndWriting)
     EXPECT_TRUE(CloseHandle(file));
     EXPECT_EQ(3U, std::filesystem::file_size(HostPath("Folder/File.txt")));
 
-    EXPECT_EQ(ERROR_INVALID_HANDLE, ErrorOf(ReadFile(file, buffer, 1, &count, nullptr) != FALSE));
+    EXPECT_EQ(ERROR_INVALID_HANDLE, ErrorOf(ReadFile(file, buffer, 1, &count, nullptr)));
     const HANDLE reader = Open(L"C:\\Folder\\File.txt", GENERIC_READ, 0);
-    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(WriteFile(reader, "x", 1, &count, nullptr) != FALSE));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(WriteFile(reader, "x", 1, &count, nullptr)));
     EXPECT_TRUE(CloseHandle(reader));
 }
 
@@ -213,18 +180,19 @@ TEST_F(FilesTest, ReadOnlyFilesAndFolders)
     const wchar_t* const path = L"C:\\Folder\\File.txt";
     ASSERT_TRUE(SetFileAttributesW(path, FILE_ATTRIBUTE_READONLY));
     EXPECT_EQ(static_cast<DWORD>(FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE), GetFileAttributesW(path));
-    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(Open(path, GENERIC_WRITE, 0) != INVALID_HANDLE_VALUE));
-    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(DeleteFileW(path) != FALSE));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(Open(path, GENERIC_WRITE, 0)));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(DeleteFileW(path)));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(WritePrivateProfileStringW(L"s", L"k", L"v", path)));
     EXPECT_EQ(nullptr, _wfopen(path, L"ab"));
+    EXPECT_EQ(6U, std::filesystem::file_size(HostPath("Folder/File.txt")));
     ASSERT_TRUE(SetFileAttributesW(path, FILE_ATTRIBUTE_NORMAL));
 
     ASSERT_EQ(0, chmod(HostPath("Folder").c_str(), 0555));
-    EXPECT_EQ(ERROR_ACCESS_DENIED,
-              ErrorOf(Open(L"C:\\Folder\\New", GENERIC_WRITE, 0, CREATE_NEW) != INVALID_HANDLE_VALUE));
-    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(DeleteFileW(path) != FALSE));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(Open(L"C:\\Folder\\New", GENERIC_WRITE, 0, CREATE_NEW)));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(DeleteFileW(path)));
     for (const wchar_t* file : {path, L"C:\\Folder\\New.ini"})
     {
-        EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(WritePrivateProfileStringW(L"s", L"k", L"v", file) != FALSE));
+        EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(WritePrivateProfileStringW(L"s", L"k", L"v", file)));
     }
     ASSERT_EQ(0, chmod(HostPath("Folder").c_str(), 0755));
     EXPECT_TRUE(DeleteFileW(path));
@@ -234,13 +202,12 @@ TEST_F(FilesTest, CopyingAndRemoving)
 {
     EXPECT_TRUE(CopyFileW(L"C:\\Folder\\File.txt", L"C:\\Folder\\Copy.txt", TRUE));
     EXPECT_EQ(6U, std::filesystem::file_size(HostPath("Folder/Copy.txt")));
-    EXPECT_EQ(ERROR_FILE_EXISTS,
-              ErrorOf(CopyFileW(L"C:\\Folder\\File.txt", L"C:\\folder\\COPY.txt", TRUE) != FALSE));
-    EXPECT_EQ(ERROR_FILE_NOT_FOUND, ErrorOf(CopyFileW(L"C:\\Folder\\No", L"C:\\Folder\\To", TRUE) != FALSE));
-    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(DeleteFileW(L"C:\\Folder") != FALSE));
-    EXPECT_EQ(ERROR_DIR_NOT_EMPTY, ErrorOf(RemoveDirectoryW(L"C:\\Folder") != FALSE));
-    EXPECT_EQ(ERROR_DIRECTORY, ErrorOf(RemoveDirectoryW(L"C:\\Folder\\File.txt") != FALSE));
-    EXPECT_EQ(ERROR_ALREADY_EXISTS, ErrorOf(CreateDirectoryW(L"C:\\FOLDER", nullptr) != FALSE));
+    EXPECT_EQ(ERROR_FILE_EXISTS, ErrorOf(CopyFileW(L"C:\\Folder\\File.txt", L"C:\\folder\\COPY.txt", TRUE)));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, ErrorOf(CopyFileW(L"C:\\Folder\\No", L"C:\\Folder\\To", TRUE)));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(DeleteFileW(L"C:\\Folder")));
+    EXPECT_EQ(ERROR_DIR_NOT_EMPTY, ErrorOf(RemoveDirectoryW(L"C:\\Folder")));
+    EXPECT_EQ(ERROR_DIRECTORY, ErrorOf(RemoveDirectoryW(L"C:\\Folder\\File.txt")));
+    EXPECT_EQ(ERROR_ALREADY_EXISTS, ErrorOf(CreateDirectoryW(L"C:\\FOLDER", nullptr)));
     EXPECT_TRUE(WritePrivateProfileStringW(L"s", L"k", L"v", L"C:\\Folder\\a.ini"));
     for (const wchar_t* file : {L"C:\\Folder\\File.txt", L"C:\\Folder\\Copy.txt", L"C:\\Folder\\a.ini"})
     {
@@ -251,12 +218,7 @@ TEST_F(FilesTest, CopyingAndRemoving)
 
 TEST_F(FilesTest, FolderChains)
 {
-    struct Row
-    {
-        const wchar_t* path;
-        int answer;
-    };
-    const Row rows[] = {
+    const std::pair<const wchar_t*, int> rows[] = {
         {L"C:\\a\\b\\c", 0},
         {L"c:/A/B/c/", ERROR_ALREADY_EXISTS},
         {L"C:\\a\\b\\d\\", 0},
@@ -266,9 +228,9 @@ TEST_F(FilesTest, FolderChains)
         {L"Q:\\a\\b", ERROR_PATH_NOT_FOUND},
         {L"C:\\Folder\\File.txt\\b", ERROR_PATH_NOT_FOUND},
     };
-    for (const Row& row : rows)
+    for (const auto& [path, answer] : rows)
     {
-        EXPECT_EQ(row.answer, SHCreateDirectoryExW(nullptr, row.path, nullptr)) << ToUtf8(row.path);
+        EXPECT_EQ(answer, SHCreateDirectoryExW(nullptr, path, nullptr)) << ToUtf8(path);
     }
     EXPECT_TRUE(PathIsDirectoryW(L"C:\\a\\b\\d"));
     EXPECT_FALSE(PathIsDirectoryW(L"C:\\Folder\\File.txt"));
@@ -294,10 +256,7 @@ TEST_F(FilesTest, FoldersOfTheRunningAccount)
     EXPECT_EQ("untouched", FolderOf(0x7F, E_INVALIDARG));
     Machine::RunAs("");
 
-    NotebookOptions later;
-    later.major = 6;
-    later.minor = 0;
-    Recreate(later);
+    Recreate({.major = 6, .minor = 0});
     EXPECT_EQ("C:\\WINDOWS\\system32\\config\\systemprofile\\AppData\\Local", FolderOf(CSIDL_LOCAL_APPDATA));
     Machine::RunAs("alice");
     EXPECT_EQ("C:\\Users\\alice\\AppData\\Local", FolderOf(CSIDL_LOCAL_APPDATA));
@@ -311,12 +270,7 @@ TEST_F(FilesTest, FoldersOfTheRunningAccount)
 
 TEST_F(FilesTest, EnvironmentStrings)
 {
-    struct Row
-    {
-        const wchar_t* text;
-        const char* expanded;
-    };
-    const Row rows[] = {
+    const std::pair<const wchar_t*, std::string> rows[] = {
         {L"%systemdrive%\\x", "C:\\x"},
         {L"%SystemRoot%", "C:\\WINDOWS"},
         {L"%USERPROFILE%", "C:\\WINDOWS\\system32\\config\\systemprofile"},
@@ -325,11 +279,10 @@ TEST_F(FilesTest, EnvironmentStrings)
         {L"", ""},
     };
     wchar_t target[MAX_PATH];
-    for (const Row& row : rows)
+    for (const auto& [text, expanded] : rows)
     {
-        EXPECT_EQ(std::string(row.expanded).size() + 1,
-                  ExpandEnvironmentStringsW(row.text, target, MAX_PATH));
-        EXPECT_EQ(row.expanded, ToUtf8(target));
+        EXPECT_EQ(expanded.size() + 1, ExpandEnvironmentStringsW(text, target, MAX_PATH));
+        EXPECT_EQ(expanded, ToUtf8(target));
     }
     target[3] = L'#';
     EXPECT_EQ(5U, ExpandEnvironmentStringsW(L"%SystemDrive%ab", target, 3));

@@ -15,7 +15,7 @@
 #include <cstring>
 #include <iterator>
 #include <string>
-#include <vector>
+#include <tuple>
 
 namespace
 {
@@ -26,20 +26,12 @@ constexpr UINT kLatin = 1252;
 
 using TextTest = NotebookTest;
 
-// "~" fills what a conversion leaves alone.
-std::string Shown(const wchar_t* units, std::size_t count)
+// "|" for a zero; "~" fills what a conversion leaves alone.
+std::string Shown(std::string bytes)
 {
-    const wchar_t* const end = std::find(units, units + count, L'~');
-    std::string shown = ToUtf8(units, static_cast<std::size_t>(end - units));
-    std::replace(shown.begin(), shown.end(), '\0', '|');
-    return shown;
-}
-
-std::string Shown(const char* bytes, std::size_t count)
-{
-    std::string shown(bytes, std::find(bytes, bytes + count, '~'));
-    std::replace(shown.begin(), shown.end(), '\0', '|');
-    return shown;
+    bytes.erase(std::min(bytes.find('~'), bytes.size()));
+    std::replace(bytes.begin(), bytes.end(), '\0', '|');
+    return bytes;
 }
 
 TEST_F(TextTest, NarrowToWide)
@@ -49,9 +41,7 @@ TEST_F(TextTest, NarrowToWide)
         UINT codePage;
         DWORD flags;
         const char* source;
-        int length;
-        int capacity;
-        int answer;
+        int length, capacity, answer;
         DWORD error;
         const char* target; ///< UTF-8, "|" for a zero
     };
@@ -85,10 +75,7 @@ TEST_F(TextTest, NarrowToWide)
         EXPECT_EQ(row.answer,
                   MultiByteToWideChar(row.codePage, row.flags, row.source, row.length, target, row.capacity));
         EXPECT_EQ(row.error, GetLastError());
-        if (row.target != nullptr)
-        {
-            EXPECT_EQ(row.target, Shown(target, std::size(target)));
-        }
+        EXPECT_TRUE(row.target == nullptr || row.target == Shown(ToUtf8(target, std::size(target))));
     }
 }
 
@@ -99,9 +86,7 @@ TEST_F(TextTest, WideToNarrow)
         UINT codePage;
         DWORD flags;
         const wchar_t* source;
-        int length;
-        int capacity;
-        int answer;
+        int length, capacity, answer;
         DWORD error;
         const char* target;
     };
@@ -133,10 +118,7 @@ TEST_F(TextTest, WideToNarrow)
         EXPECT_EQ(row.answer, WideCharToMultiByte(row.codePage, row.flags, row.source, row.length, target,
                                                   row.capacity, nullptr, nullptr));
         EXPECT_EQ(row.error, GetLastError());
-        if (row.target != nullptr)
-        {
-            EXPECT_EQ(row.target, Shown(target, sizeof target));
-        }
+        EXPECT_TRUE(row.target == nullptr || row.target == Shown({target, sizeof target}));
     }
     char target[8];
     BOOL used = FALSE;
@@ -226,24 +208,18 @@ TEST_F(TextTest, FormatsThatMakeNoSense)
 
 TEST_F(TextTest, FormattingIntoTooLittleRoom)
 {
-    struct Row
-    {
-        std::size_t count;
-        const wchar_t* text;
-        int answer;
-        const char* target; ///< "|" for the terminator, "~" for what is left alone
-    };
-    const Row rows[] = {{5, L"abcd", 4, "abcd|~~"},    {5, L"abcde", 5, "abcde~~"},
-                        {5, L"abcdef", -1, "abcde~~"}, {0, L"a", -1, "~~~~~~~"},
-                        {0, L"", 0, "~~~~~~~"},        {1, L"", 0, "|~~~~~~"}};
-    for (const Row& row : rows)
+    // "|" for the terminator, "~" for what is left alone.
+    const std::tuple<std::size_t, const wchar_t*, int, const char*> rows[] = {
+        {5, L"abcd", 4, "abcd|~~"}, {5, L"abcde", 5, "abcde~~"}, {5, L"abcdef", -1, "abcde~~"},
+        {0, L"a", -1, "~~~~~~~"},   {0, L"", 0, "~~~~~~~"},      {1, L"", 0, "|~~~~~~"}};
+    for (const auto& [count, text, answer, expected] : rows)
     {
         wchar_t target[7];
         std::fill(std::begin(target), std::end(target), L'~');
-        EXPECT_EQ(row.answer, _snwprintf(target, row.count, L"%s", row.text));
+        EXPECT_EQ(answer, _snwprintf(target, count, L"%s", text));
         std::string shown = ToUtf8(target, std::size(target));
         std::replace(shown.begin(), shown.end(), '\0', '|');
-        EXPECT_EQ(row.target, shown);
+        EXPECT_EQ(expected, shown);
     }
     EXPECT_EQ(3, _snwprintf(nullptr, 0, L"abc"));
 }
