@@ -4,10 +4,13 @@
 // plain Win32: the simulated platform and Windows itself are held to the same tables.
 
 #include "kernel32/OwnedHandle.h"
+#include "support/WideText.h"
 
 #include <array>
 #include <atomic>
 #include <iterator>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace
@@ -20,29 +23,36 @@ OwnedHandle NewEvent(bool manualReset, bool signalled = false)
     return OwnedHandle(CreateEventW(nullptr, manualReset, signalled, nullptr));
 }
 
+OwnedHandle NewMapping(DWORD size, LPCWSTR name = nullptr)
+{
+    return OwnedHandle(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, size, name));
+}
+
 OwnedHandle Start(LPTHREAD_START_ROUTINE routine, LPVOID parameter)
 {
     return OwnedHandle(CreateThread(nullptr, 0, routine, parameter, 0, nullptr));
 }
 
-void Await(const OwnedHandle& thread)
+/// Waits for the thread's end.
+DWORD ExitCode(const OwnedHandle& thread)
 {
-    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread.get(), kLong));
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread.get(), kLong));
+    DWORD code = 0;
+    EXPECT_TRUE(GetExitCodeThread(thread.get(), &code));
+    return code;
 }
 
 struct PulseRound
 {
     OwnedHandle event = NewEvent(true);
     std::atomic<int> about{0};
-    std::atomic<int> released{0};
 };
 
 DWORD WINAPI AwaitPulse(LPVOID parameter)
 {
     auto& round = *static_cast<PulseRound*>(parameter);
     ++round.about;
-    round.released += WaitForSingleObject(round.event.get(), kLong) == WAIT_OBJECT_0 ? 1 : 0;
-    return 0;
+    return WaitForSingleObject(round.event.get(), kLong);
 }
 
 constexpr DWORD kExitCode = 17;
@@ -59,78 +69,65 @@ DWORD WINAPI ExitWhenTold(LPVOID go)
     ExitThread(kExitCode);
 }
 
-struct Guarded
+DWORD WINAPI TryToEnter(LPVOID section)
 {
-    CRITICAL_SECTION section;
-    int entered = 0;
-};
-
-DWORD WINAPI TryToEnter(LPVOID parameter)
-{
-    auto& guarded = *static_cast<Guarded*>(parameter);
-    if (TryEnterCriticalSection(&guarded.section))
+    const auto guard = static_cast<CRITICAL_SECTION*>(section);
+    const BOOL entered = TryEnterCriticalSection(guard);
+    if (entered)
     {
-        ++guarded.entered;
-        LeaveCriticalSection(&guarded.section);
+        LeaveCriticalSection(guard);
     }
-    return 0;
+    return static_cast<DWORD>(entered);
 }
 
 using Opener = HANDLE (*)(LPCWSTR name);
 
-constexpr Opener kCreators[] = {
-    [](LPCWSTR name) { return CreateEventW(nullptr, TRUE, FALSE, name); },
-    [](LPCWSTR name) { return CreateSemaphoreW(nullptr, 1, 1, name); },
-    [](LPCWSTR name)
-    { return CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 8, name); }};
-
-constexpr Opener kOpeners[] = {[](LPCWSTR name) { return OpenEventW(EVENT_ALL_ACCESS, FALSE, name); },
-                               [](LPCWSTR name) { return OpenSemaphoreW(SEMAPHORE_ALL_ACCESS, FALSE, name); },
-                               [](LPCWSTR name)
-                               { return OpenFileMappingW(SECTION_ALL_ACCESS, FALSE, name); }};
+// The kinds of objects that have names.
+constexpr std::pair<Opener, Opener> kKinds[] = {
+    {[](LPCWSTR name) { return CreateEventW(nullptr, TRUE, FALSE, name); },
+     [](LPCWSTR name) { return OpenEventW(EVENT_ALL_ACCESS, FALSE, name); }},
+    {[](LPCWSTR name) { return CreateSemaphoreW(nullptr, 1, 1, name); },
+     [](LPCWSTR name) { return OpenSemaphoreW(SEMAPHORE_ALL_ACCESS, FALSE, name); }},
+    {[](LPCWSTR name) { return NewMapping(8, name).release(); },
+     [](LPCWSTR name) { return OpenFileMappingW(SECTION_ALL_ACCESS, FALSE, name); }}};
 
 } // namespace
 
 TEST(ObjectConformance, KindsShareTheirNames)
 {
-    for (std::size_t kind = 0; kind < std::size(kCreators); ++kind)
+    for (const auto& kind : kKinds)
     {
-        const OwnedHandle first(kCreators[kind](L"Global\\Thing"));
+        const OwnedHandle first(kind.first(L"Global\\Thing"));
         EXPECT_EQ(DWORD{ERROR_SUCCESS}, GetLastError());
-        for (std::size_t other = 0; other < std::size(kCreators); ++other)
+        for (const auto& other : kKinds)
         {
-            const bool same = other == kind;
-            const OwnedHandle created(kCreators[other](L"Global\\Thing"));
+            const bool same = &other == &kind;
+            const OwnedHandle created(other.first(L"Global\\Thing"));
             EXPECT_EQ(same ? DWORD{ERROR_ALREADY_EXISTS} : DWORD{ERROR_INVALID_HANDLE}, GetLastError());
             EXPECT_EQ(same, created != nullptr);
-            EXPECT_EQ(same, OwnedHandle(kOpeners[other](L"Global\\Thing")) != nullptr);
+            EXPECT_EQ(same, OwnedHandle(other.second(L"Global\\Thing")) != nullptr);
         }
     }
 }
 
 TEST(ObjectConformance, NamesAreToldApart)
 {
-    struct Case
-    {
-        LPCWSTR name;
-        DWORD error;
-    };
     const OwnedHandle plain(CreateEventW(nullptr, TRUE, FALSE, L"Ring 1/2"));
     const OwnedHandle global(CreateEventW(nullptr, TRUE, FALSE, L"Global\\Bell"));
-    const Case cases[] = {{L"Ring 1/2", ERROR_SUCCESS},
-                          {L"Local\\Ring 1/2", ERROR_SUCCESS},
-                          {L"Global\\Ring 1/2", ERROR_FILE_NOT_FOUND},
-                          {L"Ring 1_2", ERROR_FILE_NOT_FOUND},
-                          {L"ring 1/2", ERROR_FILE_NOT_FOUND},
-                          {L"Bell", ERROR_FILE_NOT_FOUND},
-                          {L"Folder\\Bell", ERROR_PATH_NOT_FOUND},
-                          {nullptr, ERROR_INVALID_PARAMETER}};
-    for (const Case& row : cases)
+    const std::pair<LPCWSTR, DWORD> cases[] = {{L"Ring 1/2", ERROR_SUCCESS},
+                                               {L"Local\\Ring 1/2", ERROR_SUCCESS},
+                                               {L"Global\\Ring 1/2", ERROR_FILE_NOT_FOUND},
+                                               {L"Ring 1_2", ERROR_FILE_NOT_FOUND},
+                                               {L"ring 1/2", ERROR_FILE_NOT_FOUND},
+                                               {L"Bell", ERROR_FILE_NOT_FOUND},
+                                               {L"Folder\\Bell", ERROR_PATH_NOT_FOUND},
+                                               {nullptr, ERROR_INVALID_PARAMETER}};
+    for (const auto& [name, error] : cases)
     {
         SetLastError(ERROR_SUCCESS);
-        const OwnedHandle opened(OpenEventW(EVENT_ALL_ACCESS, FALSE, row.name));
-        EXPECT_EQ(row.error, GetLastError()) << &row - cases;
-        EXPECT_EQ(row.error == ERROR_SUCCESS, opened != nullptr);
+        const OwnedHandle opened(OpenEventW(EVENT_ALL_ACCESS, FALSE, name));
+        EXPECT_EQ(error, GetLastError()) << (name == nullptr ? "null" : Narrow(name));
+        EXPECT_EQ(error == ERROR_SUCCESS, opened != nullptr);
     }
 }
 
@@ -168,9 +165,8 @@ TEST(ObjectConformance, PulseReleasesAllPresentWaiters)
         ResetEvent(round.event.get());
         for (const OwnedHandle& waiter : waiters)
         {
-            Await(waiter);
+            EXPECT_EQ(WAIT_OBJECT_0, ExitCode(waiter));
         }
-        EXPECT_EQ(4, round.released);
         EXPECT_EQ(DWORD{WAIT_TIMEOUT}, WaitForSingleObject(round.event.get(), 0));
     }
 }
@@ -196,31 +192,24 @@ TEST(ObjectConformance, FirstSignalledOfSeveralCountsAndOnlyItIsTaken)
 
 TEST(ObjectConformance, HandlesLimitWhatCanBeDone)
 {
-    const OwnedHandle mapping(
-        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 8, nullptr));
+    const OwnedHandle mapping = NewMapping(8);
     const OwnedHandle named(CreateEventW(nullptr, TRUE, TRUE, L"Limited"));
     const OwnedHandle noWait(OpenEventW(EVENT_MODIFY_STATE, FALSE, L"Limited"));
     const OwnedHandle noChange(OpenEventW(SYNCHRONIZE, FALSE, L"Limited"));
-    struct Case
-    {
-        HANDLE handle;
-        DWORD waitError;
-        DWORD setError;
-    };
-    const Case cases[] = {{named.get(), ERROR_SUCCESS, ERROR_SUCCESS},
-                          {nullptr, ERROR_INVALID_HANDLE, ERROR_INVALID_HANDLE},
-                          {mapping.get(), ERROR_ACCESS_DENIED, ERROR_INVALID_HANDLE},
-                          {noWait.get(), ERROR_ACCESS_DENIED, ERROR_SUCCESS},
-                          {noChange.get(), ERROR_SUCCESS, ERROR_ACCESS_DENIED}};
-    for (const Case& row : cases)
+    const std::tuple<HANDLE, DWORD, DWORD> cases[] = {
+        {named.get(), ERROR_SUCCESS, ERROR_SUCCESS},
+        {nullptr, ERROR_INVALID_HANDLE, ERROR_INVALID_HANDLE},
+        {mapping.get(), ERROR_ACCESS_DENIED, ERROR_INVALID_HANDLE},
+        {noWait.get(), ERROR_ACCESS_DENIED, ERROR_SUCCESS},
+        {noChange.get(), ERROR_SUCCESS, ERROR_ACCESS_DENIED}};
+    for (const auto& [handle, waitError, setError] : cases)
     {
         SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(row.waitError == ERROR_SUCCESS ? WAIT_OBJECT_0 : WAIT_FAILED,
-                  WaitForSingleObject(row.handle, 0));
-        EXPECT_EQ(row.waitError, GetLastError()) << &row - cases;
+        EXPECT_EQ(waitError == ERROR_SUCCESS ? WAIT_OBJECT_0 : WAIT_FAILED, WaitForSingleObject(handle, 0));
+        EXPECT_EQ(waitError, GetLastError()) << setError;
         SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(row.setError == ERROR_SUCCESS, SetEvent(row.handle) != FALSE);
-        EXPECT_EQ(row.setError, GetLastError()) << &row - cases;
+        EXPECT_EQ(setError == ERROR_SUCCESS, SetEvent(handle) != FALSE);
+        EXPECT_EQ(setError, GetLastError()) << waitError;
     }
     for (const DWORD count : {DWORD{0}, DWORD{MAXIMUM_WAIT_OBJECTS + 1}})
     {
@@ -233,24 +222,17 @@ TEST(ObjectConformance, HandlesLimitWhatCanBeDone)
 TEST(ObjectConformance, SemaphoreTellsItsCountAndKeepsItsBound)
 {
     const OwnedHandle semaphore(CreateSemaphoreW(nullptr, 1, 3, nullptr));
-    struct Case
-    {
-        LONG count;
-        DWORD error;
-        LONG previous;
-    };
-    const Case cases[] = {{1, ERROR_SUCCESS, 1},
-                          {2, ERROR_TOO_MANY_POSTS, -1},
-                          {0x7FFFFFFF, ERROR_TOO_MANY_POSTS, -1},
-                          {1, ERROR_SUCCESS, 2}};
-    for (const Case& row : cases)
+    const std::tuple<LONG, DWORD, LONG> cases[] = {{1, ERROR_SUCCESS, 1},
+                                                   {2, ERROR_TOO_MANY_POSTS, -1},
+                                                   {0x7FFFFFFF, ERROR_TOO_MANY_POSTS, -1},
+                                                   {1, ERROR_SUCCESS, 2}};
+    for (const auto& [count, error, expected] : cases)
     {
         LONG previous = -1;
         SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(row.error == ERROR_SUCCESS,
-                  ReleaseSemaphore(semaphore.get(), row.count, &previous) != FALSE);
-        EXPECT_EQ(row.error, GetLastError());
-        EXPECT_EQ(row.previous, previous);
+        EXPECT_EQ(error == ERROR_SUCCESS, ReleaseSemaphore(semaphore.get(), count, &previous) != FALSE);
+        EXPECT_EQ(error, GetLastError());
+        EXPECT_EQ(expected, previous);
     }
     for (const DWORD answer : {WAIT_OBJECT_0, WAIT_OBJECT_0, WAIT_OBJECT_0, DWORD{WAIT_TIMEOUT}})
     {
@@ -262,42 +244,34 @@ TEST(ObjectConformance, SemaphoreTellsItsCountAndKeepsItsBound)
 
 TEST(ObjectConformance, ViewsAreBoundedByWholePages)
 {
-    const OwnedHandle made(
-        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0x10001, L"Bounded"));
+    const OwnedHandle made = NewMapping(0x10001, L"Bounded");
     const OwnedHandle readable(OpenFileMappingW(SECTION_MAP_READ, FALSE, L"Bounded"));
-    struct Case
-    {
-        HANDLE mapping;
-        DWORD access;
-        DWORD offset;
-        SIZE_T size;
-        DWORD error;
-    };
-    const Case cases[] = {{made.get(), FILE_MAP_ALL_ACCESS, 0, 0x11000, ERROR_SUCCESS},
-                          {made.get(), FILE_MAP_ALL_ACCESS, 0, 0x11001, ERROR_ACCESS_DENIED},
-                          {made.get(), FILE_MAP_READ, 0x10000, 0x1000, ERROR_SUCCESS},
-                          {made.get(), FILE_MAP_READ, 0x10000, 0x1001, ERROR_ACCESS_DENIED},
-                          {made.get(), FILE_MAP_READ, 0x1000, 1, ERROR_MAPPED_ALIGNMENT},
-                          {readable.get(), FILE_MAP_READ, 0, 0, ERROR_SUCCESS},
-                          {readable.get(), FILE_MAP_WRITE, 0, 1, ERROR_ACCESS_DENIED},
-                          {nullptr, FILE_MAP_READ, 0, 1, ERROR_INVALID_HANDLE}};
-    for (const Case& row : cases)
+    const std::tuple<HANDLE, DWORD, DWORD, SIZE_T, DWORD> cases[] = {
+        {made.get(), FILE_MAP_ALL_ACCESS, 0, 0x11000, ERROR_SUCCESS},
+        {made.get(), FILE_MAP_ALL_ACCESS, 0, 0x11001, ERROR_ACCESS_DENIED},
+        {made.get(), FILE_MAP_READ, 0x10000, 0x1000, ERROR_SUCCESS},
+        {made.get(), FILE_MAP_READ, 0x10000, 0x1001, ERROR_ACCESS_DENIED},
+        {made.get(), FILE_MAP_READ, 0x1000, 1, ERROR_MAPPED_ALIGNMENT},
+        {readable.get(), FILE_MAP_READ, 0, 0, ERROR_SUCCESS},
+        {readable.get(), FILE_MAP_WRITE, 0, 1, ERROR_ACCESS_DENIED},
+        {nullptr, FILE_MAP_READ, 0, 1, ERROR_INVALID_HANDLE}};
+    for (const auto& [mapping, access, offset, size, error] : cases)
     {
         SetLastError(ERROR_SUCCESS);
-        void* const view = MapViewOfFile(row.mapping, row.access, 0, row.offset, row.size);
-        EXPECT_EQ(row.error, GetLastError()) << &row - cases;
-        EXPECT_EQ(row.error == ERROR_SUCCESS, view != nullptr);
+        void* const view = MapViewOfFile(mapping, access, 0, offset, size);
+        EXPECT_EQ(error, GetLastError()) << access << ", " << offset << ", " << size;
+        EXPECT_EQ(error == ERROR_SUCCESS, view != nullptr);
         EXPECT_TRUE(view == nullptr || UnmapViewOfFile(view));
     }
     EXPECT_FALSE(UnmapViewOfFile(&cases));
     EXPECT_EQ(DWORD{ERROR_INVALID_ADDRESS}, GetLastError());
-    EXPECT_EQ(nullptr, CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0, nullptr));
+    EXPECT_EQ(nullptr, NewMapping(0));
     EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());
 }
 
 TEST(ObjectConformance, ViewOutlivesItsHandleAndSharesItsBytes)
 {
-    OwnedHandle mapping(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 100, L"Shared"));
+    OwnedHandle mapping = NewMapping(100);
     auto* const written = static_cast<BYTE*>(MapViewOfFile(mapping.get(), FILE_MAP_WRITE, 0, 0, 100));
     const auto* const read = static_cast<const BYTE*>(MapViewOfFile(mapping.get(), FILE_MAP_READ, 0, 0, 0));
     mapping.reset();
@@ -318,40 +292,21 @@ TEST(ObjectConformance, ThreadIsSignalledAtItsEndWithItsExitCode)
         EXPECT_TRUE(GetExitCodeThread(thread.get(), &code));
         EXPECT_EQ(DWORD{STILL_ACTIVE}, code);
         SetEvent(go.get());
-        Await(thread);
-        EXPECT_TRUE(GetExitCodeThread(thread.get(), &code));
-        EXPECT_EQ(kExitCode, code);
+        EXPECT_EQ(kExitCode, ExitCode(thread));
     }
 }
 
 TEST(ObjectConformance, CriticalSectionIsItsOwnersAlone)
 {
-    Guarded guarded;
-    InitializeCriticalSection(&guarded.section);
-    const auto tryElsewhere = [&]
-    {
-        Await(Start(&TryToEnter, &guarded));
-        return guarded.entered;
-    };
-    EnterCriticalSection(&guarded.section);
-    EXPECT_TRUE(TryEnterCriticalSection(&guarded.section));
-    EXPECT_EQ(0, tryElsewhere());
-    LeaveCriticalSection(&guarded.section);
-    EXPECT_EQ(0, tryElsewhere());
-    LeaveCriticalSection(&guarded.section);
-    EXPECT_EQ(1, tryElsewhere());
-    DeleteCriticalSection(&guarded.section);
-}
-
-TEST(ObjectConformance, VersionsBelongTogether)
-{
-    OSVERSIONINFOEXW information{};
-    information.dwOSVersionInfoSize = sizeof(OSVERSIONINFOW);
-    EXPECT_TRUE(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&information)));
-    const DWORD packed = GetVersion();
-    EXPECT_EQ(information.dwMajorVersion, packed & 0xFF);
-    EXPECT_EQ(information.dwMinorVersion, (packed >> 8) & 0xFF);
-    EXPECT_EQ(information.dwBuildNumber, packed >> 16);
-    information.dwOSVersionInfoSize = sizeof information + 1;
-    EXPECT_FALSE(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&information)));
+    CRITICAL_SECTION section;
+    InitializeCriticalSection(&section);
+    const auto tryElsewhere = [&] { return ExitCode(Start(&TryToEnter, &section)); };
+    EnterCriticalSection(&section);
+    EXPECT_TRUE(TryEnterCriticalSection(&section));
+    EXPECT_EQ(DWORD{FALSE}, tryElsewhere());
+    LeaveCriticalSection(&section);
+    EXPECT_EQ(DWORD{FALSE}, tryElsewhere());
+    LeaveCriticalSection(&section);
+    EXPECT_EQ(DWORD{TRUE}, tryElsewhere());
+    DeleteCriticalSection(&section);
 }

@@ -14,6 +14,7 @@
 #include <chrono>
 #include <cstring>
 #include <thread>
+#include <tuple>
 
 namespace
 {
@@ -55,38 +56,33 @@ const simulated::devices::Registration kMirror(&OpenMirror);
 
 TEST_F(SystemTest, VersionComesFromTheMachine)
 {
-    struct Case
+    const std::tuple<DWORD, DWORD, DWORD, DWORD, DWORD, const char*> cases[] = {
+        {5, 1, 2600, 3, 0x0A280105, "Service Pack 3"},
+        {6, 0, 6000, 0, 0x17700006, ""},
+        {10, 0, 19045, 0, 0x4A65000A, ""}};
+    EXPECT_EQ(0x0A280105U, GetVersion());
+    for (const auto& [major, minor, build, servicePack, packed, text] : cases)
     {
-        DWORD major;
-        DWORD minor;
-        DWORD build;
-        DWORD servicePack;
-        DWORD packed;
-        const char* text;
-    };
-    const Case cases[] = {{5, 1, 2600, 3, 0x0A280105, "Service Pack 3"},
-                          {6, 0, 6000, 0, 0x17700006, ""},
-                          {10, 0, 19045, 0, 0x4A65000A, ""}};
-    EXPECT_EQ(cases[0].packed, GetVersion());
-    for (const Case& row : cases)
-    {
-        Machine::WriteNumber("Machine", "Major", row.major);
-        Machine::WriteNumber("Machine", "Minor", row.minor);
-        Machine::WriteNumber("Machine", "Build", row.build);
-        Machine::WriteNumber("Machine", "ServicePack", row.servicePack);
-        EXPECT_EQ(row.packed, GetVersion());
+        Machine::WriteNumber("Machine", "Major", major);
+        Machine::WriteNumber("Machine", "Minor", minor);
+        Machine::WriteNumber("Machine", "Build", build);
+        Machine::WriteNumber("Machine", "ServicePack", servicePack);
+        EXPECT_EQ(packed, GetVersion());
         OSVERSIONINFOEXW information;
         std::memset(&information, 0xEE, sizeof information);
         information.dwOSVersionInfoSize = sizeof(OSVERSIONINFOW);
-        EXPECT_TRUE(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&information)));
-        EXPECT_EQ(row.major, information.dwMajorVersion);
-        EXPECT_EQ(row.minor, information.dwMinorVersion);
-        EXPECT_EQ(row.build, information.dwBuildNumber);
-        EXPECT_EQ(row.text, simulated::ToUtf8(information.szCSDVersion));
+        auto* const plain = reinterpret_cast<OSVERSIONINFOW*>(&information);
+        EXPECT_TRUE(GetVersionExW(plain));
+        EXPECT_EQ(major, information.dwMajorVersion);
+        EXPECT_EQ(minor, information.dwMinorVersion);
+        EXPECT_EQ(build, information.dwBuildNumber);
+        EXPECT_EQ(text, simulated::ToUtf8(information.szCSDVersion));
         EXPECT_EQ(0xEEEE, information.wServicePackMajor);
         information.dwOSVersionInfoSize = sizeof information;
-        EXPECT_TRUE(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&information)));
-        EXPECT_EQ(row.servicePack, information.wServicePackMajor);
+        EXPECT_TRUE(GetVersionExW(plain));
+        EXPECT_EQ(servicePack, information.wServicePackMajor);
+        information.dwOSVersionInfoSize = sizeof information + 1;
+        EXPECT_FALSE(GetVersionExW(plain));
     }
 }
 
@@ -100,32 +96,25 @@ TEST_F(SystemTest, DeviceGivesBackNoMoreThanItAnswers)
     const OwnedHandle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     OVERLAPPED overlapped{};
     constexpr DWORD kInputSize = 3;
-    struct Case
-    {
-        HANDLE device;
-        LPOVERLAPPED overlapped;
-        const char* buffer; ///< one buffer serves both ways
-        DWORD code;
-        DWORD error;
-        bool hasInput;
-    };
-    const Case cases[] = {{device.get(), nullptr, "cbad", 1, ERROR_SUCCESS, true},
-                          {device.get(), nullptr, "abcd", 2, ERROR_BUSY, true},
-                          {device.get(), nullptr, "abcd", 1, ERROR_NOACCESS, false},
-                          {device.get(), &overlapped, "abcd", 1, ERROR_INVALID_PARAMETER, true},
-                          {event.get(), nullptr, "abcd", 1, ERROR_INVALID_FUNCTION, true},
-                          {nullptr, nullptr, "abcd", 1, ERROR_INVALID_HANDLE, true}};
-    for (const Case& row : cases)
+    // One buffer serves both ways; what it holds afterwards.
+    const std::tuple<HANDLE, LPOVERLAPPED, const char*, DWORD, DWORD, bool> cases[] = {
+        {device.get(), nullptr, "cbad", 1, ERROR_SUCCESS, true},
+        {device.get(), nullptr, "abcd", 2, ERROR_BUSY, true},
+        {device.get(), nullptr, "abcd", 1, ERROR_NOACCESS, false},
+        {device.get(), &overlapped, "abcd", 1, ERROR_INVALID_PARAMETER, true},
+        {event.get(), nullptr, "abcd", 1, ERROR_INVALID_FUNCTION, true},
+        {nullptr, nullptr, "abcd", 1, ERROR_INVALID_HANDLE, true}};
+    for (const auto& [handle, overlapping, expected, code, error, hasInput] : cases)
     {
         char buffer[] = "abcd";
         DWORD returned = 0;
         SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(row.error == ERROR_SUCCESS,
-                  DeviceIoControl(row.device, row.code, row.hasInput ? buffer : nullptr, kInputSize, buffer,
-                                  4, &returned, row.overlapped));
-        EXPECT_EQ(row.error, GetLastError());
-        EXPECT_STREQ(row.buffer, buffer);
-        EXPECT_EQ(row.error == ERROR_SUCCESS ? kInputSize : 0, returned);
+        EXPECT_EQ(error == ERROR_SUCCESS,
+                  DeviceIoControl(handle, code, hasInput ? buffer : nullptr, kInputSize, buffer, 4, &returned,
+                                  overlapping) != FALSE);
+        EXPECT_EQ(error, GetLastError());
+        EXPECT_STREQ(expected, buffer);
+        EXPECT_EQ(error == ERROR_SUCCESS ? kInputSize : 0, returned);
     }
     char buffer[4];
     EXPECT_FALSE(DeviceIoControl(device.get(), 1, nullptr, 0, buffer, 4, nullptr, nullptr));
