@@ -10,6 +10,7 @@
 //  - it wants no right for RegQueryInfoKeyW.
 
 #include "RegistryScript.h"
+#include "support/Wine.h"
 
 #include <gtest/gtest.h>
 

@@ -4,9 +4,15 @@
 
 #include "RegistryScript.h"
 
+#include "support/WideText.h"
+
 #include <algorithm>
+#include <array>
 #include <iterator>
 #include <sstream>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace registry_script
 {
@@ -21,12 +27,19 @@ struct State
 {
     HKEY key;
     HKEY held = nullptr;
-    std::vector<std::string> words; ///< of the present step
-    HKEY target = nullptr;          ///< `key` or `held`
+    std::vector<std::string> words = {}; ///< of the present step
+    HKEY target = nullptr;               ///< `key` or `held`
+    std::array<std::vector<wchar_t>, 3> texts = {};
 
     std::string Word(std::size_t index) const
     {
         return index < words.size() ? words[index] : std::string();
+    }
+    /// Null for "null"; good until the next text of the same place.
+    const wchar_t* Text(std::size_t index)
+    {
+        texts.at(index) = Wide(Word(index) == "''" ? std::string() : Word(index));
+        return Word(index) == "null" ? nullptr : texts.at(index).data();
     }
     DWORD Number(std::size_t index) const
     {
@@ -34,31 +47,24 @@ struct State
     }
 };
 
-struct Access
-{
-    const char* name;
-    REGSAM access;
-};
-constexpr Access kAccesses[] = {
-    {"none", 0},
-    {"read", KEY_READ},
-    {"write", KEY_WRITE},
-    {"all", KEY_ALL_ACCESS},
-    {"maximum", MAXIMUM_ALLOWED},
-    {"query", KEY_QUERY_VALUE},
-    {"set", KEY_SET_VALUE},
-    {"enumerate", KEY_ENUMERATE_SUB_KEYS},
-    {"create", KEY_CREATE_SUB_KEY},
-    {"generic-read", GENERIC_READ},
-    {"generic-write", GENERIC_WRITE},
-    {"generic-all", GENERIC_ALL},
-};
+constexpr std::pair<std::string_view, REGSAM> kAccesses[] = {{"none", 0},
+                                                             {"read", KEY_READ},
+                                                             {"write", KEY_WRITE},
+                                                             {"all", KEY_ALL_ACCESS},
+                                                             {"maximum", MAXIMUM_ALLOWED},
+                                                             {"query", KEY_QUERY_VALUE},
+                                                             {"set", KEY_SET_VALUE},
+                                                             {"enumerate", KEY_ENUMERATE_SUB_KEYS},
+                                                             {"create", KEY_CREATE_SUB_KEY},
+                                                             {"generic-read", GENERIC_READ},
+                                                             {"generic-write", GENERIC_WRITE},
+                                                             {"generic-all", GENERIC_ALL}};
 
 REGSAM AccessOf(const std::string& name)
 {
     const auto* const found = std::find_if(std::begin(kAccesses), std::end(kAccesses),
-                                           [&name](const Access& row) { return name == row.name; });
-    return found == std::end(kAccesses) ? KEY_READ : found->access;
+                                           [&name](const auto& row) { return name == row.first; });
+    return found == std::end(kAccesses) ? KEY_READ : found->second;
 }
 
 std::string Status(LONG status)
@@ -66,37 +72,34 @@ std::string Status(LONG status)
     return std::to_string(status);
 }
 
+/// What a step gave, or why it failed.
+std::string Outcome(LONG status, const std::string& given)
+{
+    return status == ERROR_SUCCESS ? given : Status(status);
+}
+
 std::string Make(State& state)
 {
     HKEY made = nullptr;
     DWORD disposition = 0;
-    const LONG status = RegCreateKeyExW(state.target, Wide(state.Word(1)).Get(), 0, nullptr, 0,
-                                        AccessOf(state.Word(2)), nullptr, &made, &disposition);
-    if (status != ERROR_SUCCESS)
-    {
-        return Status(status);
-    }
+    const LONG status = RegCreateKeyExW(state.target, state.Text(1), 0, nullptr, 0, AccessOf(state.Word(2)),
+                                        nullptr, &made, &disposition);
     RegCloseKey(made);
-    return disposition == REG_CREATED_NEW_KEY ? "new" : "old";
+    return Outcome(status, disposition == REG_CREATED_NEW_KEY ? "new" : "old");
 }
 
 std::string Open(State& state)
 {
     HKEY opened = nullptr;
-    const LONG status =
-        RegOpenKeyExW(state.target, Wide(state.Word(1)).Get(), 0, AccessOf(state.Word(2)), &opened);
-    const std::string shown = Status(status) + (opened == state.target ? "same" : "");
-    if (status == ERROR_SUCCESS)
-    {
-        RegCloseKey(opened);
-    }
-    return shown;
+    const LONG status = RegOpenKeyExW(state.target, state.Text(1), 0, AccessOf(state.Word(2)), &opened);
+    RegCloseKey(opened);
+    return Status(status) + (opened == state.target ? "same" : "");
 }
 
 std::string OpenSimply(State& state)
 {
     HKEY opened = nullptr;
-    const LONG status = RegOpenKeyW(state.target, Wide(state.Word(1)).Get(), &opened);
+    const LONG status = RegOpenKeyW(state.target, state.Text(1), &opened);
     if (status != ERROR_SUCCESS || opened == state.target)
     {
         return Status(status) + (opened == state.target ? "same" : "");
@@ -108,8 +111,7 @@ std::string OpenSimply(State& state)
 
 std::string Hold(State& state)
 {
-    return Status(
-        RegOpenKeyExW(state.key, Wide(state.Word(1)).Get(), 0, AccessOf(state.Word(2)), &state.held));
+    return Status(RegOpenKeyExW(state.key, state.Text(1), 0, AccessOf(state.Word(2)), &state.held));
 }
 
 // The handle stays in `held`, for what is done with closed ones.
@@ -120,29 +122,28 @@ std::string Close(State& state)
 
 std::string Set(State& state)
 {
-    const Wide text(state.Word(2));
     const auto size = static_cast<DWORD>((state.Word(2).size() + 1) * sizeof(wchar_t));
-    return Status(RegSetValueExW(state.target, Wide(state.Word(1)).Get(), 0, REG_SZ,
-                                 reinterpret_cast<const BYTE*>(text.Get()), size));
+    return Status(RegSetValueExW(state.target, state.Text(1), 0, REG_SZ,
+                                 reinterpret_cast<const BYTE*>(state.Text(2)), size));
 }
 
 std::string Get(State& state)
 {
     wchar_t text[kRoom] = {};
     DWORD size = sizeof text;
-    const LONG status = RegQueryValueExW(state.target, Wide(state.Word(1)).Get(), nullptr, nullptr,
-                                         reinterpret_cast<BYTE*>(text), &size);
-    return status == ERROR_SUCCESS ? Narrow(text, size / sizeof(wchar_t) - 1) : Status(status);
+    const LONG status =
+        RegQueryValueExW(state.target, state.Text(1), nullptr, nullptr, reinterpret_cast<BYTE*>(text), &size);
+    return Outcome(status, Narrow(text));
 }
 
 std::string DeleteValue(State& state)
 {
-    return Status(RegDeleteValueW(state.target, Wide(state.Word(1)).Get()));
+    return Status(RegDeleteValueW(state.target, state.Text(1)));
 }
 
 std::string DeleteKey(State& state)
 {
-    return Status(RegDeleteKeyW(state.target, Wide(state.Word(1)).Get()));
+    return Status(RegDeleteKeyW(state.target, state.Text(1)));
 }
 
 /// "key INDEX ROOM": the name and its length.
@@ -152,14 +153,14 @@ std::string KeyAt(State& state)
     DWORD length = state.Number(2);
     const LONG status =
         RegEnumKeyExW(state.target, state.Number(1), name, &length, nullptr, nullptr, nullptr, nullptr);
-    return status == ERROR_SUCCESS ? Narrow(name, length) + ':' + std::to_string(length) : Status(status);
+    return Outcome(status, Narrow(name, length) + ':' + std::to_string(length));
 }
 
 std::string KeyAtSimply(State& state)
 {
     wchar_t name[kRoom] = {};
     const LONG status = RegEnumKeyW(state.target, state.Number(1), name, state.Number(2));
-    return status == ERROR_SUCCESS ? Narrow(name, static_cast<std::size_t>(lstrlenW(name))) : Status(status);
+    return Outcome(status, Narrow(name));
 }
 
 /// "value INDEX NAMEROOM DATAROOM": name, length, type, size.
@@ -188,7 +189,7 @@ std::string Keys(State& state)
         {
             return names + Status(status);
         }
-        names += Narrow(name, static_cast<std::size_t>(lstrlenW(name))) + ' ';
+        names += Narrow(name) + ' ';
     }
 }
 
@@ -203,61 +204,39 @@ std::string Sums(State& state)
     {
         shown += (shown.empty() ? "" : ":") + std::to_string(sum);
     }
-    return status == ERROR_SUCCESS ? shown : Status(status);
+    return Outcome(status, shown);
 }
 
-struct Word
-{
-    const char* name;
-    std::string (*run)(State& state);
-};
-constexpr Word kWords[] = {
-    {"make", &Make},
-    {"open", &Open},
-    {"opensimply", &OpenSimply},
-    {"hold", &Hold},
-    {"close", &Close},
-    {"set", &Set},
-    {"get", &Get},
-    {"drop", &DeleteValue},
-    {"delete", &DeleteKey},
-    {"key", &KeyAt},
-    {"keysimply", &KeyAtSimply},
-    {"value", &ValueAt},
-    {"keys", &Keys},
-    {"sums", &Sums},
-};
+constexpr std::pair<std::string_view, std::string (*)(State& state)> kWords[] = {{"make", &Make},
+                                                                                 {"open", &Open},
+                                                                                 {"opensimply", &OpenSimply},
+                                                                                 {"hold", &Hold},
+                                                                                 {"close", &Close},
+                                                                                 {"set", &Set},
+                                                                                 {"get", &Get},
+                                                                                 {"drop", &DeleteValue},
+                                                                                 {"delete", &DeleteKey},
+                                                                                 {"key", &KeyAt},
+                                                                                 {"keysimply", &KeyAtSimply},
+                                                                                 {"value", &ValueAt},
+                                                                                 {"keys", &Keys},
+                                                                                 {"sums", &Sums}};
 
 std::string RunStep(State& state)
 {
     std::string name = state.words.front();
     name.erase(0, name.find_first_not_of("-@"));
     const auto* const word = std::find_if(std::begin(kWords), std::end(kWords),
-                                          [&name](const Word& row) { return name == row.name; });
+                                          [&name](const auto& row) { return name == row.first; });
     state.target = state.words.front().find('@') == std::string::npos ? state.key : state.held;
-    return word == std::end(kWords) ? "unknown word " + name : word->run(state);
+    return word == std::end(kWords) ? "unknown word " + name : word->second(state);
 }
 
 } // namespace
 
-Wide::Wide(const std::string& text) : m_isNull(text == "null")
-{
-    const std::string plain = text == "''" ? std::string() : text;
-    m_units.assign(plain.begin(), plain.end());
-    m_units.push_back(0);
-}
-
-std::string Narrow(const wchar_t* text, std::size_t length)
-{
-    std::string narrow;
-    std::transform(text, text + length, std::back_inserter(narrow),
-                   [](wchar_t unit) { return unit < 0x7F ? static_cast<char>(unit) : '?'; });
-    return narrow;
-}
-
 std::string Play(HKEY key, const std::string& script)
 {
-    State state{key, nullptr, {}, nullptr};
+    State state{key};
     std::string outcome;
     std::istringstream steps(script);
     for (std::string step; std::getline(steps, step, ';');)
@@ -291,12 +270,6 @@ void RemoveTree(HKEY parent, const wchar_t* name)
     }
     RegCloseKey(key);
     RegDeleteKeyW(parent, name);
-}
-
-bool IsWine()
-{
-    const HMODULE library = GetModuleHandleW(L"ntdll.dll");
-    return library != nullptr && GetProcAddress(library, "wine_get_version") != nullptr;
 }
 
 } // namespace registry_script

@@ -12,38 +12,16 @@
 #include <windows.h>
 
 #include <string>
-#include <vector>
 
 namespace registry_script
 {
 
 constexpr const wchar_t* kScratch = L"Software\\PmConformance";
 
-/// Text up to 400 units for the registry, from ASCII.
-class Wide
-{
-public:
-    explicit Wide(const std::string& text);
-
-    /// Null for "null".
-    const wchar_t* Get() const
-    {
-        return m_isNull ? nullptr : m_units.data();
-    }
-
-private:
-    bool m_isNull;
-    std::vector<wchar_t> m_units;
-};
-
-std::string Narrow(const wchar_t* text, std::size_t length);
-
 /// Runs a script on `key`; what its steps gave, with blanks between them.
 std::string Play(HKEY key, const std::string& script);
 
 /// Deletes a key with all that is below it, when it is there.
 void RemoveTree(HKEY parent, const wchar_t* name);
-
-bool IsWine();
 
 } // namespace registry_script
