@@ -3,9 +3,9 @@
 // Accounts and their SIDs, tokens and their privileges, security descriptors.
 
 #include "support/NotebookTest.h"
+#include "support/WideText.h"
 
 #include "notebook/Machine.h"
-#include "notebook/Text.h"
 
 #include <windows.h>
 
@@ -17,24 +17,25 @@ using namespace simulated;
 namespace
 {
 
-std::vector<wchar_t> Wide(const char* text)
-{
-    std::vector<wchar_t> wide = ToUtf16(text);
-    wide.push_back(0);
-    return wide;
-}
+using AccountsTest = NotebookTest;
 
-class AccountsTest : public NotebookTest
+/// The SID as text, or the error.
+std::string Shown(PSID sid)
 {
-};
+    LPWSTR text = nullptr;
+    if (!ConvertSidToStringSidW(sid, &text))
+    {
+        return "error " + std::to_string(GetLastError());
+    }
+    const std::string shown = Narrow(text);
+    EXPECT_EQ(nullptr, LocalFree(text));
+    return shown;
+}
 
 TEST_F(AccountsTest, NamesLeadToSids)
 {
-    const struct
-    {
-        const char* name;
-        const char* expected; ///< domain and SID
-    } rows[] = {
+    // The domain and the SID, or the error.
+    const std::pair<const char*, const char*> rows[] = {
         {"alice", "NOTEBOOK S-1-5-21-1220945662-1202660629-1417001333-1003"},
         {"CAROL", "NOTEBOOK S-1-5-21-1220945662-1202660629-1417001333-1005"},
         {"notebook\\alice", "NOTEBOOK S-1-5-21-1220945662-1202660629-1417001333-1003"},
@@ -44,26 +45,17 @@ TEST_F(AccountsTest, NamesLeadToSids)
         {"dave", "1332"},
         {"", "1332"},
     };
-    for (const auto& row : rows)
+    for (const auto& [name, expected] : rows)
     {
         BYTE sid[100];
         wchar_t domain[100];
         DWORD sidSize = sizeof sid;
         DWORD domainSize = 100;
         SID_NAME_USE use = SidTypeUnknown;
-        std::string found;
-        LPWSTR text = nullptr;
-        if (!LookupAccountNameW(nullptr, Wide(row.name).data(), sid, &sidSize, domain, &domainSize, &use))
-        {
-            found = std::to_string(GetLastError());
-        }
-        else if (ConvertSidToStringSidW(sid, &text))
-        {
-            found = ToUtf8(domain) + ' ' + ToUtf8(text);
-            EXPECT_EQ(ToUtf8(domain).size(), domainSize);
-        }
-        EXPECT_EQ(row.expected, found) << row.name;
-        EXPECT_EQ(nullptr, LocalFree(text));
+        const BOOL found =
+            LookupAccountNameW(nullptr, Wide(name).data(), sid, &sidSize, domain, &domainSize, &use);
+        EXPECT_EQ(expected, found ? Narrow(domain) + ' ' + Shown(sid) : std::to_string(GetLastError()));
+        EXPECT_TRUE(!found || Narrow(domain).size() == domainSize);
     }
 }
 
@@ -89,45 +81,30 @@ TEST_F(AccountsTest, BuffersThatAreTooSmallLearnTheirSize)
 
 TEST_F(AccountsTest, SidsAsText)
 {
-    const struct
-    {
-        const char* text;
-        const char* expected;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"S-1-5-18", "S-1-5-18"},
         {"s-1-5-18", "S-1-5-18"},
         {"S-1-0x5-0x12", "S-1-5-18"},
         {"S-1-5-4294967295", "S-1-5-4294967295"},
         {"S-1-4294967296-1", "S-1-0x000100000000-1"},
         {"S-1-0-1-2-3-4-5-6-7-8-9-10-11-12-13-14-15", "S-1-0-1-2-3-4-5-6-7-8-9-10-11-12-13-14-15"},
-        {"S-1-0-1-2-3-4-5-6-7-8-9-10-11-12-13-14-15-16", nullptr},
-        {"S-1-5", nullptr},
-        {"S-1-5-", nullptr},
-        {"S-2-5-18", nullptr},
-        {"S-1-5-18x", nullptr},
-        {"S-1-5-4294967296", nullptr},
-        {"S-1-281474976710656-1", nullptr},
-        {"", nullptr},
-        {"S-1--5", nullptr},
     };
-    for (const auto& row : rows)
+    for (const auto& [text, expected] : rows)
     {
-        SCOPED_TRACE(row.text);
         PSID sid = nullptr;
-        LPWSTR text = nullptr;
-        const BOOL done = ConvertStringSidToSidW(Wide(row.text).data(), &sid);
-        EXPECT_EQ(row.expected != nullptr, done != FALSE);
-        if (done && ConvertSidToStringSidW(sid, &text))
-        {
-            EXPECT_EQ(row.expected, ToUtf8(text));
-        }
-        LocalFree(text);
+        EXPECT_TRUE(ConvertStringSidToSidW(Wide(text).data(), &sid));
+        EXPECT_EQ(expected, Shown(sid));
         LocalFree(sid);
     }
+    for (const char* const text :
+         {"S-1-0-1-2-3-4-5-6-7-8-9-10-11-12-13-14-15-16", "S-1-5", "S-1-5-", "S-2-5-18", "S-1-5-18x",
+          "S-1-5-4294967296", "S-1-281474976710656-1", "", "S-1--5"})
+    {
+        PSID sid = nullptr;
+        EXPECT_FALSE(ConvertStringSidToSidW(Wide(text).data(), &sid)) << text;
+    }
     BYTE broken[SECURITY_MAX_SID_SIZE] = {SID_REVISION, SID_MAX_SUB_AUTHORITIES + 1};
-    LPWSTR text = nullptr;
-    EXPECT_FALSE(ConvertSidToStringSidW(broken, &text));
-    EXPECT_EQ(ERROR_INVALID_SID, GetLastError());
+    EXPECT_EQ("error " + std::to_string(ERROR_INVALID_SID), Shown(broken));
 }
 
 TEST_F(AccountsTest, TheUserNameIsTheRunningAccount)
@@ -139,7 +116,7 @@ TEST_F(AccountsTest, TheUserNameIsTheRunningAccount)
     EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, GetLastError());
     EXPECT_EQ(4U, size);
     EXPECT_TRUE(GetUserNameW(name, &size));
-    EXPECT_EQ("bob", ToUtf8(name));
+    EXPECT_EQ("bob", Narrow(name));
 }
 
 class TokensTest : public NotebookTest

@@ -2,17 +2,17 @@
 //
 // Which hive is whose, and the rules for loading and unloading them.
 
+#include "support/ChildProcess.h"
 #include "support/NotebookTest.h"
+#include "support/WideText.h"
 
 #include "notebook/DriveC.h"
 #include "notebook/Machine.h"
 #include "notebook/RegistryEditor.h"
-#include "notebook/Text.h"
 
 #include <windows.h>
 
-#include <sys/wait.h>
-#include <unistd.h>
+#include <tuple>
 
 using namespace simulated;
 
@@ -53,14 +53,6 @@ protected:
     {
         return Accounts::Find(name)->profile + "\\NTUSER.DAT";
     }
-    static std::vector<wchar_t> Wide(const std::string& text)
-    {
-        std::vector<wchar_t> wide = ToUtf16(text);
-        wide.push_back(0);
-        return wide;
-    }
-
-    const std::string absent = Notebook::kAbsentUser;
 };
 
 TEST_F(HivesTest, TheCurrentUserIsTheRunningAccount)
@@ -75,7 +67,7 @@ TEST_F(HivesTest, TheCurrentUserIsTheRunningAccount)
         EXPECT_EQ(name, RegistryEditor::ReadText("HKU\\" + SidOf(name) + "\\Software\\Mine", "Who")) << name;
     }
     // Who has no hive loaded gets the default one, which is the service account's.
-    Machine::RunAs(absent);
+    Machine::RunAs(Notebook::kAbsentUser);
     EXPECT_EQ("SYSTEM", RegistryEditor::ReadText("HKCU\\Software\\Mine", "Who"));
     EXPECT_EQ("SYSTEM", RegistryEditor::ReadText("HKU\\.default\\Software\\Mine", "Who"));
 }
@@ -114,13 +106,7 @@ TEST_F(HivesTest, WhatCannotBeLoaded)
 {
     EnableBoth();
     ASSERT_TRUE(DriveC::Write("C:\\junk.dat", "regf, or not"));
-    const struct
-    {
-        const char* what;
-        std::string subKey;
-        std::string file;
-        LONG expected;
-    } rows[] = {
+    const std::tuple<const char*, std::string, std::string, LONG> rows[] = {
         {"a logged-on user's", SidOf("alice"), FileOf("alice"), ERROR_SHARING_VIOLATION},
         {"a logged-on user's elsewhere", "elsewhere", FileOf("alice"), ERROR_SHARING_VIOLATION},
         {"in another's place", SidOf("alice"), FileOf("carol"), ERROR_ACCESS_DENIED},
@@ -130,9 +116,9 @@ TEST_F(HivesTest, WhatCannotBeLoaded)
         {"a path", "else\\where", FileOf("carol"), ERROR_INVALID_PARAMETER},
         {"no name", "", FileOf("carol"), ERROR_INVALID_PARAMETER},
     };
-    for (const auto& row : rows)
+    for (const auto& [what, subKey, file, expected] : rows)
     {
-        EXPECT_EQ(row.expected, Load(row.subKey, row.file)) << row.what;
+        EXPECT_EQ(expected, Load(subKey, file)) << what;
     }
     EXPECT_EQ(ERROR_INVALID_PARAMETER, RegLoadKeyW(HKEY_CURRENT_USER, L"x", Wide(FileOf("carol")).data()));
 }
@@ -171,22 +157,18 @@ TEST_F(HivesTest, AHiveInUseElsewhereStaysUntilItsUserDies)
     ASSERT_EQ(ERROR_SUCCESS, Load(sid, FileOf("carol")));
     int ready[2] = {};
     ASSERT_EQ(0, pipe(ready));
-    const pid_t user = fork();
-    if (user == 0)
-    {
-        HKEY key = nullptr;
-        const bool isOpen = RegOpenKeyExW(HKEY_USERS, Wide(sid).data(), 0, KEY_READ, &key) == ERROR_SUCCESS;
-        const char sign = isOpen ? 'y' : 'n';
-        const bool told = write(ready[1], &sign, 1) == 1;
-        pause();
-        _exit(told ? 0 : 1);
-    }
-    char sign = 0;
-    EXPECT_EQ(1, read(ready[0], &sign, 1));
-    EXPECT_EQ('y', sign);
+    ChildProcess user(
+        [&]
+        {
+            HKEY key = nullptr;
+            const LONG opened = RegOpenKeyExW(HKEY_USERS, Wide(sid).data(), 0, KEY_READ, &key);
+            return write(ready[1], &opened, sizeof opened) == sizeof opened && pause() == 0;
+        });
+    LONG opened = -1;
+    EXPECT_EQ(ssize_t{sizeof opened}, read(ready[0], &opened, sizeof opened));
+    EXPECT_EQ(ERROR_SUCCESS, opened);
     EXPECT_EQ(ERROR_ACCESS_DENIED, Unload(sid));
-    kill(user, SIGKILL);
-    waitpid(user, nullptr, 0);
+    user.Kill();
     EXPECT_EQ(ERROR_SUCCESS, Unload(sid));
     close(ready[0]);
     close(ready[1]);

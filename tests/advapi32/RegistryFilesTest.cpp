@@ -2,6 +2,7 @@
 //
 // The registry as a person finds it in the notebook's folder, and under several processes, some of which die.
 
+#include "support/ChildProcess.h"
 #include "support/NotebookTest.h"
 
 #include "advapi32/ValueText.h"
@@ -13,8 +14,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <utility>
 
 using namespace simulated;
 using registry::Value;
@@ -35,11 +35,7 @@ protected:
 
 TEST_F(RegistryFilesTest, EachValueHasAReadableFormThatGivesItBack)
 {
-    const struct
-    {
-        Value value;
-        std::string text;
-    } rows[] = {
+    const std::pair<Value, std::string> rows[] = {
         {registry::NumberValue(42), "dword:0000002a"},
         {registry::TextValue("C:\\Cfg\\", REG_SZ), "sz:C:\\Cfg\\"},
         {registry::TextValue("", REG_SZ), "sz:"},
@@ -52,15 +48,13 @@ TEST_F(RegistryFilesTest, EachValueHasAReadableFormThatGivesItBack)
         {{REG_DWORD, "\x01"}, "hex(4):01"},
         {{0x12345, ""}, "hex(12345):"},
     };
-    for (const auto& row : rows)
+    for (const auto& [value, text] : rows)
     {
-        SCOPED_TRACE(row.text);
-        ASSERT_TRUE(RegistryEditor::Write(kKey, "v", row.value));
-        EXPECT_EQ(row.text + '\n', ReadWhole(FileOf("v")));
+        ASSERT_TRUE(RegistryEditor::Write(kKey, "v", value));
+        EXPECT_EQ(text + '\n', ReadWhole(FileOf("v")));
         const std::optional<Value> read = RegistryEditor::Read(kKey, "v");
-        ASSERT_TRUE(read);
-        EXPECT_EQ(row.value.type, read->type);
-        EXPECT_EQ(row.value.bytes, read->bytes);
+        ASSERT_TRUE(read) << text;
+        EXPECT_TRUE(value.type == read->type && value.bytes == read->bytes) << text;
     }
 }
 
@@ -107,7 +101,7 @@ bool IsWhole(const std::string& text)
     return half != std::string::npos && text.ends_with('|' + text.substr(0, half));
 }
 
-[[noreturn]] void WriteAllRounds(unsigned writer)
+bool WriteAllRounds(unsigned writer)
 {
     bool done = true;
     for (unsigned round = 1; round <= kRounds; ++round)
@@ -115,30 +109,20 @@ bool IsWhole(const std::string& text)
         done = RegistryEditor::WriteText(kKey, "Shared", Text(writer, round)) &&
                RegistryEditor::WriteNumber(kKey, "Own" + std::to_string(writer), round) && done;
     }
-    _exit(done ? 0 : 1);
+    return done;
 }
 
 TEST_F(RegistryFilesTest, TwoProcessesWriteOneKey)
 {
-    std::vector<pid_t> writers;
-    for (unsigned writer = 0; writer < 2; ++writer)
+    ChildProcess first([] { return WriteAllRounds(0); });
+    ChildProcess second([] { return WriteAllRounds(1); });
+    for (unsigned round = 0; round < kRounds; ++round)
     {
-        writers.push_back(fork());
-        if (writers.back() == 0)
-        {
-            WriteAllRounds(writer);
-        }
+        const std::optional<std::string> text = RegistryEditor::ReadText(kKey, "Shared");
+        ASSERT_TRUE(!text || IsWhole(*text)) << *text;
     }
-    for (const pid_t writer : writers)
-    {
-        int status = 1;
-        while (waitpid(writer, &status, WNOHANG) == 0)
-        {
-            const std::optional<std::string> text = RegistryEditor::ReadText(kKey, "Shared");
-            EXPECT_TRUE(!text || IsWhole(*text)) << *text;
-        }
-        EXPECT_EQ(0, status);
-    }
+    EXPECT_EQ(0, first.Await());
+    EXPECT_EQ(0, second.Await());
     EXPECT_EQ(kRounds, RegistryEditor::ReadNumber(kKey, "Own0"));
     EXPECT_EQ(kRounds, RegistryEditor::ReadNumber(kKey, "Own1"));
     const std::string last = *RegistryEditor::ReadText(kKey, "Shared");
@@ -150,14 +134,9 @@ TEST_F(RegistryFilesTest, AWriterIsKilled)
 {
     for (unsigned attempt = 0; attempt < 20; ++attempt)
     {
-        const pid_t writer = fork();
-        if (writer == 0)
-        {
-            WriteAllRounds(attempt);
-        }
+        ChildProcess writer([attempt] { return WriteAllRounds(attempt); });
         usleep(500 + attempt * 700);
-        kill(writer, SIGKILL);
-        waitpid(writer, nullptr, 0);
+        writer.Kill();
         const std::optional<std::string> text = RegistryEditor::ReadText(kKey, "Shared");
         EXPECT_TRUE(!text || IsWhole(*text)) << *text;
         EXPECT_TRUE(RegistryEditor::WriteText(kKey, "Shared", Text(99, attempt)));
