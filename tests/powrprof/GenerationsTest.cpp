@@ -14,9 +14,7 @@ namespace
 using simulated::Machine;
 using simulated::Notebook;
 
-class GenerationsTest : public FreshStore
-{
-};
+using GenerationsTest = FreshStore;
 
 const char* const kIndexed[] = {"GetActivePwrScheme",  "SetActivePwrScheme",     "ReadPwrScheme",
                                 "WritePwrScheme",      "ReadProcessorPwrScheme", "WriteProcessorPwrScheme",
@@ -29,16 +27,12 @@ const char* const kGuidBased[] = {"PowerGetActiveScheme",   "PowerSetActiveSchem
 
 TEST_F(GenerationsTest, TheGuidGenerationBeginsWithVersion6)
 {
-    struct Row
+    for (const DWORD major : {5U, 6U, 10U})
     {
-        DWORD major, minor;
-        bool hasGuids;
-    };
-    for (const Row& row : {Row{5, 1, false}, Row{6, 0, true}, Row{6, 1, true}, Row{10, 0, true}})
-    {
-        SCOPED_TRACE(row.major);
-        Recreate({.major = row.major, .minor = row.minor});
-        const HMODULE module = PowerModule();
+        SCOPED_TRACE(major);
+        Recreate({.major = major, .minor = major == 5U ? 1U : 0U});
+        const bool hasGuids = major != 5;
+        const HMODULE module = LoadLibraryW(L"PowrProf.dll");
         ASSERT_NE(nullptr, module);
         for (const char* name : kIndexed)
         {
@@ -46,11 +40,10 @@ TEST_F(GenerationsTest, TheGuidGenerationBeginsWithVersion6)
         }
         for (const char* name : kGuidBased)
         {
-            EXPECT_EQ(row.hasGuids, GetProcAddress(module, name) != nullptr) << name;
+            EXPECT_EQ(hasGuids, GetProcAddress(module, name) != nullptr) << name;
         }
-        EXPECT_EQ(row.hasGuids,
-                  KeyExists(HKEY_LOCAL_MACHINE,
-                            Path(L"SYSTEM\\CurrentControlSet\\Control\\Power\\User\\PowerSchemes", "")));
+        EXPECT_EQ(hasGuids, KeyExists(HKEY_LOCAL_MACHINE,
+                                      "SYSTEM\\CurrentControlSet\\Control\\Power\\User\\PowerSchemes"));
         UINT active = 0;
         EXPECT_TRUE(GetActivePwrScheme(&active));
         EXPECT_EQ(1u, active);

@@ -6,7 +6,8 @@
 
 #include "notebook/PowerSource.h"
 
-#include <functional>
+#include <array>
+#include <tuple>
 
 namespace
 {
@@ -14,57 +15,47 @@ namespace
 using simulated::PowerAnswers;
 using simulated::PowerSource;
 
-class PowerSourceTest : public FreshStore
-{
-};
+constexpr DWORD kDraw = 0u - 16000;
+
+using PowerSourceTest = FreshStore;
 
 TEST_F(PowerSourceTest, TheAnswersFollowEachChange)
 {
-    struct Row
-    {
-        const char* change;
-        std::function<bool()> make;
-        BYTE line, flag, percent;
-        DWORD lifeTime;
-        BOOLEAN present, charging, discharging;
-        DWORD remaining, rate;
+    // Line, flag, percent, life; present, charging, discharging, left, rate. Each row goes on from the one
+    // before.
+    using Change = bool (*)();
+    const std::tuple<const char*, Change, std::array<DWORD, 9>> rows[] = {
+        {"fresh", [] { return true; }, {1, 1, 100, 0xFFFFFFFF, 1, 0, 0, 48000, 0}},
+        {"unplugged", PowerSource::Unplug, {0, 1, 100, 10800, 1, 0, 1, 48000, kDraw}},
+        {"half empty", [] { return PowerSource::SetCharge(50); }, {0, 0, 50, 5400, 1, 0, 1, 24000, kDraw}},
+        {"low", [] { return PowerSource::SetCharge(32); }, {0, 2, 32, 3456, 1, 0, 1, 15360, kDraw}},
+        {"critical", [] { return PowerSource::SetCharge(4); }, {0, 4, 4, 432, 1, 0, 1, 1920, kDraw}},
+        {"slower", [] { return PowerSource::SetRate(1920); }, {0, 4, 4, 3600, 1, 0, 1, 1920, 0u - 1920}},
+        {"plugged in", PowerSource::Plug, {1, 12, 4, 0xFFFFFFFF, 1, 1, 0, 1920, 24000}},
+        {"untold rate", [] { return PowerSource::SetRate(0); }, {1, 12, 4, 0xFFFFFFFF, 1, 1, 0, 1920, 0}},
+        {"above full",
+         [] { return PowerSource::SetCapacity(1000, 1500); },
+         {1, 1, 100, 0xFFFFFFFF, 1, 0, 0, 1500, 0}},
+        {"no capacity", [] { return PowerSource::SetCapacity(0, 0); }, {1, 4, 0, 0xFFFFFFFF, 1, 0, 0, 0, 0}},
+        {"taken out", PowerSource::RemoveBattery, {1, 128, 255, 0xFFFFFFFF, 0, 0, 0, 0, 0}},
+        {"on nothing", PowerSource::Unplug, {0, 128, 255, 0xFFFFFFFF, 0, 0, 0, 0, 0}},
+        {"put in", PowerSource::InsertBattery, {0, 1, 100, 10800, 1, 0, 1, 48000, kDraw}},
     };
-    // Each row goes on from the one before.
-    const Row rows[] = {
-        {"fresh", [] { return true; }, 1, 1, 100, 0xFFFFFFFF, 1, 0, 0, 48000, 0},
-        {"unplugged", PowerSource::Unplug, 0, 1, 100, 10800, 1, 0, 1, 48000, 0u - 16000},
-        {"half empty", [] { return PowerSource::SetCharge(50); }, 0, 0, 50, 5400, 1, 0, 1, 24000, 0u - 16000},
-        {"low", [] { return PowerSource::SetCharge(32); }, 0, 2, 32, 3456, 1, 0, 1, 15360, 0u - 16000},
-        {"critical", [] { return PowerSource::SetCharge(4); }, 0, 4, 4, 432, 1, 0, 1, 1920, 0u - 16000},
-        {"slower", [] { return PowerSource::SetRate(1920); }, 0, 4, 4, 3600, 1, 0, 1, 1920, 0u - 1920},
-        {"plugged in", PowerSource::Plug, 1, 12, 4, 0xFFFFFFFF, 1, 1, 0, 1920, 24000},
-        {"untold rate", [] { return PowerSource::SetRate(0); }, 1, 12, 4, 0xFFFFFFFF, 1, 1, 0, 1920, 0},
-        {"above full", [] { return PowerSource::SetCapacity(1000, 1500); }, 1, 1, 100, 0xFFFFFFFF, 1, 0, 0,
-         1500, 0},
-        {"no capacity", [] { return PowerSource::SetCapacity(0, 0); }, 1, 4, 0, 0xFFFFFFFF, 1, 0, 0, 0, 0},
-        {"taken out", PowerSource::RemoveBattery, 1, 128, 255, 0xFFFFFFFF, 0, 0, 0, 0, 0},
-        {"on nothing", PowerSource::Unplug, 0, 128, 255, 0xFFFFFFFF, 0, 0, 0, 0, 0},
-        {"put in", PowerSource::InsertBattery, 0, 1, 100, 10800, 1, 0, 1, 48000, 0u - 16000},
-    };
-    for (const Row& row : rows)
+    for (const auto& [name, change, expected] : rows)
     {
-        SCOPED_TRACE(row.change);
-        ASSERT_TRUE(row.make());
+        SCOPED_TRACE(name);
+        ASSERT_TRUE(change());
         SYSTEM_POWER_STATUS status{};
         ASSERT_TRUE(GetSystemPowerStatus(&status));
-        EXPECT_EQ(row.line, status.ACLineStatus);
-        EXPECT_EQ(row.flag, status.BatteryFlag);
-        EXPECT_EQ(row.percent, status.BatteryLifePercent);
-        EXPECT_EQ(row.lifeTime, status.BatteryLifeTime);
         SYSTEM_BATTERY_STATE battery{};
         ASSERT_EQ(0, CallNtPowerInformation(SystemBatteryState, nullptr, 0, &battery, sizeof battery));
-        EXPECT_EQ(row.line, battery.AcOnLine);
-        EXPECT_EQ(row.present, battery.BatteryPresent);
-        EXPECT_EQ(row.charging, battery.Charging);
-        EXPECT_EQ(row.discharging, battery.Discharging);
-        EXPECT_EQ(row.remaining, battery.RemainingCapacity);
-        EXPECT_EQ(row.rate, battery.Rate);
-        EXPECT_EQ(row.lifeTime, battery.EstimatedTime);
+        const std::array<DWORD, 9> seen = {
+            status.ACLineStatus,    status.BatteryFlag,        status.BatteryLifePercent,
+            status.BatteryLifeTime, battery.BatteryPresent,    battery.Charging,
+            battery.Discharging,    battery.RemainingCapacity, battery.Rate};
+        EXPECT_EQ(expected, seen);
+        EXPECT_EQ(status.ACLineStatus, battery.AcOnLine);
+        EXPECT_EQ(status.BatteryLifeTime, battery.EstimatedTime);
     }
     EXPECT_FALSE(PowerSource::SetCharge(101));
 }

@@ -4,14 +4,14 @@
 
 #include "Support.h"
 
+#include <array>
 #include <cstring>
+#include <utility>
 
 namespace
 {
 
-class SchemesTest : public FreshStore
-{
-};
+using SchemesTest = FreshStore;
 
 POWER_POLICY Read(UINT scheme)
 {
@@ -20,14 +20,14 @@ POWER_POLICY Read(UINT scheme)
     return policy;
 }
 
-std::vector<wchar_t> UserKey(UINT scheme)
+std::string UserKey(UINT scheme)
 {
-    return Path(kUserSchemes, "\\" + std::to_string(scheme));
+    return kUserPower + "\\PowerPolicies\\" + std::to_string(scheme);
 }
 
-std::vector<wchar_t> MachineKey(const char* kind, UINT scheme)
+std::string MachineKey(const std::string& kind, UINT scheme)
 {
-    return Path(kMachinePower, std::string("\\") + kind + "\\" + std::to_string(scheme));
+    return kMachinePower + '\\' + kind + '\\' + std::to_string(scheme);
 }
 
 UINT Active()
@@ -81,68 +81,38 @@ Walk Enumerate(std::size_t stopAfter = 100)
 
 TEST_F(SchemesTest, AFreshMachineHasTheSixStandardSchemes)
 {
-    struct Row
-    {
-        const char* name;
-        ULONG video[2], disk[2], idle[2], doze[2];
-        BYTE throttle[2];
-    };
-    const Row rows[] = {
-        {"Home/Office Desk", {1200, 300}, {0, 600}, {0, 300}, {0, 900}, {0, 3}},
-        {"Portable/Laptop", {900, 300}, {1800, 300}, {1200, 300}, {9600, 600}, {3, 3}},
-        {"Presentation", {0, 0}, {0, 300}, {0, 900}, {0, 6300}, {3, 2}},
-        {"Always On", {1200, 900}, {0, 1800}, {0, 0}, {0, 0}, {0, 0}},
-        {"Minimal Power Management", {900, 300}, {0, 900}, {0, 300}, {0, 10500}, {3, 3}},
-        {"Max Battery", {900, 60}, {0, 180}, {1200, 120}, {1500, 3480}, {3, 2}},
+    // On mains and on battery: display, disk, standby, hibernation after standby, throttling.
+    const std::pair<const char*, std::array<ULONG, 10>> rows[] = {
+        {"Home/Office Desk", {1200, 300, 0, 600, 0, 300, 0, 900, 0, 3}},
+        {"Portable/Laptop", {900, 300, 1800, 300, 1200, 300, 9600, 600, 3, 3}},
+        {"Presentation", {0, 0, 0, 300, 0, 900, 0, 6300, 3, 2}},
+        {"Always On", {1200, 900, 0, 1800, 0, 0, 0, 0, 0, 0}},
+        {"Minimal Power Management", {900, 300, 0, 900, 0, 300, 0, 10500, 3, 3}},
+        {"Max Battery", {900, 60, 0, 180, 1200, 120, 1500, 3480, 3, 2}},
     };
     const Walk walk = Enumerate();
     ASSERT_EQ(std::size(rows), walk.seen.size());
     for (UINT i = 0; i < std::size(rows); ++i)
     {
-        SCOPED_TRACE(rows[i].name);
-        EXPECT_EQ(rows[i].name, walk.seen[i].name);
+        SCOPED_TRACE(rows[i].first);
+        EXPECT_EQ(rows[i].first, walk.seen[i].name);
         const POWER_POLICY policy = Read(i);
-        EXPECT_EQ(rows[i].video[0], policy.user.VideoTimeoutAc);
-        EXPECT_EQ(rows[i].video[1], policy.user.VideoTimeoutDc);
-        EXPECT_EQ(rows[i].disk[0], policy.user.SpindownTimeoutAc);
-        EXPECT_EQ(rows[i].disk[1], policy.user.SpindownTimeoutDc);
-        EXPECT_EQ(rows[i].idle[0], policy.user.IdleTimeoutAc);
-        EXPECT_EQ(rows[i].idle[1], policy.user.IdleTimeoutDc);
-        EXPECT_EQ(rows[i].doze[0], policy.mach.DozeS4TimeoutAc);
-        EXPECT_EQ(rows[i].doze[1], policy.mach.DozeS4TimeoutDc);
-        EXPECT_EQ(PowerActionSleep, policy.user.IdleAc.Action);
-        EXPECT_EQ(100, policy.user.ForcedThrottleAc);
+        const USER_POWER_POLICY& user = policy.user;
+        const std::array<ULONG, 10> seen = {user.VideoTimeoutAc,         user.VideoTimeoutDc,
+                                            user.SpindownTimeoutAc,      user.SpindownTimeoutDc,
+                                            user.IdleTimeoutAc,          user.IdleTimeoutDc,
+                                            policy.mach.DozeS4TimeoutAc, policy.mach.DozeS4TimeoutDc,
+                                            user.ThrottlePolicyAc,       user.ThrottlePolicyDc};
+        EXPECT_EQ(rows[i].second, seen);
+        EXPECT_EQ(PowerActionSleep, user.IdleAc.Action);
+        EXPECT_EQ(100, user.ForcedThrottleAc);
         MACHINE_PROCESSOR_POWER_POLICY processor{};
         ASSERT_TRUE(ReadProcessorPwrScheme(i, &processor));
-        EXPECT_EQ(rows[i].throttle[0], policy.user.ThrottlePolicyAc);
-        EXPECT_EQ(rows[i].throttle[1], policy.user.ThrottlePolicyDc);
-        EXPECT_EQ(rows[i].throttle[0], processor.ProcessorPolicyAc.DynamicThrottle);
-        EXPECT_EQ(rows[i].throttle[1], processor.ProcessorPolicyDc.DynamicThrottle);
+        EXPECT_EQ(user.ThrottlePolicyAc, processor.ProcessorPolicyAc.DynamicThrottle);
+        EXPECT_EQ(user.ThrottlePolicyDc, processor.ProcessorPolicyDc.DynamicThrottle);
     }
     EXPECT_EQ(1u, Active());
-    EXPECT_EQ(TextBytes("5"), ReadValue(HKEY_LOCAL_MACHINE, Path(kMachinePower, ""), L"LastID"));
-}
-
-TEST_F(SchemesTest, TheRegistryHoldsTheRecordsThatTheFunctionsGive)
-{
-    for (UINT scheme = 0; scheme < 6; ++scheme)
-    {
-        const POWER_POLICY policy = Read(scheme);
-        MACHINE_PROCESSOR_POWER_POLICY processor{};
-        ASSERT_TRUE(ReadProcessorPwrScheme(scheme, &processor));
-        EXPECT_EQ(BytesOf(policy.user), ReadValue(HKEY_CURRENT_USER, UserKey(scheme), L"Policies"));
-        EXPECT_EQ(BytesOf(policy.mach),
-                  ReadValue(HKEY_LOCAL_MACHINE, MachineKey("PowerPolicies", scheme), L"Policies"));
-        EXPECT_EQ(BytesOf(processor),
-                  ReadValue(HKEY_LOCAL_MACHINE, MachineKey("ProcessorPolicies", scheme), L"Policies"));
-    }
-    GLOBAL_POWER_POLICY global{};
-    ASSERT_TRUE(Find<decltype(ReadGlobalPwrPolicy)>("ReadGlobalPwrPolicy")(&global));
-    EXPECT_EQ(
-        BytesOf(global.user),
-        ReadValue(HKEY_CURRENT_USER, Path(L"Control Panel\\PowerCfg\\GlobalPowerPolicy", ""), L"Policies"));
-    EXPECT_EQ(BytesOf(global.mach),
-              ReadValue(HKEY_LOCAL_MACHINE, Path(kMachinePower, "\\GlobalPowerPolicy"), L"Policies"));
+    EXPECT_EQ(TextBytes("5"), ReadValue(HKEY_LOCAL_MACHINE, kMachinePower, L"LastID"));
 }
 
 TEST_F(SchemesTest, WhatIsWrittenOnOneSideIsReadOnTheOther)
@@ -157,12 +127,19 @@ TEST_F(SchemesTest, WhatIsWrittenOnOneSideIsReadOnTheOther)
               ReadValue(HKEY_LOCAL_MACHINE, MachineKey("PowerPolicies", 2), L"Policies"));
     EXPECT_EQ(TextBytes("Presentation"), ReadValue(HKEY_CURRENT_USER, UserKey(2), L"Name"));
 
+    MACHINE_PROCESSOR_POWER_POLICY processor{};
+    ASSERT_TRUE(ReadProcessorPwrScheme(2, &processor));
+    processor.ProcessorPolicyAc.DynamicThrottle = 1;
+    ASSERT_TRUE(WriteProcessorPwrScheme(2, &processor));
+    EXPECT_EQ(BytesOf(processor),
+              ReadValue(HKEY_LOCAL_MACHINE, MachineKey("ProcessorPolicies", 2), L"Policies"));
+
     policy.user.IdleTimeoutAc = 4321;
     ASSERT_EQ(ERROR_SUCCESS,
               WriteValue(HKEY_CURRENT_USER, UserKey(2), L"Policies", REG_BINARY, BytesOf(policy.user)));
     EXPECT_EQ(4321u, Read(2).user.IdleTimeoutAc);
-    ASSERT_EQ(ERROR_SUCCESS, WriteValue(HKEY_CURRENT_USER, Path(L"Control Panel\\PowerCfg", ""),
-                                        L"CurrentPowerPolicy", REG_SZ, TextBytes("4")));
+    ASSERT_EQ(ERROR_SUCCESS,
+              WriteValue(HKEY_CURRENT_USER, kUserPower, L"CurrentPowerPolicy", REG_SZ, TextBytes("4")));
     EXPECT_EQ(4u, Active());
 }
 
@@ -181,13 +158,13 @@ TEST_F(SchemesTest, ASchemeIsWrittenUnderTheNumberThatTheCallerChose)
     UINT fresh = 0xFFFFFFFFu;
     ASSERT_TRUE(WritePwrScheme(&fresh, nullptr, nullptr, &policy));
     EXPECT_EQ(18u, fresh);
-    EXPECT_EQ(TextBytes("18"), ReadValue(HKEY_LOCAL_MACHINE, Path(kMachinePower, ""), L"LastID"));
+    EXPECT_EQ(TextBytes("18"), ReadValue(HKEY_LOCAL_MACHINE, kMachinePower, L"LastID"));
 
     // Numbers order the walk, not the texts of the registry keys.
     UINT nine = 9;
     wchar_t nineName[] = L"Nine";
     ASSERT_TRUE(WritePwrScheme(&nine, nineName, nullptr, &policy));
-    WriteValue(HKEY_CURRENT_USER, Path(kUserSchemes, "\\no number"), L"Name", REG_SZ, TextBytes("x"));
+    WriteValue(HKEY_CURRENT_USER, kUserPower + "\\PowerPolicies\\no number", L"Name", REG_SZ, TextBytes("x"));
     const Walk walk = Enumerate();
     EXPECT_EQ((std::vector<UINT>{0, 1, 2, 3, 4, 5, 9, 17, 18}), Numbers(walk));
     EXPECT_EQ("Nine", walk.seen[6].name);
@@ -208,17 +185,13 @@ TEST_F(SchemesTest, TheCallbackEndsTheWalk)
 
 TEST_F(SchemesTest, DeletionSparesTheActiveScheme)
 {
-    struct Row
-    {
-        UINT scheme;
-        DWORD error;
-    };
-    for (const Row& row :
-         {Row{1, ERROR_ACCESS_DENIED}, Row{6, ERROR_FILE_NOT_FOUND}, Row{0xFFFFFFFFu, ERROR_FILE_NOT_FOUND}})
+    const std::pair<UINT, DWORD> rows[] = {
+        {1, ERROR_ACCESS_DENIED}, {6, ERROR_FILE_NOT_FOUND}, {0xFFFFFFFFu, ERROR_FILE_NOT_FOUND}};
+    for (const auto& [scheme, error] : rows)
     {
         SetLastError(0);
-        EXPECT_FALSE(DeletePwrScheme(row.scheme));
-        EXPECT_EQ(row.error, GetLastError());
+        EXPECT_FALSE(DeletePwrScheme(scheme));
+        EXPECT_EQ(error, GetLastError());
     }
     EXPECT_EQ(6u, Enumerate().seen.size());
 
@@ -236,8 +209,7 @@ TEST_F(SchemesTest, DeletionSparesTheActiveScheme)
 TEST_F(SchemesTest, OnlyASchemeThatExistsBecomesActive)
 {
     ASSERT_TRUE(SetActivePwrScheme(4, nullptr, nullptr));
-    EXPECT_EQ(TextBytes("4"),
-              ReadValue(HKEY_CURRENT_USER, Path(L"Control Panel\\PowerCfg", ""), L"CurrentPowerPolicy"));
+    EXPECT_EQ(TextBytes("4"), ReadValue(HKEY_CURRENT_USER, kUserPower, L"CurrentPowerPolicy"));
     SetLastError(0);
     EXPECT_FALSE(SetActivePwrScheme(6, nullptr, nullptr));
     EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, GetLastError());
@@ -261,10 +233,10 @@ TEST_F(SchemesTest, NullRecordsAreRefused)
 // A store that something else has damaged is told as such and gives nothing half read.
 TEST_F(SchemesTest, ADamagedStoreIsRefused)
 {
-    const std::vector<BYTE> shortRecord(79, 0xAA);
-    const std::vector<BYTE> longRecord(65, 0xAA);
-    WriteValue(HKEY_CURRENT_USER, UserKey(0), L"Policies", REG_BINARY, shortRecord);
-    WriteValue(HKEY_LOCAL_MACHINE, MachineKey("PowerPolicies", 2), L"Policies", REG_BINARY, longRecord);
+    const std::vector<BYTE> tooShort(79, 0xAA);
+    const std::vector<BYTE> tooLong(65, 0xAA);
+    WriteValue(HKEY_CURRENT_USER, UserKey(0), L"Policies", REG_BINARY, tooShort);
+    WriteValue(HKEY_LOCAL_MACHINE, MachineKey("PowerPolicies", 2), L"Policies", REG_BINARY, tooLong);
     for (const UINT scheme : {0u, 2u})
     {
         POWER_POLICY policy;
@@ -279,8 +251,7 @@ TEST_F(SchemesTest, ADamagedStoreIsRefused)
 
     for (const char* text : {"", "x", "3x", "-1", "4294967296"})
     {
-        WriteValue(HKEY_CURRENT_USER, Path(L"Control Panel\\PowerCfg", ""), L"CurrentPowerPolicy", REG_SZ,
-                   TextBytes(text));
+        WriteValue(HKEY_CURRENT_USER, kUserPower, L"CurrentPowerPolicy", REG_SZ, TextBytes(text));
         UINT scheme = 77;
         EXPECT_FALSE(GetActivePwrScheme(&scheme)) << text;
         EXPECT_EQ(77u, scheme);
@@ -295,8 +266,10 @@ TEST_F(SchemesTest, TheGlobalPolicyIsWrittenToBothItsPlaces)
     policy.user.LidCloseAc.Action = PowerActionNone;
     policy.mach.BroadcastCapacityResolution = 50;
     ASSERT_TRUE(Find<decltype(WriteGlobalPwrPolicy)>("WriteGlobalPwrPolicy")(&policy));
+    EXPECT_EQ(BytesOf(policy.user),
+              ReadValue(HKEY_CURRENT_USER, kUserPower + "\\GlobalPowerPolicy", L"Policies"));
     EXPECT_EQ(BytesOf(policy.mach),
-              ReadValue(HKEY_LOCAL_MACHINE, Path(kMachinePower, "\\GlobalPowerPolicy"), L"Policies"));
+              ReadValue(HKEY_LOCAL_MACHINE, kMachinePower + "\\GlobalPowerPolicy", L"Policies"));
     GLOBAL_POWER_POLICY again{};
     ASSERT_TRUE(Find<decltype(ReadGlobalPwrPolicy)>("ReadGlobalPwrPolicy")(&again));
     EXPECT_EQ(BytesOf(policy), BytesOf(again));

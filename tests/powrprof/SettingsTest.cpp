@@ -4,6 +4,9 @@
 
 #include "Support.h"
 
+#include <tuple>
+#include <utility>
+
 namespace
 {
 
@@ -14,7 +17,7 @@ constexpr GUID kPowerSaver = {0xA1841308, 0x3541, 0x4FAB, {0xBC, 0x81, 0xF7, 0x1
 constexpr GUID kUnknown = {0x11111111, 0x2222, 0x3333, {1, 2, 3, 4, 5, 6, 7, 8}};
 constexpr GUID kVideo = {0x7516B95F, 0xF776, 0x4464, {0x8C, 0x53, 0x06, 0x16, 0x7F, 0x40, 0xCC, 0x99}};
 constexpr GUID kVideoOff = {0x3C0BC021, 0xC8A8, 0x4E07, {0xA9, 0x73, 0x6B, 0x14, 0xCB, 0xCB, 0x2B, 0x7E}};
-constexpr const wchar_t* kSchemes = L"SYSTEM\\CurrentControlSet\\Control\\Power\\User\\PowerSchemes";
+const std::string kSchemes = "SYSTEM\\CurrentControlSet\\Control\\Power\\User\\PowerSchemes";
 
 using GetActive = DWORD WINAPI(HKEY, GUID**);
 using OfScheme = DWORD WINAPI(HKEY, const GUID*);
@@ -24,13 +27,15 @@ using ReadIndex = DWORD WINAPI(HKEY, const GUID*, const GUID*, const GUID*, LPDW
 using WriteIndex = DWORD WINAPI(HKEY, const GUID*, const GUID*, const GUID*, DWORD);
 using Duplicate = DWORD WINAPI(HKEY, const GUID*, GUID**);
 
+using Times = std::pair<DWORD, DWORD>;
+
 class SettingsTest : public FreshStore
 {
 protected:
     static bool IsActive(const GUID& scheme)
     {
         GUID* active = nullptr;
-        EXPECT_EQ(DWORD{ERROR_SUCCESS}, Find<GetActive>("PowerGetActiveScheme")(nullptr, &active));
+        EXPECT_EQ(kDone, Find<GetActive>("PowerGetActiveScheme")(nullptr, &active));
         const bool same = active != nullptr && BytesOf(*active) == BytesOf(scheme);
         LocalFree(active);
         return same;
@@ -47,15 +52,20 @@ protected:
     }
 
     /// The value on mains and the one on battery of "turn off display".
-    static std::pair<DWORD, DWORD> VideoOff(const GUID& scheme)
+    static Times VideoOff(const GUID& scheme)
     {
         DWORD mains = 0xAAAA;
         DWORD battery = 0xAAAA;
-        EXPECT_EQ(DWORD{ERROR_SUCCESS},
-                  Find<ReadIndex>("PowerReadACValueIndex")(nullptr, &scheme, &kVideo, &kVideoOff, &mains));
-        EXPECT_EQ(DWORD{ERROR_SUCCESS},
-                  Find<ReadIndex>("PowerReadDCValueIndex")(nullptr, &scheme, &kVideo, &kVideoOff, &battery));
+        const auto readMains = Find<ReadIndex>("PowerReadACValueIndex");
+        const auto readBattery = Find<ReadIndex>("PowerReadDCValueIndex");
+        EXPECT_EQ(kDone, readMains(nullptr, &scheme, &kVideo, &kVideoOff, &mains));
+        EXPECT_EQ(kDone, readBattery(nullptr, &scheme, &kVideo, &kVideoOff, &battery));
         return {mains, battery};
+    }
+
+    static DWORD SetVideoOff(const char* function, const GUID& scheme, DWORD value)
+    {
+        return Find<WriteIndex>(function)(nullptr, &scheme, &kVideo, &kVideoOff, value);
     }
 };
 
@@ -67,15 +77,15 @@ TEST_F(SettingsTest, AFreshMachineHasTheThreeStandardSchemes)
     EXPECT_EQ("Power saver", NameOf(kPowerSaver));
     EXPECT_EQ("Display", NameOf(kBalanced, &kVideo));
     EXPECT_EQ("Turn off display after", NameOf(kBalanced, &kVideo, &kVideoOff));
-    EXPECT_EQ((std::pair<DWORD, DWORD>(1200, 300)), VideoOff(kBalanced));
-    EXPECT_EQ((std::pair<DWORD, DWORD>(1200, 180)), VideoOff(kPowerSaver));
+    EXPECT_EQ(Times(1200, 300), VideoOff(kBalanced));
+    EXPECT_EQ(Times(1200, 180), VideoOff(kPowerSaver));
 }
 
 TEST_F(SettingsTest, TheExistenceOfASchemeIsSeenByItsName)
 {
     const auto readName = Find<ReadName>("PowerReadFriendlyName");
     DWORD size = 0;
-    EXPECT_EQ(DWORD{ERROR_SUCCESS}, readName(nullptr, &kBalanced, nullptr, nullptr, nullptr, &size));
+    EXPECT_EQ(kDone, readName(nullptr, &kBalanced, nullptr, nullptr, nullptr, &size));
     EXPECT_EQ(9 * sizeof(wchar_t), size);
 
     UCHAR buffer[64] = {0x77};
@@ -95,44 +105,36 @@ TEST_F(SettingsTest, TheExistenceOfASchemeIsSeenByItsName)
 
 TEST_F(SettingsTest, TheTwoPowerSourcesAreStoredApart)
 {
-    EXPECT_EQ(DWORD{ERROR_SUCCESS},
-              Find<WriteIndex>("PowerWriteACValueIndex")(nullptr, &kBalanced, &kVideo, &kVideoOff, 60));
-    EXPECT_EQ((std::pair<DWORD, DWORD>(60, 300)), VideoOff(kBalanced));
-    EXPECT_EQ(DWORD{ERROR_SUCCESS}, Find<WriteIndex>("PowerWriteDCValueIndex")(nullptr, &kBalanced, &kVideo,
-                                                                               &kVideoOff, 0xFFFFFFFF));
-    EXPECT_EQ((std::pair<DWORD, DWORD>(60, 0xFFFFFFFF)), VideoOff(kBalanced));
-    EXPECT_EQ((std::pair<DWORD, DWORD>(1200, 1200)), VideoOff(kHighPerformance));
+    EXPECT_EQ(kDone, SetVideoOff("PowerWriteACValueIndex", kBalanced, 60));
+    EXPECT_EQ(Times(60, 300), VideoOff(kBalanced));
+    EXPECT_EQ(kDone, SetVideoOff("PowerWriteDCValueIndex", kBalanced, 0xFFFFFFFF));
+    EXPECT_EQ(Times(60, 0xFFFFFFFF), VideoOff(kBalanced));
+    EXPECT_EQ(Times(1200, 1200), VideoOff(kHighPerformance));
 
     const std::string key = "\\381b4222-f694-41f0-9685-ff5bb260df2e\\7516b95f-f776-4464-8c53-06167f40cc99"
                             "\\3c0bc021-c8a8-4e07-a973-6b14cbcb2b7e";
     EXPECT_EQ((std::vector<BYTE>{60, 0, 0, 0}),
-              ReadValue(HKEY_LOCAL_MACHINE, Path(kSchemes, key), L"ACSettingIndex"));
+              ReadValue(HKEY_LOCAL_MACHINE, kSchemes + key, L"ACSettingIndex"));
 }
 
 TEST_F(SettingsTest, WhatIsUnknownIsRefused)
 {
-    struct Row
-    {
-        const GUID* scheme;
-        const GUID* subGroup;
-        const GUID* setting;
-        DWORD error;
-    };
-    const Row rows[] = {{&kUnknown, &kVideo, &kVideoOff, ERROR_FILE_NOT_FOUND},
-                        {&kBalanced, &kUnknown, &kVideoOff, ERROR_FILE_NOT_FOUND},
-                        {&kBalanced, &kVideo, &kUnknown, ERROR_FILE_NOT_FOUND},
-                        {&kBalanced, &kVideo, nullptr, ERROR_INVALID_PARAMETER},
-                        {&kBalanced, nullptr, &kVideoOff, ERROR_INVALID_PARAMETER},
-                        {nullptr, &kVideo, &kVideoOff, ERROR_INVALID_PARAMETER}};
-    for (const Row& row : rows)
+    const std::tuple<const GUID*, const GUID*, const GUID*, DWORD> rows[] = {
+        {&kUnknown, &kVideo, &kVideoOff, ERROR_FILE_NOT_FOUND},
+        {&kBalanced, &kUnknown, &kVideoOff, ERROR_FILE_NOT_FOUND},
+        {&kBalanced, &kVideo, &kUnknown, ERROR_FILE_NOT_FOUND},
+        {&kBalanced, &kVideo, nullptr, ERROR_INVALID_PARAMETER},
+        {&kBalanced, nullptr, &kVideoOff, ERROR_INVALID_PARAMETER},
+        {nullptr, &kVideo, &kVideoOff, ERROR_INVALID_PARAMETER}};
+    const auto read = Find<ReadIndex>("PowerReadDCValueIndex");
+    const auto write = Find<WriteIndex>("PowerWriteACValueIndex");
+    for (const auto& [scheme, subGroup, setting, error] : rows)
     {
         DWORD value = 0;
-        EXPECT_EQ(row.error, Find<ReadIndex>("PowerReadDCValueIndex")(nullptr, row.scheme, row.subGroup,
-                                                                      row.setting, &value));
-        EXPECT_EQ(row.error, Find<WriteIndex>("PowerWriteACValueIndex")(nullptr, row.scheme, row.subGroup,
-                                                                        row.setting, 1));
+        EXPECT_EQ(error, read(nullptr, scheme, subGroup, setting, &value));
+        EXPECT_EQ(error, write(nullptr, scheme, subGroup, setting, 1));
     }
-    EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, Path(kSchemes, "\\11111111-2222-3333-0102-030405060708")));
+    EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, kSchemes + "\\11111111-2222-3333-0102-030405060708"));
 }
 
 TEST_F(SettingsTest, ADeletedSchemeIsGoneWithItsSettings)
@@ -144,11 +146,11 @@ TEST_F(SettingsTest, ADeletedSchemeIsGoneWithItsSettings)
     EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, activate(nullptr, &kUnknown));
     EXPECT_TRUE(IsActive(kBalanced));
 
-    EXPECT_EQ(DWORD{ERROR_SUCCESS}, activate(nullptr, &kPowerSaver));
+    EXPECT_EQ(kDone, activate(nullptr, &kPowerSaver));
     EXPECT_TRUE(IsActive(kPowerSaver));
-    EXPECT_EQ(DWORD{ERROR_SUCCESS}, remove(nullptr, &kBalanced));
+    EXPECT_EQ(kDone, remove(nullptr, &kBalanced));
     EXPECT_EQ("error 2", NameOf(kBalanced));
-    EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, Path(kSchemes, "\\381b4222-f694-41f0-9685-ff5bb260df2e")));
+    EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, kSchemes + "\\381b4222-f694-41f0-9685-ff5bb260df2e"));
 }
 
 TEST_F(SettingsTest, ACopyIsWholeAndStandsForItself)
@@ -156,25 +158,23 @@ TEST_F(SettingsTest, ACopyIsWholeAndStandsForItself)
     const auto duplicate = Find<Duplicate>("PowerDuplicateScheme");
     GUID* first = nullptr;
     GUID* second = nullptr;
-    ASSERT_EQ(DWORD{ERROR_SUCCESS}, duplicate(nullptr, &kPowerSaver, &first));
-    ASSERT_EQ(DWORD{ERROR_SUCCESS}, duplicate(nullptr, &kPowerSaver, &second));
+    ASSERT_EQ(kDone, duplicate(nullptr, &kPowerSaver, &first));
+    ASSERT_EQ(kDone, duplicate(nullptr, &kPowerSaver, &second));
     EXPECT_NE(BytesOf(*first), BytesOf(*second));
     EXPECT_EQ("Power saver", NameOf(*first));
-    EXPECT_EQ((std::pair<DWORD, DWORD>(1200, 180)), VideoOff(*first));
+    EXPECT_EQ(Times(1200, 180), VideoOff(*first));
 
     wchar_t name[] = L"Mine";
-    EXPECT_EQ(DWORD{ERROR_SUCCESS},
-              Find<WriteName>("PowerWriteFriendlyName")(nullptr, first, nullptr, nullptr,
-                                                        reinterpret_cast<PUCHAR>(name), sizeof name));
-    EXPECT_EQ(DWORD{ERROR_SUCCESS},
-              Find<WriteIndex>("PowerWriteDCValueIndex")(nullptr, first, &kVideo, &kVideoOff, 240));
+    const auto rename = Find<WriteName>("PowerWriteFriendlyName");
+    EXPECT_EQ(kDone, rename(nullptr, first, nullptr, nullptr, reinterpret_cast<PUCHAR>(name), sizeof name));
+    EXPECT_EQ(kDone, SetVideoOff("PowerWriteDCValueIndex", *first, 240));
     EXPECT_EQ("Mine", NameOf(*first));
     EXPECT_EQ("Power saver", NameOf(kPowerSaver));
-    EXPECT_EQ((std::pair<DWORD, DWORD>(1200, 180)), VideoOff(kPowerSaver));
+    EXPECT_EQ(Times(1200, 180), VideoOff(kPowerSaver));
 
     GUID chosen = kUnknown;
     GUID* target = &chosen;
-    EXPECT_EQ(DWORD{ERROR_SUCCESS}, duplicate(nullptr, first, &target));
+    EXPECT_EQ(kDone, duplicate(nullptr, first, &target));
     EXPECT_EQ("Mine", NameOf(kUnknown));
     EXPECT_EQ(DWORD{ERROR_ALREADY_EXISTS}, duplicate(nullptr, first, &target));
     LocalFree(first);

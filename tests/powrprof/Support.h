@@ -5,6 +5,7 @@
 #pragma once
 
 #include "FreshStore.h"
+#include "support/WideText.h"
 
 #include <windows.h>
 
@@ -15,33 +16,13 @@
 #include <type_traits>
 #include <vector>
 
-inline constexpr const wchar_t* kUserSchemes = L"Control Panel\\PowerCfg\\PowerPolicies";
-inline constexpr const wchar_t* kMachinePower =
-    L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg";
+/// Below the user's key and below the machine's.
+inline const std::string kUserPower = "Control Panel\\PowerCfg";
+inline const std::string kMachinePower =
+    "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg";
 
-/// ASCII text as a narrow string, so that a failing comparison can show it.
-inline std::string Narrow(const wchar_t* text)
-{
-    std::string narrow;
-    for (; *text != 0; ++text)
-    {
-        narrow.push_back(*text < 0x80 ? static_cast<char>(*text) : '?');
-    }
-    return narrow;
-}
-
-inline std::vector<wchar_t> Wide(const std::string& text)
-{
-    std::vector<wchar_t> wide(text.begin(), text.end());
-    wide.push_back(0);
-    return wide;
-}
-
-/// A registry path from a wide prefix and ASCII parts.
-inline std::vector<wchar_t> Path(const wchar_t* prefix, const std::string& rest)
-{
-    return Wide(Narrow(prefix) + rest);
-}
+/// What the functions that answer a number answer for success.
+inline constexpr DWORD kDone = ERROR_SUCCESS;
 
 template <class Record>
 std::vector<BYTE> BytesOf(const Record& record)
@@ -51,10 +32,10 @@ std::vector<BYTE> BytesOf(const Record& record)
 }
 
 /// The bytes of a registry value; empty when it is missing.
-inline std::vector<BYTE> ReadValue(HKEY root, const std::vector<wchar_t>& path, const wchar_t* name)
+inline std::vector<BYTE> ReadValue(HKEY root, const std::string& path, const wchar_t* name)
 {
     HKEY key = nullptr;
-    if (RegOpenKeyExW(root, path.data(), 0, KEY_READ, &key) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(root, Wide(path).data(), 0, KEY_READ, &key) != ERROR_SUCCESS)
     {
         return {};
     }
@@ -65,11 +46,12 @@ inline std::vector<BYTE> ReadValue(HKEY root, const std::vector<wchar_t>& path, 
     return error == ERROR_SUCCESS ? std::vector<BYTE>(data, data + size) : std::vector<BYTE>();
 }
 
-inline LSTATUS WriteValue(HKEY root, const std::vector<wchar_t>& path, const wchar_t* name, DWORD type,
+inline LSTATUS WriteValue(HKEY root, const std::string& path, const wchar_t* name, DWORD type,
                           const std::vector<BYTE>& data)
 {
     HKEY key = nullptr;
-    LSTATUS error = RegCreateKeyExW(root, path.data(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
+    LSTATUS error =
+        RegCreateKeyExW(root, Wide(path).data(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr);
     if (error == ERROR_SUCCESS)
     {
         error = RegSetValueExW(key, name, 0, type, data.data(), static_cast<DWORD>(data.size()));
@@ -78,15 +60,11 @@ inline LSTATUS WriteValue(HKEY root, const std::vector<wchar_t>& path, const wch
     return error;
 }
 
-inline bool KeyExists(HKEY root, const std::vector<wchar_t>& path)
+inline bool KeyExists(HKEY root, const std::string& path)
 {
     HKEY key = nullptr;
-    const bool exists = RegOpenKeyExW(root, path.data(), 0, KEY_READ, &key) == ERROR_SUCCESS;
-    if (exists)
-    {
-        RegCloseKey(key);
-    }
-    return exists;
+    return RegOpenKeyExW(root, Wide(path).data(), 0, KEY_READ, &key) == ERROR_SUCCESS &&
+           RegCloseKey(key) == ERROR_SUCCESS;
 }
 
 inline std::vector<BYTE> TextBytes(const std::string& text)
@@ -96,15 +74,10 @@ inline std::vector<BYTE> TextBytes(const std::string& text)
     return {begin, begin + wide.size() * sizeof(wchar_t)};
 }
 
-inline HMODULE PowerModule()
-{
-    return LoadLibraryW(L"powrprof.dll");
-}
-
 /// A function of the power manager found at run time, as a program does that also runs on version 5.
 template <class Function>
 Function* Find(const char* name)
 {
-    const FARPROC found = GetProcAddress(PowerModule(), name);
+    const FARPROC found = GetProcAddress(LoadLibraryW(L"powrprof.dll"), name);
     return reinterpret_cast<Function*>(reinterpret_cast<void (*)()>(found));
 }
