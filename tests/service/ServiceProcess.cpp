@@ -4,44 +4,33 @@
 
 #include "service/ServiceProcess.h"
 
-#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace
 {
 
 constexpr int kPatience = 10000;
 
-/// This process's environment with the notebook in it. The service keeps real time, like any process that
-/// nobody hurries.
-std::vector<std::string> EnvironmentFor(const std::string& notebook)
+/// Becomes the service on a notebook. It keeps real time, like any process that nobody hurries.
+bool Become(const std::string& notebook, const std::vector<std::string>& options, int input, int output)
 {
-    std::vector<std::string> environment = {"SIM_NOTEBOOK=" + notebook};
-    for (char** entry = environ; *entry != nullptr; ++entry)
+    dup2(input, STDIN_FILENO);
+    dup2(output, STDOUT_FILENO);
+    dup2(output, STDERR_FILENO);
+    for (const char* const name : {"SIM_ACCOUNT", "SIM_CLOCK", "SIM_DEBUG_OUTPUT", "SIM_FAULTS", "SIM_TRACE"})
     {
-        const std::string text = *entry;
-        if (text.rfind("SIM_", 0) != 0)
-        {
-            environment.push_back(text);
-        }
+        unsetenv(name);
     }
-    return environment;
-}
-
-std::vector<char*> Pointers(std::vector<std::string>& texts)
-{
-    std::vector<char*> pointers;
-    for (std::string& text : texts)
+    setenv("SIM_NOTEBOOK", notebook.c_str(), 1);
+    std::vector<char*> arguments = {const_cast<char*>(ORVLSERVICE)};
+    for (const std::string& option : options)
     {
-        pointers.push_back(text.data());
+        arguments.push_back(const_cast<char*>(option.c_str()));
     }
-    pointers.push_back(nullptr);
-    return pointers;
+    arguments.push_back(nullptr);
+    return execv(ORVLSERVICE, arguments.data()) == 0;
 }
 
 } // namespace
@@ -54,21 +43,8 @@ ServiceProcess::ServiceProcess(const std::string& notebook, const std::vector<st
     {
         return;
     }
-    std::vector<std::string> arguments = {ORVLSERVICE};
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    std::vector<std::string> environment = EnvironmentFor(notebook);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, input[0], 0);
-    posix_spawn_file_actions_adddup2(&actions, output[1], 1);
-    posix_spawn_file_actions_adddup2(&actions, output[1], 2);
-    if (posix_spawn(&m_process, ORVLSERVICE, &actions, nullptr, Pointers(arguments).data(),
-                    Pointers(environment).data()) != 0)
-    {
-        m_process = -1;
-    }
-    posix_spawn_file_actions_destroy(&actions);
+    m_process =
+        std::make_unique<ChildProcess>([&] { return Become(notebook, options, input[0], output[1]); });
     close(input[0]);
     close(output[1]);
     m_input = input[1];
@@ -77,11 +53,7 @@ ServiceProcess::ServiceProcess(const std::string& notebook, const std::vector<st
 
 ServiceProcess::~ServiceProcess()
 {
-    if (m_process != -1)
-    {
-        kill(m_process, SIGKILL);
-        waitpid(m_process, nullptr, 0);
-    }
+    m_process.reset();
     CloseInput();
     close(m_output);
 }
@@ -111,17 +83,9 @@ void ServiceProcess::CloseInput()
     }
 }
 
-void ServiceProcess::Signal(int number) const
-{
-    kill(m_process, number);
-}
-
 int ServiceProcess::ExitCode()
 {
     // What is printed until the end, so that a full pipe doesn't hold the service up.
     WaitFor("\x01 never printed");
-    int status = 0;
-    waitpid(m_process, &status, 0);
-    m_process = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return m_process->Await();
 }

@@ -3,10 +3,11 @@
 // The service as a real process on the test's notebook. It ends with the object, whatever the test did.
 #pragma once
 
+#include "support/ChildProcess.h"
+
+#include <memory>
 #include <string>
 #include <vector>
-
-#include <sys/types.h>
 
 class ServiceProcess
 {
@@ -27,7 +28,10 @@ public:
 
     /// Closes the pipe that feeds the service.
     void CloseInput();
-    void Signal(int number) const;
+    void Signal(int number) const
+    {
+        m_process->Signal(number);
+    }
 
     /// Waits for the end: the exit code, -1 for an end by a signal.
     int ExitCode();
@@ -38,7 +42,7 @@ public:
     }
 
 private:
-    pid_t m_process = -1;
+    std::unique_ptr<ChildProcess> m_process;
     int m_input = -1;
     int m_output = -1;
     std::string m_printed;

@@ -4,6 +4,7 @@
 
 #include "service/ServiceProcess.h"
 #include "support/NotebookTest.h"
+#include "support/WideText.h"
 
 #include "foundation/InterProcessBoard.h"
 #include "foundation/OrvlBase.h"
@@ -16,10 +17,10 @@
 #include <cfgmgr32.h>
 #include <setupapi.h>
 
+#include <algorithm>
 #include <chrono>
-#include <csignal>
-#include <cstring>
 #include <thread>
+#include <tuple>
 
 namespace
 {
@@ -99,36 +100,24 @@ TEST_F(ServiceTest, ASchemeIsStoredWithoutAListenerToo)
 
 TEST_F(ServiceTest, ItCanBeToldToMisbehave)
 {
-    struct Row
-    {
-        std::vector<std::string> options;
-        ULONG timeout;
-        LONG result;
-        int stored;
-        int leastMilliseconds;
-    };
-    const Row rows[] = {
+    // The options, the patience, the result, what is stored and how many milliseconds it takes at least.
+    const std::tuple<std::vector<std::string>, ULONG, LONG, int, int> rows[] = {
         {{"--refuse"}, kLongEnough, kGeneralFailure, -1, 0},
         {{"--silent"}, 300, kGeneralFailure, -1, 300},
         {{"--slow", "300"}, kLongEnough, 0, 5, 300},
         {{"--slow", "1000"}, 200, kGeneralFailure, 5, 200},
     };
-    for (const Row& row : rows)
+    for (const auto& [options, timeout, result, stored, least] : rows)
     {
-        SCOPED_TRACE(row.options.front());
+        SCOPED_TRACE(options.front());
         Recreate({});
-        ServiceProcess service(Folder(), row.options);
+        ServiceProcess service(Folder(), options);
         ASSERT_TRUE(service.IsServing());
         const auto begin = std::chrono::steady_clock::now();
-        EXPECT_EQ(row.result, Call(3, L"x", 5, row.timeout));
-        const auto passed = std::chrono::steady_clock::now() - begin;
-        EXPECT_GE(passed, std::chrono::milliseconds(row.leastMilliseconds));
-        EXPECT_TRUE(service.WaitFor("request 3"));
-        if (row.stored != -1)
-        {
-            EXPECT_TRUE(service.WaitFor("stored"));
-        }
-        EXPECT_EQ(row.stored, StoredScheme());
+        EXPECT_EQ(result, Call(3, L"x", 5, timeout));
+        EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(least));
+        EXPECT_TRUE(service.WaitFor(stored == -1 ? "request 3" : "stored"));
+        EXPECT_EQ(stored, StoredScheme());
     }
 }
 
@@ -137,27 +126,31 @@ TEST_F(ServiceTest, ADeviceIsSwitchedByItsInstanceId)
     ServiceProcess service(Folder(), {});
     ASSERT_TRUE(service.IsServing());
     const std::string adapter = Adapters::All().front();
-    std::vector<wchar_t> instanceId(adapter.begin(), adapter.end());
-    instanceId.push_back(0);
     ASSERT_EQ(0u, DeviceTree::StateOf(adapter).problem);
-    EXPECT_EQ(0, Call(2, instanceId.data(), DICS_DISABLE));
+    EXPECT_EQ(0, Call(2, Wide(adapter).data(), DICS_DISABLE));
     EXPECT_EQ(DWORD{CM_PROB_DISABLED}, DeviceTree::StateOf(adapter).problem);
-    EXPECT_EQ(0, Call(2, instanceId.data(), DICS_ENABLE));
+    EXPECT_EQ(0, Call(2, Wide(adapter).data(), DICS_ENABLE));
     EXPECT_EQ(0u, DeviceTree::StateOf(adapter).problem);
 
     EXPECT_EQ(kGeneralFailure, Call(2, L"ROOT\\NOTHING\\0000", DICS_DISABLE));
     EXPECT_TRUE(service.WaitFor("device change gave 0x80004005"));
 }
 
-/// A request as bytes on the board, past every check of the plug-in; the answer's header.
-IpbDataHeader Post(const std::vector<BYTE>& bytes)
+/// A request with the value 9 and any text on the board, past every check of the plug-in; the answer's
+/// header.
+IpbDataHeader Post(DWORD code, DWORD size, wchar_t fill)
 {
+    struct
+    {
+        IpbDataHeader header;
+        wchar_t text[(1024 - sizeof(IpbDataHeader)) / sizeof(wchar_t)];
+    } request = {{code, 9, size}, {}};
+    std::fill(std::begin(request.text), std::end(request.text), fill);
     CInterProcessBoard parameters;
     CInterProcessBoard results;
     EXPECT_EQ(0, parameters.Reset(L"ORVL_IPB_PARA", 1024, 0, 0));
     EXPECT_EQ(0, results.Reset(L"ORVL_IPB_RSLT", 1024, 0, 0));
-    std::vector<BYTE> copy = bytes;
-    EXPECT_EQ(0, parameters.Paste(0, copy.data(), static_cast<LONG>(copy.size())));
+    EXPECT_EQ(0, parameters.Paste(0, &request, static_cast<LONG>(sizeof request)));
     results.Flag(1);
     parameters.Flag(0);
     EXPECT_EQ(1, results.IsDataAvailble(kLongEnough));
@@ -166,29 +159,11 @@ IpbDataHeader Post(const std::vector<BYTE>& bytes)
     return answer;
 }
 
-std::vector<BYTE> RequestBytes(DWORD code, DWORD size, wchar_t fill)
-{
-    std::vector<BYTE> bytes(1024);
-    const IpbDataHeader header = {code, 9, size};
-    std::memcpy(bytes.data(), &header, sizeof header);
-    for (std::size_t offset = sizeof header; offset + sizeof fill <= bytes.size(); offset += sizeof fill)
-    {
-        std::memcpy(bytes.data() + offset, &fill, sizeof fill);
-    }
-    return bytes;
-}
-
 TEST_F(ServiceTest, MalformedRequestsGetAFailureNoticeAndHarmNothing)
 {
     ServiceProcess service(Folder(), {});
     ASSERT_TRUE(service.IsServing());
-    struct Row
-    {
-        DWORD code, size;
-        wchar_t fill;
-        LONG reason;
-    };
-    const Row rows[] = {
+    const std::tuple<DWORD, DWORD, wchar_t, LONG> rows[] = {
         {3, 0, 0, kBadArgument},          {3, 1, 0, kBadArgument},
         {3, 3, 0, kBadArgument},          {3, 1014, 0, kBadArgument},
         {3, 0xFFFFFFFF, 0, kBadArgument}, {3, 0x80000000, L'x', kBadArgument},
@@ -196,16 +171,16 @@ TEST_F(ServiceTest, MalformedRequestsGetAFailureNoticeAndHarmNothing)
         {2, 1012, 0xD800, kBadArgument},  {0, 2, 0, kNotSupported},
         {4, 2, 0, kNotSupported},         {0xFFFFFFFF, 1012, 0xFFFF, kNotSupported},
     };
-    for (const Row& row : rows)
+    for (const auto& [code, size, fill, reason] : rows)
     {
-        const IpbDataHeader answer = Post(RequestBytes(row.code, row.size, row.fill));
-        EXPECT_EQ(0u, answer.code) << row.code << ", " << row.size;
-        EXPECT_EQ(static_cast<DWORD>(row.reason), answer.value);
+        const IpbDataHeader answer = Post(code, size, fill);
+        EXPECT_EQ(0u, answer.code) << code << ", " << size;
+        EXPECT_EQ(static_cast<DWORD>(reason), answer.value);
     }
     EXPECT_EQ(-1, StoredScheme());
 
     // The longest text that fits.
-    EXPECT_EQ(1u, Post(RequestBytes(3, 1012, 0)).code);
+    EXPECT_EQ(1u, Post(3, 1012, 0).code);
     EXPECT_EQ(9, StoredScheme());
 }
 
@@ -233,51 +208,38 @@ TEST_F(ServiceTest, AKilledServiceLeavesRoomForTheNext)
 
 TEST_F(ServiceTest, ItEndsInEachOfItsWays)
 {
-    struct Row
-    {
-        const char* name;
-        std::vector<std::string> options;
-        void (*end)(ServiceProcess& service, const std::string& notebook);
-    };
-    const Row rows[] = {
-        {"stop",
-         {},
+    using End = void (*)(ServiceProcess & service, const std::string& notebook);
+    const std::pair<std::vector<std::string>, End> rows[] = {
+        {{},
          [](ServiceProcess&, const std::string& notebook)
          { EXPECT_EQ(0, ServiceProcess(notebook, {"--stop"}).ExitCode()); }},
-        {"closed input", {}, [](ServiceProcess& service, const std::string&) { service.CloseInput(); }},
-        {"Ctrl-C", {}, [](ServiceProcess& service, const std::string&) { service.Signal(SIGINT); }},
-        {"one request",
-         {"--once"},
-         [](ServiceProcess&, const std::string&) { EXPECT_EQ(0, Call(3, L"x", 3)); }},
+        {{}, [](ServiceProcess& service, const std::string&) { service.CloseInput(); }},
+        {{}, [](ServiceProcess& service, const std::string&) { service.Signal(SIGINT); }},
+        {{"--once"}, [](ServiceProcess&, const std::string&) { EXPECT_EQ(0, Call(3, L"x", 3)); }},
     };
-    for (const Row& row : rows)
+    for (const auto& [options, end] : rows)
     {
-        SCOPED_TRACE(row.name);
-        ServiceProcess service(Folder(), row.options);
+        ServiceProcess service(Folder(), options);
         ASSERT_TRUE(service.IsServing());
-        row.end(service, Folder());
+        end(service, Folder());
         EXPECT_EQ(0, service.ExitCode());
-        EXPECT_NE(std::string::npos, service.Printed().find("ended\n"));
+        EXPECT_TRUE(service.WaitFor("ended\n"));
         EXPECT_EQ(kGeneralFailure, Call(3, L"x", 1));
     }
 }
 
 TEST_F(ServiceTest, WhatItCannotDoItSays)
 {
-    struct Row
-    {
-        std::vector<std::string> options;
-        int exitCode;
-        const char* message;
+    const std::tuple<std::vector<std::string>, int, const char*> rows[] = {
+        {{"--stop"}, 1, "no service is running"}, {{"--what"}, 2, "unknown option --what"},
+        {{"--slow"}, 2, "--slow needs a number"}, {{"--slow", "-1"}, 2, "needs a number"},
+        {{"--slow", "1x"}, 2, "needs a number"},  {{"--help"}, 0, "--silent"},
     };
-    for (const Row& row :
-         {Row{{"--stop"}, 1, "no service is running"}, Row{{"--what"}, 2, "unknown option --what"},
-          Row{{"--slow"}, 2, "--slow needs a number"}, Row{{"--slow", "-1"}, 2, "needs a number"},
-          Row{{"--slow", "1x"}, 2, "needs a number"}, Row{{"--help"}, 0, "--silent"}})
+    for (const auto& [options, exitCode, message] : rows)
     {
-        ServiceProcess service(Folder(), row.options);
-        EXPECT_EQ(row.exitCode, service.ExitCode());
-        EXPECT_NE(std::string::npos, service.Printed().find(row.message)) << service.Printed();
+        ServiceProcess service(Folder(), options);
+        EXPECT_EQ(exitCode, service.ExitCode());
+        EXPECT_NE(std::string::npos, service.Printed().find(message)) << service.Printed();
     }
     ServiceProcess first(Folder(), {});
     ASSERT_TRUE(first.IsServing());
@@ -291,22 +253,16 @@ TEST_F(ServiceTest, TwoCallersAtOnceLeaveBothBoardsUsable)
 {
     ServiceProcess service(Folder(), {});
     ASSERT_TRUE(service.IsServing());
-    std::vector<std::thread> callers;
-    for (ULONG number = 0; number < 2; ++number)
+    const auto callOften = []
     {
-        callers.emplace_back(
-            [number]
-            {
-                for (int i = 0; i < 25; ++i)
-                {
-                    Call(3, L"x", number, 200);
-                }
-            });
-    }
-    for (std::thread& caller : callers)
-    {
-        caller.join();
-    }
+        for (int i = 0; i < 25; ++i)
+        {
+            Call(3, L"x", 1, 200);
+        }
+    };
+    std::thread other(callOften);
+    callOften();
+    other.join();
     EXPECT_EQ(0, Call(3, L"x", 6));
     EXPECT_EQ(6, StoredScheme());
 }

@@ -27,11 +27,16 @@ public:
         Kill();
     }
 
+    void Signal(int number) const
+    {
+        kill(m_process, number);
+    }
+
     void Kill()
     {
         if (m_process > 0)
         {
-            kill(m_process, SIGKILL);
+            Signal(SIGKILL);
             Await();
         }
     }
