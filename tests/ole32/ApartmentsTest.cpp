@@ -17,13 +17,17 @@ namespace
 using namespace simulated;
 using ApartmentsTest = NotebookTest;
 
-HRESULT TryToCreate()
+HRESULT Create(IUnknown** object, DWORD context = CLSCTX_SERVER)
 {
     CLSID classId = {};
     EXPECT_EQ(S_OK, CLSIDFromProgID(L"pixlink.panelbridge", &classId));
+    return CoCreateInstance(classId, nullptr, context, IID_IUnknown, reinterpret_cast<void**>(object));
+}
+
+HRESULT TryToCreate()
+{
     IUnknown* object = nullptr;
-    const HRESULT result =
-        CoCreateInstance(classId, nullptr, CLSCTX_SERVER, IID_IUnknown, reinterpret_cast<void**>(&object));
+    const HRESULT result = Create(&object);
     EXPECT_EQ(SUCCEEDED(result), object != nullptr);
     if (object != nullptr)
     {
@@ -77,10 +81,8 @@ TEST_F(ApartmentsTest, WhatThePlugInDoesNotUndoCountsAsHeld)
     CoInitializeEx(nullptr, 0);
     CoInitializeEx(nullptr, 0);
     EXPECT_EQ(2U, Leaks::Count());
-    CLSID classId = {};
-    CLSIDFromProgID(L"Pixlink.PanelBridge", &classId);
     IUnknown* object = nullptr;
-    CoCreateInstance(classId, nullptr, CLSCTX_SERVER, IID_IUnknown, reinterpret_cast<void**>(&object));
+    ASSERT_EQ(S_OK, Create(&object));
     EXPECT_EQ(2U, object->AddRef());
     EXPECT_EQ(1U, object->Release());
     EXPECT_EQ(3U, Leaks::Count()) << Leaks::Describe();
@@ -90,21 +92,20 @@ TEST_F(ApartmentsTest, WhatThePlugInDoesNotUndoCountsAsHeld)
     CoUninitialize();
     EXPECT_EQ(0U, Leaks::Count()) << Leaks::Describe();
     Faults::Inject("CoCreateInstance", 1, ERROR_ACCESS_DENIED);
-    EXPECT_EQ(E_ACCESSDENIED, CoCreateInstance(classId, nullptr, CLSCTX_SERVER, IID_IUnknown,
-                                               reinterpret_cast<void**>(&object)));
+    EXPECT_EQ(E_ACCESSDENIED, Create(&object));
     SetPlugInRange(nullptr, nullptr);
 }
 
 TEST_F(ApartmentsTest, ClassesThatAreNotInstalledAreUnknown)
 {
+    CoInitializeEx(nullptr, 0);
+    IUnknown* object = nullptr;
+    EXPECT_EQ(REGDB_E_CLASSNOTREG, Create(&object, CLSCTX_LOCAL_SERVER));
     CLSID classId = {};
     ASSERT_EQ(S_OK, CLSIDFromProgID(L"Pixlink.PanelBridge", &classId));
-    CoInitializeEx(nullptr, 0);
-    void* object = nullptr;
-    EXPECT_EQ(REGDB_E_CLASSNOTREG,
-              CoCreateInstance(classId, nullptr, CLSCTX_LOCAL_SERVER, IID_IUnknown, &object));
     Graphics::SetInstalled(false);
-    EXPECT_EQ(REGDB_E_CLASSNOTREG, CoCreateInstance(classId, nullptr, CLSCTX_SERVER, IID_IUnknown, &object));
+    EXPECT_EQ(REGDB_E_CLASSNOTREG, CoCreateInstance(classId, nullptr, CLSCTX_SERVER, IID_IUnknown,
+                                                    reinterpret_cast<void**>(&object)));
     EXPECT_EQ(CO_E_CLASSSTRING, CLSIDFromProgID(L"Pixlink.PanelBridge", &classId));
     CoUninitialize();
 }
