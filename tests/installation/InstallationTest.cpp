@@ -3,9 +3,9 @@
 // The reference files of an installation fit together, fit the plug-in's tables and fit a fresh machine.
 
 #include "support/NotebookTest.h"
+#include "support/WideText.h"
 
 #include "foundation/GuidText.h"
-#include "foundation/Text.h"
 #include "scheme/VariableTable.h"
 
 #include <powrprof.h>
@@ -18,17 +18,9 @@
 namespace
 {
 
-std::string Narrow(const wchar_t* text)
-{
-    return {text, text + text::Length(text)};
-}
-
-std::vector<wchar_t> Wide(const std::string& text)
-{
-    std::vector<wchar_t> wide(text.begin(), text.end());
-    wide.push_back(0);
-    return wide;
-}
+constexpr const char* kCatalogue = "PowerSetting.ini";
+constexpr const char* kSettings = "ORVLCfg.ini";
+constexpr const char* kChipsets = "SBXCfg.ini";
 
 class InstallationTest : public NotebookTest
 {
@@ -56,10 +48,10 @@ protected:
     static std::vector<int> Options(const std::string& variable)
     {
         std::vector<int> options;
-        const int count = Number("PowerSetting.ini", variable, "OptionNumber");
+        const int count = Number(kCatalogue, variable, "OptionNumber");
         for (int i = 0; i < count; ++i)
         {
-            options.push_back(Number("PowerSetting.ini", variable, "ValueOption" + std::to_string(i)));
+            options.push_back(Number(kCatalogue, variable, "ValueOption" + std::to_string(i)));
         }
         return options;
     }
@@ -74,7 +66,7 @@ protected:
     static GUID Guid(const std::string& variable, const std::string& key)
     {
         GUID guid{};
-        EXPECT_TRUE(ParseGuid(Wide(Text("PowerSetting.ini", variable, key)).data(), &guid));
+        EXPECT_TRUE(ParseGuid(Wide(Text(kCatalogue, variable, key)).data(), &guid));
         return guid;
     }
 };
@@ -93,10 +85,10 @@ TEST_F(InstallationTest, TheCatalogueDescribesEachVariable)
         {
             // Half of a packed value holds 16 bits.
             EXPECT_TRUE(options[i] >= 0 && options[i] < 0xFFFF);
-            EXPECT_NE("", Text("PowerSetting.ini", name, "DescOption" + std::to_string(i)));
+            EXPECT_NE("", Text(kCatalogue, name, "DescOption" + std::to_string(i)));
         }
-        EXPECT_NE("", Text("PowerSetting.ini", name, "Unit"));
-        EXPECT_EQ(number < kFirstUsbPort, Text("PowerSetting.ini", name, "Name") != "");
+        EXPECT_NE("", Text(kCatalogue, name, "Unit"));
+        EXPECT_EQ(number < kFirstUsbPort, Text(kCatalogue, name, "Name") != "");
     }
 }
 
@@ -111,7 +103,7 @@ TEST_F(InstallationTest, EachSettingOfTheSystemIsOneThatAFreshMachineKnows)
         SCOPED_TRACE(name);
         if (!HasSetting(VariableOf(number)))
         {
-            EXPECT_EQ("", Text("PowerSetting.ini", name, "Guid"));
+            EXPECT_EQ("", Text(kCatalogue, name, "Guid"));
             continue;
         }
         const GUID subGroup = Guid(name, "SubGroupGuid");
@@ -131,26 +123,22 @@ TEST_F(InstallationTest, TheOptionsCoverTheStandardSchemes)
         POWER_POLICY policy{};
         ASSERT_TRUE(ReadPwrScheme(scheme, &policy));
         const USER_POWER_POLICY& user = policy.user;
-        const MACHINE_POWER_POLICY& machine = policy.mach;
-        for (const ULONG time : {user.VideoTimeoutAc, user.VideoTimeoutDc})
+        const std::pair<const char*, ULONG> values[] = {
+            {"MonitorOffTimeOut", user.VideoTimeoutAc},
+            {"MonitorOffTimeOut", user.VideoTimeoutDc},
+            {"DiskOffTimeOut", user.SpindownTimeoutAc},
+            {"DiskOffTimeOut", user.SpindownTimeoutDc},
+            {"StandbyTimeOut", user.IdleTimeoutAc},
+            {"StandbyTimeOut", user.IdleTimeoutDc},
+            {"HibernateTimeOut", user.IdleTimeoutAc + policy.mach.DozeS4TimeoutAc},
+            {"HibernateTimeOut", user.IdleTimeoutDc + policy.mach.DozeS4TimeoutDc},
+            {"CpuAdaptive", user.ThrottlePolicyAc},
+            {"CpuAdaptive", user.ThrottlePolicyDc},
+        };
+        for (const auto& [variable, value] : values)
         {
-            EXPECT_TRUE(Offers("MonitorOffTimeOut", time)) << time;
+            EXPECT_TRUE(Offers(variable, value)) << variable << ' ' << value;
         }
-        for (const ULONG time : {user.SpindownTimeoutAc, user.SpindownTimeoutDc})
-        {
-            EXPECT_TRUE(Offers("DiskOffTimeOut", time)) << time;
-        }
-        for (const ULONG time : {user.IdleTimeoutAc, user.IdleTimeoutDc})
-        {
-            EXPECT_TRUE(Offers("StandbyTimeOut", time)) << time;
-        }
-        for (const ULONG time :
-             {user.IdleTimeoutAc + machine.DozeS4TimeoutAc, user.IdleTimeoutDc + machine.DozeS4TimeoutDc})
-        {
-            EXPECT_TRUE(Offers("HibernateTimeOut", time)) << time;
-        }
-        EXPECT_TRUE(Offers("CpuAdaptive", user.ThrottlePolicyAc) &&
-                    Offers("CpuAdaptive", user.ThrottlePolicyDc));
     }
     // The first hibernate time above a given one is the next one.
     std::vector<int> hibernate = Options("HibernateTimeOut");
@@ -159,59 +147,55 @@ TEST_F(InstallationTest, TheOptionsCoverTheStandardSchemes)
     EXPECT_TRUE(Offers("CpuSpeed", 0) && Offers("CpuSpeed", 50) && Offers("CpuSpeed", 75) &&
                 Offers("CpuSpeed", 100));
     const std::vector<int> levels = Options("BacklightLevel");
-    EXPECT_EQ(Number("ORVLCfg.ini", "ORVLCfg", "MaxBrightLevel"), static_cast<int>(levels.size()));
+    EXPECT_EQ(Number(kSettings, "ORVLCfg", "MaxBrightLevel"), static_cast<int>(levels.size()));
 }
 
 TEST_F(InstallationTest, TheBatteryItemsLieInTheirRecords)
 {
-    struct List
+    const std::pair<std::string, int> lists[] = {{"BEA", 16}, {"BA", 36}};
+    for (const auto& [prefix, recordSize] : lists)
     {
-        const char* prefix;
-        int recordSize;
-    };
-    for (const List& list : {List{"BEA", 16}, List{"BA", 36}})
-    {
-        const std::string prefix = list.prefix;
-        const int count = Number("ORVLCfg.ini", "BatteryInforList", prefix + "ItemNum");
+        const int count = Number(kSettings, "BatteryInforList", prefix + "ItemNum");
         EXPECT_GT(count, 0);
         for (int i = 0; i < count; ++i)
         {
             const std::string at = std::to_string(i);
-            const int start = Number("ORVLCfg.ini", "BatteryInforList", prefix + "Start" + at);
-            const int size = Number("ORVLCfg.ini", "BatteryInforList", prefix + "Size" + at);
-            EXPECT_NE("", Text("ORVLCfg.ini", "BatteryInforList", prefix + "Name" + at));
-            EXPECT_TRUE(start >= 0 && size > 0 && start + size <= list.recordSize) << prefix << at;
+            const int start = Number(kSettings, "BatteryInforList", prefix + "Start" + at);
+            const int size = Number(kSettings, "BatteryInforList", prefix + "Size" + at);
+            EXPECT_NE("", Text(kSettings, "BatteryInforList", prefix + "Name" + at));
+            EXPECT_TRUE(start >= 0 && size > 0 && start + size <= recordSize) << prefix << at;
         }
     }
 }
 
 TEST_F(InstallationTest, EachChipsetFunctionIsDescribedWhole)
 {
-    const int chipsets = Number("SBXCfg.ini", "Device Identifications", "SBXIdNumbers");
+    const int chipsets = Number(kChipsets, "Device Identifications", "SBXIdNumbers");
     ASSERT_GT(chipsets, 0);
     std::set<std::string> identities;
     for (int i = 0; i < chipsets; ++i)
     {
         const std::string section = "SBX Identification " + std::to_string(i);
-        EXPECT_EQ("PCIConfig", Text("SBXCfg.ini", section, "RegisterType"));
-        EXPECT_TRUE(identities.insert(Text("SBXCfg.ini", section, "Value")).second);
-        const std::string devices = Text("SBXCfg.ini", section, "Name") + " Devices";
-        const int count = Number("SBXCfg.ini", devices, "DeviceNumbers");
+        EXPECT_EQ("PCIConfig", Text(kChipsets, section, "RegisterType"));
+        EXPECT_TRUE(identities.insert(Text(kChipsets, section, "Value")).second);
+        const std::string devices = Text(kChipsets, section, "Name") + " Devices";
+        const int count = Number(kChipsets, devices, "DeviceNumbers");
         EXPECT_GT(count, 0) << devices;
-        EXPECT_EQ("", Text("SBXCfg.ini", devices, "Name" + std::to_string(count)));
+        EXPECT_EQ("", Text(kChipsets, devices, "Name" + std::to_string(count)));
         std::set<int> bits;
         for (int j = 0; j < count; ++j)
         {
-            const std::string name = Text("SBXCfg.ini", devices, "Name" + std::to_string(j));
+            const std::string name = Text(kChipsets, devices, "Name" + std::to_string(j));
             SCOPED_TRACE(name);
             EXPECT_NE(-1, FindVariable(Wide(name).data()));
-            EXPECT_EQ("Memory", Text("SBXCfg.ini", name, "RegisterType"));
-            EXPECT_EQ("0xF0", Text("SBXCfg.ini", name, "AddressOffset"));
-            EXPECT_EQ("0xFFFFC000", Text("SBXCfg.ini", name, "AddressMask"));
-            EXPECT_EQ("0x3418", Text("SBXCfg.ini", name, "ValueOffset"));
-            EXPECT_EQ(4, Number("SBXCfg.ini", name, "ValueSize"));
-            EXPECT_EQ(0, Number("SBXCfg.ini", name, "DisableType"));
-            const int bit = Number("SBXCfg.ini", name, "Bit");
+            const std::pair<const char*, const char*> fields[] = {
+                {"RegisterType", "Memory"}, {"AddressOffset", "0xF0"}, {"AddressMask", "0xFFFFC000"},
+                {"ValueOffset", "0x3418"},  {"ValueSize", "4"},        {"DisableType", "0"}};
+            for (const auto& [field, expected] : fields)
+            {
+                EXPECT_EQ(expected, Text(kChipsets, name, field)) << field;
+            }
+            const int bit = Number(kChipsets, name, "Bit");
             EXPECT_TRUE(bit >= 0 && bit < 32);
             // Two ports share a USB controller; nothing else shares a bit.
             EXPECT_TRUE(bits.insert(bit).second || name.rfind("USBPort", 0) == 0);

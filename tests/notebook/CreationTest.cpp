@@ -92,19 +92,6 @@ TEST_P(CreationTest, EachHiveHasWhatALogonLeaves)
     }
 }
 
-TEST_P(CreationTest, TheMachineKnowsItsInstallation)
-{
-    EXPECT_EQ("C:\\Program Files\\Kelvo\\ORVL\\Cfg\\",
-              RegistryEditor::ReadText("HKLM\\Software\\Kelvo\\ORVL", "CfgPath"));
-    for (const std::string key :
-         {"Software\\Kelvo\\ORVA", "Software\\Microsoft\\Windows\\CurrentVersion\\Run",
-          "Software\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg\\PowerPolicies\\5"})
-    {
-        EXPECT_TRUE(RegistryEditor::HasKey("HKLM\\" + key)) << key;
-    }
-    EXPECT_EQ(GetParam().major, LOBYTE(LOWORD(GetVersion())));
-}
-
 // Programs of the earlier generation find the later one's folders under the names that they know.
 TEST_P(CreationTest, EarlyNamesOfFoldersLeadToTheData)
 {
@@ -184,21 +171,6 @@ TEST_F(UsersTest, AUserIsRemovedWithAllThatIsHis)
     EXPECT_FALSE(RegistryEditor::HasKey(kProfileList + erin.sid));
     EXPECT_FALSE(Notebook::RemoveUser("erin"));
     EXPECT_FALSE(Notebook::RemoveUser("SYSTEM"));
-}
-
-TEST_F(UsersTest, TheSystemCanBecomeAnother)
-{
-    EXPECT_FALSE(Notebook::SetVersion(7, 7));
-    EXPECT_TRUE(Notebook::SetVersion(6, 1));
-    EXPECT_EQ(6, LOBYTE(LOWORD(GetVersion())));
-    EXPECT_TRUE(Notebook::SetCodePage(65001));
-    EXPECT_EQ(65001U, GetACP());
-    EXPECT_TRUE(Notebook::SetModule("shlwapi.dll", false));
-    EXPECT_EQ(nullptr, LoadLibraryW(L"Shlwapi.dll"));
-    EXPECT_TRUE(Notebook::SetModule("Shlwapi.dll", true));
-    const HMODULE library = LoadLibraryW(L"Shlwapi.dll");
-    EXPECT_NE(nullptr, library);
-    FreeLibrary(library);
 }
 
 } // namespace

@@ -56,6 +56,8 @@ TEST_F(GenerationsTest, AnAbsentLibraryLeavesWhatIsBoundAtLinkTime)
     EXPECT_EQ(nullptr, LoadLibraryW(L"PowrProf.dll"));
     POWER_POLICY policy{};
     EXPECT_TRUE(ReadPwrScheme(0, &policy));
+    ASSERT_TRUE(Notebook::SetModule("powrprof.dll", true));
+    EXPECT_NE(nullptr, LoadLibraryW(L"PowrProf.dll"));
 }
 
 // Names, user parts and the active scheme are each account's own; the machine's parts are everybody's.
