@@ -28,6 +28,24 @@ bool DozeUntil(LONG hibernateAt, LONG idle, bool ac, LONG& doze) noexcept
     return hibernateAt == 0;
 }
 
+// Chooses the action that the two times want. Without a standby time the machine hibernates straight away,
+// after the time that it would have slept.
+void ChooseAction(IdleState& state) noexcept
+{
+    if (state.idle != 0)
+    {
+        state.action = kSleep;
+    }
+    else if (state.doze != 0)
+    {
+        state = {state.doze, kHibernate, 0};
+    }
+    else
+    {
+        state.action = kNone;
+    }
+}
+
 } // namespace
 
 LONG StandbyTimeOf(const IdleState& state) noexcept
@@ -69,18 +87,7 @@ bool ChangeStandbyTime(IdleState& state, bool ac, LONG value, LaterHibernateTime
     {
         state.doze = WrappingDifference(hibernateAt, value);
     }
-    if (value != 0)
-    {
-        state.action = kSleep;
-    }
-    else if (state.doze != 0)
-    {
-        state = {state.doze, kHibernate, 0};
-    }
-    else
-    {
-        state.action = kNone;
-    }
+    ChooseAction(state);
     return true;
 }
 
@@ -95,17 +102,6 @@ bool ChangeHibernateTime(IdleState& state, bool ac, LONG value) noexcept
     {
         return false;
     }
-    if (state.idle != 0)
-    {
-        state.action = kSleep;
-    }
-    else if (state.doze != 0)
-    {
-        state = {state.doze, kHibernate, 0};
-    }
-    else
-    {
-        state.action = kNone;
-    }
+    ChooseAction(state);
     return true;
 }
