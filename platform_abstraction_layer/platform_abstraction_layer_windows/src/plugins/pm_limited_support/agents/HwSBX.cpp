@@ -27,8 +27,8 @@ public:
     FunctionRegister(const FunctionRegister&) = delete;
     FunctionRegister& operator=(const FunctionRegister&) = delete;
 
-    LONG Locate(const wchar_t* chipset, const wchar_t* name) noexcept;
-    LONG Read(ULONG& value) noexcept;
+    /// Finds the register of the function of that name and reads it.
+    LONG Open(const wchar_t* chipset, const wchar_t* name, ULONG& value) noexcept;
     LONG Write(ULONG value) noexcept;
 
     /// Unmaps the memory, where it is mapped.
@@ -44,6 +44,8 @@ public:
     }
 
 private:
+    LONG Locate(const wchar_t* chipset, const wchar_t* name) noexcept;
+    LONG Read(ULONG& value) noexcept;
     LONG FindAddress(CORVLCfg& file, const wchar_t* section) noexcept;
     ULONG Size() const noexcept
     {
@@ -56,6 +58,12 @@ private:
     ULONG m_address; ///< in configuration space, physical memory or I/O space
     void* m_mapping;
 };
+
+LONG CHwSBX::FunctionRegister::Open(const wchar_t* chipset, const wchar_t* name, ULONG& value) noexcept
+{
+    const LONG located = Locate(chipset, name);
+    return located < 0 ? located : Read(value);
+}
 
 LONG CHwSBX::FunctionRegister::Locate(const wchar_t* chipset, const wchar_t* name) noexcept
 {
@@ -220,13 +228,9 @@ LONG CHwSBX::FunctionDisable(const wchar_t* name, int disable) noexcept
 {
     FunctionRegister target(*this);
     ULONG value = 0;
-    if (const LONG located = target.Locate(m_szChipset, name); located < 0)
+    if (const LONG opened = target.Open(m_szChipset, name, value); opened < 0)
     {
-        return located;
-    }
-    if (const LONG read = target.Read(value); read < 0)
-    {
-        return read;
+        return opened;
     }
 
     // Each type clears the bit for one value of the request alone; what is neither 0 nor 1 never clears it.
@@ -246,13 +250,9 @@ LONG CHwSBX::GetFunctionDisable(const wchar_t* name, int* disabled) noexcept
     }
     FunctionRegister target(*this);
     ULONG value = 0;
-    if (const LONG located = target.Locate(m_szChipset, name); located < 0)
+    if (const LONG opened = target.Open(m_szChipset, name, value); opened < 0)
     {
-        return located;
-    }
-    if (const LONG read = target.Read(value); read < 0)
-    {
-        return read;
+        return opened;
     }
     const int bit = (value & target.Mask()) != 0 ? 1 : 0;
     *disabled = bit != target.DisableType() ? 1 : 0;
