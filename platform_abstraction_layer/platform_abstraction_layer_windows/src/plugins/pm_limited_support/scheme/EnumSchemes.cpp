@@ -7,7 +7,8 @@
 namespace
 {
 
-// What a walk wants of each scheme; false ends the walk. A context lives as long as the call.
+// What each kind of walk hands to its callback. It lives on the stack of the operation that walks.
+
 struct ClientWalk
 {
     PwrSchemeCallback callback;
@@ -72,10 +73,6 @@ BOOLEAN CALLBACK CopyTexts(UINT number, DWORD, LPWSTR name, DWORD, LPWSTR descri
                            LPARAM argument) noexcept
 {
     const TextRequest* request = ContextOf<TextRequest>(argument);
-    if (request == nullptr)
-    {
-        return FALSE;
-    }
     if (static_cast<int>(number) == request->index)
     {
         CopyText(request->name, request->nameCapacity, name);
