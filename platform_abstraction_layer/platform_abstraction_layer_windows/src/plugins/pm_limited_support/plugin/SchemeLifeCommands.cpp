@@ -21,9 +21,11 @@ namespace
 // The engine's percentage for each wire value of the processor's speed; 0 percent means adaptive.
 constexpr int kSpeedPercentages[] = {50, 75, 0, 100};
 
-// What `CLEAR_SCHEMES` is asked for.
+// What `CLEAR_SCHEMES` is asked for. The engine numbers the two the other way round.
 constexpr LONG kClearCurrentUser = 0;
 constexpr LONG kClearAll = 1;
+constexpr int kEngineClearsUser = 1;
+constexpr int kEngineClearsAll = 0;
 
 struct SchemeTexts
 {
@@ -157,14 +159,11 @@ LONG ClearSchemes(const Call& call) noexcept
     const auto selector = exchange::ReadPayload<LONG>(call.request);
     if (selector == kClearCurrentUser)
     {
-        CORVLBase::DBGOUT(L"enter ClearORV: ClearCurrentUserSettings");
-        call.engine.ClearCurrentUserSettings();
+        call.engine.ClearORV(kEngineClearsUser);
     }
     else if (selector == kClearAll)
     {
-        CORVLBase::DBGOUT(L"enter ClearORV: ClearAllUserSettings");
-        call.engine.ClearPwrSchemes();
-        call.engine.ClearCfgSettings();
+        call.engine.ClearORV(kEngineClearsAll);
     }
     exchange::WriteReplySize(call.request, 0);
     return TRX_OPERATION_OK;
