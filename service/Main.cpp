@@ -17,7 +17,7 @@ namespace
 
 using namespace service;
 
-/// Serves the request that rang. False when the board can't be reached any more.
+// Serves the request that rang. False when the board can't be reached any more.
 bool ServeOne(Boards& boards, const Options& options)
 {
     Request request;
@@ -50,7 +50,7 @@ bool ServeOne(Boards& boards, const Options& options)
     return true;
 }
 
-/// Until something ends the service. The process's exit code.
+// Until something ends the service. The process's exit code.
 int Serve(const Options& options)
 {
     StopSignal stop;

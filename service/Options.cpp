@@ -50,7 +50,7 @@ const Option* Find(const char* name)
     return nullptr;
 }
 
-/// True when `text` is a decimal number that fits and nothing else.
+// True when `text` is a decimal number that fits and nothing else.
 bool ParseNumber(const char* text, unsigned& number)
 {
     char* end = nullptr;

@@ -23,7 +23,7 @@ constexpr const wchar_t* kCompanionKey = L"Software\\Kelvo\\ORVA";
 constexpr const wchar_t* kCurrentScheme = L"CurrentPwrSchemeID";
 constexpr const wchar_t* kAppliedEvent = L"ApplySchemeEvent";
 
-/// The system's error number, 0 when the number of the scheme was stored.
+// The system's error number, 0 when the number of the scheme was stored.
 LSTATUS StoreScheme(DWORD scheme)
 {
     owners::Key key;
@@ -38,14 +38,14 @@ LSTATUS StoreScheme(DWORD scheme)
                           sizeof scheme);
 }
 
-/// True when a host listens and was told.
+// True when a host listens and was told.
 bool SignalApplied()
 {
     const owners::Handle event(OpenEventW(EVENT_MODIFY_STATE, FALSE, kAppliedEvent));
     return event && SetEvent(event.Get());
 }
 
-/// A scheme was applied: note its number where the plug-in looks for it, then wake the plug-in.
+// A scheme was applied: note its number where the plug-in looks for it, then wake the plug-in.
 Answer SchemeApplied(const Request& request)
 {
     if (const LSTATUS error = StoreScheme(request.value); error != ERROR_SUCCESS)
@@ -58,7 +58,7 @@ Answer SchemeApplied(const Request& request)
     return {kSuccess, 0};
 }
 
-/// The text is a device's instance id, the value the action: 1 enables, 2 disables.
+// The text is a device's instance id, the value the action: 1 enables, 2 disables.
 Answer ChangeDevice(const Request& request)
 {
     const LONG result = CDevMgr::ExecStateChange(request.text, request.value);

@@ -37,7 +37,7 @@ DWORD WINAPI WaitForEndOfInput(void*)
     return 0;
 }
 
-/// A pipe ends with the process that holds its other end. A console or the null device says nothing.
+// A pipe ends with the process that holds its other end. A console or the null device says nothing.
 bool IsFedByPipe()
 {
     struct stat input = {};

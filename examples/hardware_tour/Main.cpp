@@ -24,7 +24,7 @@ namespace
 
 constexpr int kTextCapacity = 260;
 
-/// Prints the state of a chipset function. True when it could be read.
+// Prints the state of a chipset function. True when it could be read.
 bool PrintFunction(CHwSBX& chipset, const wchar_t* name)
 {
     int disabled = 0;
@@ -90,8 +90,8 @@ bool TourGraphics()
     return first != -1 && graphics.GetEblLevel() == first;
 }
 
-/// Prints the managed devices and gives the number of the first one that runs, can be disabled, and has the
-/// description, if one is asked for; -1 when there is none.
+// Prints the managed devices and gives the number of the first one that runs, can be disabled, and has the
+// description, if one is asked for; -1 when there is none.
 LONG ListDevices(CDevMgr& devices, const wchar_t* wanted)
 {
     LONG chosen = -1;

@@ -45,7 +45,7 @@ std::optional<Account> ReadAccount(const std::string& name)
                    Machine::ReadNumber(section, "WellKnown", 0) != 0};
 }
 
-/// The account with its name as machine.ini spells it.
+// The account with its name as machine.ini spells it.
 std::optional<Account> FindSpelled(std::string_view name)
 {
     for (const std::string& section : Machine::Sections())

@@ -23,7 +23,7 @@ namespace
 
 constexpr const char* kClassKeys = "SYSTEM\\CurrentControlSet\\Control\\Class\\";
 
-/// Text that ends in a zero, as the registry functions take it.
+// Text that ends in a zero, as the registry functions take it.
 class WideText
 {
 public:
@@ -44,7 +44,7 @@ private:
     std::vector<wchar_t> m_units;
 };
 
-/// A key of the machine's hive, made when it isn't there.
+// A key of the machine's hive, made when it isn't there.
 class MachineKey
 {
 public:

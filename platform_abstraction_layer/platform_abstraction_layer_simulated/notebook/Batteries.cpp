@@ -48,7 +48,7 @@ ULONG PowerState(const PowerAnswers& power)
     return state | (flagsKnown && (power.status.BatteryFlag & BATTERY_FLAG_CRITICAL) ? BATTERY_CRITICAL : 0);
 }
 
-/// This battery's part of a figure that the power source gives for all.
+// This battery's part of a figure that the power source gives for all.
 ULONG ShareOf(ULONG whole, const std::string& instanceId, const PowerAnswers& power)
 {
     ULONGLONG all = 0;

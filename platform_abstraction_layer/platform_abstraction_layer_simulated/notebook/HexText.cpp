@@ -24,7 +24,7 @@ std::optional<std::uint64_t> Parse(std::string_view text, int base)
     return number;
 }
 
-/// Calls `take` with each word of `text`; false as soon as it refuses one.
+// Calls `take` with each word of `text`; false as soon as it refuses one.
 template <class Take>
 bool ForEachWord(std::string_view text, Take take)
 {

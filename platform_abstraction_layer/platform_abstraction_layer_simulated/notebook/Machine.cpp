@@ -28,7 +28,7 @@ constexpr const char* kNoNotebook = "/dev/null";
 constexpr const char* kServiceAccount = "SYSTEM";
 constexpr const char* kStateFile = "machine.ini";
 
-/// What tells one state of a file from another.
+// What tells one state of a file from another.
 struct FileState
 {
     std::string path;
@@ -51,7 +51,7 @@ struct Section
     std::map<std::string, std::string> values; ///< by folded key
 };
 
-/// machine.ini as it was read.
+// machine.ini as it was read.
 struct Content
 {
     std::vector<std::string> order;
@@ -135,7 +135,7 @@ const Section* Find(const Content& content, std::string_view name)
     return found == content.sections.end() ? nullptr : &found->second;
 }
 
-/// Lets `change` edit the document under the writers' lock; nothing is written when that leaves it as it was.
+// Lets `change` edit the document under the writers' lock; nothing is written when that leaves it as it was.
 template <class Change>
 bool Edit(Change change)
 {

@@ -55,7 +55,7 @@ const Version* FindVersion(DWORD major, DWORD minor)
     return found == std::end(kVersions) ? nullptr : found;
 }
 
-/// The system's own accounts; "%services%" is where their generation of Windows keeps their profiles.
+// The system's own accounts; "%services%" is where their generation of Windows keeps their profiles.
 struct ServiceAccount
 {
     const char* name;
@@ -73,7 +73,7 @@ DWORD MajorVersion()
     return static_cast<DWORD>(Machine::ReadNumber(kSection, "Major", kVersions[0].major));
 }
 
-/// The generation that the folders were made for.
+// The generation that the folders were made for.
 DWORD FoldersVersion()
 {
     return static_cast<DWORD>(Machine::ReadNumber(kSection, "FoldersOf", MajorVersion()));
@@ -84,7 +84,7 @@ std::string Replaced(const std::string& text, std::string_view begin, std::strin
     return text.starts_with(begin) ? std::string(with) + text.substr(begin.size()) : text;
 }
 
-/// A profile path as "ProfileList" has it.
+// A profile path as "ProfileList" has it.
 std::string Unexpanded(const std::string& profile)
 {
     return Replaced(Replaced(profile, "C:\\WINDOWS\\", "%systemroot%\\"), "C:\\", "%SystemDrive%\\");

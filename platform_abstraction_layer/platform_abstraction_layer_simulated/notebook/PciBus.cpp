@@ -61,13 +61,13 @@ Row ReadRow(const std::string& section, DWORD offset)
     return row;
 }
 
-/// Vendor and device, revision and class, header type.
+// Vendor and device, revision and class, header type.
 bool IsIdentification(DWORD offset)
 {
     return offset < 4 || (offset >= 8 && offset < 12) || offset == 14;
 }
 
-/// Calls `change` with each byte of configuration space from `offset` on and the byte that is meant for it.
+// Calls `change` with each byte of configuration space from `offset` on and the byte that is meant for it.
 template <class Change>
 void ChangeBytes(const PciAddress& address, DWORD offset, std::span<const BYTE> bytes, Change change)
 {

@@ -19,7 +19,7 @@ constexpr DWORD kChargeRate = 24000;
 constexpr DWORD kDischargeRate = 16000;
 constexpr DWORD kSecondsPerHour = 3600;
 
-/// The level flag of a charge, as Windows draws its lines.
+// The level flag of a charge, as Windows draws its lines.
 BYTE LevelFlag(DWORD percent) noexcept
 {
     constexpr DWORD kHighAbove = 66;
@@ -46,7 +46,7 @@ DWORD PercentOf(const SYSTEM_BATTERY_STATE& battery) noexcept
     return percent > 100 ? 100 : static_cast<DWORD>(percent);
 }
 
-/// What flows, given mains and charge.
+// What flows, given mains and charge.
 void SettleFlow(SYSTEM_BATTERY_STATE& battery) noexcept
 {
     const bool present = battery.BatteryPresent != FALSE;
@@ -57,7 +57,7 @@ void SettleFlow(SYSTEM_BATTERY_STATE& battery) noexcept
     battery.Rate = battery.Charging ? kChargeRate : battery.Discharging ? 0u - kDischargeRate : 0u;
 }
 
-/// The answers that follow from the battery's state.
+// The answers that follow from the battery's state.
 void SettleStatus(MachineAnswers& answers) noexcept
 {
     SYSTEM_BATTERY_STATE& battery = answers.battery;
@@ -83,7 +83,7 @@ void SettleStatus(MachineAnswers& answers) noexcept
     status.BatteryLifePercent = static_cast<BYTE>(percent);
 }
 
-/// Changes the battery's state, lets the rest follow and stores it.
+// Changes the battery's state, lets the rest follow and stores it.
 template <class Change>
 bool Update(Change change, bool settleFlow = true)
 {

@@ -23,7 +23,7 @@ std::string Section(unsigned core)
     return "Core " + std::to_string(core);
 }
 
-/// A register as a line of its core's section.
+// A register as a line of its core's section.
 std::pair<std::string, std::string> Line(DWORD index, std::uint64_t value)
 {
     return {ToHex(index, 3), ToHex(value, 16)};
@@ -36,7 +36,7 @@ constexpr unsigned kLowestRatioShift = 24;
 constexpr unsigned kHalf = 32;
 constexpr std::uint64_t kRatioMask = 0x1F;
 
-/// Performance status after `control` was written: it runs at the nearest ratio that it can.
+// Performance status after `control` was written: it runs at the nearest ratio that it can.
 std::uint64_t StatusAfter(std::uint64_t status, std::uint64_t control)
 {
     const std::uint64_t lowest = (status >> kLowestRatioShift) & kRatioMask;

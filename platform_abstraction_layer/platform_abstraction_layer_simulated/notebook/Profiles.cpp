@@ -28,7 +28,7 @@ constexpr Layout kLayouts[] = {
 
 constexpr std::string_view kExplorer = "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer";
 
-/// The other folders that a logon enters in "Shell Folders", inside a profile.
+// The other folders that a logon enters in "Shell Folders", inside a profile.
 struct ShellFolder
 {
     const char* value;

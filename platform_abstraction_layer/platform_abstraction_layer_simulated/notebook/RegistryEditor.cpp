@@ -29,7 +29,7 @@ const Root kRoots[] = {
     {"HKEY_CLASSES_ROOT", "HKCR", reinterpret_cast<std::uintptr_t>(HKEY_CLASSES_ROOT)},
 };
 
-/// Splits the root off a path.
+// Splits the root off a path.
 bool FindRoot(std::string_view& path, registry::Base& base)
 {
     const std::string_view name = path.substr(0, path.find('\\'));
@@ -49,7 +49,7 @@ registry::Base BaseOf(const std::shared_ptr<registry::Key>& key)
     return {registry::FolderOf(*key), key->Path(), key->Access(), key};
 }
 
-/// Opens a key, or makes it first.
+// Opens a key, or makes it first.
 std::optional<registry::Base> Find(std::string_view path, bool create)
 {
     registry::Base root;

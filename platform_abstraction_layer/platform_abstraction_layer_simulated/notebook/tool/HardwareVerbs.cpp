@@ -133,7 +133,7 @@ Outcome ChangeAdapters(const Request& request)
     return Outcome::Misused;
 }
 
-/// The device with an instance id, else the first whose description holds the text.
+// The device with an instance id, else the first whose description holds the text.
 std::optional<std::string> FindDevice(const std::string& text)
 {
     if (std::optional<std::string> device = DeviceTree::Find(text); device || text.empty())

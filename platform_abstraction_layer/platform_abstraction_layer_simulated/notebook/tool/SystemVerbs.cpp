@@ -24,7 +24,7 @@ namespace
 constexpr const char* kCompanionKey = "HKLM\\Software\\Kelvo\\ORVA";
 constexpr const wchar_t* kApplyEvent = L"ApplySchemeEvent";
 
-/// "6.1" or "6".
+// "6.1" or "6".
 bool ParseVersion(const std::string& text, unsigned& major, unsigned& minor)
 {
     const std::size_t dot = text.find('.');
@@ -112,7 +112,7 @@ Outcome ChangeUser(const Request& request)
     return Outcome::Misused;
 }
 
-/// Signals the event that the plug-in waits for; false when nobody has made it.
+// Signals the event that the plug-in waits for; false when nobody has made it.
 bool SignalApplied()
 {
     const HANDLE event = OpenEventW(EVENT_MODIFY_STATE, FALSE, kApplyEvent);

@@ -22,7 +22,7 @@ namespace simulated::registry
 namespace
 {
 
-/// What both functions ask of their caller: a subkey of HKEY_USERS, and both privileges.
+// What both functions ask of their caller: a subkey of HKEY_USERS, and both privileges.
 DWORD CheckCaller(HKEY key, LPCWSTR subKey)
 {
     Base base;
@@ -58,7 +58,7 @@ bool IsLoggedOn(const std::string& hive)
     return account && account->isLoggedOn;
 }
 
-/// True when a process has a key of the hive open.
+// True when a process has a key of the hive open.
 bool IsInUse(const std::string& hive)
 {
     const int folder = open(hives::FolderOf(hive).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

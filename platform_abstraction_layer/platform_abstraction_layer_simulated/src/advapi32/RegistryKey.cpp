@@ -62,13 +62,13 @@ const PredefinedKey* FindPredefined(HKEY handle) noexcept
     return found == std::end(kPredefinedKeys) ? nullptr : found;
 }
 
-/// The subkeys of these can only be hives.
+// The subkeys of these can only be hives.
 bool IsRootOfHives(const std::string& path)
 {
     return path == hives::UsersRoot() || path == hives::MachineRoot();
 }
 
-/// The link below HKEY_USERS that `path` leads through; empty for a path that leads through none.
+// The link below HKEY_USERS that `path` leads through; empty for a path that leads through none.
 std::string HiveLink(const std::string& path)
 {
     const std::string users = hives::UsersRoot() + '/';
@@ -80,8 +80,8 @@ int OpenFolder(const std::string& path)
     return open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
-/// The parts of a path as names of folders. ERROR_INVALID_PARAMETER for a name that can't be,
-/// ERROR_BAD_PATHNAME for a path that begins with a backslash.
+// The parts of a path as names of folders. ERROR_INVALID_PARAMETER for a name that can't be,
+// ERROR_BAD_PATHNAME for a path that begins with a backslash.
 DWORD FolderNames(std::string_view subKey, std::vector<std::string>& names)
 {
     if (subKey.starts_with('\\'))
@@ -110,7 +110,7 @@ std::string Joined(const std::vector<std::string>& names)
     return joined;
 }
 
-/// Corrects the spelling of as many leading names as exist, and answers how many these are.
+// Corrects the spelling of as many leading names as exist, and answers how many these are.
 std::size_t SpellAsCreated(std::string folder, std::vector<std::string>& names)
 {
     std::size_t existing = 0;
@@ -136,7 +136,7 @@ std::size_t SpellAsCreated(std::string folder, std::vector<std::string>& names)
     return existing;
 }
 
-/// The shared lock that keeps the hive of a new key in place. False when the hive is gone.
+// The shared lock that keeps the hive of a new key in place. False when the hive is gone.
 bool LockHive(const Base& base, const std::string& path, int& lock)
 {
     lock = -1;
@@ -154,7 +154,7 @@ bool LockHive(const Base& base, const std::string& path, int& lock)
     return lock >= 0 && flock(lock, LOCK_SH) == 0;
 }
 
-/// Opens the key at `below`, a path of folder names that begins with a slash, or an empty one.
+// Opens the key at `below`, a path of folder names that begins with a slash, or an empty one.
 std::shared_ptr<Key> OpenAt(const Base& base, const std::string& below, REGSAM access)
 {
     int hive = -1;
@@ -173,7 +173,7 @@ std::shared_ptr<Key> OpenAt(const Base& base, const std::string& below, REGSAM a
     return std::make_shared<Key>(folder, hive, access, path);
 }
 
-/// Moves a folder out of sight and removes it: others see it whole or not at all.
+// Moves a folder out of sight and removes it: others see it whole or not at all.
 bool RemoveFolder(const std::string& folder)
 {
     const std::size_t last = folder.rfind('/');

@@ -84,7 +84,7 @@ struct CloseFolder
     }
 };
 
-/// Calls `visit` with the name of each key and value of a folder until it answers false.
+// Calls `visit` with the name of each key and value of a folder until it answers false.
 template <class Visit>
 void Walk(const std::string& path, Visit visit)
 {

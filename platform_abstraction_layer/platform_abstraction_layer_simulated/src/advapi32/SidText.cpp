@@ -20,7 +20,7 @@ constexpr std::size_t kHeaderSize = offsetof(SID, SubAuthority);
 constexpr std::size_t kAuthoritySize = sizeof(SID_IDENTIFIER_AUTHORITY);
 constexpr std::uint64_t kHighestAuthority = (std::uint64_t{1} << (8 * kAuthoritySize)) - 1;
 
-/// Takes the next number of "1-5-21" off the text, and the hyphen behind it.
+// Takes the next number of "1-5-21" off the text, and the hyphen behind it.
 bool TakeNumber(std::string_view& text, std::uint64_t highest, std::uint64_t& number)
 {
     const bool isHexadecimal = text.starts_with("0x") || text.starts_with("0X");

@@ -28,7 +28,7 @@ namespace simulated::tokens
 namespace
 {
 
-/// A privilege and the number that stands for it in a LUID, the same on every machine.
+// A privilege and the number that stands for it in a LUID, the same on every machine.
 struct Privilege
 {
     std::string_view name;
@@ -43,7 +43,7 @@ constexpr Privilege kPrivileges[] = {
 };
 constexpr std::string_view kAlwaysEnabled = "SeChangeNotifyPrivilege";
 
-/// The attributes of each privilege of the table.
+// The attributes of each privilege of the table.
 using Attributes = std::map<DWORD, DWORD>;
 
 struct State
@@ -87,7 +87,7 @@ bool IsLesserService(const std::string& name)
     return account && account->isWellKnown && account->sid != "S-1-5-18";
 }
 
-/// The token of an account; the lock must be held.
+// The token of an account; the lock must be held.
 Attributes& AttributesOf(const std::string& account)
 {
     const auto [place, isNew] = TheState().tokens.try_emplace(FoldCase(account));
@@ -115,7 +115,7 @@ const Privilege* FindPrivilege(std::string_view name)
     return found == std::end(kPrivileges) ? nullptr : found;
 }
 
-/// The privileges that the caller wants changed. His record may lie at any address.
+// The privileges that the caller wants changed. His record may lie at any address.
 std::vector<LUID_AND_ATTRIBUTES> Wanted(const TOKEN_PRIVILEGES* wanted)
 {
     DWORD count = 0;
@@ -140,7 +140,7 @@ std::vector<LUID_AND_ATTRIBUTES> AllOff(const Attributes& token)
     return rows;
 }
 
-/// The rows of `wanted` that would change something, as they are now.
+// The rows of `wanted` that would change something, as they are now.
 std::vector<LUID_AND_ATTRIBUTES> Changed(const Attributes& token,
                                          const std::vector<LUID_AND_ATTRIBUTES>& wanted)
 {
@@ -179,7 +179,7 @@ DWORD StorePrevious(const std::vector<LUID_AND_ATTRIBUTES>& rows, PTOKEN_PRIVILE
     return ERROR_SUCCESS;
 }
 
-/// Switches what is held and notes in `error` when something wasn't.
+// Switches what is held and notes in `error` when something wasn't.
 void Switch(Attributes& token, const std::vector<LUID_AND_ATTRIBUTES>& wanted, DWORD& error)
 {
     for (const LUID_AND_ATTRIBUTES& row : wanted)
@@ -201,7 +201,7 @@ void Switch(Attributes& token, const std::vector<LUID_AND_ATTRIBUTES>& wanted, D
     }
 }
 
-/// TRUE with an error number beside it, or FALSE.
+// TRUE with an error number beside it, or FALSE.
 Outcome<BOOL> Adjust(HANDLE handle, bool disableAll, const TOKEN_PRIVILEGES* wanted, DWORD room,
                      PTOKEN_PRIVILEGES previous, PDWORD needed)
 {

@@ -56,7 +56,7 @@ std::optional<std::string> FormatText(const Value& value)
     return std::nullopt;
 }
 
-/// Appends `number` with at least `digits` hexadecimal digits.
+// Appends `number` with at least `digits` hexadecimal digits.
 void AppendHex(std::string& text, DWORD number, unsigned digits)
 {
     for (unsigned place = 2 * sizeof number; place != 0; --place)

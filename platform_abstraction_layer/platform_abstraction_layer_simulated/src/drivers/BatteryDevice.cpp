@@ -26,7 +26,7 @@ namespace
 constexpr ULONG kForever = 0xFFFFFFFF;
 constexpr ULONG kLookEvery = 100;
 
-/// What goes back to the caller.
+// What goes back to the caller.
 struct Answer
 {
     std::span<BYTE> room;
@@ -92,7 +92,7 @@ constexpr Level kLevels[] = {
      [](const std::string& battery, Answer& answer) { return PutText(battery, "SerialNumber", answer); }},
 };
 
-/// Waits up to `milliseconds` until `isThere` answers true; what it answered last.
+// Waits up to `milliseconds` until `isThere` answers true; what it answered last.
 template <class Condition>
 bool WaitFor(ULONG milliseconds, Condition isThere)
 {

@@ -20,7 +20,7 @@ namespace
 
 constexpr std::string_view kDevicePath = "\\\\.\\orvlebl";
 
-/// Which sizes a control takes. An open size follows from the record, and its handler checks it.
+// Which sizes a control takes. An open size follows from the record, and its handler checks it.
 struct SizeRule
 {
     std::size_t size;

@@ -50,7 +50,7 @@ const void* LeakName(std::uint64_t address)
     return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(address));
 }
 
-/// Finds a mapping for an access of `length` bytes from its start.
+// Finds a mapping for an access of `length` bytes from its start.
 DWORD FindForAccess(std::uint64_t address, DWORD length, Mapped& mapped)
 {
     Mappings& mappings = TheMappings();

@@ -69,7 +69,7 @@ constexpr Method kMethods[] = {
     {"EBTR", sizeof(EmbeddedController::BatteryRows), &ReadBattery},
 };
 
-/// A method that isn't in the table answers the number that the firmware has for it.
+// A method that isn't in the table answers the number that the firmware has for it.
 DWORD ReadNumber(const std::string& name, Exchange& exchange)
 {
     const std::optional<DWORD> answer = EmbeddedController::Method(name);

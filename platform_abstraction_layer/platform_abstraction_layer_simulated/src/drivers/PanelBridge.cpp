@@ -96,7 +96,7 @@ bool IsOpen(ULONG handle)
     return handles.open.contains(handle);
 }
 
-/// Runs a method unless the graphics driver was told to refuse it.
+// Runs a method unless the graphics driver was told to refuse it.
 template <class Work>
 HRESULT RunUnlessRefused(const std::string& method, ULONG* driverError, Work work)
 {
@@ -165,7 +165,7 @@ HRESULT WriteRecord(const Policy& policy, const void* record, ULONG* driverError
     return S_OK;
 }
 
-/// What reading and writing a policy have in common.
+// What reading and writing a policy have in common.
 struct PolicyCall
 {
     const char* method;

@@ -17,7 +17,7 @@ namespace
 constexpr DWORD kBusNumber = 14;
 constexpr DWORD kAddress = 16;
 
-/// A name of a record; nothing when it isn't terminated within its field.
+// A name of a record; nothing when it isn't terminated within its field.
 std::optional<std::string> NameIn(const wchar_t (&field)[kNameUnits])
 {
     const wchar_t* const end = std::find(field, field + kNameUnits, wchar_t{0});

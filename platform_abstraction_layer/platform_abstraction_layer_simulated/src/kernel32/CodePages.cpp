@@ -24,7 +24,7 @@ constexpr UINT kLatinCodePage = 1252;
 constexpr DWORD kErrInvalidChars = 0x80; // of WideCharToMultiByte, from major version 6 on
 constexpr wchar_t kReplacement = 0xFFFD;
 
-/// Units that are written as far as they fit, and counted all.
+// Units that are written as far as they fit, and counted all.
 template <class Unit>
 class Target
 {
@@ -33,7 +33,7 @@ public:
     {
     }
 
-    /// A character of several units is written whole or not at all.
+    // A character of several units is written whole or not at all.
     void Put(const Unit* units, std::size_t count)
     {
         if (m_isFull || m_length + count > m_capacity)
@@ -51,7 +51,7 @@ public:
         Put(&unit, 1);
     }
 
-    /// The length, or why there is none. Asked for with no capacity, everything fits.
+    // The length, or why there is none. Asked for with no capacity, everything fits.
     Outcome<int> Finish() const
     {
         if (m_capacity != 0 && m_isFull)
@@ -94,7 +94,7 @@ bool AreBuffersValid(const From* source, int sourceLength, const To* target, int
            (targetLength == 0 || (target != nullptr && static_cast<const void*>(source) != target));
 }
 
-/// One character of UTF-8 text.
+// One character of UTF-8 text.
 struct Point
 {
     unsigned value;
@@ -102,7 +102,7 @@ struct Point
     bool isValid;
 };
 
-/// The bytes that may follow a lead byte at once; those behind are 0x80 to 0xBF.
+// The bytes that may follow a lead byte at once; those behind are 0x80 to 0xBF.
 struct LeadByte
 {
     unsigned first;
@@ -225,7 +225,7 @@ bool NarrowToUtf8(const wchar_t* source, std::size_t length, Target<char>& targe
     return isValid;
 }
 
-/// What stands for characters that the code page lacks, and whether it had to.
+// What stands for characters that the code page lacks, and whether it had to.
 struct Substitute
 {
     char character;

@@ -24,7 +24,7 @@ namespace
 
 constexpr DWORD kLaterMajor = 6;
 
-/// A value may name other variables, never its own.
+// A value may name other variables, never its own.
 struct Variable
 {
     std::string_view name;

@@ -33,8 +33,8 @@ using Found = Outcome<State>;
 
 constexpr const char* kLockedName = "/names";
 
-/// One state for each object however many handles this process has, so that it holds one lock and sees one
-/// address.
+// One state for each object however many handles this process has, so that it holds one lock and sees one
+// address.
 struct Registry
 {
     std::mutex mutex;
@@ -59,10 +59,10 @@ void Remember(const std::string& path, const std::shared_ptr<KernelState>& state
     registry.states[path] = state;
 }
 
-/// States that must outlive the locks, since their destructors take one of them.
+// States that must outlive the locks, since their destructors take one of them.
 using Kept = std::vector<State>;
 
-/// The living object at `path`, or null. Removes the file of a dead one.
+// The living object at `path`, or null. Removes the file of a dead one.
 State FindLiving(const std::string& path, Kept& kept)
 {
     const State& known = kept.emplace_back(TheRegistry().states[path].lock());
@@ -111,7 +111,7 @@ Found MakeNew(const std::string& path, const NewState& wanted, Kept& kept)
     return {made, ERROR_SUCCESS};
 }
 
-/// Looks `path` up and makes the object if `wanted` says so.
+// Looks `path` up and makes the object if `wanted` says so.
 Found LookUp(const std::string& path, ObjectKind kind, const NewState* wanted)
 {
     Kept kept;

@@ -40,7 +40,7 @@ public:
         return *m_state;
     }
 
-    /// True when the handle's rights and the mapping's protection allow a view with `access`.
+    // True when the handle's rights and the mapping's protection allow a view with `access`.
     bool Allows(DWORD access) const noexcept
     {
         const bool writes = (access & SECTION_MAP_WRITE) != 0;
@@ -53,7 +53,7 @@ private:
     DWORD m_access;
 };
 
-/// The views of this process by their address.
+// The views of this process by their address.
 struct Views
 {
     std::mutex mutex;

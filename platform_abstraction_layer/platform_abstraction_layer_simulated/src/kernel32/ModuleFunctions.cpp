@@ -21,7 +21,7 @@ namespace simulated
 namespace
 {
 
-/// The first major version whose GetModuleFileNameW ends a cut path with a zero and an error.
+// The first major version whose GetModuleFileNameW ends a cut path with a zero and an error.
 constexpr DWORD kTerminatesCutPaths = 6;
 
 Outcome<HMODULE> Find(const std::string& name, Outcome<HMODULE> (*findLibrary)(const std::string& name))

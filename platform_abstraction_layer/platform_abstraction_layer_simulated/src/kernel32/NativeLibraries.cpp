@@ -33,7 +33,7 @@ constexpr std::string_view kNativeEnd = ".so";
 constexpr std::string_view kDllEnd = ".dll";
 constexpr std::string_view kProgramEnd = ".exe";
 
-/// Modules whose DllMain answered FALSE.
+// Modules whose DllMain answered FALSE.
 struct RefusedModules
 {
     std::mutex mutex;
@@ -86,7 +86,7 @@ HMODULE ModuleOf(void* library) noexcept
     return info.has_value() ? AsModule(info->dli_fbase) : nullptr;
 }
 
-/// A reference of its own to a loaded library, or null.
+// A reference of its own to a loaded library, or null.
 void* OpenLoaded(HMODULE module, int flags) noexcept
 {
     const std::optional<Dl_info> info = InfoOf(module);
@@ -114,7 +114,7 @@ std::string FolderOfExecutable()
     return std::filesystem::read_symlink("/proc/self/exe", error).parent_path().string() + '/';
 }
 
-/// Where the library that `name` means may lie, in the order to try.
+// Where the library that `name` means may lie, in the order to try.
 std::vector<std::string> Candidates(std::string name)
 {
     if (name.find('/') != std::string::npos && name.ends_with(kNativeEnd))

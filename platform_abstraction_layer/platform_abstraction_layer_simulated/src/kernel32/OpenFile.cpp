@@ -30,7 +30,7 @@ constexpr DWORD kKnownFlags = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | 
                               FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN |
                               FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_WRITE_THROUGH;
 
-/// What a disposition does with a file that is there and with one that isn't.
+// What a disposition does with a file that is there and with one that isn't.
 struct Disposition
 {
     DWORD number;

@@ -41,7 +41,7 @@ constexpr std::array kDosNames = {
     DosName{"NUL", false}, DosName{"COM", true},  DosName{"LPT", true},
 };
 
-/// A path after its text has been understood.
+// A path after its text has been understood.
 struct Parts
 {
     char drive;

@@ -22,8 +22,8 @@ public:
     {
     }
 
-    /// Adds `count`, above 0. ERROR_TOO_MANY_POSTS, with the count left alone, when that is more than it
-    /// holds.
+    // Adds `count`, above 0. ERROR_TOO_MANY_POSTS, with the count left alone, when that is more than it
+    // holds.
     DWORD Release(std::uint32_t count, LONG* previous) noexcept
     {
         std::uint32_t present = m_state->Word().load();

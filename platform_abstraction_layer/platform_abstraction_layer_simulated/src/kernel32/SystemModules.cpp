@@ -34,7 +34,7 @@ struct SystemModule
     bool isAdded; ///< by machine.ini, and there only while it says so
 };
 
-/// Records never move nor go: their addresses are module handles.
+// Records never move nor go: their addresses are module handles.
 struct Table
 {
     std::mutex mutex;
@@ -47,7 +47,7 @@ Table& TheTable()
     return table;
 }
 
-/// The file name of `name`, with ".dll" when it has no extension; empty when it names another folder's file.
+// The file name of `name`, with ".dll" when it has no extension; empty when it names another folder's file.
 std::string FileNameOf(std::string_view name)
 {
     const bool named = name.size() > kSystemFolder.size() &&

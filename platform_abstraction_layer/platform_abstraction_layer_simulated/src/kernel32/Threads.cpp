@@ -29,7 +29,7 @@ namespace simulated
 namespace
 {
 
-/// What passes between the start frame and the thread's own frames.
+// What passes between the start frame and the thread's own frames.
 struct Start
 {
     LPTHREAD_START_ROUTINE routine;

@@ -26,7 +26,7 @@ template <class Unit>
 class Formatter
 {
 public:
-    /// Fetches from `arguments`, which stay the caller's to end.
+    // Fetches from `arguments`, which stay the caller's to end.
     Formatter(Unit* target, std::size_t count, va_list* arguments)
         : m_target(target), m_count(target == nullptr ? 0 : count), m_arguments(arguments)
     {

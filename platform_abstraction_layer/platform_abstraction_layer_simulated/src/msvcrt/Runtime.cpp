@@ -36,7 +36,7 @@ CallClass ClassOf(std::string path)
     return isLog ? CallClass::Log : CallClass::File;
 }
 
-/// What an opening mode asks for.
+// What an opening mode asks for.
 struct Mode
 {
     std::string native;

@@ -23,7 +23,7 @@ constexpr DWORD kKnownFlags = COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE 
 std::atomic<int> multithreadedThreads{0};
 std::atomic<std::uintptr_t> nextEntry{1};
 
-/// What the calling thread has initialised.
+// What the calling thread has initialised.
 class Membership
 {
 public:
@@ -61,7 +61,7 @@ public:
         return isFirst ? S_OK : S_FALSE;
     }
 
-    /// Once too often does nothing.
+    // Once too often does nothing.
     void Leave()
     {
         if (m_entries.empty())

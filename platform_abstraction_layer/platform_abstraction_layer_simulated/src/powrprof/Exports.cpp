@@ -28,14 +28,14 @@ BOOLEAN ToBoolean(BOOL value) noexcept
     return value ? TRUE : FALSE;
 }
 
-/// A null record is refused before the store is asked.
+// A null record is refused before the store is asked.
 template <class Record, class Work>
 DWORD WithRecord(Record* record, Work work)
 {
     return record == nullptr ? static_cast<DWORD>(ERROR_INVALID_PARAMETER) : work(*record);
 }
 
-/// The common rule of the GUID-based functions: the root key is reserved and null.
+// The common rule of the GUID-based functions: the root key is reserved and null.
 template <class Work>
 DWORD WithoutRoot(PlatformCall& call, HKEY root, Work work)
 {
@@ -43,7 +43,7 @@ DWORD WithoutRoot(PlatformCall& call, HKEY root, Work work)
         call.Status([&] { return root != nullptr ? static_cast<DWORD>(ERROR_INVALID_PARAMETER) : work(); }));
 }
 
-/// A GUID for the caller to give back with LocalFree.
+// A GUID for the caller to give back with LocalFree.
 DWORD HandOut(const GUID& guid, GUID** target, PlatformCall& call)
 {
     void* block = simulated::AllocateLocal(sizeof guid, call);

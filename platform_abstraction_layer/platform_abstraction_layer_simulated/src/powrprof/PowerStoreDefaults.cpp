@@ -21,8 +21,8 @@ constexpr DWORD kMinute = 60;
 constexpr DWORD kHour = 60 * kMinute;
 constexpr UINT kNotebookScheme = 1;
 
-/// One power source of an index-based scheme; times in seconds, 0 for never. Hibernation counts from the
-/// beginning of standby.
+// One power source of an index-based scheme; times in seconds, 0 for never. Hibernation counts from the
+// beginning of standby.
 struct SourceDefaults
 {
     DWORD videoOff;
@@ -204,8 +204,8 @@ struct SourceValues
     DWORD battery;
 };
 
-/// A published setting and its values in the schemes of `kGuidSchemes`, in their order. Times in seconds,
-/// the rest in percent but the two policies.
+// A published setting and its values in the schemes of `kGuidSchemes`, in their order. Times in seconds,
+// the rest in percent but the two policies.
 struct SettingDefaults
 {
     GUID subGroup;

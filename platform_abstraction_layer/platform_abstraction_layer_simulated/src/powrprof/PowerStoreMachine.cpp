@@ -14,7 +14,7 @@ namespace power_store
 namespace
 {
 
-/// Fills the fields of one group.
+// Fills the fields of one group.
 DWORD ReadGroup(AnswerGroup group, MachineAnswers& answers)
 {
     Key key;
@@ -31,7 +31,7 @@ DWORD ReadGroup(AnswerGroup group, MachineAnswers& answers)
     return error;
 }
 
-/// Gives `to` the part of the answers that one group fills, or leaves it alone.
+// Gives `to` the part of the answers that one group fills, or leaves it alone.
 template <class Part>
 DWORD ReadPart(AnswerGroup group, Part MachineAnswers::*part, Part& to)
 {

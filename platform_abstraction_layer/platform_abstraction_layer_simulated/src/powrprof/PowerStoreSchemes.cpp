@@ -12,7 +12,7 @@ namespace power_store
 namespace
 {
 
-/// Reads the value "Policies" of the key at `path`.
+// Reads the value "Policies" of the key at `path`.
 template <class Record>
 DWORD ReadRecord(HKEY root, const WideText& path, Record& record)
 {
@@ -44,7 +44,7 @@ WideText ProcessorKey(UINT scheme)
     return Join(ToText(kProcessorSchemesKey), static_cast<DWORD>(scheme));
 }
 
-/// The numbers of the schemes below a key, ascending; other subkeys are none of the power manager's.
+// The numbers of the schemes below a key, ascending; other subkeys are none of the power manager's.
 DWORD Numbers(HKEY root, const wchar_t* path, std::vector<DWORD>& numbers)
 {
     Key key;
@@ -63,7 +63,7 @@ DWORD Numbers(HKEY root, const wchar_t* path, std::vector<DWORD>& numbers)
     return error;
 }
 
-/// The number above the highest in use, which "LastID" remembers from then on.
+// The number above the highest in use, which "LastID" remembers from then on.
 DWORD TakeNewNumber(UINT& scheme)
 {
     std::vector<DWORD> numbers;
@@ -97,7 +97,7 @@ DWORD WriteTexts(UINT scheme, const wchar_t* name, const wchar_t* description)
     return error;
 }
 
-/// The text of a value, empty when it is missing: a scheme may have been written without one.
+// The text of a value, empty when it is missing: a scheme may have been written without one.
 WideText TextOf(const Key& key, const wchar_t* name)
 {
     WideText text;

@@ -15,7 +15,7 @@ namespace power_store
 namespace
 {
 
-/// Writes below one root and remembers the first error.
+// Writes below one root and remembers the first error.
 class RegistryWriter : public ValueWriter
 {
 public:

@@ -22,7 +22,7 @@ DWORD OpenScheme(const GUID& scheme, REGSAM access, Key& key)
     return key.Open(HKEY_LOCAL_MACHINE, SchemeKey(scheme), access);
 }
 
-/// Where a name lies: with its scheme, or with the setting that all schemes share.
+// Where a name lies: with its scheme, or with the setting that all schemes share.
 WideText NameKey(const SettingPlace& place)
 {
     if (place.subGroup == nullptr)

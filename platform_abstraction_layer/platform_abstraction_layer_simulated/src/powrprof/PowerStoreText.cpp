@@ -22,7 +22,7 @@ void AppendHex(WideText& text, DWORD value, int digits)
     }
 }
 
-/// The value of a hexadecimal digit, or 16.
+// The value of a hexadecimal digit, or 16.
 DWORD DigitValue(wchar_t unit) noexcept
 {
     if (unit >= L'A' && unit <= L'F')
@@ -33,7 +33,7 @@ DWORD DigitValue(wchar_t unit) noexcept
     return position == std::string_view::npos ? 16 : static_cast<DWORD>(position);
 }
 
-/// Reads `digits` hexadecimal digits at `text` and moves behind them; false, for other units.
+// Reads `digits` hexadecimal digits at `text` and moves behind them; false, for other units.
 bool ReadHex(const wchar_t*& text, int digits, DWORD& value) noexcept
 {
     value = 0;

@@ -19,7 +19,7 @@ namespace
 
 const HKEY kNoKey = static_cast<HKEY>(INVALID_HANDLE_VALUE);
 
-/// Where the keys of one kind of class lie, and what it is called when a class has none.
+// Where the keys of one kind of class lie, and what it is called when a class has none.
 struct ClassKind
 {
     DWORD flag;

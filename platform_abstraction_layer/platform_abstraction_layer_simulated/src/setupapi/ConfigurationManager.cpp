@@ -23,7 +23,7 @@ namespace
 // What every node of this system has set; the rest follows from its state.
 constexpr ULONG kAnyNode = DN_NT_ENUMERATOR | DN_NT_DRIVER;
 
-/// Gives `work` the instance id of a present node.
+// Gives `work` the instance id of a present node.
 template <class Work>
 CONFIGRET WithNode(DEVINST node, ULONG flags, Work work)
 {
@@ -44,7 +44,7 @@ CONFIGRET WithNode(DEVINST node, ULONG flags, Work work)
     return work(*id);
 }
 
-/// The call of a function that works on a node.
+// The call of a function that works on a node.
 template <class Work>
 CONFIGRET OnNode(PlatformCall& call, DEVINST node, ULONG flags, Work work)
 {

@@ -39,7 +39,7 @@ DWORD Enumerate(DeviceList& list, const SP_DEVINFO_DATA* device, const GUID* int
     return list.DescribeInterface(*interfaceClass, device == nullptr ? nullptr : &id, index, data);
 }
 
-/// Where a caller wants an interface's path, and its device.
+// Where a caller wants an interface's path, and its device.
 struct Target
 {
     SP_DEVICE_INTERFACE_DETAIL_DATA_W* detail;

@@ -28,7 +28,7 @@ std::optional<GUID> Optional(const GUID* guid)
     return guid == nullptr ? std::nullopt : std::optional(*guid);
 }
 
-/// Which devices a new list takes in.
+// Which devices a new list takes in.
 struct Selection
 {
     const GUID* classGuid;
@@ -134,7 +134,7 @@ DWORD GetInstanceId(const DeviceList::Device& device, PWSTR text, DWORD capacity
     return CopyToUtf16(device.instanceId, text, capacity) ? ERROR_SUCCESS : ERROR_INSUFFICIENT_BUFFER;
 }
 
-/// Where a caller wants a property.
+// Where a caller wants a property.
 struct Target
 {
     PDWORD type;

@@ -53,7 +53,7 @@ std::optional<std::string> ClassNameOf(const std::string& instanceId)
     return std::nullopt;
 }
 
-/// Where a property comes from: a line of the device's section, or else a function.
+// Where a property comes from: a line of the device's section, or else a function.
 struct Source
 {
     DWORD number;

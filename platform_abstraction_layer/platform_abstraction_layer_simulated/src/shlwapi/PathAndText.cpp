@@ -82,7 +82,7 @@ SIM_API LPWSTR WINAPI StrStrIW(LPCWSTR whole, LPCWSTR part)
     return call.Answer(const_cast<LPWSTR>(FindIgnoringCase(whole, part)));
 }
 
-/// The function that the DLL exports by number alone: turns a GUID text in braces into a GUID.
+// The function that the DLL exports by number alone: turns a GUID text in braces into a GUID.
 static BOOL WINAPI GuidFromStringW(LPCWSTR text, GUID* guid)
 {
     PlatformCall call(CallClass::Text, "GUIDFromStringW", SIM_CALLER);

@@ -11,7 +11,7 @@
 namespace
 {
 
-/// Logs `message`, where there is one, with the last error. Always false.
+// Logs `message`, where there is one, with the last error. Always false.
 bool Fail(const wchar_t* message) noexcept
 {
     if (message != nullptr)

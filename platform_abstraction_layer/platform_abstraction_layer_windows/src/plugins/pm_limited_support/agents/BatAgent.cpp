@@ -16,7 +16,7 @@
 namespace
 {
 
-/// The interface class of batteries, {72631E54-78A4-11D0-BCF7-00AA00B7B32A}.
+// The interface class of batteries, {72631E54-78A4-11D0-BCF7-00AA00B7B32A}.
 constexpr GUID kBatteryInterface = {
     0x72631E54, 0x78A4, 0x11D0, {0xBC, 0xF7, 0x00, 0xAA, 0x00, 0xB7, 0xB3, 0x2A}};
 
@@ -37,7 +37,7 @@ enum class Found
     Failure
 };
 
-/// Opens the battery of that number. `battery` is INVALID_HANDLE_VALUE for one that can't be opened.
+// Opens the battery of that number. `battery` is INVALID_HANDLE_VALUE for one that can't be opened.
 Found OpenBattery(HDEVINFO list, DWORD index, HANDLE& battery) noexcept
 {
     SP_DEVICE_INTERFACE_DATA interfaceData = {};
@@ -70,7 +70,7 @@ Found OpenBattery(HDEVINFO list, DWORD index, HANDLE& battery) noexcept
     return Found::Battery;
 }
 
-/// The state of the whole system's battery; all zeros when the system doesn't tell.
+// The state of the whole system's battery; all zeros when the system doesn't tell.
 SYSTEM_BATTERY_STATE ReadSystemState() noexcept
 {
     SYSTEM_BATTERY_STATE state = {};
@@ -78,7 +78,7 @@ SYSTEM_BATTERY_STATE ReadSystemState() noexcept
     return state;
 }
 
-/// The seconds that `capacity` takes at the present rate, or -1 when nothing flows.
+// The seconds that `capacity` takes at the present rate, or -1 when nothing flows.
 ULONG TimeFor(ULONG capacity, ULONG rate) noexcept
 {
     return rate == 0 ? kUnknownTime : capacity * kSecondsPerHour / rate;

@@ -33,7 +33,7 @@ enum class KeyForm
     Hex
 };
 
-/// Which functions need a key.
+// Which functions need a key.
 enum class NeededBy
 {
     All,

@@ -17,7 +17,7 @@ constexpr ULONG kPerformanceControl = 0x199;
 constexpr ULONG kClockModulation = 0x19A;
 constexpr ULONG kThermalControl = 0x19D;
 
-/// A bit field in one half of a register.
+// A bit field in one half of a register.
 struct Field
 {
     ULONG MsrRecord::*half;
@@ -38,23 +38,23 @@ constexpr Field kVoltageAtLowest = {&MsrRecord::low, 0, 0x3F};
 constexpr Field kModulationEnabled = {&MsrRecord::low, 4, 1};
 constexpr Field kDuty = {&MsrRecord::low, 1, 7};
 
-/// The bits of the performance control register that a change of ratio and voltage leaves alone.
+// The bits of the performance control register that a change of ratio and voltage leaves alone.
 constexpr ULONG kControlKept = 0xFFFFE0C0;
 
-/// A full duty cycle counts eight eighths, and is had by switching the modulation off.
+// A full duty cycle counts eight eighths, and is had by switching the modulation off.
 constexpr ULONG kFullDuty = 8;
 constexpr ULONG kModulationOff = 2;
 
-/// How many cores are written at most.
+// How many cores are written at most.
 constexpr int kCores = 4;
 
-/// The percentage that `duty` eighths of `ratio` are of the top speed.
+// The percentage that `duty` eighths of `ratio` are of the top speed.
 ULONG Level(ULONG duty, ULONG ratio, ULONG maxRatio) noexcept
 {
     return duty * ratio * 100 / (maxRatio * kFullDuty);
 }
 
-/// Reads a register and logs a failure with `failureText`.
+// Reads a register and logs a failure with `failureText`.
 bool Read(ULONG index, MsrRecord& record, const wchar_t* failureText) noexcept
 {
     const LONG read = ReadMsrRecord(index, record);
@@ -65,8 +65,8 @@ bool Read(ULONG index, MsrRecord& record, const wchar_t* failureText) noexcept
     return read >= 0;
 }
 
-/// Writes a register on each of the first cores that the process may run on; ends at the first failure. The
-/// calling thread stays bound to the last core written.
+// Writes a register on each of the first cores that the process may run on; ends at the first failure. The
+// calling thread stays bound to the last core written.
 bool WriteOnCores(const MsrRecord& record) noexcept
 {
     const HANDLE thread = GetCurrentThread();

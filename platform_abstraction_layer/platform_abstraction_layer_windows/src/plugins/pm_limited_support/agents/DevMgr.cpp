@@ -31,7 +31,7 @@ constexpr DWORD kInstanceIdCapacity = text::kPathCapacity;
 // A device list's detail record; its size is part of the call.
 static_assert(sizeof(void*) != 4 || sizeof(SP_DEVINFO_LIST_DETAIL_DATA_W) == 550);
 
-/// Shows the wait cursor for the length of a scope.
+// Shows the wait cursor for the length of a scope.
 class WaitCursor
 {
 public:
@@ -49,14 +49,14 @@ private:
     HCURSOR m_old;
 };
 
-/// Logs `message` with the last error and gives the general failure.
+// Logs `message` with the last error and gives the general failure.
 LONG Fail(const wchar_t* message) noexcept
 {
     CORVLBase::DBGOUT(message, GetLastError());
     return kGeneralFailure;
 }
 
-/// The device of that number in a list; false behind the last.
+// The device of that number in a list; false behind the last.
 bool FindDevice(HDEVINFO devices, DWORD index, SP_DEVINFO_DATA& device) noexcept
 {
     device = EmptyDeviceRecord();
@@ -126,7 +126,7 @@ LONG CDevMgr::Setup() noexcept
     return kSucceeded;
 }
 
-/// Adds the devices of a class up to the first that can't be added.
+// Adds the devices of a class up to the first that can't be added.
 void CDevMgr::AddClass(const GUID& deviceClass) noexcept
 {
     const owners::DeviceList devices(SetupDiGetClassDevsW(&deviceClass, nullptr, nullptr, 0));

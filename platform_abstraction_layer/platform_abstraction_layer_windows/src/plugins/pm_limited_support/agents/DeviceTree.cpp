@@ -13,7 +13,7 @@
 namespace
 {
 
-/// Goes on to the next device in depth-first order; false behind the last.
+// Goes on to the next device in depth-first order; false behind the last.
 bool GoOn(DEVINST& device) noexcept
 {
     DEVINST next = 0;
@@ -34,7 +34,7 @@ bool GoOn(DEVINST& device) noexcept
     return true;
 }
 
-/// True when the device's description is `description`. Logs what it finds.
+// True when the device's description is `description`. Logs what it finds.
 bool IsDescribedAs(DEVINST device, const wchar_t* description) noexcept
 {
     // One character more than is read, so that a text without a terminator ends all the same.
@@ -54,14 +54,14 @@ bool IsDescribedAs(DEVINST device, const wchar_t* description) noexcept
     return text::EqualIgnoringCase(found, description);
 }
 
-/// Logs `message` with `number`. Always 0x80004005.
+// Logs `message` with `number`. Always 0x80004005.
 LONG Fail(const wchar_t* message, ULONG number) noexcept
 {
     CORVLBase::DBGOUT(message, number);
     return kGeneralFailure;
 }
 
-/// The instance id of a device.
+// The instance id of a device.
 LONG GetInstanceId(DEVINST device, wchar_t* instanceId, ULONG size) noexcept
 {
     ULONG length = 0;

@@ -14,7 +14,7 @@
 namespace
 {
 
-/// One policy: how the driver knows it, where its record lies among the three, and what is logged.
+// One policy: how the driver knows it, where its record lies among the three, and what is logged.
 struct Policy
 {
     ULONG number;
@@ -62,7 +62,7 @@ constexpr ULONG kAbrFirstBit = 0x10000000;
 constexpr ULONG kLumsBit = 0x04000000;
 constexpr ULONG kLumsLevelMask = 0x000FFFFF;
 
-/// What an answer of `PowerApiOpen` with that driver error means.
+// What an answer of `PowerApiOpen` with that driver error means.
 struct OpenRefusal
 {
     ULONG driverError;

@@ -15,7 +15,7 @@
 namespace
 {
 
-/// The rows of the battery method that make up one field.
+// The rows of the battery method that make up one field.
 struct FieldRows
 {
     int highByte;
@@ -29,7 +29,7 @@ constexpr int kOn = 1;
 
 } // namespace
 
-/// A radio or port of the controller and the adapter that the operating system has for it.
+// A radio or port of the controller and the adapter that the operating system has for it.
 struct CEcAgent::NetworkSwitch
 {
     ULONG CEcAgent::*readItem;

@@ -11,8 +11,8 @@
 #include <iterator>
 #include <utility>
 
-/// The register that holds a function's bit, found and ready to be read and written. Memory stays mapped
-/// from the first read until `Release` or the end of the object.
+// The register that holds a function's bit, found and ready to be read and written. Memory stays mapped
+// from the first read until `Release` or the end of the object.
 class CHwSBX::FunctionRegister
 {
 public:
@@ -27,11 +27,11 @@ public:
     FunctionRegister(const FunctionRegister&) = delete;
     FunctionRegister& operator=(const FunctionRegister&) = delete;
 
-    /// Finds the register of the function of that name and reads it.
+    // Finds the register of the function of that name and reads it.
     LONG Open(const wchar_t* chipset, const wchar_t* name, ULONG& value) noexcept;
     LONG Write(ULONG value) noexcept;
 
-    /// Unmaps the memory, where it is mapped.
+    // Unmaps the memory, where it is mapped.
     LONG Release() noexcept;
 
     ULONG Mask() const noexcept
@@ -196,7 +196,7 @@ LONG CHwSBX::Setup(int identify) noexcept
     return kGeneralFailure;
 }
 
-/// Compares a device's configuration space with an identification section.
+// Compares a device's configuration space with an identification section.
 LONG CHwSBX::TestIdentification(CORVLCfg& file, const wchar_t* section, bool& matches) noexcept
 {
     const int bus = file.GetInt(section, L"Bus", kMissing);

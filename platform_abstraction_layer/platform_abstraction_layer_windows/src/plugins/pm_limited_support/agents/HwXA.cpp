@@ -17,7 +17,7 @@
 namespace
 {
 
-/// A PCI function and the device object that stands for it.
+// A PCI function and the device object that stands for it.
 struct DeviceProperties
 {
     wchar_t name[kDeviceNameUnits];
@@ -41,8 +41,8 @@ const DeviceProperties* FindDevice(ULONG bus, ULONG device, ULONG function) noex
     return found == std::end(deviceTable) ? nullptr : found;
 }
 
-/// Room for a message of a record of `recordSize` bytes, whose last is the first of `length` data bytes;
-/// empty when there is no memory or the size passes what a message can have.
+// Room for a message of a record of `recordSize` bytes, whose last is the first of `length` data bytes;
+// empty when there is no memory or the size passes what a message can have.
 owners::HeapBlock AllocateMessage(std::size_t recordSize, ULONG length) noexcept
 {
     if (length > (std::numeric_limits<ULONG>::max)() - recordSize)
@@ -52,7 +52,7 @@ owners::HeapBlock AllocateMessage(std::size_t recordSize, ULONG length) noexcept
     return owners::AllocateBlock(recordSize - 1 + length);
 }
 
-/// False, with a line in the log, for a name that a record has no room for.
+// False, with a line in the log, for a name that a record has no room for.
 bool IsDeviceNameShort(const wchar_t* deviceName) noexcept
 {
     if (text::Length(deviceName, kDeviceNameUnits) < kDeviceNameUnits)
@@ -63,7 +63,7 @@ bool IsDeviceNameShort(const wchar_t* deviceName) noexcept
     return false;
 }
 
-/// False, with a line in the log, when the object isn't set up.
+// False, with a line in the log, when the object isn't set up.
 bool IsUsable(bool driverSetUp) noexcept
 {
     if (!driverSetUp)
@@ -73,7 +73,7 @@ bool IsUsable(bool driverSetUp) noexcept
     return driverSetUp;
 }
 
-/// False, with a line in the log, when a pointer is null or there is nothing to transfer.
+// False, with a line in the log, when a pointer is null or there is nothing to transfer.
 bool AreUsable(const void* what, const void* buffer, ULONG length) noexcept
 {
     if (what != nullptr && buffer != nullptr && length != 0)
@@ -84,7 +84,7 @@ bool AreUsable(const void* what, const void* buffer, ULONG length) noexcept
     return false;
 }
 
-/// Passes `result` on and logs a failure.
+// Passes `result` on and logs a failure.
 LONG Report(const wchar_t* failureText, LONG result) noexcept
 {
     if (result < 0)

@@ -23,7 +23,7 @@ bool IsDisabled(ULONG status, ULONG problem) noexcept
     return (status & DN_HAS_PROBLEM) != 0 && problem == CM_PROB_DISABLED;
 }
 
-/// False for a device that mustn't be disabled, and for one that a hardware switch has disabled.
+// False for a device that mustn't be disabled, and for one that a hardware switch has disabled.
 bool IsSwitchable(ULONG status, ULONG problem) noexcept
 {
     return (status & DN_DISABLEABLE) != 0 && problem != CM_PROB_HARDWARE_DISABLED;
@@ -31,7 +31,7 @@ bool IsSwitchable(ULONG status, ULONG problem) noexcept
 
 } // namespace
 
-/// The wired or the wireless network: the words of its adapters and what its status query logs.
+// The wired or the wireless network: the words of its adapters and what its status query logs.
 struct CLanAgent::Network
 {
     wchar_t (CLanAgent::*firstWord)[text::kPathCapacity];

@@ -16,18 +16,18 @@ namespace
 
 constexpr wchar_t kStandardSpeedValue[] = L"*SpeedDuplex";
 
-/// The number of each speed level in the standard value.
+// The number of each speed level in the standard value.
 constexpr int kStandardSpeeds[] = {0, 1, 2, 3, 4, 6};
 
 using ValueText = wchar_t[text::kPathCapacity];
 
-/// Reads a value as text, whatever its type. False when it isn't there.
+// Reads a value as text, whatever its type. False when it isn't there.
 bool ReadValue(HKEY key, const wchar_t* name, ValueText& value) noexcept
 {
     return registry::ReadText(key, name, value) == ERROR_SUCCESS;
 }
 
-/// The key that holds the network adapters' driver keys.
+// The key that holds the network adapters' driver keys.
 owners::Key OpenAdapterClass() noexcept
 {
     const HKEY key =
@@ -40,7 +40,7 @@ owners::Key OpenAdapterClass() noexcept
     return owners::Key(key);
 }
 
-/// Opens the adapter key of that number; empty behind the last and when it refuses `access`.
+// Opens the adapter key of that number; empty behind the last and when it refuses `access`.
 owners::Key OpenAdapter(const owners::Key& adapterClass, DWORD index, REGSAM access) noexcept
 {
     wchar_t name[text::kPathCapacity];
@@ -67,8 +67,8 @@ bool WriteNumber(HKEY key, const wchar_t* name, int number) noexcept
 
 } // namespace
 
-/// True for an adapter whose description has one of the wired words. Drivers of the second word know the
-/// standard value alone, whose name the object uses from then on.
+// True for an adapter whose description has one of the wired words. Drivers of the second word know the
+// standard value alone, whose name the object uses from then on.
 bool CLanAgent::TakesSpeedFrom(HKEY adapter) noexcept
 {
     ValueText description;
@@ -122,7 +122,7 @@ int CLanAgent::SetLanSpeed(int level) noexcept
     return level;
 }
 
-/// True when the adapter has a speed; `level` is -1 for a number that the standard value doesn't have.
+// True when the adapter has a speed; `level` is -1 for a number that the standard value doesn't have.
 bool CLanAgent::LoadSpeed(HKEY adapter, int& level) noexcept
 {
     ValueText present;

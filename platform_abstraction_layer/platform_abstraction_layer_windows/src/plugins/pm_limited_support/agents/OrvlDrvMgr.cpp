@@ -11,10 +11,10 @@
 namespace
 {
 
-/// From this major version on the connection is opened once and stays.
+// From this major version on the connection is opened once and stays.
 constexpr BYTE kFirstResidentVersion = 6;
 
-/// Logs the version of the system. True when a connection stays open until the library is unloaded.
+// Logs the version of the system. True when a connection stays open until the library is unloaded.
 bool StaysConnected() noexcept
 {
     const DWORD version = GetVersion();

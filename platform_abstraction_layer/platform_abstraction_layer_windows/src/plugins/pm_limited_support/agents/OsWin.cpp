@@ -12,7 +12,7 @@
 namespace
 {
 
-/// Logs a refusal of the registry and gives the last error as it was before the log changed it.
+// Logs a refusal of the registry and gives the last error as it was before the log changed it.
 LONG FailedRegistryCall(const wchar_t* format, const wchar_t* name) noexcept
 {
     const DWORD error = GetLastError();

@@ -37,7 +37,7 @@ void ReportLastError(const wchar_t* format) noexcept
 class OpenToAll
 {
 public:
-    /// False when the system refuses; it has been reported then.
+    // False when the system refuses; it has been reported then.
     bool Prepare() noexcept
     {
         if (!InitializeSecurityDescriptor(&m_descriptor, SECURITY_DESCRIPTOR_REVISION))

@@ -45,7 +45,7 @@ public:
         return writeAc != nullptr && writeDc != nullptr;
     }
 
-    /// The variable's own setting, as the catalogue names it.
+    // The variable's own setting, as the catalogue names it.
     bool Write(int value) const noexcept
     {
         return WriteSetting(subGroup, setting, value);
