@@ -105,8 +105,7 @@ int Console::Run(const std::vector<std::string>& words)
         return -1;
     }
     const std::string command = entry == nullptr ? words.front() : entry->name;
-    const std::size_t capacity = entry == nullptr ? 0 : entry->reply.size;
-    const Answer answer = m_session.Send(command, ToWire(m_user), payload.bytes, capacity);
+    const Answer answer = m_session.Send(command, ToWire(m_user), payload.bytes);
     Print(Show(command, entry, answer, m_style));
     return static_cast<int>(answer.code);
 }

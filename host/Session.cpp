@@ -13,6 +13,9 @@ namespace host
 namespace
 {
 
+// More than any payload or reply has, in bytes.
+constexpr std::size_t kLongestRecord = 2048;
+
 // The plug-in's event function has no context argument, so the one session of a process stands here.
 Session::Listener theListener;
 
@@ -98,19 +101,18 @@ std::string Session::Description() const
     return m_getDescription();
 }
 
-Answer Session::Send(const std::string& command, const std::string& user, std::span<const std::byte> payload,
-                     std::size_t capacity) const
+Answer Session::Send(const std::string& command, const std::string& user,
+                     std::span<const std::byte> payload) const
 {
     PM_Request request{};
     std::memcpy(request.command, command.c_str(), std::min(command.size(), sizeof request.command));
 
-    // Two commands read their payload whatever its length says, so the copy is never shorter than the longest
-    // record.
+    // Two commands read their payload whatever its length says, so the copy is never shorter than a record.
     std::vector<std::byte> input(payload.begin(), payload.end());
-    input.resize(std::max<std::size_t>(input.size(), 2048));
-    std::vector<std::byte> output(std::max<std::size_t>(capacity, 2048));
-    const DWORD kUntouched = static_cast<DWORD>(output.size());
-    DWORD length = kUntouched;
+    input.resize(std::max(input.size(), kLongestRecord));
+    std::vector<std::byte> output(kLongestRecord);
+    // A length that comes back unchanged tells that there is no reply: none fills the room whole.
+    auto length = static_cast<DWORD>(output.size());
 
     request.userId = user.c_str();
     request.params = input.data();
@@ -120,7 +122,7 @@ Answer Session::Send(const std::string& command, const std::string& user, std::s
 
     Answer answer;
     answer.code = m_handleRequest(&request);
-    if (length < kUntouched)
+    if (length < output.size())
     {
         output.resize(length);
         answer.reply = std::move(output);

@@ -51,9 +51,9 @@ public:
     std::string ModuleId() const;
     std::string Description() const;
 
-    /// Hands one request over. `user` is narrow, in the ANSI code page; `capacity` is the room for the reply.
-    Answer Send(const std::string& command, const std::string& user, std::span<const std::byte> payload,
-                std::size_t capacity) const;
+    /// Hands one request over. `user` is narrow, in the ANSI code page.
+    Answer Send(const std::string& command, const std::string& user,
+                std::span<const std::byte> payload) const;
 
 private:
     HMODULE m_library = nullptr;
