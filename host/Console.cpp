@@ -11,6 +11,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <limits>
+#include <span>
 
 namespace host
 {
@@ -18,24 +20,9 @@ namespace host
 namespace
 {
 
-constexpr const char* kHelp =
-    "A line is a command with the fields of its payload:\n"
-    "  GET_INT_FROM_CONFIG type=0 file=ORVLCfg.ini section=ORVLCfg item=MaxBrightLevel default=7\n"
-    "  APPLY_SCHEME 3\n"
-    "Words of the host's own:\n"
-    "  list             all commands with payload and reply\n"
-    "  user NAME        the account for which the next requests are made\n"
-    "  wait EVENT [MS]  waits for an event, 5000 ms unless told otherwise\n"
-    "  sleep MS         waits\n"
-    "  echo TEXT        prints a line\n"
-    "  quit             ends\n";
+constexpr std::uint32_t kDefaultWait = 5000;
 
-constexpr int kDefaultWait = 5000;
-
-int MillisecondsOf(const std::vector<std::string>& words, std::size_t place, int otherwise)
-{
-    return place < words.size() ? ParseNumber(words[place]).value_or(otherwise) : otherwise;
-}
+constexpr std::size_t kWordWidth = 17;
 
 } // namespace
 
@@ -69,7 +56,13 @@ void Console::Receive(const Event& event)
     SetEvent(m_arrived);
 }
 
-bool Console::WaitFor(const std::string& event, int milliseconds)
+bool Console::Fail(const std::string& message)
+{
+    std::fprintf(stderr, "%s\n", message.c_str());
+    return false;
+}
+
+bool Console::WaitFor(const std::string& event, DWORD milliseconds)
 {
     const DWORD start = GetTickCount();
     for (;;)
@@ -86,22 +79,22 @@ bool Console::WaitFor(const std::string& event, int milliseconds)
             }
         }
         const DWORD passed = GetTickCount() - start;
-        if (passed >= static_cast<DWORD>(milliseconds))
+        if (passed >= milliseconds)
         {
             return false;
         }
-        WaitForSingleObject(m_arrived, static_cast<DWORD>(milliseconds) - passed);
+        WaitForSingleObject(m_arrived, milliseconds - passed);
     }
 }
 
-int Console::Run(const std::vector<std::string>& words)
+int Console::Run(const Words& words)
 {
     const CommandEntry* entry = FindCommand(words.front());
     const RecordShape& shape = entry == nullptr ? kNoRecord : entry->payload;
     const Payload payload = BuildPayload(shape, std::span(words).subspan(1));
     if (!payload.error.empty())
     {
-        std::fprintf(stderr, "%s: %s\n", words.front().c_str(), payload.error.c_str());
+        Fail(words.front() + ": " + payload.error);
         return -1;
     }
     const std::string command = entry == nullptr ? words.front() : entry->name;
@@ -110,65 +103,131 @@ int Console::Run(const std::vector<std::string>& words)
     return static_cast<int>(answer.code);
 }
 
-bool Console::RunOwn(const std::vector<std::string>& words, bool& understood)
+// A word of the host's own: how it is written, how many words its line may have, what it does.
+struct Console::OwnWord
 {
-    const std::string& word = words.front();
-    understood = true;
-    if (word == "list")
-    {
-        Print(ShowCatalogue(m_style));
-    }
-    else if (word == "help" || word == "?")
-    {
-        Print(kHelp);
-    }
-    else if (word == "echo")
-    {
-        std::string line;
-        for (std::size_t place = 1; place < words.size(); ++place)
-        {
-            line += (place == 1 ? "" : " ") + words[place];
-        }
-        Print(line + '\n');
-    }
-    else if (word == "user" && words.size() == 2)
-    {
-        m_user = words[1];
-    }
-    else if (word == "sleep" && words.size() == 2)
-    {
-        Sleep(static_cast<DWORD>(std::max(0, MillisecondsOf(words, 1, 0))));
-    }
-    else if (word == "wait" && words.size() >= 2)
-    {
-        understood = WaitFor(words[1], MillisecondsOf(words, 2, kDefaultWait));
-        if (!understood)
-        {
-            std::fprintf(stderr, "no event %s came\n", words[1].c_str());
-        }
-    }
-    else
-    {
-        return false;
-    }
+    const char* name;
+    const char* otherName; // the same again where it has none
+    std::size_t fewestWords;
+    std::size_t mostWords;
+    bool (Console::*run)(const Words& words);
+    const char* usage;
+    const char* help;
+};
+
+std::span<const Console::OwnWord> Console::OwnWords()
+{
+    constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
+    static constexpr OwnWord kOwnWords[] = {
+        {"list", "list", 1, 1, &Console::List, "list", "all commands with payload and reply"},
+        {"user", "user", 2, 2, &Console::SetUser, "user NAME",
+         "the account for which the next requests are made"},
+        {"wait", "wait", 2, 3, &Console::Wait, "wait EVENT [MS]",
+         "waits for an event, 5000 ms unless told otherwise"},
+        {"sleep", "sleep", 2, 2, &Console::Pause, "sleep MS", "waits"},
+        {"echo", "echo", 1, kAnyNumber, &Console::Echo, "echo TEXT", "prints a line"},
+        {"help", "?", 1, 1, &Console::Help, "help", "this text"},
+        {"quit", "exit", 1, 1, &Console::Quit, "quit", "ends"},
+    };
+    return kOwnWords;
+}
+
+bool Console::List(const Words&)
+{
+    Print(ShowCatalogue(m_style));
     return true;
+}
+
+bool Console::SetUser(const Words& words)
+{
+    m_user = words[1];
+    return true;
+}
+
+bool Console::Wait(const Words& words)
+{
+    const auto milliseconds = words.size() > 2 ? ParseMilliseconds(words[2]) : kDefaultWait;
+    if (!milliseconds)
+    {
+        return Fail(words[2] + " is no time in milliseconds");
+    }
+    return WaitFor(words[1], *milliseconds) || Fail("no event " + words[1] + " came");
+}
+
+bool Console::Pause(const Words& words)
+{
+    const auto milliseconds = ParseMilliseconds(words[1]);
+    if (!milliseconds)
+    {
+        return Fail(words[1] + " is no time in milliseconds");
+    }
+    Sleep(*milliseconds);
+    return true;
+}
+
+bool Console::Echo(const Words& words)
+{
+    std::string line;
+    for (std::size_t place = 1; place < words.size(); ++place)
+    {
+        line += (place == 1 ? "" : " ") + words[place];
+    }
+    Print(line + '\n');
+    return true;
+}
+
+bool Console::Help(const Words&)
+{
+    std::string text =
+        "A line is a command with the fields of its payload:\n"
+        "  GET_INT_FROM_CONFIG type=0 file=ORVLCfg.ini section=ORVLCfg item=MaxBrightLevel default=7\n"
+        "  APPLY_SCHEME 3\n"
+        "Words of the host's own:\n";
+    for (const OwnWord& word : OwnWords())
+    {
+        std::string usage = word.usage;
+        usage.resize(std::max(usage.size(), kWordWidth), ' ');
+        text += "  " + usage + word.help + '\n';
+    }
+    Print(text);
+    return true;
+}
+
+bool Console::Quit(const Words&)
+{
+    m_isOver = true;
+    return true;
+}
+
+bool Console::RunLine(const Words& words)
+{
+    for (const OwnWord& own : OwnWords())
+    {
+        if (words.front() != own.name && words.front() != own.otherName)
+        {
+            continue;
+        }
+        const bool isComplete = words.size() >= own.fewestWords && words.size() <= own.mostWords;
+        return isComplete ? (this->*own.run)(words) : Fail(std::string("usage: ") + own.usage);
+    }
+    return Run(words) >= 0;
 }
 
 int Console::RunLines(std::istream& lines, const std::string& prompt)
 {
     int faults = 0;
     std::string line;
-    for (;;)
+    while (!m_isOver)
     {
         Print(prompt);
         if (!std::getline(lines, line))
         {
-            return faults;
+            break;
         }
         const auto words = SplitWords(line);
         if (!words)
         {
-            std::fprintf(stderr, "a quote isn't closed: %s\n", line.c_str());
+            Fail("a quote isn't closed: " + line);
             ++faults;
             continue;
         }
@@ -176,21 +235,13 @@ int Console::RunLines(std::istream& lines, const std::string& prompt)
         {
             continue;
         }
-        if (words->front() == "quit" || words->front() == "exit")
-        {
-            return faults;
-        }
         if (prompt.empty() && m_style == Style::Text && words->front() != "echo")
         {
             Print("trx> " + line + '\n');
         }
-        bool understood = true;
-        if (!RunOwn(*words, understood))
-        {
-            understood = Run(*words) >= 0;
-        }
-        faults += understood ? 0 : 1;
+        faults += RunLine(*words) ? 0 : 1;
     }
+    return faults;
 }
 
 } // namespace host

@@ -121,6 +121,12 @@ std::optional<std::int32_t> ParseNumber(std::string_view text) noexcept
     return static_cast<std::int32_t>(negative ? 0u - magnitude : magnitude);
 }
 
+std::optional<std::uint32_t> ParseMilliseconds(std::string_view text) noexcept
+{
+    const auto number = ParseNumber(text);
+    return number && *number >= 0 ? std::optional(static_cast<std::uint32_t>(*number)) : std::nullopt;
+}
+
 std::string ToWire(std::string_view consoleText)
 {
     return Convert(consoleText, kConsoleCodePage, CP_ACP);

@@ -22,6 +22,9 @@ std::optional<std::vector<std::string>> SplitWords(std::string_view line);
 /// A decimal or "0x" number of 32 bits, signed or unsigned; nothing for every other text.
 std::optional<std::int32_t> ParseNumber(std::string_view text) noexcept;
 
+/// A time in milliseconds; nothing for what is no number or negative.
+std::optional<std::uint32_t> ParseMilliseconds(std::string_view text) noexcept;
+
 /// Text as the console has it, in the ANSI code page of the wire, and back.
 std::string ToWire(std::string_view consoleText);
 std::string FromWire(std::string_view wireText);
