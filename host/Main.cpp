@@ -1,4 +1,4 @@
-// host/main.cpp
+// host/Main.cpp
 //
 // trxhost: loads the plug-in as the host service does and sends it requests from the command line, from a
 // script or by hand.
