@@ -7,6 +7,7 @@
 #include "TextTools.h"
 
 #ifndef _WIN32
+#include "notebook/Notebook.h"
 #include "notebook/Trace.h"
 #endif
 
@@ -154,6 +155,11 @@ int main(int argc, char** argv)
         return 0;
     }
 #ifndef _WIN32
+    if (!simulated::Notebook::Exists())
+    {
+        std::fputs("trxhost: SIM_NOTEBOOK names no notebook; 'notebook create' makes one\n", stderr);
+        return kNoPlugIn;
+    }
     if (options.trace)
     {
         simulated::Trace::Print(true);
