@@ -14,7 +14,6 @@
 #include <getopt.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <fstream>
 #include <iostream>
 
@@ -23,8 +22,9 @@ namespace
 
 constexpr const char* kUsage =
     "usage: trxhost [options] [COMMAND [FIELD=VALUE ...]]\n"
+    "       trxhost [options] --script FILE\n"
     "\n"
-    "Without a command, requests are read from the script or from the terminal.\n"
+    "With neither a command nor a script, requests are read from the terminal.\n"
     "\n"
     "  -u, --user NAME      the account for which the request is made; the running one unless\n"
     "                       told otherwise\n"
@@ -49,7 +49,7 @@ struct Options
     std::string user = host::RunningAccount();
     std::string script;
     std::string library = "pm_limited_support.dll";
-    int wait = 0;
+    std::uint32_t wait = 0; // milliseconds
     host::Style style = host::Style::Text;
     bool trace = false;
     bool list = false;
@@ -69,6 +69,23 @@ constexpr option kLongOptions[] = {
     {"help", no_argument, nullptr, 'h'},       {nullptr, 0, nullptr, 0},
 };
 
+// Notes that the command line is wrong, and tells why.
+void Reject(Options& options, const char* reason)
+{
+    std::fprintf(stderr, "trxhost: %s\n", reason);
+    options.wrong = true;
+}
+
+void TakeWait(Options& options, const char* value)
+{
+    if (const auto milliseconds = host::ParseMilliseconds(value))
+    {
+        options.wait = *milliseconds;
+        return;
+    }
+    Reject(options, "--wait takes a time in milliseconds");
+}
+
 void Take(Options& options, int letter, const char* value)
 {
     switch (letter)
@@ -80,7 +97,7 @@ void Take(Options& options, int letter, const char* value)
         options.script = value;
         break;
     case 'w':
-        options.wait = host::ParseNumber(value).value_or(0);
+        TakeWait(options, value);
         break;
     case 'j':
         options.style = host::Style::Json;
@@ -115,6 +132,10 @@ Options ReadOptions(int argc, char** argv)
         Take(options, letter, optarg);
     }
     options.words.assign(argv + optind, argv + argc);
+    if (!options.words.empty() && !options.script.empty())
+    {
+        Reject(options, "a command and a script can't both be run");
+    }
     return options;
 }
 
@@ -183,7 +204,7 @@ int main(int argc, char** argv)
     const int status = RunAll(console, options);
     if (options.wait > 0)
     {
-        Sleep(static_cast<DWORD>(options.wait));
+        Sleep(options.wait);
     }
     session.Stop();
     return status;
