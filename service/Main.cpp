@@ -17,20 +17,20 @@ namespace
 
 using namespace service;
 
-// Serves the request that rang. False when the board can't be reached any more.
-bool ServeOne(Boards& boards, const Options& options)
+// Serves the request that rang. A board that can't be reached now may be free at the next one.
+void ServeOne(Boards& boards, const Options& options)
 {
     Request request;
     if (!boards.Take(request))
     {
         std::printf("the parameter board can't be read\n");
-        return false;
+        return;
     }
     Print(request);
     if (options.silent)
     {
         std::printf("  left without an answer\n");
-        return true;
+        return;
     }
     const Answer answer = options.refuse ? FailureNotice(kGeneralFailure) : Carry(request);
     if (options.slowMilliseconds != 0)
@@ -40,14 +40,13 @@ bool ServeOne(Boards& boards, const Options& options)
     if (!boards.Give(answer))
     {
         std::printf("the result board can't be written\n");
-        return false;
+        return;
     }
     if (options.verbose || answer.code != 1)
     {
         std::printf("  answered code %lu, value 0x%lx\n", static_cast<unsigned long>(answer.code),
                     static_cast<unsigned long>(answer.value));
     }
-    return true;
 }
 
 // Until something ends the service. The process's exit code.
@@ -78,7 +77,6 @@ int Serve(const Options& options)
                          static_cast<unsigned long>(GetLastError()));
             return 1;
         }
-        // A board that can't be reached now may be free at the next request.
         if (woken == WAIT_OBJECT_0 + 1)
         {
             ServeOne(boards, options);
