@@ -100,13 +100,13 @@ int main(int count, char** arguments)
     Options options;
     if (!ParseOptions(count, arguments, options))
     {
-        PrintUsage();
+        PrintUsage(stderr);
         return 2;
     }
     switch (options.task)
     {
     case Task::Help:
-        PrintUsage();
+        PrintUsage(stdout);
         return 0;
     case Task::StopOther:
         if (!StopSignal::Send())

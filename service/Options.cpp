@@ -18,24 +18,23 @@ namespace
 struct Option
 {
     const char* name;
-    bool takesNumber;
+    const char* argument; // "MS" for a number, else empty
     void (*apply)(Options& options, unsigned number);
     const char* help;
 };
 
 constexpr Option kOptions[] = {
-    {"--slow", true, [](Options& options, unsigned number) { options.slowMilliseconds = number; },
-     "MS    wait MS milliseconds before each answer"},
-    {"--refuse", false, [](Options& options, unsigned) { options.refuse = true; },
-     "     answer every request with a failure notice"},
-    {"--silent", false, [](Options& options, unsigned) { options.silent = true; },
-     "     take requests and answer none"},
-    {"--once", false, [](Options& options, unsigned) { options.once = true; },
-     "       end after the first request"},
-    {"--verbose", false, [](Options& options, unsigned) { options.verbose = true; }, "    tell every step"},
-    {"--stop", false, [](Options& options, unsigned) { options.task = Task::StopOther; },
-     "       end the service that is running"},
-    {"--help", false, [](Options& options, unsigned) { options.task = Task::Help; }, "       this text"},
+    {"--slow", "MS", [](Options& options, unsigned number) { options.slowMilliseconds = number; },
+     "wait MS milliseconds before each answer"},
+    {"--refuse", "", [](Options& options, unsigned) { options.refuse = true; },
+     "answer every request with a failure notice"},
+    {"--silent", "", [](Options& options, unsigned) { options.silent = true; },
+     "take requests and answer none"},
+    {"--once", "", [](Options& options, unsigned) { options.once = true; }, "end after the first request"},
+    {"--verbose", "", [](Options& options, unsigned) { options.verbose = true; }, "tell every step"},
+    {"--stop", "", [](Options& options, unsigned) { options.task = Task::StopOther; },
+     "end the service that is running"},
+    {"--help", "", [](Options& options, unsigned) { options.task = Task::Help; }, "this text"},
 };
 
 const Option* Find(const char* name)
@@ -76,7 +75,7 @@ bool ParseOptions(int count, char** arguments, Options& options)
             return false;
         }
         unsigned number = 0;
-        if (option->takesNumber && (++i == count || !ParseNumber(arguments[i], number)))
+        if (*option->argument != 0 && (++i == count || !ParseNumber(arguments[i], number)))
         {
             std::fprintf(stderr, "orvlservice: %s needs a number\n", option->name);
             return false;
@@ -86,13 +85,17 @@ bool ParseOptions(int count, char** arguments, Options& options)
     return true;
 }
 
-void PrintUsage()
+void PrintUsage(std::FILE* stream)
 {
-    std::puts("orvlservice serves the boards over which the plug-in reports applied schemes and asks for\n"
-              "changes of devices. It ends on Ctrl-C, when the pipe that feeds it closes, and on --stop.\n");
+    std::fputs("usage: orvlservice [options]\n"
+               "\n"
+               "Serves the boards over which the plug-in reports applied schemes and asks for changes of\n"
+               "devices. It ends on Ctrl-C, when the pipe that feeds it closes, and on --stop.\n"
+               "\n",
+               stream);
     for (const Option& option : kOptions)
     {
-        std::printf("  %s %s\n", option.name, option.help);
+        std::fprintf(stream, "  %-9s %-2s  %s\n", option.name, option.argument, option.help);
     }
 }
 

@@ -3,6 +3,8 @@
 // What the command line asks of the service.
 #pragma once
 
+#include <cstdio>
+
 namespace service
 {
 
@@ -27,6 +29,7 @@ struct Options
 /// standard error.
 bool ParseOptions(int count, char** arguments, Options& options);
 
-void PrintUsage();
+/// Prints how the service is called.
+void PrintUsage(std::FILE* stream);
 
 } // namespace service
