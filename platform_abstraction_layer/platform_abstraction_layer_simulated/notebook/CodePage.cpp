@@ -25,6 +25,7 @@ constexpr std::array<wchar_t, 32> kUpperControls = {
 
 constexpr unsigned char kFirstUpperControl = 0x80;
 constexpr unsigned char kDefaultCharacter = '?';
+constexpr unsigned kLatinCodePage = 1252;
 constexpr unsigned kUtf8CodePage = 65001;
 
 // The plain letters that stand for U+0100 to U+017F. "?" marks those that have none, and those that the code
@@ -59,6 +60,11 @@ std::optional<unsigned char> ToWindows1252(wchar_t unit) noexcept
         return static_cast<unsigned char>(kLatinExtended[index]);
     }
     return std::nullopt;
+}
+
+bool IsAnsiCodePage(unsigned codePage) noexcept
+{
+    return codePage == kLatinCodePage || codePage == kUtf8CodePage;
 }
 
 Encoding AnsiEncoding()

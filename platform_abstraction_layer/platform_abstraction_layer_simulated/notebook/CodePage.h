@@ -19,6 +19,9 @@ enum class Encoding
     Utf16 ///< little-endian
 };
 
+/// True for the two code pages that the machine's ANSI one can be, 1252 and 65001.
+bool IsAnsiCodePage(unsigned codePage) noexcept;
+
 /// The encoding of narrow text on this machine: machine.ini, section "Machine", key "AnsiCodePage", which is
 /// 1252 or 65001.
 Encoding AnsiEncoding();

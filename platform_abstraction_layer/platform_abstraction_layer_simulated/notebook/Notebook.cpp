@@ -6,6 +6,7 @@
 
 #include "advapi32/Hives.h"
 #include "advapi32/Tokens.h"
+#include "notebook/CodePage.h"
 #include "notebook/HardwareSeeding.h"
 #include "notebook/HostFiles.h"
 #include "notebook/Machine.h"
@@ -316,7 +317,7 @@ bool Notebook::SetVersion(DWORD major, DWORD minor)
 
 bool Notebook::SetCodePage(unsigned codePage)
 {
-    return Machine::WriteNumber(kSection, "AnsiCodePage", codePage);
+    return IsAnsiCodePage(codePage) && Machine::WriteNumber(kSection, "AnsiCodePage", codePage);
 }
 
 bool Notebook::SetModule(const std::string& name, bool isPresent)

@@ -73,6 +73,7 @@ public:
     /// was made for. False for a version that isn't known.
     static bool SetVersion(DWORD major, DWORD minor);
 
+    /// False for a code page that isn't known.
     static bool SetCodePage(unsigned codePage);
 
     /// Takes a DLL of the system away, or one of its functions ("PowrProf.dll.PowerDeleteScheme"), or puts it
