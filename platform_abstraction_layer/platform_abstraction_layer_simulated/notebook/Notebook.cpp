@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 
 namespace simulated
 {
@@ -33,6 +34,9 @@ constexpr const char* kUserSidBegin = "S-1-5-21-1220945662-1202660629-1417001333
 constexpr unsigned kFirstUserNumber = 1003;
 constexpr const char* kInstallationFiles = ".ini";
 constexpr const char* kPowerSchemesFile = "PowerSchemes.ini";
+
+// What lies in a notebook's folder, beside the files that WholeFile needs for a while.
+constexpr const char* kParts[] = {"drives", "machine.ini", "objects", "registry"};
 
 struct Version
 {
@@ -196,7 +200,12 @@ std::string NextUserSid()
 bool Notebook::Create(const std::string& folder, const NotebookOptions& options)
 {
     const Version* const version = FindVersion(options.major, options.minor);
-    if (version == nullptr || !host_files::RemoveAll(folder) || !host_files::MakeFolders(folder))
+    std::error_code ignored;
+    const bool isPossible =
+        version != nullptr && IsAnsiCodePage(options.codePage) && IsReplaceable(folder) &&
+        (options.installation.empty() || std::filesystem::is_directory(options.installation, ignored));
+    // Nothing is emptied for a notebook that can't be made.
+    if (!isPossible || !host_files::RemoveAll(folder) || !host_files::MakeFolders(folder))
     {
         return false;
     }
@@ -213,6 +222,23 @@ bool Notebook::Create(const std::string& folder, const NotebookOptions& options)
            host_files::Write(Machine::PathOf("machine.ini"),
                              StateText(*version, options.codePage, accounts)) &&
            (options.installation.empty() || Install(options.installation));
+}
+
+bool Notebook::IsReplaceable(const std::string& folder)
+{
+    std::error_code error;
+    const std::filesystem::directory_iterator entries(folder, error);
+    if (error)
+    {
+        return error == std::errc::no_such_file_or_directory;
+    }
+    return std::all_of(begin(entries), end(entries),
+                       [](const std::filesystem::directory_entry& entry)
+                       {
+                           const std::string name = entry.path().filename().string();
+                           return IsHousekeepingName(name) ||
+                                  std::find(std::begin(kParts), std::end(kParts), name) != std::end(kParts);
+                       });
 }
 
 bool Notebook::Exists()

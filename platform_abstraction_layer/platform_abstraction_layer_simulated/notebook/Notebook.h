@@ -43,8 +43,12 @@ public:
     static constexpr const char* kInstallationFolder = "C:\\Program Files\\Kelvo\\ORVL\\Cfg\\";
 
     /// Makes a fresh notebook in `folder`, which needn't exist and is emptied when it does, and lets this
-    /// process use it. False also for a version of Windows that isn't known.
+    /// process use it. False also for a folder that `IsReplaceable` spares, for a version of Windows and a
+    /// code page that aren't known, and for an installation that isn't there.
     static bool Create(const std::string& folder, const NotebookOptions& options = {});
+
+    /// True for a folder that isn't there or holds nothing but parts of a notebook, a damaged one's included.
+    static bool IsReplaceable(const std::string& folder);
 
     /// True when a notebook has been made in the folder that this process uses.
     static bool Exists();

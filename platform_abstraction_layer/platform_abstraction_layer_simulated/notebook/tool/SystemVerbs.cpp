@@ -42,6 +42,11 @@ Outcome Create(const Request& request)
         return Outcome::Misused;
     }
     const std::string folder = Machine::Folder();
+    if (!Notebook::IsReplaceable(folder))
+    {
+        std::fprintf(stderr, "notebook: %s holds something else than a notebook\n", folder.c_str());
+        return Outcome::Refused;
+    }
     if (!Notebook::Create(folder, {major, minor, request.codePage, request.installation}))
     {
         return Outcome::Refused;
