@@ -1,6 +1,6 @@
 // notebook/tool/Verbs.h
 //
-// What the tool can be asked to do. Each area of the machine has a table of verbs of its own; main.cpp walks
+// What the tool can be asked to do. Each area of the machine has a table of verbs of its own; Main.cpp walks
 // them.
 #pragma once
 

@@ -1,4 +1,4 @@
-// notebook/tool/main.cpp
+// notebook/tool/Main.cpp
 //
 // notebook: makes a simulated notebook and changes it from the command line. Finds the verb in the tables and
 // tells how it went.
