@@ -58,7 +58,8 @@ void PrintHelp()
     {
         for (const Verb& verb : verbs)
         {
-            std::printf("  %s %s\n      %s\n", verb.name, verb.arguments, verb.help);
+            std::printf("  %s%s%s\n      %s\n", verb.name, *verb.arguments == 0 ? "" : " ", verb.arguments,
+                        verb.help);
         }
     }
 }

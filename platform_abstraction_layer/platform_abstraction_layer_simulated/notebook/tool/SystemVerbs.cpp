@@ -151,7 +151,7 @@ constexpr Verb kVerbs[] = {
      false},
     {"install", "DIR", "copies an installation's files to where they belong", &Install},
     {"show", "", "what the machine is and has", &Show},
-    {"user", "add|add-stranger|logon|logoff|remove NAME, user list",
+    {"user", "add|add-stranger|logon|logoff|remove NAME | list",
      "accounts; a stranger is known but has no profile", &ChangeUser},
     {"version", "5.1|6.0|6.1|10.0", "the version that Windows answers", &SetVersion},
     {"codepage", "1252|65001", "the code page of narrow text", &SetCodePage},
