@@ -2,6 +2,7 @@
 //
 // Accounts and their SIDs, tokens and their privileges, security descriptors.
 
+#include "support/LastError.h"
 #include "support/NotebookTest.h"
 #include "support/WideText.h"
 
@@ -68,8 +69,8 @@ TEST_F(AccountsTest, BuffersThatAreTooSmallLearnTheirSize)
     {
         DWORD sidSize = sidRoom;
         DWORD domainSize = domainRoom;
-        EXPECT_FALSE(LookupAccountNameW(nullptr, L"alice", sid, &sidSize, domain, &domainSize, &use));
-        EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, GetLastError());
+        EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER,
+                  ErrorOf(LookupAccountNameW(nullptr, L"alice", sid, &sidSize, domain, &domainSize, &use)));
         EXPECT_EQ(28U, sidSize);
         EXPECT_EQ(9U, domainSize);
     }
@@ -112,8 +113,7 @@ TEST_F(AccountsTest, TheUserNameIsTheRunningAccount)
     Machine::RunAs("bob");
     wchar_t name[8] = {};
     DWORD size = 3;
-    EXPECT_FALSE(GetUserNameW(name, &size));
-    EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, GetLastError());
+    EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, ErrorOf(GetUserNameW(name, &size)));
     EXPECT_EQ(4U, size);
     EXPECT_TRUE(GetUserNameW(name, &size));
     EXPECT_EQ("bob", Narrow(name));
@@ -159,8 +159,8 @@ TEST_F(TokensTest, PrivilegesAreSwitchedAndTheirOldStateIsTold)
     EXPECT_TRUE(AdjustTokenPrivileges(m_token, FALSE, &wanted, sizeof previous, &previous, &needed));
     EXPECT_EQ(0U, previous.PrivilegeCount);
     // And off again with all others.
-    EXPECT_FALSE(AdjustTokenPrivileges(m_token, TRUE, nullptr, 4, &previous, &needed));
-    EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, GetLastError());
+    EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER,
+              ErrorOf(AdjustTokenPrivileges(m_token, TRUE, nullptr, 4, &previous, &needed)));
     EXPECT_TRUE(AdjustTokenPrivileges(m_token, TRUE, nullptr, 0, nullptr, nullptr));
     wanted.Privileges[0].Attributes = 0;
     EXPECT_TRUE(AdjustTokenPrivileges(m_token, FALSE, &wanted, sizeof previous, &previous, &needed));
@@ -180,21 +180,20 @@ TEST_F(TokensTest, Refusals)
 {
     OpenToken(TOKEN_QUERY);
     TOKEN_PRIVILEGES wanted{1, {{LuidOf(SE_BACKUP_NAME), SE_PRIVILEGE_ENABLED}}};
-    EXPECT_FALSE(AdjustTokenPrivileges(m_token, FALSE, &wanted, 0, nullptr, nullptr));
-    EXPECT_EQ(ERROR_ACCESS_DENIED, GetLastError());
-    EXPECT_FALSE(AdjustTokenPrivileges(nullptr, FALSE, &wanted, 0, nullptr, nullptr));
-    EXPECT_EQ(ERROR_INVALID_HANDLE, GetLastError());
+    EXPECT_EQ(ERROR_ACCESS_DENIED,
+              ErrorOf(AdjustTokenPrivileges(m_token, FALSE, &wanted, 0, nullptr, nullptr)));
+    EXPECT_EQ(ERROR_INVALID_HANDLE,
+              ErrorOf(AdjustTokenPrivileges(nullptr, FALSE, &wanted, 0, nullptr, nullptr)));
     LUID luid{};
-    EXPECT_FALSE(LookupPrivilegeValueW(nullptr, L"SeEverythingPrivilege", &luid));
-    EXPECT_EQ(ERROR_NO_SUCH_PRIVILEGE, GetLastError());
+    EXPECT_EQ(ERROR_NO_SUCH_PRIVILEGE,
+              ErrorOf(LookupPrivilegeValueW(nullptr, L"SeEverythingPrivilege", &luid)));
 }
 
 TEST(SecurityDescriptorTest, AnEmptyListOfRightsLetsEverybodyIn)
 {
     SECURITY_DESCRIPTOR descriptor;
     std::memset(&descriptor, 0xEE, sizeof descriptor);
-    EXPECT_FALSE(SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE));
-    EXPECT_EQ(ERROR_UNKNOWN_REVISION, GetLastError());
+    EXPECT_EQ(ERROR_UNKNOWN_REVISION, ErrorOf(SetSecurityDescriptorDacl(&descriptor, TRUE, nullptr, FALSE)));
     EXPECT_FALSE(InitializeSecurityDescriptor(&descriptor, 2));
     ASSERT_TRUE(InitializeSecurityDescriptor(&descriptor, SECURITY_DESCRIPTOR_REVISION));
     EXPECT_EQ(0, descriptor.Control);

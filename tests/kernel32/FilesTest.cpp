@@ -2,6 +2,7 @@
 //
 // Paths, files and folders of the simulated machine, and the folders that the system knows by number.
 
+#include "support/LastError.h"
 #include "support/NotebookTest.h"
 #include "support/WideText.h"
 
@@ -45,14 +46,8 @@ HANDLE Open(const wchar_t* path, DWORD access, DWORD share, DWORD disposition = 
     return CreateFileW(path, access, share, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
 }
 
-// 0 or the last error of a call that answered `succeeded`; of the type that the error numbers have.
-long ErrorOf(bool succeeded)
-{
-    return succeeded ? ERROR_SUCCESS : static_cast<long>(GetLastError());
-}
-
-// The same of an opening, which is closed again.
-long ErrorOf(HANDLE opened)
+// 0 or the last error of an opening, which is closed again.
+long OpeningError(HANDLE opened)
 {
     return ErrorOf(opened != INVALID_HANDLE_VALUE && CloseHandle(opened));
 }
@@ -116,7 +111,7 @@ TEST_F(FilesTest, DispositionsOfCreateFile)
         EXPECT_EQ(sizeAfter, std::filesystem::file_size(HostPath("Folder/File.txt")));
         std::filesystem::remove(HostPath("Folder/Missing"));
     }
-    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(Open(L"C:\\Folder", GENERIC_READ, 0)));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, OpeningError(Open(L"C:\\Folder", GENERIC_READ, 0)));
 }
 
 TEST_F(FilesTest, ShareModes)
@@ -139,12 +134,12 @@ TEST_F(FilesTest, ShareModes)
         SCOPED_TRACE(testing::Message() << firstAccess << ' ' << firstShare << ' ' << access << ' ' << share);
         const HANDLE first = Open(path, firstAccess, firstShare);
         ASSERT_NE(INVALID_HANDLE_VALUE, first);
-        EXPECT_EQ(opens ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION, ErrorOf(Open(path, access, share)));
+        EXPECT_EQ(opens ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION, OpeningError(Open(path, access, share)));
         const bool sharesDelete = firstAccess == 0 || (firstShare & FILE_SHARE_DELETE) != 0;
         EXPECT_EQ(sharesDelete ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION, ErrorOf(DeleteFileW(path)));
         EXPECT_TRUE(CloseHandle(first));
         std::ofstream(HostPath("Folder/File.txt")) << "abcdef";
-        EXPECT_EQ(ERROR_SUCCESS, ErrorOf(Open(path, GENERIC_READ | GENERIC_WRITE, 0)))
+        EXPECT_EQ(ERROR_SUCCESS, OpeningError(Open(path, GENERIC_READ | GENERIC_WRITE, 0)))
             << "a claim outlived its handle";
     }
 }
@@ -180,7 +175,7 @@ TEST_F(FilesTest, ReadOnlyFilesAndFolders)
     const wchar_t* const path = L"C:\\Folder\\File.txt";
     ASSERT_TRUE(SetFileAttributesW(path, FILE_ATTRIBUTE_READONLY));
     EXPECT_EQ(static_cast<DWORD>(FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE), GetFileAttributesW(path));
-    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(Open(path, GENERIC_WRITE, 0)));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, OpeningError(Open(path, GENERIC_WRITE, 0)));
     EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(DeleteFileW(path)));
     EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(WritePrivateProfileStringW(L"s", L"k", L"v", path)));
     EXPECT_EQ(nullptr, _wfopen(path, L"ab"));
@@ -188,7 +183,7 @@ TEST_F(FilesTest, ReadOnlyFilesAndFolders)
     ASSERT_TRUE(SetFileAttributesW(path, FILE_ATTRIBUTE_NORMAL));
 
     ASSERT_EQ(0, chmod(HostPath("Folder").c_str(), 0555));
-    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(Open(L"C:\\Folder\\New", GENERIC_WRITE, 0, CREATE_NEW)));
+    EXPECT_EQ(ERROR_ACCESS_DENIED, OpeningError(Open(L"C:\\Folder\\New", GENERIC_WRITE, 0, CREATE_NEW)));
     EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(DeleteFileW(path)));
     for (const wchar_t* file : {path, L"C:\\Folder\\New.ini"})
     {

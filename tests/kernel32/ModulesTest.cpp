@@ -10,6 +10,7 @@
 #include "notebook/Machine.h"
 #include "notebook/Text.h"
 #include "notebook/Trace.h"
+#include "support/LastError.h"
 #include "support/NotebookTest.h"
 
 #include <gmock/gmock.h>
@@ -56,7 +57,7 @@ protected:
 TEST_F(ModulesTest, MachineTakesModulesAndEntriesAway)
 {
     // What machine.ini takes away, what is asked for, and the system's major version.
-    const std::tuple<const char*, LPCWSTR, LPCSTR, DWORD, DWORD> cases[] = {
+    const std::tuple<const char*, LPCWSTR, LPCSTR, DWORD, long> cases[] = {
         {"", L"Sample.dll", "OldFunction", 5, ERROR_SUCCESS},
         {"", L"SAMPLE", "OldFunction", 5, ERROR_SUCCESS},
         {"", L"C:\\Windows\\System32\\sample.DLL", "OldFunction", 5, ERROR_SUCCESS},
@@ -80,11 +81,9 @@ TEST_F(ModulesTest, MachineTakesModulesAndEntriesAway)
     {
         Machine::WriteNumber("Machine", "Major", major);
         Machine::Write("Modules", absent, "absent");
-        SetLastError(ERROR_SUCCESS);
         const HMODULE module = LoadLibraryW(name);
         const FARPROC found = module == nullptr ? nullptr : GetProcAddress(module, entry);
-        EXPECT_EQ(error, GetLastError()) << absent << ", " << simulated::ToUtf8(name);
-        EXPECT_EQ(error == ERROR_SUCCESS, found != nullptr);
+        EXPECT_EQ(error, ErrorOf(found != nullptr)) << absent << ", " << simulated::ToUtf8(name);
         EXPECT_TRUE(module == nullptr || FreeLibrary(module));
         Machine::Remove("Modules");
     }
@@ -128,8 +127,7 @@ TEST_F(ModulesTest, DllThatRefusesIsNotLoaded)
 {
     {
         const OwnedHandle refusal(CreateEventW(nullptr, TRUE, FALSE, kRefusal));
-        EXPECT_EQ(nullptr, LoadLibraryW(L"sample_module.dll"));
-        EXPECT_EQ(ERROR_DLL_INIT_FAILED, GetLastError());
+        EXPECT_EQ(ERROR_DLL_INIT_FAILED, ErrorOf(LoadLibraryW(L"sample_module.dll") != nullptr));
     }
     const HMODULE module = LoadLibraryW(L"sample_module.dll");
     EXPECT_NE(nullptr, module);

@@ -5,6 +5,7 @@
 #include "kernel32/OwnedHandle.h"
 #include "notebook/Clock.h"
 #include "support/ChildProcess.h"
+#include "support/LastError.h"
 #include "support/NotebookTest.h"
 
 namespace
@@ -102,8 +103,7 @@ TEST_F(NamedObjectsTest, ObjectEndsWithItsLastHolderKilledOrNot)
         child.Kill();
         EXPECT_EQ(isHeldHereToo, OpenEvent(L"Global\\Held") != nullptr);
         held.reset();
-        EXPECT_EQ(nullptr, OpenEvent(L"Global\\Held"));
-        EXPECT_EQ(ERROR_FILE_NOT_FOUND, GetLastError());
+        EXPECT_EQ(ERROR_FILE_NOT_FOUND, ErrorOf(OpenEvent(L"Global\\Held") != nullptr));
         EXPECT_NE(nullptr, OwnedHandle(CreateSemaphoreW(nullptr, 0, 1, L"Global\\Held")))
             << "the name is free";
         EXPECT_EQ(ERROR_SUCCESS, GetLastError());

@@ -4,6 +4,7 @@
 // plain Win32: the simulated platform and Windows itself are held to the same tables.
 
 #include "kernel32/OwnedHandle.h"
+#include "support/LastError.h"
 #include "support/WideText.h"
 
 #include <array>
@@ -114,20 +115,18 @@ TEST(ObjectConformance, NamesAreToldApart)
 {
     const OwnedHandle plain(CreateEventW(nullptr, TRUE, FALSE, L"Ring 1/2"));
     const OwnedHandle global(CreateEventW(nullptr, TRUE, FALSE, L"Global\\Bell"));
-    const std::pair<LPCWSTR, DWORD> cases[] = {{L"Ring 1/2", ERROR_SUCCESS},
-                                               {L"Local\\Ring 1/2", ERROR_SUCCESS},
-                                               {L"Global\\Ring 1/2", ERROR_FILE_NOT_FOUND},
-                                               {L"Ring 1_2", ERROR_FILE_NOT_FOUND},
-                                               {L"ring 1/2", ERROR_FILE_NOT_FOUND},
-                                               {L"Bell", ERROR_FILE_NOT_FOUND},
-                                               {L"Folder\\Bell", ERROR_PATH_NOT_FOUND},
-                                               {nullptr, ERROR_INVALID_PARAMETER}};
+    const std::pair<LPCWSTR, long> cases[] = {{L"Ring 1/2", ERROR_SUCCESS},
+                                              {L"Local\\Ring 1/2", ERROR_SUCCESS},
+                                              {L"Global\\Ring 1/2", ERROR_FILE_NOT_FOUND},
+                                              {L"Ring 1_2", ERROR_FILE_NOT_FOUND},
+                                              {L"ring 1/2", ERROR_FILE_NOT_FOUND},
+                                              {L"Bell", ERROR_FILE_NOT_FOUND},
+                                              {L"Folder\\Bell", ERROR_PATH_NOT_FOUND},
+                                              {nullptr, ERROR_INVALID_PARAMETER}};
     for (const auto& [name, error] : cases)
     {
-        SetLastError(ERROR_SUCCESS);
         const OwnedHandle opened(OpenEventW(EVENT_ALL_ACCESS, FALSE, name));
-        EXPECT_EQ(error, GetLastError()) << (name == nullptr ? "null" : Narrow(name));
-        EXPECT_EQ(error == ERROR_SUCCESS, opened != nullptr);
+        EXPECT_EQ(error, ErrorOf(opened != nullptr)) << (name == nullptr ? "null" : Narrow(name));
     }
 }
 
@@ -139,8 +138,7 @@ TEST(ObjectConformance, LongNamesStayDifferent)
     const OwnedHandle longest(CreateEventW(nullptr, TRUE, FALSE, name.data()));
     EXPECT_NE(nullptr, longest);
     name[254] = L'\x20AD';
-    EXPECT_EQ(nullptr, OpenEventW(EVENT_ALL_ACCESS, FALSE, name.data()));
-    EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, GetLastError());
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, ErrorOf(OpenEventW(EVENT_ALL_ACCESS, FALSE, name.data()) != nullptr));
     name[254] = L'\x20AC';
     EXPECT_NE(nullptr, OwnedHandle(OpenEventW(EVENT_ALL_ACCESS, FALSE, name.data())));
 }
@@ -196,7 +194,7 @@ TEST(ObjectConformance, HandlesLimitWhatCanBeDone)
     const OwnedHandle named(CreateEventW(nullptr, TRUE, TRUE, L"Limited"));
     const OwnedHandle noWait(OpenEventW(EVENT_MODIFY_STATE, FALSE, L"Limited"));
     const OwnedHandle noChange(OpenEventW(SYNCHRONIZE, FALSE, L"Limited"));
-    const std::tuple<HANDLE, DWORD, DWORD> cases[] = {
+    const std::tuple<HANDLE, long, long> cases[] = {
         {named.get(), ERROR_SUCCESS, ERROR_SUCCESS},
         {nullptr, ERROR_INVALID_HANDLE, ERROR_INVALID_HANDLE},
         {mapping.get(), ERROR_ACCESS_DENIED, ERROR_INVALID_HANDLE},
@@ -204,49 +202,42 @@ TEST(ObjectConformance, HandlesLimitWhatCanBeDone)
         {noChange.get(), ERROR_SUCCESS, ERROR_ACCESS_DENIED}};
     for (const auto& [handle, waitError, setError] : cases)
     {
-        SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(waitError == ERROR_SUCCESS ? WAIT_OBJECT_0 : WAIT_FAILED, WaitForSingleObject(handle, 0));
-        EXPECT_EQ(waitError, GetLastError()) << setError;
-        SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(setError == ERROR_SUCCESS, SetEvent(handle) != FALSE);
-        EXPECT_EQ(setError, GetLastError()) << waitError;
+        EXPECT_EQ(waitError, ErrorOf(WaitForSingleObject(handle, 0) == WAIT_OBJECT_0)) << setError;
+        EXPECT_EQ(setError, ErrorOf(SetEvent(handle))) << waitError;
     }
     for (const DWORD count : {DWORD{0}, DWORD{MAXIMUM_WAIT_OBJECTS + 1}})
     {
         const std::vector<HANDLE> many(MAXIMUM_WAIT_OBJECTS + 1, named.get());
-        EXPECT_EQ(WAIT_FAILED, WaitForMultipleObjects(count, many.data(), FALSE, 0));
-        EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());
+        EXPECT_EQ(ERROR_INVALID_PARAMETER,
+                  ErrorOf(WaitForMultipleObjects(count, many.data(), FALSE, 0) != WAIT_FAILED));
     }
 }
 
 TEST(ObjectConformance, SemaphoreTellsItsCountAndKeepsItsBound)
 {
     const OwnedHandle semaphore(CreateSemaphoreW(nullptr, 1, 3, nullptr));
-    const std::tuple<LONG, DWORD, LONG> cases[] = {{1, ERROR_SUCCESS, 1},
-                                                   {2, ERROR_TOO_MANY_POSTS, -1},
-                                                   {0x7FFFFFFF, ERROR_TOO_MANY_POSTS, -1},
-                                                   {1, ERROR_SUCCESS, 2}};
+    const std::tuple<LONG, long, LONG> cases[] = {{1, ERROR_SUCCESS, 1},
+                                                  {2, ERROR_TOO_MANY_POSTS, -1},
+                                                  {0x7FFFFFFF, ERROR_TOO_MANY_POSTS, -1},
+                                                  {1, ERROR_SUCCESS, 2}};
     for (const auto& [count, error, expected] : cases)
     {
         LONG previous = -1;
-        SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(error == ERROR_SUCCESS, ReleaseSemaphore(semaphore.get(), count, &previous) != FALSE);
-        EXPECT_EQ(error, GetLastError());
+        EXPECT_EQ(error, ErrorOf(ReleaseSemaphore(semaphore.get(), count, &previous)));
         EXPECT_EQ(expected, previous);
     }
     for (const DWORD answer : {WAIT_OBJECT_0, WAIT_OBJECT_0, WAIT_OBJECT_0, DWORD{WAIT_TIMEOUT}})
     {
         EXPECT_EQ(answer, WaitForSingleObject(semaphore.get(), 0));
     }
-    EXPECT_EQ(nullptr, CreateSemaphoreW(nullptr, 4, 3, nullptr));
-    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, ErrorOf(CreateSemaphoreW(nullptr, 4, 3, nullptr) != nullptr));
 }
 
 TEST(ObjectConformance, ViewsAreBoundedByWholePages)
 {
     const OwnedHandle made = NewMapping(0x10001, L"Bounded");
     const OwnedHandle readable(OpenFileMappingW(SECTION_MAP_READ, FALSE, L"Bounded"));
-    const std::tuple<HANDLE, DWORD, DWORD, SIZE_T, DWORD> cases[] = {
+    const std::tuple<HANDLE, DWORD, DWORD, SIZE_T, long> cases[] = {
         {made.get(), FILE_MAP_ALL_ACCESS, 0, 0x11000, ERROR_SUCCESS},
         {made.get(), FILE_MAP_ALL_ACCESS, 0, 0x11001, ERROR_ACCESS_DENIED},
         {made.get(), FILE_MAP_READ, 0x10000, 0x1000, ERROR_SUCCESS},
@@ -257,16 +248,12 @@ TEST(ObjectConformance, ViewsAreBoundedByWholePages)
         {nullptr, FILE_MAP_READ, 0, 1, ERROR_INVALID_HANDLE}};
     for (const auto& [mapping, access, offset, size, error] : cases)
     {
-        SetLastError(ERROR_SUCCESS);
         void* const view = MapViewOfFile(mapping, access, 0, offset, size);
-        EXPECT_EQ(error, GetLastError()) << access << ", " << offset << ", " << size;
-        EXPECT_EQ(error == ERROR_SUCCESS, view != nullptr);
+        EXPECT_EQ(error, ErrorOf(view != nullptr)) << access << ", " << offset << ", " << size;
         EXPECT_TRUE(view == nullptr || UnmapViewOfFile(view));
     }
-    EXPECT_FALSE(UnmapViewOfFile(&cases));
-    EXPECT_EQ(DWORD{ERROR_INVALID_ADDRESS}, GetLastError());
-    EXPECT_EQ(nullptr, NewMapping(0));
-    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());
+    EXPECT_EQ(ERROR_INVALID_ADDRESS, ErrorOf(UnmapViewOfFile(&cases)));
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, ErrorOf(NewMapping(0) != nullptr));
 }
 
 TEST(ObjectConformance, ViewOutlivesItsHandleAndSharesItsBytes)

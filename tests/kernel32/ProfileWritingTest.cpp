@@ -5,6 +5,7 @@
 
 #include "kernel32/OwnedHandle.h"
 #include "kernel32/ProfileConformance.h"
+#include "support/LastError.h"
 
 #include <algorithm>
 #include <iterator>
@@ -138,7 +139,7 @@ TEST_F(ProfileConformance, RefusedWritesTellWhy)
 {
     using Text = const wchar_t*;
     Put("[s]/k=1/");
-    const std::tuple<const char*, Text, Text, DWORD> rows[] = {
+    const std::tuple<const char*, Text, Text, long> rows[] = {
         {"no section", nullptr, kFile, ERROR_FILE_NOT_FOUND},
         {"empty file name", L"s", L"", ERROR_ACCESS_DENIED},
         {"missing folder", L"s", L"C:\\missing\\a.ini", ERROR_PATH_NOT_FOUND},
@@ -148,8 +149,7 @@ TEST_F(ProfileConformance, RefusedWritesTellWhy)
     for (const auto& [name, section, file, error] : rows)
     {
         SetLastError(ERROR_SUCCESS);
-        EXPECT_FALSE(WritePrivateProfileStringW(section, L"k", L"v", file)) << name;
-        EXPECT_EQ(error, GetLastError()) << name;
+        EXPECT_EQ(error, ErrorOf(WritePrivateProfileStringW(section, L"k", L"v", file))) << name;
     }
     EXPECT_EQ(Ansi("[s]/k=1/"), Get());
 }
@@ -192,8 +192,8 @@ TEST_F(ProfileConformance, HeldFiles)
             CreateFileW(kFile, access, share, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
         EXPECT_EQ(read, GetPrivateProfileIntW(L"s", L"k", 99, kFile));
         SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(written, WritePrivateProfileStringW(L"s", L"k", L"2", kFile) != FALSE);
-        EXPECT_TRUE(written || GetLastError() == ERROR_SHARING_VIOLATION);
+        EXPECT_EQ(written ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION,
+                  ErrorOf(WritePrivateProfileStringW(L"s", L"k", L"2", kFile)));
         file.reset();
         EXPECT_EQ(written ? 2U : 1U, GetPrivateProfileIntW(L"s", L"k", 99, kFile));
     }

@@ -8,6 +8,7 @@
 #include "kernel32/OwnedHandle.h"
 #include "notebook/Machine.h"
 #include "notebook/Text.h"
+#include "support/LastError.h"
 #include "support/NotebookTest.h"
 
 #include <algorithm>
@@ -97,7 +98,7 @@ TEST_F(SystemTest, DeviceGivesBackNoMoreThanItAnswers)
     OVERLAPPED overlapped{};
     constexpr DWORD kInputSize = 3;
     // One buffer serves both ways; what it holds afterwards.
-    const std::tuple<HANDLE, LPOVERLAPPED, const char*, DWORD, DWORD, bool> cases[] = {
+    const std::tuple<HANDLE, LPOVERLAPPED, const char*, DWORD, long, bool> cases[] = {
         {device.get(), nullptr, "cbad", 1, ERROR_SUCCESS, true},
         {device.get(), nullptr, "abcd", 2, ERROR_BUSY, true},
         {device.get(), nullptr, "abcd", 1, ERROR_NOACCESS, false},
@@ -108,17 +109,14 @@ TEST_F(SystemTest, DeviceGivesBackNoMoreThanItAnswers)
     {
         char buffer[] = "abcd";
         DWORD returned = 0;
-        SetLastError(ERROR_SUCCESS);
-        EXPECT_EQ(error == ERROR_SUCCESS,
-                  DeviceIoControl(handle, code, hasInput ? buffer : nullptr, kInputSize, buffer, 4, &returned,
-                                  overlapping) != FALSE);
-        EXPECT_EQ(error, GetLastError());
+        EXPECT_EQ(error, ErrorOf(DeviceIoControl(handle, code, hasInput ? buffer : nullptr, kInputSize,
+                                                 buffer, 4, &returned, overlapping)));
         EXPECT_STREQ(expected, buffer);
         EXPECT_EQ(error == ERROR_SUCCESS ? kInputSize : 0, returned);
     }
     char buffer[4];
-    EXPECT_FALSE(DeviceIoControl(device.get(), 1, nullptr, 0, buffer, 4, nullptr, nullptr));
-    EXPECT_EQ(ERROR_INVALID_PARAMETER, GetLastError());
+    EXPECT_EQ(ERROR_INVALID_PARAMETER,
+              ErrorOf(DeviceIoControl(device.get(), 1, nullptr, 0, buffer, 4, nullptr, nullptr)));
 }
 
 TEST_F(SystemTest, InstantClockShortensTimeOutsAndMovesOn)
@@ -149,8 +147,8 @@ TEST_F(SystemTest, ThreadStaysOnTheCoreItWasGiven)
             EXPECT_EQ(3U, simulated::CurrentCore());
             for (const DWORD_PTR refused : {0U, 1U, 0x18U})
             {
-                EXPECT_EQ(0U, SetThreadAffinityMask(GetCurrentThread(), refused));
-                EXPECT_EQ(ERROR_INVALID_PARAMETER, GetLastError());
+                EXPECT_EQ(ERROR_INVALID_PARAMETER,
+                          ErrorOf(SetThreadAffinityMask(GetCurrentThread(), refused) != 0U));
             }
             EXPECT_EQ(8U, SetThreadAffinityMask(GetCurrentThread(), 4));
         })
@@ -162,11 +160,10 @@ TEST_F(SystemTest, WhatIsntServedIsRefused)
 {
     const OwnedHandle event(CreateEventW(nullptr, TRUE, TRUE, nullptr));
     const HANDLE both[] = {event.get(), event.get()};
-    EXPECT_EQ(WAIT_FAILED, WaitForMultipleObjects(2, both, TRUE, 0));
-    EXPECT_EQ(ERROR_NOT_SUPPORTED, GetLastError());
+    EXPECT_EQ(ERROR_NOT_SUPPORTED, ErrorOf(WaitForMultipleObjects(2, both, TRUE, 0) != WAIT_FAILED));
     const LPTHREAD_START_ROUTINE routine = [](LPVOID) -> DWORD { return 0; };
-    EXPECT_EQ(nullptr, CreateThread(nullptr, 0, routine, nullptr, CREATE_SUSPENDED, nullptr));
-    EXPECT_EQ(ERROR_NOT_SUPPORTED, GetLastError());
-    EXPECT_EQ(nullptr, CreateFileMappingW(event.get(), nullptr, PAGE_READWRITE, 0, 8, nullptr));
-    EXPECT_EQ(ERROR_NOT_SUPPORTED, GetLastError());
+    EXPECT_EQ(ERROR_NOT_SUPPORTED,
+              ErrorOf(CreateThread(nullptr, 0, routine, nullptr, CREATE_SUSPENDED, nullptr) != nullptr));
+    EXPECT_EQ(ERROR_NOT_SUPPORTED,
+              ErrorOf(CreateFileMappingW(event.get(), nullptr, PAGE_READWRITE, 0, 8, nullptr) != nullptr));
 }

@@ -178,20 +178,16 @@ TEST_F(SchemesTest, ASchemeIsWrittenUnderTheNumberThatTheCallerChose)
 TEST_F(SchemesTest, TheCallbackEndsTheWalk)
 {
     EXPECT_EQ((std::vector<UINT>{0, 1, 2}), Numbers(Enumerate(3)));
-    SetLastError(0);
-    EXPECT_FALSE(EnumPwrSchemes(nullptr, 0));
-    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, ErrorOf(EnumPwrSchemes(nullptr, 0)));
 }
 
 TEST_F(SchemesTest, DeletionSparesTheActiveScheme)
 {
-    const std::pair<UINT, DWORD> rows[] = {
+    const std::pair<UINT, long> rows[] = {
         {1, ERROR_ACCESS_DENIED}, {6, ERROR_FILE_NOT_FOUND}, {0xFFFFFFFFu, ERROR_FILE_NOT_FOUND}};
     for (const auto& [scheme, error] : rows)
     {
-        SetLastError(0);
-        EXPECT_FALSE(DeletePwrScheme(scheme));
-        EXPECT_EQ(error, GetLastError());
+        EXPECT_EQ(error, ErrorOf(DeletePwrScheme(scheme)));
     }
     EXPECT_EQ(6u, Enumerate().seen.size());
 
@@ -210,9 +206,7 @@ TEST_F(SchemesTest, OnlyASchemeThatExistsBecomesActive)
 {
     ASSERT_TRUE(SetActivePwrScheme(4, nullptr, nullptr));
     EXPECT_EQ(TextBytes("4"), ReadValue(HKEY_CURRENT_USER, kUserPower, L"CurrentPowerPolicy"));
-    SetLastError(0);
-    EXPECT_FALSE(SetActivePwrScheme(6, nullptr, nullptr));
-    EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, GetLastError());
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, ErrorOf(SetActivePwrScheme(6, nullptr, nullptr)));
     EXPECT_EQ(4u, Active());
 }
 
@@ -225,9 +219,7 @@ TEST_F(SchemesTest, NullRecordsAreRefused)
     EXPECT_FALSE(WritePwrScheme(nullptr, nullptr, nullptr, &policy));
     EXPECT_FALSE(WritePwrScheme(&scheme, nullptr, nullptr, nullptr));
     EXPECT_FALSE(ReadProcessorPwrScheme(0, nullptr));
-    SetLastError(0);
-    EXPECT_FALSE(WriteProcessorPwrScheme(0, nullptr));
-    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, GetLastError());
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, ErrorOf(WriteProcessorPwrScheme(0, nullptr)));
 }
 
 // A store that something else has damaged is told as such and gives nothing half read.
@@ -242,9 +234,7 @@ TEST_F(SchemesTest, ADamagedStoreIsRefused)
         POWER_POLICY policy;
         std::memset(&policy, 0x55, sizeof policy);
         const std::vector<BYTE> before = BytesOf(policy);
-        SetLastError(0);
-        EXPECT_FALSE(ReadPwrScheme(scheme, &policy));
-        EXPECT_EQ(DWORD{ERROR_INVALID_DATA}, GetLastError());
+        EXPECT_EQ(ERROR_INVALID_DATA, ErrorOf(ReadPwrScheme(scheme, &policy)));
         EXPECT_EQ(before, BytesOf(policy));
     }
     EXPECT_EQ((std::vector<UINT>{1, 3, 4, 5}), Numbers(Enumerate()));

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "FreshStore.h"
+#include "support/LastError.h"
 #include "support/WideText.h"
 
 #include <windows.h>

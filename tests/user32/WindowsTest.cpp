@@ -3,6 +3,7 @@
 // List boxes and cursors.
 
 #include "notebook/ListBox.h"
+#include "support/LastError.h"
 #include "support/NotebookTest.h"
 
 #include <windows.h>
@@ -35,9 +36,7 @@ TEST_F(WindowsTest, AListBoxTakesTextsUntilItIsGone)
         EXPECT_EQ(5, SendMessageW(window, LB_GETTEXTLEN, 1, 0));
         EXPECT_EQ(LB_ERR, SendMessageW(window, LB_GETTEXTLEN, 2, 0));
     }
-    SetLastError(ERROR_SUCCESS);
-    EXPECT_EQ(0, SendMessageW(window, LB_ADDSTRING, 0, ToParameter(L"late")));
-    EXPECT_EQ(1400U, GetLastError());
+    EXPECT_EQ(1400, ErrorOf(SendMessageW(window, LB_ADDSTRING, 0, ToParameter(L"late")) != 0));
 }
 
 TEST_F(WindowsTest, SettingACursorAnswersTheOneBefore)
@@ -48,6 +47,5 @@ TEST_F(WindowsTest, SettingACursorAnswersTheOneBefore)
     const HCURSOR before = SetCursor(wait);
     EXPECT_EQ(32514U, Cursor::Shown());
     EXPECT_EQ(wait, SetCursor(before));
-    EXPECT_EQ(nullptr, LoadCursorW(nullptr, MAKEINTRESOURCEW(1)));
-    EXPECT_EQ(1814U, GetLastError());
+    EXPECT_EQ(1814, ErrorOf(LoadCursorW(nullptr, MAKEINTRESOURCEW(1)) != nullptr));
 }
