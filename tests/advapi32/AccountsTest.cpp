@@ -2,6 +2,7 @@
 //
 // Accounts and their SIDs, tokens and their privileges, security descriptors.
 
+#include "kernel32/OwnedHandle.h"
 #include "support/LastError.h"
 #include "support/NotebookTest.h"
 #include "support/WideText.h"
@@ -119,74 +120,56 @@ TEST_F(AccountsTest, TheUserNameIsTheRunningAccount)
     EXPECT_EQ("bob", Narrow(name));
 }
 
-class TokensTest : public NotebookTest
+OwnedHandle OpenToken(DWORD access)
 {
-protected:
-    void TearDown() override
-    {
-        EXPECT_TRUE(CloseHandle(m_token));
-        NotebookTest::TearDown();
-    }
+    HANDLE token = nullptr;
+    EXPECT_TRUE(OpenProcessToken(GetCurrentProcess(), access, &token));
+    return OwnedHandle(token);
+}
 
-    void OpenToken(DWORD access)
-    {
-        ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), access, &m_token));
-    }
-
-    static LUID LuidOf(const wchar_t* name)
-    {
-        LUID luid{};
-        EXPECT_TRUE(LookupPrivilegeValueW(nullptr, name, &luid));
-        return luid;
-    }
-
-    HANDLE m_token = nullptr;
-};
-
-TEST_F(TokensTest, PrivilegesAreSwitchedAndTheirOldStateIsTold)
+TOKEN_PRIVILEGES Enabled(const wchar_t* privilege)
 {
-    OpenToken(TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY);
-    TOKEN_PRIVILEGES wanted{1, {{LuidOf(SE_BACKUP_NAME), SE_PRIVILEGE_ENABLED}}};
+    TOKEN_PRIVILEGES wanted{1, {{{}, SE_PRIVILEGE_ENABLED}}};
+    EXPECT_TRUE(LookupPrivilegeValueW(nullptr, privilege, &wanted.Privileges[0].Luid));
+    return wanted;
+}
+
+TEST_F(AccountsTest, PrivilegesAreSwitchedAndTheirOldStateIsTold)
+{
+    const OwnedHandle token = OpenToken(TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY);
+    TOKEN_PRIVILEGES wanted = Enabled(SE_BACKUP_NAME);
     TOKEN_PRIVILEGES previous{};
     DWORD needed = 0;
     SetLastError(4711);
-    EXPECT_TRUE(AdjustTokenPrivileges(m_token, FALSE, &wanted, sizeof previous, &previous, &needed));
+    EXPECT_TRUE(AdjustTokenPrivileges(token.get(), FALSE, &wanted, sizeof previous, &previous, &needed));
     EXPECT_EQ(ERROR_SUCCESS, GetLastError());
     EXPECT_EQ(1U, previous.PrivilegeCount);
     EXPECT_EQ(0U, previous.Privileges[0].Attributes);
     EXPECT_EQ(sizeof previous, needed);
     // It is on now, so nothing changes.
-    EXPECT_TRUE(AdjustTokenPrivileges(m_token, FALSE, &wanted, sizeof previous, &previous, &needed));
+    EXPECT_TRUE(AdjustTokenPrivileges(token.get(), FALSE, &wanted, sizeof previous, &previous, &needed));
     EXPECT_EQ(0U, previous.PrivilegeCount);
     // And off again with all others.
     EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER,
-              ErrorOf(AdjustTokenPrivileges(m_token, TRUE, nullptr, 4, &previous, &needed)));
-    EXPECT_TRUE(AdjustTokenPrivileges(m_token, TRUE, nullptr, 0, nullptr, nullptr));
+              ErrorOf(AdjustTokenPrivileges(token.get(), TRUE, nullptr, 4, &previous, &needed)));
+    EXPECT_TRUE(AdjustTokenPrivileges(token.get(), TRUE, nullptr, 0, nullptr, nullptr));
     wanted.Privileges[0].Attributes = 0;
-    EXPECT_TRUE(AdjustTokenPrivileges(m_token, FALSE, &wanted, sizeof previous, &previous, &needed));
+    EXPECT_TRUE(AdjustTokenPrivileges(token.get(), FALSE, &wanted, sizeof previous, &previous, &needed));
     EXPECT_EQ(0U, previous.PrivilegeCount);
 }
 
-TEST_F(TokensTest, WhatTheTokenLacksIsToldBesideSuccess)
+TEST_F(AccountsTest, PrivilegesThatCannotBeSwitched)
 {
     Machine::RunAs("NETWORK SERVICE");
-    OpenToken(TOKEN_ADJUST_PRIVILEGES);
-    TOKEN_PRIVILEGES wanted{1, {{LuidOf(SE_RESTORE_NAME), SE_PRIVILEGE_ENABLED}}};
-    EXPECT_TRUE(AdjustTokenPrivileges(m_token, FALSE, &wanted, 0, nullptr, nullptr));
-    EXPECT_EQ(ERROR_NOT_ALL_ASSIGNED, GetLastError());
-}
-
-TEST_F(TokensTest, Refusals)
-{
-    OpenToken(TOKEN_QUERY);
-    TOKEN_PRIVILEGES wanted{1, {{LuidOf(SE_BACKUP_NAME), SE_PRIVILEGE_ENABLED}}};
-    EXPECT_EQ(ERROR_ACCESS_DENIED,
-              ErrorOf(AdjustTokenPrivileges(m_token, FALSE, &wanted, 0, nullptr, nullptr)));
-    EXPECT_EQ(ERROR_INVALID_HANDLE,
-              ErrorOf(AdjustTokenPrivileges(nullptr, FALSE, &wanted, 0, nullptr, nullptr)));
+    TOKEN_PRIVILEGES wanted = Enabled(SE_RESTORE_NAME);
+    const auto adjust = [&](const OwnedHandle& token)
+    { return AdjustTokenPrivileges(token.get(), FALSE, &wanted, 0, nullptr, nullptr); };
+    EXPECT_TRUE(adjust(OpenToken(TOKEN_ADJUST_PRIVILEGES)));
+    EXPECT_EQ(ERROR_NOT_ALL_ASSIGNED, GetLastError()) << "what the token lacks is told beside success";
+    EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(adjust(OpenToken(TOKEN_QUERY))));
+    EXPECT_EQ(ERROR_INVALID_HANDLE, ErrorOf(adjust(nullptr)));
     LUID luid{};
-    EXPECT_EQ(ERROR_NO_SUCH_PRIVILEGE,
-              ErrorOf(LookupPrivilegeValueW(nullptr, L"SeEverythingPrivilege", &luid)));
+    EXPECT_EQ(ERROR_NO_SUCH_PRIVILEGE, ErrorOf(LookupPrivilegeValueW(nullptr, L"SeSuch", &luid)));
 }
 
 TEST(SecurityDescriptorTest, AnEmptyListOfRightsLetsEverybodyIn)

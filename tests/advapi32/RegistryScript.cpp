@@ -6,12 +6,10 @@
 
 #include "support/WideText.h"
 
-#include <algorithm>
 #include <array>
 #include <iterator>
+#include <map>
 #include <sstream>
-#include <string_view>
-#include <utility>
 #include <vector>
 
 namespace registry_script
@@ -47,25 +45,21 @@ struct State
     }
 };
 
-constexpr std::pair<std::string_view, REGSAM> kAccesses[] = {{"none", 0},
-                                                             {"read", KEY_READ},
-                                                             {"write", KEY_WRITE},
-                                                             {"all", KEY_ALL_ACCESS},
-                                                             {"maximum", MAXIMUM_ALLOWED},
-                                                             {"query", KEY_QUERY_VALUE},
-                                                             {"set", KEY_SET_VALUE},
-                                                             {"enumerate", KEY_ENUMERATE_SUB_KEYS},
-                                                             {"create", KEY_CREATE_SUB_KEY},
-                                                             {"generic-read", GENERIC_READ},
-                                                             {"generic-write", GENERIC_WRITE},
-                                                             {"generic-all", GENERIC_ALL}};
-
-REGSAM AccessOf(const std::string& name)
-{
-    const auto* const found = std::find_if(std::begin(kAccesses), std::end(kAccesses),
-                                           [&name](const auto& row) { return name == row.first; });
-    return found == std::end(kAccesses) ? KEY_READ : found->second;
-}
+const std::map<std::string, REGSAM> kAccesses = {
+    {"none", 0},
+    {"", KEY_READ},
+    {"read", KEY_READ},
+    {"write", KEY_WRITE},
+    {"all", KEY_ALL_ACCESS},
+    {"maximum", MAXIMUM_ALLOWED},
+    {"query", KEY_QUERY_VALUE},
+    {"set", KEY_SET_VALUE},
+    {"enumerate", KEY_ENUMERATE_SUB_KEYS},
+    {"create", KEY_CREATE_SUB_KEY},
+    {"generic-read", GENERIC_READ},
+    {"generic-write", GENERIC_WRITE},
+    {"generic-all", GENERIC_ALL},
+};
 
 std::string Status(LONG status)
 {
@@ -82,8 +76,8 @@ std::string Make(State& state)
 {
     HKEY made = nullptr;
     DWORD disposition = 0;
-    const LONG status = RegCreateKeyExW(state.target, state.Text(1), 0, nullptr, 0, AccessOf(state.Word(2)),
-                                        nullptr, &made, &disposition);
+    const LONG status = RegCreateKeyExW(state.target, state.Text(1), 0, nullptr, 0,
+                                        kAccesses.at(state.Word(2)), nullptr, &made, &disposition);
     RegCloseKey(made);
     return Outcome(status, disposition == REG_CREATED_NEW_KEY ? "new" : "old");
 }
@@ -91,7 +85,7 @@ std::string Make(State& state)
 std::string Open(State& state)
 {
     HKEY opened = nullptr;
-    const LONG status = RegOpenKeyExW(state.target, state.Text(1), 0, AccessOf(state.Word(2)), &opened);
+    const LONG status = RegOpenKeyExW(state.target, state.Text(1), 0, kAccesses.at(state.Word(2)), &opened);
     RegCloseKey(opened);
     return Status(status) + (opened == state.target ? "same" : "");
 }
@@ -100,24 +94,10 @@ std::string OpenSimply(State& state)
 {
     HKEY opened = nullptr;
     const LONG status = RegOpenKeyW(state.target, state.Text(1), &opened);
-    if (status != ERROR_SUCCESS || opened == state.target)
-    {
-        return Status(status) + (opened == state.target ? "same" : "");
-    }
     const LONG written = RegSetValueExW(opened, L"simply", 0, REG_BINARY, nullptr, 0);
+    const char* const shown = opened == state.target ? "same" : written == ERROR_SUCCESS ? "writable" : "";
     RegCloseKey(opened);
-    return Status(status) + (written == ERROR_SUCCESS ? "writable" : "");
-}
-
-std::string Hold(State& state)
-{
-    return Status(RegOpenKeyExW(state.key, state.Text(1), 0, AccessOf(state.Word(2)), &state.held));
-}
-
-// The handle stays in `held`, for what is done with closed ones.
-std::string Close(State& state)
-{
-    return Status(RegCloseKey(state.held));
+    return Status(status) + shown;
 }
 
 std::string Set(State& state)
@@ -134,16 +114,6 @@ std::string Get(State& state)
     const LONG status =
         RegQueryValueExW(state.target, state.Text(1), nullptr, nullptr, reinterpret_cast<BYTE*>(text), &size);
     return Outcome(status, Narrow(text));
-}
-
-std::string DeleteValue(State& state)
-{
-    return Status(RegDeleteValueW(state.target, state.Text(1)));
-}
-
-std::string DeleteKey(State& state)
-{
-    return Status(RegDeleteKeyW(state.target, state.Text(1)));
 }
 
 /// "key INDEX ROOM": the name and its length.
@@ -207,29 +177,36 @@ std::string Sums(State& state)
     return Outcome(status, shown);
 }
 
-constexpr std::pair<std::string_view, std::string (*)(State& state)> kWords[] = {{"make", &Make},
-                                                                                 {"open", &Open},
-                                                                                 {"opensimply", &OpenSimply},
-                                                                                 {"hold", &Hold},
-                                                                                 {"close", &Close},
-                                                                                 {"set", &Set},
-                                                                                 {"get", &Get},
-                                                                                 {"drop", &DeleteValue},
-                                                                                 {"delete", &DeleteKey},
-                                                                                 {"key", &KeyAt},
-                                                                                 {"keysimply", &KeyAtSimply},
-                                                                                 {"value", &ValueAt},
-                                                                                 {"keys", &Keys},
-                                                                                 {"sums", &Sums}};
+using Word = std::string (*)(State& state);
+
+// A closed handle stays in `held`, for what is done with closed ones.
+const std::map<std::string, Word> kWords = {
+    {"make", &Make},
+    {"open", &Open},
+    {"opensimply", &OpenSimply},
+    {"hold",
+     [](State& state) {
+         return Status(RegOpenKeyExW(state.key, state.Text(1), 0, kAccesses.at(state.Word(2)), &state.held));
+     }},
+    {"close", [](State& state) { return Status(RegCloseKey(state.held)); }},
+    {"set", &Set},
+    {"get", &Get},
+    {"drop", [](State& state) { return Status(RegDeleteValueW(state.target, state.Text(1))); }},
+    {"delete", [](State& state) { return Status(RegDeleteKeyW(state.target, state.Text(1))); }},
+    {"key", &KeyAt},
+    {"keysimply", &KeyAtSimply},
+    {"value", &ValueAt},
+    {"keys", &Keys},
+    {"sums", &Sums},
+};
 
 std::string RunStep(State& state)
 {
     std::string name = state.words.front();
     name.erase(0, name.find_first_not_of("-@"));
-    const auto* const word = std::find_if(std::begin(kWords), std::end(kWords),
-                                          [&name](const auto& row) { return name == row.first; });
+    const auto word = kWords.find(name);
     state.target = state.words.front().find('@') == std::string::npos ? state.key : state.held;
-    return word == std::end(kWords) ? "unknown word " + name : word->second(state);
+    return word == kWords.end() ? "unknown word " + name : word->second(state);
 }
 
 } // namespace
@@ -249,10 +226,7 @@ std::string Play(HKEY key, const std::string& script)
             outcome += (outcome.empty() ? "" : " ") + given;
         }
     }
-    if (state.held != nullptr)
-    {
-        RegCloseKey(state.held);
-    }
+    RegCloseKey(state.held);
     return outcome;
 }
 

@@ -40,7 +40,6 @@ UINT Active()
 /// What `EnumPwrSchemes` told of one scheme.
 struct Seen
 {
-    UINT number;
     std::string name;
     std::string description;
     DWORD nameSize;
@@ -49,32 +48,23 @@ struct Seen
 
 struct Walk
 {
-    std::vector<Seen> seen;
-    std::size_t stopAfter = 100;
+    std::size_t stopAfter;
+    std::vector<UINT> numbers = {};
+    std::vector<Seen> seen = {};
 };
 
 BOOLEAN CALLBACK Note(UINT number, DWORD nameSize, LPWSTR name, DWORD, LPWSTR description,
                       PPOWER_POLICY policy, LPARAM argument)
 {
     Walk& walk = *reinterpret_cast<Walk*>(argument);
-    walk.seen.push_back({number, Narrow(name), Narrow(description), nameSize, policy->user.VideoTimeoutAc});
+    walk.numbers.push_back(number);
+    walk.seen.push_back({Narrow(name), Narrow(description), nameSize, policy->user.VideoTimeoutAc});
     return walk.seen.size() < walk.stopAfter ? TRUE : FALSE;
-}
-
-std::vector<UINT> Numbers(const Walk& walk)
-{
-    std::vector<UINT> numbers;
-    for (const Seen& seen : walk.seen)
-    {
-        numbers.push_back(seen.number);
-    }
-    return numbers;
 }
 
 Walk Enumerate(std::size_t stopAfter = 100)
 {
-    Walk walk;
-    walk.stopAfter = stopAfter;
+    Walk walk{stopAfter};
     EXPECT_TRUE(EnumPwrSchemes(Note, reinterpret_cast<LPARAM>(&walk)));
     return walk;
 }
@@ -166,7 +156,7 @@ TEST_F(SchemesTest, ASchemeIsWrittenUnderTheNumberThatTheCallerChose)
     ASSERT_TRUE(WritePwrScheme(&nine, nineName, nullptr, &policy));
     WriteValue(HKEY_CURRENT_USER, kUserPower + "\\PowerPolicies\\no number", L"Name", REG_SZ, TextBytes("x"));
     const Walk walk = Enumerate();
-    EXPECT_EQ((std::vector<UINT>{0, 1, 2, 3, 4, 5, 9, 17, 18}), Numbers(walk));
+    EXPECT_EQ((std::vector<UINT>{0, 1, 2, 3, 4, 5, 9, 17, 18}), walk.numbers);
     EXPECT_EQ("Nine", walk.seen[6].name);
     EXPECT_EQ("", walk.seen[6].description);
     EXPECT_EQ("Train", walk.seen[7].name);
@@ -177,7 +167,7 @@ TEST_F(SchemesTest, ASchemeIsWrittenUnderTheNumberThatTheCallerChose)
 
 TEST_F(SchemesTest, TheCallbackEndsTheWalk)
 {
-    EXPECT_EQ((std::vector<UINT>{0, 1, 2}), Numbers(Enumerate(3)));
+    EXPECT_EQ((std::vector<UINT>{0, 1, 2}), Enumerate(3).numbers);
     EXPECT_EQ(ERROR_INVALID_PARAMETER, ErrorOf(EnumPwrSchemes(nullptr, 0)));
 }
 
@@ -195,7 +185,7 @@ TEST_F(SchemesTest, DeletionSparesTheActiveScheme)
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, UserKey(5)));
     EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, MachineKey("PowerPolicies", 5)));
     EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, MachineKey("ProcessorPolicies", 5)));
-    EXPECT_EQ((std::vector<UINT>{0, 1, 2, 3, 4}), Numbers(Enumerate()));
+    EXPECT_EQ((std::vector<UINT>{0, 1, 2, 3, 4}), Enumerate().numbers);
 
     ASSERT_TRUE(SetActivePwrScheme(3, nullptr, nullptr));
     EXPECT_TRUE(DeletePwrScheme(1));
@@ -237,7 +227,7 @@ TEST_F(SchemesTest, ADamagedStoreIsRefused)
         EXPECT_EQ(ERROR_INVALID_DATA, ErrorOf(ReadPwrScheme(scheme, &policy)));
         EXPECT_EQ(before, BytesOf(policy));
     }
-    EXPECT_EQ((std::vector<UINT>{1, 3, 4, 5}), Numbers(Enumerate()));
+    EXPECT_EQ((std::vector<UINT>{1, 3, 4, 5}), Enumerate().numbers);
 
     for (const char* text : {"", "x", "3x", "-1", "4294967296"})
     {
