@@ -2,6 +2,7 @@
 //
 // Code pages, formatting, comparison and search.
 
+#include "support/LastError.h"
 #include "support/NotebookTest.h"
 
 #include "notebook/Notebook.h"
@@ -16,6 +17,7 @@
 #include <iterator>
 #include <string>
 #include <tuple>
+#include <utility>
 
 namespace
 {
@@ -34,18 +36,27 @@ std::string Shown(std::string bytes)
     return bytes;
 }
 
+template <class Unit>
+struct Conversion
+{
+    UINT codePage;
+    DWORD flags;
+    const Unit* source;
+    int length, capacity, answer;
+    long error;
+    const char* target; ///< the bytes, wide text in UTF-8; null where it doesn't matter
+
+    void Check(int answered, std::string written) const
+    {
+        EXPECT_EQ(answer, answered);
+        EXPECT_EQ(error, ErrorOf(answered != 0));
+        EXPECT_TRUE(target == nullptr || target == Shown(std::move(written)));
+    }
+};
+
 TEST_F(TextTest, NarrowToWide)
 {
-    struct Row
-    {
-        UINT codePage;
-        DWORD flags;
-        const char* source;
-        int length, capacity, answer;
-        DWORD error;
-        const char* target; ///< UTF-8, "|" for a zero
-    };
-    const Row rows[] = {
+    const Conversion<char> rows[] = {
         {CP_ACP, 0, "ab", -1, 10, 3, 0, "ab|"},
         {CP_ACP, 0, "ab", -1, 0, 3, 0, ""},
         {CP_ACP, 0, "ab", 1, 10, 1, 0, "a"},
@@ -66,31 +77,20 @@ TEST_F(TextTest, NarrowToWide)
         {CP_UTF8, MB_ERR_INVALID_CHARS, "\xC3\xA4", 2, 10, 1, 0, "\xC3\xA4"},
         {999, 0, "a", 1, 10, 0, ERROR_INVALID_PARAMETER, ""},
     };
-    for (const Row& row : rows)
+    for (const auto& row : rows)
     {
         SCOPED_TRACE(&row - rows);
         wchar_t target[12];
         std::fill(std::begin(target), std::end(target), L'~');
-        SetLastError(0);
-        EXPECT_EQ(row.answer,
-                  MultiByteToWideChar(row.codePage, row.flags, row.source, row.length, target, row.capacity));
-        EXPECT_EQ(row.error, GetLastError());
-        EXPECT_TRUE(row.target == nullptr || row.target == Shown(ToUtf8(target, std::size(target))));
+        const int answer =
+            MultiByteToWideChar(row.codePage, row.flags, row.source, row.length, target, row.capacity);
+        row.Check(answer, ToUtf8(target, std::size(target)));
     }
 }
 
 TEST_F(TextTest, WideToNarrow)
 {
-    struct Row
-    {
-        UINT codePage;
-        DWORD flags;
-        const wchar_t* source;
-        int length, capacity, answer;
-        DWORD error;
-        const char* target;
-    };
-    const Row rows[] = {
+    const Conversion<wchar_t> rows[] = {
         {CP_ACP, 0, L"ab", -1, 10, 3, 0, "ab|"},
         {CP_ACP, 0, L"a\x00E4", -1, 0, 3, 0, ""},
         {CP_ACP, 0, L"a\0b", 3, 10, 3, 0, "a|b"},
@@ -109,16 +109,14 @@ TEST_F(TextTest, WideToNarrow)
         {CP_UTF8, WC_NO_BEST_FIT_CHARS, L"a", -1, 10, 0, ERROR_INVALID_FLAGS, ""},
         {999, 0, L"a", 1, 10, 0, ERROR_INVALID_PARAMETER, ""},
     };
-    for (const Row& row : rows)
+    for (const auto& row : rows)
     {
         SCOPED_TRACE(&row - rows);
         char target[12];
-        std::memset(target, '~', sizeof target);
-        SetLastError(0);
-        EXPECT_EQ(row.answer, WideCharToMultiByte(row.codePage, row.flags, row.source, row.length, target,
-                                                  row.capacity, nullptr, nullptr));
-        EXPECT_EQ(row.error, GetLastError());
-        EXPECT_TRUE(row.target == nullptr || row.target == Shown({target, sizeof target}));
+        std::fill(std::begin(target), std::end(target), '~');
+        const int answer = WideCharToMultiByte(row.codePage, row.flags, row.source, row.length, target,
+                                               row.capacity, nullptr, nullptr);
+        row.Check(answer, {target, sizeof target});
     }
     char target[8];
     BOOL used = FALSE;
@@ -244,10 +242,8 @@ TEST_F(TextTest, ComparingAndSearching)
 TEST_F(TextTest, GuidParserWithoutName)
 {
     using Parser = BOOL(WINAPI*)(LPCWSTR, GUID*);
-    const HMODULE library = LoadLibraryW(L"SHLWAPI.dll");
-    ASSERT_NE(nullptr, library);
-    const auto parse = reinterpret_cast<Parser>(
-        reinterpret_cast<void (*)()>(GetProcAddress(library, MAKEINTRESOURCEA(270))));
+    const FARPROC found = GetProcAddress(LoadLibraryW(L"SHLWAPI.dll"), MAKEINTRESOURCEA(270));
+    const auto parse = reinterpret_cast<Parser>(reinterpret_cast<void (*)()>(found));
     ASSERT_NE(nullptr, parse);
     GUID guid = {};
     EXPECT_TRUE(parse(L"{381b4222-F694-41f0-9685-ff5bb260df2e}", &guid));

@@ -13,6 +13,7 @@
 #include "notebook/Adapters.h"
 #include "notebook/Clock.h"
 #include "notebook/DeviceTree.h"
+#include "notebook/RegistryEditor.h"
 
 #include <cfgmgr32.h>
 #include <setupapi.h>
@@ -27,6 +28,7 @@ namespace
 
 using simulated::Adapters;
 using simulated::DeviceTree;
+using simulated::RegistryEditor;
 
 constexpr ULONG kLongEnough = 10000;
 
@@ -59,14 +61,9 @@ protected:
     /// "CurrentPwrSchemeID", or -1 without one.
     static int StoredScheme()
     {
-        owners::Key key;
-        RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Kelvo\\ORVA", 0, KEY_READ, key.Receive());
-        DWORD scheme = 0;
-        DWORD type = 0;
-        DWORD size = sizeof scheme;
-        const LSTATUS error = RegQueryValueExW(key.Get(), L"CurrentPwrSchemeID", nullptr, &type,
-                                               reinterpret_cast<BYTE*>(&scheme), &size);
-        return error == ERROR_SUCCESS && type == REG_DWORD ? static_cast<int>(scheme) : -1;
+        const std::optional<DWORD> scheme =
+            RegistryEditor::ReadNumber("HKLM\\Software\\Kelvo\\ORVA", "CurrentPwrSchemeID");
+        return scheme ? static_cast<int>(*scheme) : -1;
     }
 };
 
