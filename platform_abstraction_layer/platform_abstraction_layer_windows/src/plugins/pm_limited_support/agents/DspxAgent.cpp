@@ -103,6 +103,33 @@ bool HasSucceeded(HRESULT result, ULONG driverError) noexcept
     return result >= 0 && driverError == 0;
 }
 
+using PolicySlot = decltype(PanelBridgeSlots::getPowerPolicy) PanelBridgeSlots::*;
+
+// Has the driver read or write the record of each policy, by `slot`. A policy that it doesn't have is passed
+// over with its record zeroed. False, with the policy's text `failed` in the log, at the first failure.
+bool TransferPolicies(PanelBridge* bridge, ULONG powerHandle, PolicySlot slot, const wchar_t* Policy::*failed,
+                      PolicyRecords& records) noexcept
+{
+    for (const Policy& policy : kPolicies)
+    {
+        ULONG driverError = 0;
+        const HRESULT result =
+            (bridge->slots->*slot)(bridge, powerHandle, policy.number, &policy.id, policy.recordSize,
+                                   policy.RecordIn(records), &driverError);
+        if (driverError == kPolicyNotSupported)
+        {
+            CORVLBase::DBGOUT(policy.unsupported);
+            std::memset(policy.RecordIn(records), 0, policy.recordSize);
+        }
+        else if (!HasSucceeded(result, driverError))
+        {
+            CORVLBase::DBGOUT(policy.*failed);
+            return false;
+        }
+    }
+    return true;
+}
+
 bool InitializeCom() noexcept
 {
     return SUCCEEDED(CoInitializeEx(nullptr, COINIT_MULTITHREADED));
@@ -229,24 +256,9 @@ int CDspxAgent::GetEblLevel() noexcept
         return -1;
     }
     PolicyRecords records = {};
-    for (const Policy& policy : kPolicies)
-    {
-        ULONG driverError = 0;
-        const HRESULT read =
-            m_pInterface->slots->getPowerPolicy(m_pInterface, m_nPowerHandle, policy.number, &policy.id,
-                                                policy.recordSize, policy.RecordIn(records), &driverError);
-        if (driverError == kPolicyNotSupported)
-        {
-            DBGOUT(policy.unsupported);
-            std::memset(policy.RecordIn(records), 0, policy.recordSize);
-        }
-        else if (!HasSucceeded(read, driverError))
-        {
-            DBGOUT(policy.getFailed);
-            return -1;
-        }
-    }
-    return static_cast<int>(LevelWord(records));
+    const bool isRead = TransferPolicies(m_pInterface, m_nPowerHandle, &PanelBridgeSlots::getPowerPolicy,
+                                         &Policy::getFailed, records);
+    return isRead ? static_cast<int>(LevelWord(records)) : -1;
 }
 
 int CDspxAgent::SetEblLevel(int level) noexcept
@@ -262,21 +274,7 @@ int CDspxAgent::SetEblLevel(int level) noexcept
         return -1;
     }
     PolicyRecords records = RecordsOf(static_cast<ULONG>(level));
-    for (const Policy& policy : kPolicies)
-    {
-        ULONG driverError = 0;
-        const HRESULT written =
-            m_pInterface->slots->setPowerPolicy(m_pInterface, m_nPowerHandle, policy.number, &policy.id,
-                                                policy.recordSize, policy.RecordIn(records), &driverError);
-        if (driverError == kPolicyNotSupported)
-        {
-            DBGOUT(policy.unsupported);
-        }
-        else if (!HasSucceeded(written, driverError))
-        {
-            DBGOUT(policy.setFailed);
-            return -1;
-        }
-    }
-    return level;
+    const bool isWritten = TransferPolicies(m_pInterface, m_nPowerHandle, &PanelBridgeSlots::setPowerPolicy,
+                                            &Policy::setFailed, records);
+    return isWritten ? level : -1;
 }
