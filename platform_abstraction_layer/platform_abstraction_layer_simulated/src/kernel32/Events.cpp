@@ -75,15 +75,6 @@ private:
     std::shared_ptr<KernelState> m_state;
 };
 
-Outcome<HANDLE> HandOut(Outcome<std::shared_ptr<KernelState>> found, DWORD access, const PlatformCall& call)
-{
-    if (found.value == nullptr)
-    {
-        return {nullptr, found.error};
-    }
-    return {HandleTable::Insert(std::make_shared<Event>(std::move(found.value), access), call), found.error};
-}
-
 template <class Change>
 DWORD ChangeState(HANDLE handle, Change change)
 {
@@ -113,15 +104,15 @@ SIM_API HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manualReset, BOOL
     const NewState wanted{ObjectKind::Event, manualReset != FALSE, initialState != FALSE ? kSignalled : 0};
     SetLastError(ERROR_SUCCESS); // what tells a new object from one that was there
     return call.Result<HANDLE>(
-        nullptr, [&] { return HandOut(KernelState::Create(name, wanted), EVENT_ALL_ACCESS, call); });
+        nullptr, [&] { return HandOut<Event>(KernelState::Create(name, wanted), EVENT_ALL_ACCESS, call); });
 }
 
 SIM_API HANDLE WINAPI OpenEventW(DWORD access, BOOL inherit, LPCWSTR name)
 {
     PlatformCall call(CallClass::Object, "OpenEventW", SIM_CALLER);
     call.Arguments(access, inherit, name);
-    return call.Result<HANDLE>(nullptr, [&]
-                               { return HandOut(KernelState::Open(name, ObjectKind::Event), access, call); });
+    return call.Result<HANDLE>(
+        nullptr, [&] { return HandOut<Event>(KernelState::Open(name, ObjectKind::Event), access, call); });
 }
 
 SIM_API BOOL WINAPI SetEvent(HANDLE event)

@@ -18,6 +18,7 @@
 #include <atomic>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace simulated
 {
@@ -107,5 +108,17 @@ private:
     StateRecord m_own{};
     StateRecord* m_record = &m_own;
 };
+
+/// A handle to an object of class `Kind` on the state that was found or made, with the rights `access`. The
+/// error of the finding goes along, for it may stand beside an object: ERROR_ALREADY_EXISTS.
+template <class Kind>
+Outcome<HANDLE> HandOut(Outcome<std::shared_ptr<KernelState>> found, DWORD access, const PlatformCall& call)
+{
+    if (found.value == nullptr)
+    {
+        return {nullptr, found.error};
+    }
+    return {HandleTable::Insert(std::make_shared<Kind>(std::move(found.value), access), call), found.error};
+}
 
 } // namespace simulated

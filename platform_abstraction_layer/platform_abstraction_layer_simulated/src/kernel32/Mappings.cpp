@@ -66,16 +66,6 @@ Views& TheViews()
     return views;
 }
 
-Outcome<HANDLE> HandOut(Outcome<std::shared_ptr<KernelState>> found, DWORD access, const PlatformCall& call)
-{
-    if (found.value == nullptr)
-    {
-        return {nullptr, found.error};
-    }
-    return {HandleTable::Insert(std::make_shared<Mapping>(std::move(found.value), access), call),
-            found.error};
-}
-
 Outcome<HANDLE> Create(HANDLE file, DWORD protection, std::uint64_t size, const wchar_t* name,
                        const PlatformCall& call)
 {
@@ -93,7 +83,7 @@ Outcome<HANDLE> Create(HANDLE file, DWORD protection, std::uint64_t size, const 
         return {nullptr, ERROR_NOT_ENOUGH_MEMORY};
     }
     const NewState wanted{ObjectKind::Mapping, protection, 0, size};
-    return HandOut(KernelState::Create(name, wanted), SECTION_ALL_ACCESS, call);
+    return HandOut<Mapping>(KernelState::Create(name, wanted), SECTION_ALL_ACCESS, call);
 }
 
 Outcome<void*> MapView(HANDLE handle, DWORD access, std::uint64_t offset, std::size_t size,
@@ -172,7 +162,8 @@ SIM_API HANDLE WINAPI OpenFileMappingW(DWORD access, BOOL inherit, LPCWSTR name)
     PlatformCall call(CallClass::Object, "OpenFileMappingW", SIM_CALLER);
     call.Arguments(access, inherit, name);
     return call.Result<HANDLE>(
-        nullptr, [&] { return HandOut(KernelState::Open(name, ObjectKind::Mapping), access, call); });
+        nullptr,
+        [&] { return HandOut<Mapping>(KernelState::Open(name, ObjectKind::Mapping), access, call); });
 }
 
 SIM_API LPVOID WINAPI MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh, DWORD offsetLow,

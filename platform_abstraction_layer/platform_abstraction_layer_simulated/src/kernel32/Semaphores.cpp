@@ -64,16 +64,6 @@ private:
     std::shared_ptr<KernelState> m_state;
 };
 
-Outcome<HANDLE> HandOut(Outcome<std::shared_ptr<KernelState>> found, DWORD access, const PlatformCall& call)
-{
-    if (found.value == nullptr)
-    {
-        return {nullptr, found.error};
-    }
-    return {HandleTable::Insert(std::make_shared<Semaphore>(std::move(found.value), access), call),
-            found.error};
-}
-
 Outcome<HANDLE> Create(LONG initial, LONG maximum, const wchar_t* name, const PlatformCall& call)
 {
     if (initial < 0 || maximum <= 0 || initial > maximum)
@@ -82,7 +72,7 @@ Outcome<HANDLE> Create(LONG initial, LONG maximum, const wchar_t* name, const Pl
     }
     const NewState wanted{ObjectKind::Semaphore, static_cast<std::uint32_t>(maximum),
                           static_cast<std::uint32_t>(initial)};
-    return HandOut(KernelState::Create(name, wanted), SEMAPHORE_ALL_ACCESS, call);
+    return HandOut<Semaphore>(KernelState::Create(name, wanted), SEMAPHORE_ALL_ACCESS, call);
 }
 
 DWORD Release(HANDLE handle, LONG count, LONG* previous)
@@ -123,7 +113,8 @@ SIM_API HANDLE WINAPI OpenSemaphoreW(DWORD access, BOOL inherit, LPCWSTR name)
     PlatformCall call(CallClass::Object, "OpenSemaphoreW", SIM_CALLER);
     call.Arguments(access, inherit, name);
     return call.Result<HANDLE>(
-        nullptr, [&] { return HandOut(KernelState::Open(name, ObjectKind::Semaphore), access, call); });
+        nullptr,
+        [&] { return HandOut<Semaphore>(KernelState::Open(name, ObjectKind::Semaphore), access, call); });
 }
 
 SIM_API BOOL WINAPI ReleaseSemaphore(HANDLE semaphore, LONG releaseCount, LPLONG previousCount)
