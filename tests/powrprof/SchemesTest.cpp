@@ -187,17 +187,13 @@ TEST_F(SchemesTest, DeletionSparesTheActiveScheme)
     EXPECT_FALSE(KeyExists(HKEY_LOCAL_MACHINE, MachineKey("ProcessorPolicies", 5)));
     EXPECT_EQ((std::vector<UINT>{0, 1, 2, 3, 4}), Enumerate().numbers);
 
+    // Another can become active when it exists, and is spared then.
     ASSERT_TRUE(SetActivePwrScheme(3, nullptr, nullptr));
+    EXPECT_EQ(TextBytes("3"), ReadValue(HKEY_CURRENT_USER, kUserPower, L"CurrentPowerPolicy"));
+    EXPECT_EQ(ERROR_FILE_NOT_FOUND, ErrorOf(SetActivePwrScheme(6, nullptr, nullptr)));
     EXPECT_TRUE(DeletePwrScheme(1));
     EXPECT_FALSE(DeletePwrScheme(3));
-}
-
-TEST_F(SchemesTest, OnlyASchemeThatExistsBecomesActive)
-{
-    ASSERT_TRUE(SetActivePwrScheme(4, nullptr, nullptr));
-    EXPECT_EQ(TextBytes("4"), ReadValue(HKEY_CURRENT_USER, kUserPower, L"CurrentPowerPolicy"));
-    EXPECT_EQ(ERROR_FILE_NOT_FOUND, ErrorOf(SetActivePwrScheme(6, nullptr, nullptr)));
-    EXPECT_EQ(4u, Active());
+    EXPECT_EQ(3u, Active());
 }
 
 TEST_F(SchemesTest, NullRecordsAreRefused)
