@@ -12,9 +12,7 @@
 
 #include <windef.h>
 
-#include <optional>
 #include <string>
-#include <string_view>
 
 namespace simulated
 {

@@ -7,8 +7,6 @@
 #include "advapi32/RegistryShell.h"
 #include "notebook/Text.h"
 
-#include <algorithm>
-
 namespace simulated::registry
 {
 

@@ -12,7 +12,6 @@
 #include <cstring>
 #include <optional>
 #include <span>
-#include <string>
 
 namespace simulated::orvlebl
 {

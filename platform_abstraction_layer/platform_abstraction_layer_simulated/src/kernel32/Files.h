@@ -7,7 +7,6 @@
 #include "notebook/HandleTable.h"
 
 #include <memory>
-#include <string>
 #include <string_view>
 
 namespace simulated::files

@@ -19,7 +19,6 @@
 #include "notebook/PlatformCall.h"
 
 #include <span>
-#include <string>
 
 namespace simulated::modules
 {

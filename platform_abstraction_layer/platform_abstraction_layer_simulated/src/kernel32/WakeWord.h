@@ -9,7 +9,6 @@
 
 #include <atomic>
 #include <memory>
-#include <string>
 
 namespace simulated
 {

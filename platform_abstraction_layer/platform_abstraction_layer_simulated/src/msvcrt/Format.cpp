@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <climits>
-#include <string>
 #include <string_view>
 #include <type_traits>
 

@@ -7,6 +7,7 @@
 #include "foundation/PmLog.h"
 #include "foundation/Text.h"
 
+#include <cstddef>
 #include <cstring>
 #include <iterator>
 

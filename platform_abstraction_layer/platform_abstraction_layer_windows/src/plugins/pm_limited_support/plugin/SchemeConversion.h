@@ -7,8 +7,6 @@
 #include "plugin/WireRecords.h"
 #include "scheme/PwrSet.h"
 
-#include <cstddef>
-
 /// Fills `setting` from the record. A text ends at its terminator or after 255 bytes; a name without one in
 /// its own 32 bytes runs on into the description. Always 1.
 int ConvertPwrSchemeData(const PM_Power_Scheme_Data_ALL& wire, PWRSET& setting) noexcept;

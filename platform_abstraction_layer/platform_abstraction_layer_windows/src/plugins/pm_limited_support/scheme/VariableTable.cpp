@@ -7,7 +7,6 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 
 namespace
