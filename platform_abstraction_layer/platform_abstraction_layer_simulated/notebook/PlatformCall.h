@@ -171,6 +171,12 @@ public:
         return value;
     }
 
+    /// For functions that answer nothing.
+    void AnswerNothing()
+    {
+        Note(true, "nothing", ERROR_SUCCESS);
+    }
+
     static std::string Describe(const wchar_t* text);
     static std::string Describe(const char* text);
     static std::string Describe(const void* pointer);

@@ -20,7 +20,7 @@ void Send(PlatformCall& call, const std::string& text)
     {
         DebugOutput::Send(text);
     }
-    call.Answer("");
+    call.AnswerNothing();
 }
 
 } // namespace

@@ -206,7 +206,7 @@ SIM_API void WINAPI ExitThread(DWORD exitCode)
     {
         PlatformCall call(CallClass::Thread, "ExitThread", SIM_CALLER);
         call.Arguments(exitCode);
-        call.Answer("");
+        call.AnswerNothing();
     }
     LeaveThread(exitCode, nullptr, "ExitThread");
 }
@@ -216,7 +216,7 @@ SIM_API void WINAPI FreeLibraryAndExitThread(HMODULE module, DWORD exitCode)
     {
         PlatformCall call(CallClass::Thread, "FreeLibraryAndExitThread", SIM_CALLER);
         call.Arguments(module, exitCode);
-        call.Answer("");
+        call.AnswerNothing();
     }
     LeaveThread(exitCode, system_modules::IsModule(module) ? nullptr : module, "FreeLibraryAndExitThread");
 }

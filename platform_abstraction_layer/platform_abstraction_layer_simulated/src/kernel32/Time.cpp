@@ -18,7 +18,7 @@ SIM_API void WINAPI Sleep(DWORD milliseconds)
     {
         Clock::Sleep(milliseconds);
     } while (milliseconds == INFINITE && !Clock::IsInstant());
-    call.Answer("");
+    call.AnswerNothing();
 }
 
 SIM_API DWORD WINAPI GetTickCount()

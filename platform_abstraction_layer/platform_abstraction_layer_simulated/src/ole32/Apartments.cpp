@@ -118,5 +118,5 @@ SIM_API void WINAPI CoUninitialize()
 {
     PlatformCall call(CallClass::Com, "CoUninitialize", SIM_CALLER);
     OfThisThread().Leave();
-    call.Answer(0);
+    call.AnswerNothing();
 }
