@@ -53,16 +53,6 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
     return refusal == nullptr || !CloseHandle(refusal);
 }
 
-SIM_API LPVOID SampleAllocate(SIZE_T size)
-{
-    return HeapAlloc(GetProcessHeap(), 0, size);
-}
-
-SIM_API BOOL SampleFree(LPVOID block)
-{
-    return HeapFree(GetProcessHeap(), 0, block);
-}
-
 SIM_API HANDLE SampleStart(HANDLE go)
 {
     HMODULE module = nullptr;

@@ -11,9 +11,5 @@ constexpr wchar_t kRefusal[] = L"RefuseSample";
 /// The exit code of the thread of `SampleStart`.
 constexpr DWORD kLeaveCode = 23;
 
-/// A block of the process heap, and giving it back.
-using SampleAllocateFunction = LPVOID (*)(SIZE_T size);
-using SampleFreeFunction = BOOL (*)(LPVOID block);
-
 /// Starts a thread that holds the module, waits for `go` and ends by freeing the module.
 using SampleStartFunction = HANDLE (*)(HANDLE go);

@@ -7,7 +7,9 @@
 #include "kernel32/Devices.h"
 #include "kernel32/OwnedHandle.h"
 #include "notebook/Machine.h"
+#include "notebook/PlugInModule.h"
 #include "notebook/Text.h"
+#include "notebook/Trace.h"
 #include "support/LastError.h"
 #include "support/NotebookTest.h"
 
@@ -166,4 +168,16 @@ TEST_F(SystemTest, WhatIsntServedIsRefused)
               ErrorOf(CreateThread(nullptr, 0, routine, nullptr, CREATE_SUSPENDED, nullptr) != nullptr));
     EXPECT_EQ(ERROR_NOT_SUPPORTED,
               ErrorOf(CreateFileMappingW(event.get(), nullptr, PAGE_READWRITE, 0, 8, nullptr) != nullptr));
+}
+
+TEST_F(SystemTest, BlocksOfThePlugInAreCountedAndCanBeRefused)
+{
+    simulated::SetPlugInRange(nullptr, reinterpret_cast<const void*>(~std::uintptr_t{0}));
+    void* const block = HeapAlloc(GetProcessHeap(), 0, 10);
+    EXPECT_EQ(1u, simulated::Leaks::Count());
+    simulated::Faults::Inject("HeapAlloc", 1, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_EQ(nullptr, HeapAlloc(GetProcessHeap(), 0, 10));
+    EXPECT_TRUE(HeapFree(GetProcessHeap(), 0, block));
+    EXPECT_EQ(0u, simulated::Leaks::Count());
+    simulated::SetPlugInRange(nullptr, nullptr);
 }
