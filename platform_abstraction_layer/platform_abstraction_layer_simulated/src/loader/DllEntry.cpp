@@ -1,4 +1,4 @@
-// src/loader/DllEntry.cpp
+// loader/DllEntry.cpp
 //
 // What the loader of Windows does for a DLL, compiled into the library itself: it tells the platform where
 // the library lies and calls its DllMain, if there is one. This file comes last among the library's objects,

@@ -1,4 +1,4 @@
-// src/powrprof/Exports.cpp
+// powrprof/Exports.cpp
 //
 // The functions of PowrProf.dll: thin shells over the power store. Built natively, and for Windows with the
 // entrance of windows/notebook/PlatformCall.h.

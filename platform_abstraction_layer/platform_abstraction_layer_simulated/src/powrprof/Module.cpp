@@ -1,4 +1,4 @@
-// src/powrprof/Module.cpp
+// powrprof/Module.cpp
 //
 // PowrProf.dll as the loader knows it: what each generation of Windows exports.
 

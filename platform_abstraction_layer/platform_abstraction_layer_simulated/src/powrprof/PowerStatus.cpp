@@ -1,4 +1,4 @@
-// src/powrprof/PowerStatus.cpp
+// powrprof/PowerStatus.cpp
 //
 // GetSystemPowerStatus, which kernel32 exports, on the power manager's answers.
 

@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreAnswers.cpp
+// powrprof/PowerStoreAnswers.cpp
 //
 // The table of the machine's answers.
 

@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreAnswers.h
+// powrprof/PowerStoreAnswers.h
 //
 // What the machine can be asked about its power, and under which names the registry keeps it.
 #pragma once

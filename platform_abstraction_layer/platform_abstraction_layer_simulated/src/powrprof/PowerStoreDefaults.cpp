@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreDefaults.cpp
+// powrprof/PowerStoreDefaults.cpp
 //
 // The standard schemes as tables.
 

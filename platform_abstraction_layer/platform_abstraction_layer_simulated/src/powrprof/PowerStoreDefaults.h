@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreDefaults.h
+// powrprof/PowerStoreDefaults.h
 //
 // What a fresh machine holds: the six standard index-based schemes with the values that a notebook of that
 // time had, the three standard GUID-based schemes of version 6, and the power source. It knows where each

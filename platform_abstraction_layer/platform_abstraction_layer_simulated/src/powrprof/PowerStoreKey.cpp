@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreKey.cpp
+// powrprof/PowerStoreKey.cpp
 //
 // Keys and values by the registry functions.
 

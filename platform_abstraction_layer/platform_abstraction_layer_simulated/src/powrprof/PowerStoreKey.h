@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreKey.h
+// powrprof/PowerStoreKey.h
 //
 // The registry as the power manager uses it: keys by path, values of three kinds, subkeys named by numbers
 // or GUIDs. Plain Win32, so that the power manager builds natively and for Windows from the same sources.

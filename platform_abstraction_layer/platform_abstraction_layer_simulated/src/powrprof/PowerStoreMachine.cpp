@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreMachine.cpp
+// powrprof/PowerStoreMachine.cpp
 //
 // The machine's answers in the registry, one value for each.
 

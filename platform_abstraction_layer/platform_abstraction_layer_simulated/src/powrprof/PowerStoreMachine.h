@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreMachine.h
+// powrprof/PowerStoreMachine.h
 //
 // What the machine answers about its power source, its batteries and hibernation, kept in the registry so
 // that all processes see one machine and the power manager needs nothing else. Results are Win32 error

@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreSchemes.cpp
+// powrprof/PowerStoreSchemes.cpp
 //
 // The index-based schemes in the registry.
 

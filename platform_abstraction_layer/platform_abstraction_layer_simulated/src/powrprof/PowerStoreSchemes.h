@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreSchemes.h
+// powrprof/PowerStoreSchemes.h
 //
 // The index-based schemes, where Windows keeps them: each scheme's user part below HKEY_CURRENT_USER, its
 // machine and processor parts below HKEY_LOCAL_MACHINE. Code that reads the registry and code that calls

@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreSeeding.cpp
+// powrprof/PowerStoreSeeding.cpp
 //
 // The defaults by way of the registry functions.
 

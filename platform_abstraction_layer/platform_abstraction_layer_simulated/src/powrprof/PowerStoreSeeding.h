@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreSeeding.h
+// powrprof/PowerStoreSeeding.h
 //
 // Fills an empty store through the registry functions, on any Windows. Results are Win32 error numbers.
 #pragma once

@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreSettings.cpp
+// powrprof/PowerStoreSettings.cpp
 //
 // The GUID-based schemes in the registry.
 

@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreSettings.h
+// powrprof/PowerStoreSettings.h
 //
 // The GUID-based schemes, where version 6 of Windows keeps them: below one key of HKEY_LOCAL_MACHINE, a
 // subkey for each scheme and in it one for each subgroup and setting, with a value for either power source.

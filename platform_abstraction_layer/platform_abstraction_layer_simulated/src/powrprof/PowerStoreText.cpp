@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreText.cpp
+// powrprof/PowerStoreText.cpp
 //
 // Texts from numbers and GUIDs, and back.
 

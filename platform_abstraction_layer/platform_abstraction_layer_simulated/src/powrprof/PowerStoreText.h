@@ -1,4 +1,4 @@
-// src/powrprof/PowerStoreText.h
+// powrprof/PowerStoreText.h
 //
 // Wide texts of the power manager: registry paths, numbers and GUIDs as the store spells them.
 #pragma once

@@ -1,4 +1,4 @@
-// src/powrprof/windows/Unloading.cpp
+// powrprof/windows/Unloading.cpp
 //
 // What the C++ library of this DLL holds goes with the DLL: a host may load and unload it many times.
 

@@ -1,4 +1,4 @@
-// src/powrprof/windows/kernel32/LocalMemory.h
+// powrprof/windows/kernel32/LocalMemory.h
 //
 // Memory that the caller gives back with LocalFree, where the power manager is built for Windows.
 #pragma once
