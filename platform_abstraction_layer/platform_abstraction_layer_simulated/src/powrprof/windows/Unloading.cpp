@@ -9,7 +9,7 @@ namespace __gnu_cxx
 
 // Gives back the memory that the library keeps for exceptions when there is no other; it declares this
 // nowhere.
-void __freeres(); // NOLINT(bugprone-reserved-identifier)
+void __freeres();
 
 } // namespace __gnu_cxx
 

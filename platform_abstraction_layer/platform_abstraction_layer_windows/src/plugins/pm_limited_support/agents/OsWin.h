@@ -43,6 +43,5 @@ protected:
     /// A function of the composition library, or null with a line in the log.
     static FARPROC FindDwmFunction(const char* name) noexcept;
 
-    // Set to null when the library is built. NOLINTNEXTLINE(bugprone-dynamic-static-initializers)
     static HINSTANCE m_hDwmLibrary; ///< null until it is loaded; never freed
 };
