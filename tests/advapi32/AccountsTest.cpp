@@ -29,7 +29,7 @@ std::string Shown(PSID sid)
     {
         return "error " + std::to_string(GetLastError());
     }
-    const std::string shown = Narrow(text);
+    std::string shown = Narrow(text);
     EXPECT_EQ(nullptr, LocalFree(text));
     return shown;
 }
