@@ -40,7 +40,7 @@ snapshot() {
   (cd "$drive" && find . -path ./package -prune -o -print | sort) >"$work/$1.files"
   timeout 60 wine reg export "HKLM\Software" "Z:$work/registry" /y >/dev/null 2>&1
   iconv -f utf-16 -t utf-8 "$work/registry" | tr -d '\r' |
-    awk 'BEGIN { RS = "" } !/Controls Folder..PowerCfg/' >"$work/$1.reg"
+    awk 'BEGIN { RS = "" } !/Controls Folder.PowerCfg/' >"$work/$1.reg"
 }
 
 # A host, a service and the plug-in in two processes. The power manager of a real machine comes from beside them.
