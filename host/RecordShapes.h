@@ -52,7 +52,7 @@ extern const RecordShape kSchemeNumber;
 extern const RecordShape kCpuSpeed;
 extern const RecordShape kBacklightLevel;
 extern const RecordShape kSwitch;
-extern const RecordShape kRadioStatus;
+extern const RecordShape kSwitchStatus;
 extern const RecordShape kLanSpeed;
 extern const RecordShape kCount;
 extern const RecordShape kBatteryIndex;
