@@ -139,6 +139,29 @@ Options ReadOptions(int argc, char** argv)
     return options;
 }
 
+// What the platform needs before the plug-in is loaded. 0, or the exit status, with the reason told.
+int PreparePlatform(const Options& options)
+{
+#ifdef _WIN32
+    if (options.trace)
+    {
+        std::fputs("trxhost: only the native build can show platform calls\n", stderr);
+        return kWrongUsage;
+    }
+#else
+    if (!simulated::Notebook::Exists())
+    {
+        std::fputs("trxhost: SIM_NOTEBOOK names no notebook; 'notebook create' makes one\n", stderr);
+        return kNoPlugIn;
+    }
+    if (options.trace)
+    {
+        simulated::Trace::Print(true);
+    }
+#endif
+    return 0;
+}
+
 // The answer's code goes out as the exit status; one request or a whole script.
 int RunAll(host::Console& console, const Options& options)
 {
@@ -175,18 +198,10 @@ int main(int argc, char** argv)
         std::fputs(host::ShowCatalogue(options.style).c_str(), stdout);
         return 0;
     }
-#ifndef _WIN32
-    if (!simulated::Notebook::Exists())
+    if (const int code = PreparePlatform(options); code != 0)
     {
-        std::fputs("trxhost: SIM_NOTEBOOK names no notebook; 'notebook create' makes one\n", stderr);
-        return kNoPlugIn;
+        return code;
     }
-    if (options.trace)
-    {
-        simulated::Trace::Print(true);
-    }
-#endif
-
     host::Session session;
     host::Console console(session, options.user, options.style);
     const std::string fault =
