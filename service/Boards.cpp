@@ -12,7 +12,7 @@ namespace service
 namespace
 {
 
-constexpr ULONG kInstance = 0;
+using namespace service_boards;
 
 // A board refuses at once while the other side copies, which takes microseconds; only a party that died in
 // the middle holds the lock for longer.
@@ -49,8 +49,8 @@ bool CopyText(const BYTE* board, DWORD size, wchar_t* text)
 bool Boards::Create()
 {
     // Askers open the result board first: when that succeeds, the other one must be there.
-    return m_parameters.Reset(L"ORVL_IPB_PARA", kBoardSize, 1, kInstance) == 0 &&
-           m_results.Reset(L"ORVL_IPB_RSLT", kBoardSize, 1, kInstance) == 0;
+    return m_parameters.Reset(kParameters, kSize, 1, kInstance) == 0 &&
+           m_results.Reset(kResults, kSize, 1, kInstance) == 0;
 }
 
 bool Boards::Take(Request& request)
@@ -59,7 +59,7 @@ bool Boards::Take(Request& request)
     // Reset before reading: a request that arrives meanwhile rings again.
     m_parameters.Flag(1);
 
-    BYTE board[kBoardSize];
+    BYTE board[kSize];
     if (!Retry([&] { return m_parameters.Read(0, board, sizeof board); }))
     {
         return false;

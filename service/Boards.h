@@ -4,19 +4,14 @@
 // out on the result board. Knows the layout of a request; what it asks for is Requests.h's business.
 #pragma once
 
-#include "foundation/InterProcessBoard.h"
+#include "foundation/ServiceBoards.h"
 
 #include <windows.h>
-
-#include <cstddef>
 
 namespace service
 {
 
-constexpr LONG kBoardSize = 1024;
-
-/// The longest text of a request in characters, terminator included.
-constexpr std::size_t kTextCapacity = (kBoardSize - sizeof(IpbDataHeader)) / sizeof(wchar_t);
+using service_boards::kTextCapacity;
 
 /// A request as it was found on the board.
 struct Request
@@ -27,7 +22,7 @@ struct Request
     bool wellFormed = false;              ///< the size fits the board and the text ends within it
 };
 
-/// `code` 1 is success, anything else a failure notice.
+/// `code` is `service_boards::kDone`, or another number for a failure notice.
 struct Answer
 {
     DWORD code;

@@ -42,7 +42,7 @@ void ServeOne(Boards& boards, const Options& options)
         std::printf("the result board can't be written\n");
         return;
     }
-    if (options.verbose || answer.code != 1)
+    if (options.verbose || answer.code != service_boards::kDone)
     {
         std::printf("  answered code %lu, value 0x%lx\n", static_cast<unsigned long>(answer.code),
                     static_cast<unsigned long>(answer.value));

@@ -16,7 +16,8 @@ namespace service
 namespace
 {
 
-constexpr DWORD kSuccess = 1;
+using namespace service_boards;
+
 constexpr DWORD kFailure = 0;
 
 constexpr const wchar_t* kCompanionKey = L"Software\\Kelvo\\ORVA";
@@ -55,15 +56,14 @@ Answer SchemeApplied(const Request& request)
     }
     std::printf("  stored CurrentPwrSchemeID %lu, %s\n", static_cast<unsigned long>(request.value),
                 SignalApplied() ? "signalled ApplySchemeEvent" : "no host waits for ApplySchemeEvent");
-    return {kSuccess, 0};
+    return {kDone, 0};
 }
 
-// The text is a device's instance id, the value the action: 1 enables, 2 disables.
 Answer ChangeDevice(const Request& request)
 {
     const LONG result = CDevMgr::ExecStateChange(request.text, request.value);
     std::printf("  device change gave 0x%lx\n", static_cast<unsigned long>(static_cast<DWORD>(result)));
-    return {kSuccess, static_cast<DWORD>(result)};
+    return {kDone, static_cast<DWORD>(result)};
 }
 
 struct Service
@@ -74,8 +74,8 @@ struct Service
 };
 
 constexpr Service kServices[] = {
-    {2, "device change", ChangeDevice},
-    {3, "scheme applied", SchemeApplied},
+    {kChangeDevice, "device change", ChangeDevice},
+    {kSchemeApplied, "scheme applied", SchemeApplied},
 };
 
 const Service* Find(DWORD code)

@@ -8,10 +8,10 @@
 #include "agents/DeviceTree.h"
 #include "agents/PropertyChange.h"
 #include "foundation/GuidText.h"
-#include "foundation/InterProcessBoard.h"
 #include "foundation/OrvlCfg.h"
 #include "foundation/Owners.h"
 #include "foundation/Results.h"
+#include "foundation/ServiceBoards.h"
 #include "foundation/Text.h"
 
 #include <cfgmgr32.h>
@@ -22,10 +22,9 @@ namespace
 {
 
 constexpr wchar_t kConfigFile[] = L"ORVLCfg.ini";
-constexpr ULONG kFirstTimeout = 1000;     ///< milliseconds, until the file has been read
-constexpr int kDefaultTimeout = 100000;   ///< milliseconds
-constexpr ULONG kThroughService = 1;      ///< bit 0 of the options
-constexpr unsigned int kChangeDevice = 2; ///< the service's request code
+constexpr ULONG kFirstTimeout = 1000;   ///< milliseconds, until the file has been read
+constexpr int kDefaultTimeout = 100000; ///< milliseconds
+constexpr ULONG kThroughService = 1;    ///< bit 0 of the options
 constexpr DWORD kInstanceIdCapacity = text::kPathCapacity;
 
 // A device list's detail record; its size is part of the call.
@@ -213,7 +212,7 @@ LONG CDevMgr::DoStateChangeRemote(const wchar_t* instanceId, ULONG action) noexc
         return kGeneralFailure;
     }
     IpbDataHeader answer = {};
-    return ServiceCall(kChangeDevice, instanceId, action, &answer, m_nTimeout);
+    return ServiceCall(service_boards::kChangeDevice, instanceId, action, &answer, m_nTimeout);
 }
 
 LONG CDevMgr::DoStateChange(void* set, _SP_DEVINFO_DATA* info, ULONG action) noexcept

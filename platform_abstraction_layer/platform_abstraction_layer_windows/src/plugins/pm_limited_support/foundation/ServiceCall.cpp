@@ -3,21 +3,17 @@
 // One request to the service in another process: out over one board, the answer back over another. The
 // service creates both; what it does with a request is its own business.
 
-#include "foundation/InterProcessBoard.h"
 #include "foundation/OrvlBase.h"
 #include "foundation/Results.h"
+#include "foundation/ServiceBoards.h"
 #include "foundation/Text.h"
 
 namespace
 {
 
-constexpr const wchar_t* kParameterBoard = L"ORVL_IPB_PARA";
-constexpr const wchar_t* kResultBoard = L"ORVL_IPB_RSLT";
-constexpr LONG kBoardSize = 0x400;
-constexpr LONG kHeaderSize = sizeof(IpbDataHeader);
-constexpr std::size_t kTextCapacity = (kBoardSize - kHeaderSize) / sizeof(wchar_t);
+using namespace service_boards;
 
-constexpr DWORD kDone = 1;
+constexpr LONG kHeaderSize = sizeof(IpbDataHeader);
 
 // Puts the request on the parameter board and rings. False, with the reason logged, when a step fails.
 bool SendRequest(CInterProcessBoard& parameters, CInterProcessBoard& results, IpbDataHeader header,
@@ -84,13 +80,13 @@ LONG CORVLBase::ServiceCall(unsigned int code, const wchar_t* text, ULONG value,
     const IpbDataHeader request{code, value, static_cast<DWORD>((length + 1) * sizeof(wchar_t))};
 
     CInterProcessBoard results;
-    if (const LONG opened = results.Reset(kResultBoard, kBoardSize, 0, 0); opened != kSucceeded)
+    if (const LONG opened = results.Reset(kResults, kSize, 0, kInstance); opened != kSucceeded)
     {
         DBGOUT(L"Failed in open IPB board for results with %X.", opened);
         return kGeneralFailure;
     }
     CInterProcessBoard parameters;
-    if (const LONG opened = parameters.Reset(kParameterBoard, kBoardSize, 0, 0); opened != kSucceeded)
+    if (const LONG opened = parameters.Reset(kParameters, kSize, 0, kInstance); opened != kSucceeded)
     {
         DBGOUT(L"Failed in open IPB board for parameters with %X.", opened);
         return kGeneralFailure;

@@ -3,7 +3,7 @@
 // Applying a scheme: the operating system first, then the records of the choice, last the service. Nothing
 // is undone, so a service that doesn't answer leaves the new scheme active and recorded.
 
-#include "foundation/InterProcessBoard.h"
+#include "foundation/ServiceBoards.h"
 #include "foundation/SystemFolders.h"
 #include "scheme/PowerDispatch.h"
 #include "scheme/SchemeEx.h"
@@ -13,7 +13,6 @@
 namespace
 {
 
-constexpr unsigned int kSchemeApplied = 3;
 constexpr int kDefaultTimeout = 1000;
 
 // What the XP path logs, each with the index. A null text isn't logged.
@@ -137,7 +136,7 @@ bool FinishActivation(CSchemeEx& engine, int index, ReadBack readBack) noexcept
     wchar_t folder[text::kPathCapacity] = {};
     folders::GetConfigurationFolder(folder);
     IpbDataHeader reply = {};
-    return engine.ServiceCall(kSchemeApplied, folder, static_cast<ULONG>(index), &reply,
+    return engine.ServiceCall(service_boards::kSchemeApplied, folder, static_cast<ULONG>(index), &reply,
                               static_cast<ULONG>(timeout)) == 0;
 }
 
