@@ -15,6 +15,8 @@
 
 #include <array>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <sys/wait.h>
 
 using namespace simulated;
@@ -119,12 +121,22 @@ TEST_F(ToolTest, SaysWhatItCannotDo)
     {
         EXPECT_FALSE(Tool(misuse, 2).empty()) << misuse;
     }
-    for (const char* const refused : {"create --version 7.7", "user logon nobody", "registry list 'HKXX\\a'",
-                                      "registry list 'HKLM\\None'", "battery out 7"})
+    for (const char* const refused :
+         {"create --version 7.7", "user logon nobody", "registry list 'HKXX\\a'",
+          "registry list 'HKLM\\None'", "battery out 7", "codepage 1", "create --install /nowhere"})
     {
         EXPECT_FALSE(Tool(refused, 1).empty()) << refused;
     }
+    EXPECT_NE(std::string::npos, Tool("show").find("Windows")) << "the notebook is lost";
     EXPECT_NE(std::string::npos, Tool("show --notebook /nowhere", 1).find("no notebook"));
+}
+
+TEST_F(ToolTest, SparesAFolderThatHoldsSomethingElse)
+{
+    const std::string file = Folder() + "/letter.txt";
+    std::ofstream(file) << "dear";
+    EXPECT_FALSE(Tool("create", 1).empty());
+    EXPECT_TRUE(std::filesystem::exists(file));
 }
 
 } // namespace
