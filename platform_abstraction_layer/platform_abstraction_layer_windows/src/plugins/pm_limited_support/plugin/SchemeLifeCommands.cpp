@@ -21,11 +21,9 @@ namespace
 // The engine's percentage for each wire value of the processor's speed; 0 percent means adaptive.
 constexpr int kSpeedPercentages[] = {50, 75, 0, 100};
 
-// What `CLEAR_SCHEMES` is asked for. The engine numbers the two the other way round.
+// What `CLEAR_SCHEMES` is asked for.
 constexpr LONG kClearCurrentUser = 0;
 constexpr LONG kClearAll = 1;
-constexpr int kEngineClearsUser = 1;
-constexpr int kEngineClearsAll = 0;
 
 struct SchemeTexts
 {
@@ -159,11 +157,14 @@ LONG ClearSchemes(const Call& call) noexcept
     const auto selector = exchange::ReadPayload<LONG>(call.request);
     if (selector == kClearCurrentUser)
     {
-        call.engine.ClearORV(kEngineClearsUser);
+        CORVLBase::DBGOUT(L"enter ClearORV: ClearCurrentUserSettings");
+        call.engine.ClearCurrentUserSettings();
     }
     else if (selector == kClearAll)
     {
-        call.engine.ClearORV(kEngineClearsAll);
+        CORVLBase::DBGOUT(L"enter ClearORV: ClearAllUserSettings");
+        call.engine.ClearPwrSchemes();
+        call.engine.ClearCfgSettings();
     }
     exchange::WriteReplySize(call.request, 0);
     return TRX_OPERATION_OK;
