@@ -14,15 +14,6 @@
 
 #include <memory>
 
-#if defined(__SANITIZE_THREAD__)
-// The native loader keeps its records under a lock of its own that the sanitizer doesn't see: one thread may
-// look a library up while another one closes it.
-extern "C" const char* __tsan_default_suppressions()
-{
-    return "race:_dl_close_worker\n";
-}
-#endif
-
 namespace environment
 {
 

@@ -53,6 +53,27 @@ bool TakeRefusal(const void* module)
     return refused.modules.erase(module) > 0;
 }
 
+// One lock round loading and unloading, as the loader of Windows has it. What a thread did in a library
+// before it gave it back comes before the library's end also for the thread sanitizer, which doesn't know the
+// native loader's own lock.
+std::recursive_mutex& LoaderLock()
+{
+    static std::recursive_mutex& lock = *new std::recursive_mutex;
+    return lock;
+}
+
+void* Open(const char* name, int flags) noexcept
+{
+    const std::lock_guard lock(LoaderLock());
+    return dlopen(name, flags);
+}
+
+void Close(void* library) noexcept
+{
+    const std::lock_guard lock(LoaderLock());
+    dlclose(library);
+}
+
 HMODULE AsModule(const void* base) noexcept
 {
     return static_cast<HMODULE>(const_cast<void*>(base));
@@ -95,7 +116,7 @@ void* OpenLoaded(HMODULE module, int flags) noexcept
         return nullptr;
     }
     const char* const name = module == libraries::Executable() ? nullptr : info->dli_fname;
-    return dlopen(name, RTLD_LAZY | RTLD_NOLOAD | flags);
+    return Open(name, RTLD_LAZY | RTLD_NOLOAD | flags);
 }
 
 bool EndsIgnoringCase(std::string_view text, std::string_view end)
@@ -154,11 +175,11 @@ Outcome<HMODULE> libraries::Load(const std::string& name)
     DWORD error = ERROR_MOD_NOT_FOUND;
     for (const std::string& path : Candidates(name))
     {
-        void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        void* const library = Open(path.c_str(), RTLD_NOW | RTLD_LOCAL);
         const HMODULE module = library == nullptr ? nullptr : ModuleOf(library);
         if (module != nullptr && TakeRefusal(module))
         {
-            dlclose(library);
+            Close(library);
             return {nullptr, ERROR_DLL_INIT_FAILED};
         }
         if (module != nullptr)
@@ -180,11 +201,11 @@ Outcome<HMODULE> libraries::FindLoaded(const std::string& name)
 {
     for (const std::string& path : Candidates(name))
     {
-        void* const library = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+        void* const library = Open(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
         if (library != nullptr)
         {
             const HMODULE module = ModuleOf(library);
-            dlclose(library);
+            Close(library);
             return {module, ERROR_SUCCESS};
         }
     }
@@ -206,9 +227,9 @@ HMODULE libraries::Executable() noexcept
 {
     static const HMODULE executable = []
     {
-        void* const program = dlopen(nullptr, RTLD_LAZY);
+        void* const program = Open(nullptr, RTLD_LAZY);
         const HMODULE module = ModuleOf(program);
-        dlclose(program);
+        Close(program);
         return module;
     }();
     return executable;
@@ -231,8 +252,8 @@ void libraries::Release(HMODULE module) noexcept
     void* const library = OpenLoaded(module, 0);
     if (library != nullptr)
     {
-        dlclose(library);
-        dlclose(library);
+        Close(library);
+        Close(library);
     }
 }
 
@@ -244,7 +265,7 @@ FARPROC libraries::FindFunction(HMODULE module, const char* name) noexcept
         return nullptr;
     }
     void* const address = dlsym(library, name);
-    dlclose(library);
+    Close(library);
     // The native look-up goes on through the libraries that this one stands on.
     return address != nullptr && FindByAddress(address) == module ? reinterpret_cast<FARPROC>(address)
                                                                   : nullptr;
