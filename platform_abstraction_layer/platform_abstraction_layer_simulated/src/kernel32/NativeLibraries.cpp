@@ -33,26 +33,6 @@ constexpr std::string_view kNativeEnd = ".so";
 constexpr std::string_view kDllEnd = ".dll";
 constexpr std::string_view kProgramEnd = ".exe";
 
-// Modules whose DllMain answered FALSE.
-struct RefusedModules
-{
-    std::mutex mutex;
-    std::set<const void*> modules;
-};
-
-RefusedModules& Refused()
-{
-    static RefusedModules& refused = *new RefusedModules;
-    return refused;
-}
-
-bool TakeRefusal(const void* module)
-{
-    RefusedModules& refused = Refused();
-    const std::lock_guard lock(refused.mutex);
-    return refused.modules.erase(module) > 0;
-}
-
 // One lock round loading and unloading, as the loader of Windows has it. What a thread did in a library
 // before it gave it back comes before the library's end also for the thread sanitizer, which doesn't know the
 // native loader's own lock.
@@ -60,6 +40,13 @@ std::recursive_mutex& LoaderLock()
 {
     static std::recursive_mutex& lock = *new std::recursive_mutex;
     return lock;
+}
+
+// Modules whose DllMain answered FALSE and that haven't been unloaded yet. Under the loader's lock.
+std::set<const void*>& Refused()
+{
+    static std::set<const void*>& refused = *new std::set<const void*>;
+    return refused;
 }
 
 void* Open(const char* name, int flags) noexcept
@@ -165,19 +152,19 @@ std::vector<std::string> Candidates(std::string name)
 
 void RefuseModule(const void* module)
 {
-    RefusedModules& refused = Refused();
-    const std::lock_guard lock(refused.mutex);
-    refused.modules.insert(module);
+    const std::lock_guard lock(LoaderLock());
+    Refused().insert(module);
 }
 
 Outcome<HMODULE> libraries::Load(const std::string& name)
 {
+    const std::lock_guard lock(LoaderLock());
     DWORD error = ERROR_MOD_NOT_FOUND;
     for (const std::string& path : Candidates(name))
     {
         void* const library = Open(path.c_str(), RTLD_NOW | RTLD_LOCAL);
         const HMODULE module = library == nullptr ? nullptr : ModuleOf(library);
-        if (module != nullptr && TakeRefusal(module))
+        if (module != nullptr && Refused().erase(module) > 0)
         {
             Close(library);
             return {nullptr, ERROR_DLL_INIT_FAILED};
