@@ -160,14 +160,15 @@ LONG GetLcdBrightness(CPluginHelper&, const PM_Request& request) noexcept
 LONG SetLcdBrightness(CPluginHelper& context, const PM_Request& request) noexcept
 {
     const auto level = exchange::ReadPayload<LONG>(request);
+    const bool isLevel = level >= 0; // anything else ends without a call of the driver
     CEcAgent agent;
-    if (level >= 0 && agent.Setup() < 0)
+    if (isLevel && agent.Setup() < 0)
     {
         PmLog(L"set brightness level, ec setup failed");
         return TRX_OPERATION_FAIL;
     }
     PmLog(L"set LCD level %d ", level);
-    if (level < 0 || agent.SetBacklightLevel(static_cast<int>(level)) == -1)
+    if (!isLevel || agent.SetBacklightLevel(static_cast<int>(level)) == -1)
     {
         return TRX_OPERATION_FAIL;
     }
