@@ -13,7 +13,10 @@ drive=$WINEPREFIX/drive_c
 account=$(id -un)
 folder= # where the package is installed, while it is
 cleanup() {
-  [ -z "$folder" ] || command_file uninstall.cmd
+  if [ -n "$folder" ]; then
+    rm -f "$folder/powrprof.dll"
+    command_file uninstall.cmd
+  fi
   rm -rf "$work" "$drive/package"
 }
 trap cleanup EXIT
