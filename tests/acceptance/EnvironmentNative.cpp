@@ -4,7 +4,6 @@
 
 #include "acceptance/Environment.h"
 
-#include "acceptance/Seeding.h"
 #include "notebook/Adapters.h"
 #include "notebook/Batteries.h"
 #include "notebook/KernelDriver.h"
@@ -88,7 +87,6 @@ Machine::Machine()
 {
     notebook = std::make_unique<FreshNotebook>();
     notebook->SetUp();
-    EXPECT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, "Software\\Kelvo\\ORVA", "Test", 1));
 }
 
 Machine::~Machine()

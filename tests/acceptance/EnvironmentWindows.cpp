@@ -135,7 +135,7 @@ void Recreate(DWORD major)
     MakeLogon(HKEY_CURRENT_USER, "", UserName(), seeding::LocalAppData());
     MakeLogon(HKEY_USERS, std::string(kOtherHive) + "\\", kOtherUser, kOtherLocalAppData);
     EXPECT_TRUE(seeding::SetText(HKEY_LOCAL_MACHINE, kInstallationKey, "CfgPath", kFolder));
-    EXPECT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, "Software\\Kelvo\\ORVA", "Test", 1));
+    EXPECT_TRUE(seeding::MakeKey(HKEY_LOCAL_MACHINE, "Software\\Kelvo\\ORVA"));
 }
 
 void RemoveHardware()

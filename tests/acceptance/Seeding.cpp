@@ -101,6 +101,11 @@ std::string Utf8(const wchar_t* text)
     return narrow;
 }
 
+bool MakeKey(HKEY root, std::string_view key)
+{
+    return Key(root, key, true).Get() != nullptr;
+}
+
 bool SetText(HKEY root, std::string_view key, std::string_view name, std::string_view text)
 {
     const std::vector<wchar_t> wide = Wide(text);

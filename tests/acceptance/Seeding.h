@@ -18,7 +18,8 @@ namespace seeding
 std::vector<wchar_t> Wide(std::string_view text);
 std::string Utf8(const wchar_t* text);
 
-/// Writes a value and makes its key; false when the registry refuses.
+/// Makes a key, or writes a value and makes its key; false when the registry refuses.
+bool MakeKey(HKEY root, std::string_view key);
 bool SetText(HKEY root, std::string_view key, std::string_view name, std::string_view text);
 bool SetNumber(HKEY root, std::string_view key, std::string_view name, DWORD number);
 bool RemoveValue(HKEY root, std::string_view key, std::string_view name);
