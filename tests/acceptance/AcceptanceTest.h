@@ -9,7 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <optional>
+#include <thread>
 
 class AcceptanceTest : public testing::Test
 {
@@ -24,6 +26,34 @@ protected:
     static std::string ProfileFile(const std::string& name)
     {
         return seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\" + name;
+    }
+
+    /// Plays the party outside that has applied a scheme. False when nobody listens.
+    static bool SignalApplied()
+    {
+        const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, L"ApplySchemeEvent");
+        const bool signalled = event != nullptr && SetEvent(event);
+        CloseHandle(event);
+        return signalled;
+    }
+    static bool IsListenedFor()
+    {
+        const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, L"ApplySchemeEvent");
+        CloseHandle(event);
+        return event != nullptr;
+    }
+
+    /// Waits for up to ten seconds; a condition that never comes fails the test and doesn't hold it up for
+    /// good.
+    template <class Condition>
+    static void WaitUntil(Condition condition)
+    {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!condition() && std::chrono::steady_clock::now() < end)
+        {
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        EXPECT_TRUE(condition());
     }
 
     /// Fails the test when a file that the plug-in writes isn't a whole configuration file.

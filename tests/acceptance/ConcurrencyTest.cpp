@@ -12,7 +12,6 @@
 #include <atomic>
 #include <deque>
 #include <random>
-#include <thread>
 
 namespace
 {
@@ -97,13 +96,6 @@ private:
     std::vector<SampleRequest> m_samples = SampleRequests(kFirstAdded);
     PM_Config_Data m_mark{};
 };
-
-void SignalApplied()
-{
-    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, L"ApplySchemeEvent");
-    SetEvent(event);
-    CloseHandle(event);
-}
 
 class ManyThreads : public GenerationTest
 {

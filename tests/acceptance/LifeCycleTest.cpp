@@ -4,8 +4,7 @@
 
 #include "acceptance/AcceptanceTest.h"
 
-#include <chrono>
-#include <utility>
+#include <algorithm>
 
 namespace
 {
@@ -13,41 +12,15 @@ namespace
 constexpr int kManyCycles = 1000;
 constexpr int kWarmUpCycles = 20; // what the system itself keeps is there after these
 
-void Signal()
-{
-    const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, L"ApplySchemeEvent");
-    if (event != nullptr)
-    {
-        SetEvent(event);
-        CloseHandle(event);
-    }
-}
-
-bool IsListenedFor()
-{
-    const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, L"ApplySchemeEvent");
-    CloseHandle(event);
-    return event != nullptr;
-}
-
-// True as soon as the library is gone. A thread that nobody waits for takes it along when it ends.
-bool WaitUntilUnloaded()
-{
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (GetModuleHandleW(L"pm_limited_support.dll") != nullptr)
-    {
-        if (std::chrono::steady_clock::now() > end)
-        {
-            return false;
-        }
-        Sleep(1);
-    }
-    return true;
-}
-
 class LifeCycle : public AcceptanceTest
 {
 protected:
+    // A thread that nobody waits for takes the library along when it ends.
+    static void WaitUntilUnloaded()
+    {
+        WaitUntil([] { return GetModuleHandleW(L"pm_limited_support.dll") == nullptr; });
+    }
+
     Host host;
 };
 
@@ -69,7 +42,7 @@ TEST_F(LifeCycle, StopTwiceAndStartAgain)
     EXPECT_FALSE(IsListenedFor());
     EXPECT_EQ(0, host.Uninitialize());
     EXPECT_EQ(0, host.Initialize());
-    Signal();
+    SignalApplied();
     EXPECT_TRUE(host.WaitForEvent().has_value());
 }
 
@@ -86,71 +59,89 @@ TEST_F(LifeCycle, ASecondStartTakesTheNewHostAndLeavesOneThread)
                            }};
     EXPECT_EQ(0, host.Initialize(&other));
     EXPECT_EQ(0, host.Initialize(&other));
-    Signal();
+    SignalApplied();
     WaitForSingleObject(arrived, 10'000);
     host.Uninitialize();
     EXPECT_EQ(1, count);
     EXPECT_TRUE(host.TakeEvents().empty());
 }
 
+// The request sends an event whatever hardware there is.
 TEST_F(LifeCycle, AHostWithoutAFunctionIsTakenAndEventsAreDropped)
 {
     PM_HostInterface empty{};
     for (PM_HostInterface* const none : {static_cast<PM_HostInterface*>(nullptr), &empty})
     {
         EXPECT_EQ(0, host.Initialize(none));
-        Signal();
-        EXPECT_EQ(0, host.Uninitialize());
+        EXPECT_EQ(0, host.Send("SET_CPU_SPEED", LONG{2}).code);
     }
+    EXPECT_TRUE(host.TakeEvents().empty());
+}
+
+TEST_F(LifeCycle, EachStartIsLoggedAndEachThreadOnce)
+{
+    host.Uninitialize();
+    seeding::SwitchLogsOn();
+    EXPECT_EQ(0, host.Initialize());
+    EXPECT_EQ(0, host.Initialize());
+    host.Uninitialize();
+    std::vector<std::string> lines = seeding::LogLines("trxpm.log");
+    std::sort(lines.begin(), lines.end()); // the host's thread and the plug-in's write at once
+    EXPECT_EQ((std::vector<std::string>{"Create Event APPLY_SCHEME_EVENT", "Create Event APPLY_SCHEME_EVENT",
+                                        "enter PMNotifyHandler", "return PMNotifyHandler"}),
+              lines);
 }
 
 TEST_F(LifeCycle, RequestsWorkBeforeTheStart)
 {
-    host.Uninitialize();
+    host.Unload();
+    ASSERT_TRUE(host.Load());
     EXPECT_EQ(TRX_OPERATION_REFUSED, host.Send("GET_LUMS_LEVEL").code);
     EXPECT_EQ(TRX_UNKNOWN_COMMAND, host.Send("NO_SUCH").code);
+    EXPECT_EQ(0, host.Send("SET_CPU_SPEED", LONG{2}).code);
 }
 
 TEST_F(LifeCycle, ANotifiedHostMayStopThePlugIn)
 {
     host.onEvent = [&](const Event&) { EXPECT_EQ(0, host.Uninitialize()); };
-    Signal();
+    SignalApplied();
     EXPECT_TRUE(host.WaitForEvent().has_value());
     EXPECT_FALSE(IsListenedFor());
     host.Unload();
-    EXPECT_TRUE(WaitUntilUnloaded());
+    WaitUntilUnloaded();
     EXPECT_TRUE(host.TakeEvents().empty());
 }
 
-// The first thread may still be on its way out when the second one starts.
-TEST_F(LifeCycle, AHostThatStoppedWhenNotifiedMayStartAtOnce)
+// Threads of starts that were stopped at once may not even have begun when the last one is there.
+TEST_F(LifeCycle, AHostThatStoppedWhenNotifiedMayStartAtOnceAndAgain)
 {
     bool first = true;
     host.onEvent = [&](const Event&)
     {
-        if (std::exchange(first, false))
+        for (int start = 0; first && start < 5; ++start)
         {
             EXPECT_EQ(0, host.Uninitialize());
             EXPECT_EQ(0, host.Initialize());
         }
+        first = false;
     };
     for (int round = 0; round < 2; ++round)
     {
-        Signal();
+        SignalApplied();
         EXPECT_TRUE(host.WaitForEvent().has_value());
     }
     host.Unload();
-    EXPECT_TRUE(WaitUntilUnloaded());
+    WaitUntilUnloaded();
     EXPECT_TRUE(host.TakeEvents().empty());
 }
 
 TEST_F(LifeCycle, ANotifiedHostMayUnloadThePlugIn)
 {
     host.onEvent = [&](const Event&) { host.Unload(); };
-    Signal();
+    SignalApplied();
     ASSERT_TRUE(host.WaitForEvent().has_value());
     host.onEvent = nullptr;
-    EXPECT_TRUE(WaitUntilUnloaded());
+    WaitUntilUnloaded();
     ASSERT_TRUE(host.Load());
     EXPECT_EQ(0, host.Initialize());
 }
@@ -161,7 +152,7 @@ TEST_F(LifeCycle, UnloadingWithoutAStopTakesNothingFromUnderTheThread)
     const HMODULE library = GetModuleHandleW(L"pm_limited_support.dll");
     ASSERT_NE(nullptr, library);
     FreeLibrary(library);
-    Signal();
+    SignalApplied();
     EXPECT_TRUE(host.WaitForEvent().has_value());
     ASSERT_TRUE(host.Load());
 }
@@ -177,7 +168,7 @@ TEST_F(LifeCycle, ManyCyclesLeaveNothing)
         ASSERT_EQ(0, host.Send("GET_ACTIVE_SCHEME").code) << cycle;
         if (cycle % 10 == 0)
         {
-            Signal();
+            SignalApplied();
         }
         host.Unload();
         host.TakeEvents();

@@ -10,33 +10,13 @@ namespace
 constexpr const char* kKey = "Software\\Kelvo\\ORVA";
 constexpr const char* kValue = "CurrentPwrSchemeID";
 
-// Plays the party outside.
-class Signaller
+bool IsSignalled()
 {
-public:
-    Signaller() : m_event(OpenEventW(EVENT_ALL_ACCESS, FALSE, L"ApplySchemeEvent"))
-    {
-        EXPECT_NE(nullptr, m_event);
-    }
-    ~Signaller()
-    {
-        CloseHandle(m_event);
-    }
-    Signaller(const Signaller&) = delete;
-    Signaller& operator=(const Signaller&) = delete;
-
-    void Signal() const
-    {
-        EXPECT_NE(0, SetEvent(m_event));
-    }
-    bool IsSignalled() const
-    {
-        return WaitForSingleObject(m_event, 0) == WAIT_OBJECT_0;
-    }
-
-private:
-    HANDLE m_event;
-};
+    const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, L"ApplySchemeEvent");
+    const bool signalled = WaitForSingleObject(event, 0) == WAIT_OBJECT_0;
+    CloseHandle(event);
+    return signalled;
+}
 
 class Notification : public AcceptanceTest
 {
@@ -54,7 +34,6 @@ protected:
     }
 
     Host host;
-    Signaller signaller;
 };
 
 TEST_F(Notification, OneSignalGivesOneEvent)
@@ -62,14 +41,14 @@ TEST_F(Notification, OneSignalGivesOneEvent)
     for (const DWORD scheme : {3U, 0U, 0xFFFFFFFFU})
     {
         seeding::SetNumber(HKEY_LOCAL_MACHINE, kKey, kValue, scheme);
-        signaller.Signal();
+        EXPECT_TRUE(SignalApplied());
         const std::optional<Event> event = host.WaitForEvent();
         ASSERT_TRUE(event.has_value());
         EXPECT_EQ("Kelvo Power Manager", event->module);
         EXPECT_EQ("SCHEME_APPLIED", event->name);
         EXPECT_EQ(static_cast<LONG>(scheme), event->Number());
         EXPECT_NE(GetCurrentThreadId(), event->thread);
-        EXPECT_FALSE(signaller.IsSignalled());
+        EXPECT_FALSE(IsSignalled());
     }
     host.Uninitialize();
     EXPECT_TRUE(host.TakeEvents().empty());
@@ -78,19 +57,19 @@ TEST_F(Notification, OneSignalGivesOneEvent)
 TEST_F(Notification, WithoutAValueTheNumberIsZero)
 {
     seeding::RemoveValue(HKEY_LOCAL_MACHINE, kKey, kValue);
-    signaller.Signal();
+    EXPECT_TRUE(SignalApplied());
     EXPECT_EQ(0, host.WaitForEvent()->Number());
     EXPECT_TRUE(LogHolds("PMNotifyHandler: Query CurrentSchemeID at 2 failed"));
 
     ASSERT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_LOCAL_MACHINE, seeding::Wide(kKey).data()));
-    signaller.Signal();
+    EXPECT_TRUE(SignalApplied());
     EXPECT_EQ(0, host.WaitForEvent()->Number());
     EXPECT_TRUE(LogHolds("PMNotifyHandler: open key failed 2 "));
 }
 
 TEST_F(Notification, TheThreadSaysWhatItDoes)
 {
-    signaller.Signal();
+    EXPECT_TRUE(SignalApplied());
     ASSERT_TRUE(host.WaitForEvent().has_value());
     host.Uninitialize();
     // The first line came before the log was switched on, or after it.
@@ -110,10 +89,10 @@ TEST_F(Notification, ASignalDuringAnEventIsntLost)
         if (++rounds == 1)
         {
             seeding::SetNumber(HKEY_LOCAL_MACHINE, kKey, kValue, 4);
-            signaller.Signal();
+            EXPECT_TRUE(SignalApplied());
         }
     };
-    signaller.Signal();
+    EXPECT_TRUE(SignalApplied());
     EXPECT_EQ(3, host.WaitForEvent()->Number());
     EXPECT_EQ(4, host.WaitForEvent()->Number());
 }
@@ -123,7 +102,7 @@ TEST_F(Notification, AnEventMaySendARequest)
 {
     LONG code = -1;
     host.onEvent = [&](const Event&) { code = host.Send("GET_LUMS_LEVEL").code; };
-    signaller.Signal();
+    EXPECT_TRUE(SignalApplied());
     ASSERT_TRUE(host.WaitForEvent().has_value());
     EXPECT_EQ(TRX_OPERATION_REFUSED, code);
 }

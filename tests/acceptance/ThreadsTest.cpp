@@ -6,19 +6,9 @@
 #include "acceptance/HostThread.h"
 
 #include <atomic>
-#include <chrono>
-#include <thread>
 
 namespace
 {
-
-void SignalApplied()
-{
-    const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, L"ApplySchemeEvent");
-    ASSERT_NE(nullptr, event);
-    SetEvent(event);
-    CloseHandle(event);
-}
 
 // The one request that sends an event on a machine without any of the hardware.
 constexpr const char* kRequestWithEvent = "SET_CPU_SPEED";
@@ -26,16 +16,6 @@ constexpr const char* kRequestWithEvent = "SET_CPU_SPEED";
 bool IsFromRequest(const Event& event)
 {
     return event.name == "CPU_SPEED_CHANGED";
-}
-
-// What never comes fails the test and doesn't hold it up for good.
-void WaitFor(const std::atomic<bool>& flag)
-{
-    for (int round = 0; !flag && round < 10'000; ++round)
-    {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    EXPECT_TRUE(flag);
 }
 
 class Threads : public AcceptanceTest
@@ -105,7 +85,7 @@ TEST_F(Threads, ARequestsEventMayStopThePlugIn)
         else
         {
             SignalApplied();
-            WaitFor(isNotified);
+            WaitUntil([&] { return isNotified.load(); });
             EXPECT_EQ(0, host.Uninitialize());
             EXPECT_EQ(0, innerCode) << "the thread has ended, so its request has too";
         }
@@ -129,34 +109,112 @@ TEST_F(Threads, AStopWaitsForTheRequestsThatRun)
         }
     };
     HostThread requester([&] { host.Send(kRequestWithEvent, LONG{2}); });
-    WaitFor(isInside);
+    WaitUntil([&] { return isInside.load(); });
     host.Uninitialize();
     isStopped = true;
     requester.Join();
 }
 
-// The second of two callers finds nothing left to stop, and still returns only when the thread has ended.
-TEST_F(Threads, EachOfTwoStopsWaitsForTheNotificationThread)
+// Also the threads of starts that the host stopped from within an event, and whoever stopped a start before.
+TEST_F(Threads, EachStopWaitsForAllNotificationThreads)
 {
-    std::atomic<bool> isInside = false;
+    for (const int starts : {0, 1, 2})
+    {
+        std::atomic<int> inside = 0;
+        std::atomic<int> over = 0;
+        host.Initialize();
+        host.onEvent = [&](const Event&)
+        {
+            // Each but the last thread stops its own start and begins the next one.
+            if (inside < starts)
+            {
+                EXPECT_EQ(0, host.Uninitialize());
+                EXPECT_EQ(0, host.Initialize());
+            }
+            const int earlier = inside++;
+            std::this_thread::sleep_for(std::chrono::milliseconds(50 * (starts + 1 - earlier)));
+            ++over;
+        };
+        for (int thread = 0; thread <= starts; ++thread)
+        {
+            SignalApplied();
+            WaitUntil([&] { return inside == thread + 1; });
+        }
+        const auto stop = [&]
+        {
+            host.Uninitialize();
+            EXPECT_EQ(starts + 1, over);
+        };
+        HostThread first(stop);
+        HostThread second(stop);
+    }
+}
+
+TEST_F(Threads, AStopWaitsForAThreadThatTheHostStopped)
+{
+    std::atomic<bool> isStopped = false;
     std::atomic<bool> isOver = false;
     host.onEvent = [&](const Event&)
     {
-        isInside = true;
+        EXPECT_EQ(0, host.Uninitialize());
+        isStopped = true;
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         isOver = true;
     };
     SignalApplied();
-    WaitFor(isInside);
-    const auto stop = [&]
+    WaitUntil([&] { return isStopped.load(); });
+    host.Uninitialize();
+    EXPECT_TRUE(isOver);
+}
+
+// Two threads of the plug-in's are in the host's function, and each waits for what the other does.
+TEST_F(Threads, AStopOnANotificationThreadWaitsForNone)
+{
+    std::atomic<int> inside = 0;
+    std::atomic<bool> isStopped = false;
+    host.onEvent = [&](const Event&)
     {
-        host.Uninitialize();
-        EXPECT_TRUE(isOver);
+        if (++inside == 1)
+        {
+            EXPECT_EQ(0, host.Uninitialize());
+            EXPECT_EQ(0, host.Initialize());
+            SignalApplied();
+            WaitUntil([&] { return inside == 2; });
+            EXPECT_EQ(0, host.Uninitialize());
+            SignalApplied(); // comes too late for the other thread, too
+            isStopped = true;
+        }
+        else
+        {
+            WaitUntil([&] { return isStopped.load(); });
+        }
     };
-    HostThread first(stop);
-    HostThread second(stop);
-    first.Join();
-    second.Join();
+    SignalApplied();
+    EXPECT_TRUE(host.WaitForEvent().has_value());
+    host.Uninitialize();
+    EXPECT_EQ(2, inside);
+}
+
+TEST_F(Threads, AStopDoesntWaitForAStartThatFollowsIt)
+{
+    std::atomic<int> inside = 0;
+    std::atomic<bool> goesOn = false;
+    host.onEvent = [&](const Event&)
+    {
+        if (++inside == 1)
+        {
+            WaitUntil([&] { return goesOn.load(); });
+        }
+    };
+    SignalApplied();
+    WaitUntil([&] { return inside == 1; });
+    HostThread stopper([&] { host.Uninitialize(); });
+    WaitUntil([&] { return host.Initialize() == 0 && SignalApplied() && inside > 1; });
+    goesOn = true;
+    stopper.Join();
+    const int before = inside;
+    EXPECT_TRUE(SignalApplied());
+    WaitUntil([&] { return inside > before; });
 }
 
 } // namespace

@@ -103,6 +103,10 @@ inline void Unmap(void* view) noexcept
 {
     UnmapViewOfFile(view);
 }
+inline void ReleaseModule(HMODULE module) noexcept
+{
+    FreeLibrary(module);
+}
 
 /// What INVALID_HANDLE_VALUE is as a number.
 constexpr LONG_PTR kInvalidHandle = -1;
@@ -118,6 +122,8 @@ using LocalBlock = Owner<void*, FreeLocal>;
 /// Memory from the process heap.
 using HeapBlock = Owner<void*, FreeBlock>;
 using View = Owner<void*, Unmap>;
+/// One reference to a loaded module.
+using Module = Owner<HMODULE, ReleaseModule>;
 
 /// `size` bytes of zeros from the process heap; the owner is empty when there is no memory.
 inline HeapBlock AllocateBlock(std::size_t size) noexcept

@@ -9,6 +9,7 @@
 #include "plugin/PluginHelper.h"
 
 #include <iterator>
+#include <new>
 #include <utility>
 
 namespace notification
@@ -17,97 +18,94 @@ namespace notification
 namespace
 {
 
-// One start of the thread. It is shared by the thread and by who stops it, and goes with the last of them, so
-// that neither has to outlive the other.
+// One start of the thread, kept until the thread has ended.
 struct Run
 {
-    HANDLE stopEvent; // private to this start: a later one isn't stopped with it
-    HANDLE appliedEvent;
-    HMODULE module; // the thread's own reference to the library in which it runs
-    DWORD threadId;
-    bool isOver; // the thread's own: it was stopped from within its call of the host
-    LONG volatile shares;
-    Run* nextAlive;
+    owners::Handle appliedEvent; // the thread's own to close
+    owners::Handle stopEvent;    // private to this start: another one isn't stopped with it
+    owners::Module module;       // the thread's reference to the library in which it runs
+    owners::Handle thread;
+    DWORD threadId = 0;
+    Run* earlier = nullptr;
 };
 
-// Guards the context's handles and the two variables below. Nobody waits or calls the host under it.
+void Delete(Run* run) noexcept
+{
+    run->~Run();
+    owners::FreeBlock(run);
+}
+
+using OwnedRun = owners::Owner<Run*, Delete>;
+
+// Guards the context's two handles and what follows. Nobody waits for a thread or calls the host under it.
 CRITICAL_SECTION section;
 
-// The start to which the context's handles belong.
-Run* current = nullptr;
+// The starts whose threads may still run, the latest first. The context's handles are the latest's, or null
+// when that is over too.
+Run* runs = nullptr;
 
-// Starts whose thread hasn't ended. A thread finds its own by its number: another start may already have
-// followed when it gets to run.
-Run* alive = nullptr;
+// Callers that wait outside the lock for the threads in the list. As long as there is one, nothing leaves it.
+unsigned waiting = 0;
 
-// Held while one caller stops a thread and waits for its end, so that a second caller doesn't return before
-// it. The threads that are stopped never take it.
-CRITICAL_SECTION stopping;
-
-void CloseEvents(Run& run) noexcept
+void RemoveEnded() noexcept
 {
-    for (HANDLE* const event : {&run.appliedEvent, &run.stopEvent})
+    Run** link = &runs;
+    while (waiting == 0 && *link != nullptr)
     {
-        if (*event != nullptr)
+        Run* const run = *link;
+        if (WaitForSingleObject(run->thread.Get(), 0) == WAIT_OBJECT_0)
         {
-            CloseHandle(std::exchange(*event, nullptr));
+            *link = run->earlier;
+            Delete(run);
+        }
+        else
+        {
+            link = &run->earlier;
         }
     }
 }
 
-void GiveBack(Run* run) noexcept
-{
-    if (InterlockedDecrement(&run->shares) == 0)
-    {
-        CloseEvents(*run);
-        HeapFree(GetProcessHeap(), 0, run);
-    }
-}
-
-// A start with all that its thread needs; null when something can't be had.
-Run* Prepare() noexcept
-{
-    auto* const run = static_cast<Run*>(owners::AllocateBlock(sizeof(Run)).Detach());
-    if (run == nullptr)
-    {
-        return nullptr;
-    }
-    run->shares = 1;
-    run->appliedEvent = CreateEventW(nullptr, TRUE, FALSE, L"ApplySchemeEvent");
-    run->stopEvent = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    const auto inside = reinterpret_cast<LPCWSTR>(reinterpret_cast<void*>(&PMNotifyHandler));
-    if (run->appliedEvent == nullptr || run->stopEvent == nullptr ||
-        !GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, inside, &run->module))
-    {
-        GiveBack(run);
-        return nullptr;
-    }
-    return run;
-}
-
-// The calling thread's own start, or null.
+// The calling thread's own start; null on a thread that isn't the plug-in's.
 Run* FindOwn() noexcept
 {
-    const owners::SectionLock lock(section);
     const DWORD self = GetCurrentThreadId();
-    Run* run = alive;
+    Run* run = runs;
     while (run != nullptr && run->threadId != self)
     {
-        run = run->nextAlive;
+        run = run->earlier;
     }
     return run;
 }
 
-// Takes a start out of the list, as the last thing that its thread does with it.
-void Leave(const Run* run) noexcept
+void ClearHandles(CPluginHelper& context) noexcept
 {
-    const owners::SectionLock lock(section);
-    Run** link = &alive;
-    while (*link != run)
+    context.notifyThread = nullptr;
+    context.applySchemeEvent = nullptr;
+}
+
+// A running thread with all that it needs; empty, with nothing left behind, when something can't be had.
+OwnedRun StartThread() noexcept
+{
+    void* const block = owners::AllocateBlock(sizeof(Run)).Detach();
+    OwnedRun run(block == nullptr ? nullptr : new (block) Run);
+    if (!run)
     {
-        link = &(*link)->nextAlive;
+        return run;
     }
-    *link = run->nextAlive;
+    Run& start = *run.Get();
+    const auto inside = reinterpret_cast<LPCWSTR>(reinterpret_cast<void*>(&PMNotifyHandler));
+    start.appliedEvent.Reset(CreateEventW(nullptr, TRUE, FALSE, L"ApplySchemeEvent"));
+    start.stopEvent.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    if (start.appliedEvent && start.stopEvent &&
+        GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, inside, start.module.Receive()))
+    {
+        start.thread.Reset(CreateThread(nullptr, 0, &PMNotifyHandler, nullptr, 0, &start.threadId));
+    }
+    if (!start.thread)
+    {
+        run.Reset();
+    }
+    return run;
 }
 
 // The number of the scheme in force as the party outside stored it; 0, with the reason logged, when it can't
@@ -137,39 +135,35 @@ LONG ReadAppliedScheme() noexcept
 // True when the applied event was signalled, false when the thread is to end.
 bool WaitForApplied(const Run& run) noexcept
 {
+    if (!run.appliedEvent)
+    {
+        return false; // the host stopped this start from within its event
+    }
     // The first of several signalled events counts, so an end that is asked for comes before another event.
-    const HANDLE events[] = {run.stopEvent, run.appliedEvent};
+    const HANDLE events[] = {run.stopEvent.Get(), run.appliedEvent.Get()};
     return WaitForMultipleObjects(static_cast<DWORD>(std::size(events)), events, FALSE, INFINITE) ==
            WAIT_OBJECT_0 + 1;
 }
 
-// Ends the current start, if there is one, and waits for its thread unless that is the calling one.
-void StopCurrent(CPluginHelper& context) noexcept
+// The calling thread's start. It is complete by the time that the thread gets the lock.
+Run& Join() noexcept
 {
-    Run* run = nullptr;
-    owners::Handle thread;
+    const owners::SectionLock lock(section);
+    return *FindOwn();
+}
+
+// Ends the calling thread's start, which may be the present one when a wait failed. Gives the thread's
+// reference to the library.
+HMODULE Leave(Run& run) noexcept
+{
+    const owners::SectionLock lock(section);
+    if (CPluginHelper& context = CPluginHelper::Instance(); context.notifyThread == run.thread.Get())
     {
-        const owners::SectionLock lock(section);
-        run = std::exchange(current, nullptr);
-        thread.Reset(std::exchange(context.notifyThread, nullptr));
-        context.applySchemeEvent = nullptr;
+        ClearHandles(context);
     }
-    if (run == nullptr)
-    {
-        return;
-    }
-    if (run->threadId == GetCurrentThreadId())
-    {
-        // It doesn't wait now and won't again, so nobody needs the events any more.
-        run->isOver = true;
-        CloseEvents(*run);
-    }
-    else if (SetEvent(run->stopEvent))
-    {
-        WaitForSingleObject(thread.Get(), INFINITE);
-    }
-    thread.Reset();
-    GiveBack(run);
+    run.appliedEvent.Reset();
+    run.stopEvent.Reset();
+    return run.module.Detach();
 }
 
 } // namespace
@@ -177,53 +171,69 @@ void StopCurrent(CPluginHelper& context) noexcept
 void SetUp() noexcept
 {
     InitializeCriticalSection(&section);
-    InitializeCriticalSection(&stopping);
 }
 
 void TearDown() noexcept
 {
-    DeleteCriticalSection(&stopping);
+    // The last thread may be the one that unloads the library; it has left its start behind.
+    while (runs != nullptr)
+    {
+        Delete(std::exchange(runs, runs->earlier));
+    }
     DeleteCriticalSection(&section);
 }
 
 bool Start(CPluginHelper& context) noexcept
 {
+    // The thread looks for its start under the lock, so it finds it complete.
     const owners::SectionLock lock(section);
-    if (current != nullptr)
+    if (context.notifyThread != nullptr)
     {
         return true;
     }
-    Run* const run = Prepare();
-    if (run == nullptr)
+    RemoveEnded();
+    OwnedRun run = StartThread();
+    if (!run)
     {
         return false;
     }
-    // The thread looks for its start under the lock, so it finds it complete.
-    const HANDLE thread = CreateThread(nullptr, 0, &PMNotifyHandler, nullptr, 0, &run->threadId);
-    if (thread == nullptr)
-    {
-        FreeLibrary(run->module);
-        GiveBack(run);
-        return false;
-    }
-    run->shares = 2;
-    run->nextAlive = std::exchange(alive, run);
-    current = run;
-    context.applySchemeEvent = run->appliedEvent;
-    context.notifyThread = thread;
-    PmLog(L"Create Event APPLY_SCHEME_EVENT");
+    context.applySchemeEvent = run.Get()->appliedEvent.Get();
+    context.notifyThread = run.Get()->thread.Get();
+    run.Get()->earlier = runs;
+    runs = run.Detach();
     return true;
 }
 
 void Stop(CPluginHelper& context) noexcept
 {
-    if (FindOwn() != nullptr)
+    const Run* latest = nullptr;
     {
-        StopCurrent(context);
-        return;
+        const owners::SectionLock lock(section);
+        if (context.notifyThread != nullptr)
+        {
+            if (!SetEvent(runs->stopEvent.Get()))
+            {
+                return; // it can't be asked to end, so it stays
+            }
+            ClearHandles(context);
+        }
+        if (Run* const own = FindOwn(); own != nullptr)
+        {
+            // It doesn't wait for its event now and won't again.
+            own->appliedEvent.Reset();
+            return;
+        }
+        latest = runs;
+        ++waiting;
     }
-    const owners::SectionLock turn(stopping);
-    StopCurrent(context);
+    // A start that comes in the meantime stands before these and isn't waited for.
+    for (const Run* run = latest; run != nullptr; run = run->earlier)
+    {
+        WaitForSingleObject(run->thread.Get(), INFINITE);
+    }
+    const owners::SectionLock lock(section);
+    --waiting;
+    RemoveEnded();
 }
 
 } // namespace notification
@@ -231,26 +241,19 @@ void Stop(CPluginHelper& context) noexcept
 DWORD WINAPI PMNotifyHandler(LPVOID) noexcept
 {
     PmLog(L"enter PMNotifyHandler");
-    notification::Run* const run = notification::FindOwn();
-    if (run == nullptr)
-    {
-        PmLog(L"return PMNotifyHandler");
-        return 0;
-    }
-    while (!run->isOver && notification::WaitForApplied(*run))
+    notification::Run& run = notification::Join();
+    while (notification::WaitForApplied(run))
     {
         PmLog(L"Wait PM_APPLY_SCHEME and send back event");
         // Before the number is read, so that a signal from now on makes another round.
-        ResetEvent(run->appliedEvent);
+        ResetEvent(run.appliedEvent.Get());
         const LONG scheme = notification::ReadAppliedScheme();
         PmLog(L"send event PM_SCHEME_APPLIED back with %d", scheme);
         CPluginHelper::Instance().SendHostEvent("SCHEME_APPLIED", scheme);
     }
+    const HMODULE module = notification::Leave(run);
     PmLog(L"return PMNotifyHandler");
 
     // The host may have unloaded the library from within its event; the last reference is then this thread's.
-    const HMODULE module = run->module;
-    notification::Leave(run);
-    notification::GiveBack(run);
     FreeLibraryAndExitThread(module, 0);
 }

@@ -19,11 +19,13 @@ void SetUp() noexcept;
 void TearDown() noexcept;
 
 /// Creates event and thread and stores their handles in the context. True also when they are there already;
-/// false, with nothing left behind, when one can't be created.
+/// false, with nothing left behind, when one can't be created. A thread whose wait fails takes its handles
+/// out of the context again, so that the next start makes a new one.
 bool Start(CPluginHelper& context) noexcept;
 
-/// Asks the thread to end and waits until it has, unless it is the calling thread itself; that one ends when
-/// its present call of the host returns. The context's handles are null from now on.
+/// Asks the thread to end; the context's handles are null from now on. Returns when neither that thread nor
+/// one of an earlier start runs any more. Called on such a thread, it waits for none: that thread ends when
+/// its present call of the host returns.
 void Stop(CPluginHelper& context) noexcept;
 
 } // namespace notification

@@ -39,7 +39,12 @@ CPluginHelper& CPluginHelper::Instance() noexcept
 LONG CPluginHelper::Initialize(PM_HostInterface* hostInterface) noexcept
 {
     std::atomic_ref(host).store(hostInterface);
-    return notification::Start(*this) ? TRX_OPERATION_OK : TRX_OPERATION_FAIL;
+    if (!notification::Start(*this))
+    {
+        return TRX_OPERATION_FAIL;
+    }
+    PmLog(L"Create Event APPLY_SCHEME_EVENT");
+    return TRX_OPERATION_OK;
 }
 
 LONG CPluginHelper::Uninitialize() noexcept

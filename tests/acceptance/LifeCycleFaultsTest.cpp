@@ -1,0 +1,79 @@
+// tests/acceptance/LifeCycleFaultsTest.cpp
+//
+// Start and notification when Windows refuses something, and the order of what they ask of it.
+
+#include "acceptance/AcceptanceTest.h"
+#include "notebook/Trace.h"
+
+#include <algorithm>
+
+using simulated::Faults;
+using simulated::Leaks;
+using simulated::Trace;
+
+namespace
+{
+
+class LifeCycleFaults : public AcceptanceTest
+{
+protected:
+    Host host;
+};
+
+TEST_F(LifeCycleFaults, AStartThatFailsLeavesNothing)
+{
+    host.Uninitialize();
+    seeding::SwitchLogsOn();
+    const unsigned held = Leaks::Count();
+    for (const auto& [function, nth] : {std::pair("HeapAlloc", 1U),
+                                        {"CreateEventW", 1U},
+                                        {"CreateEventW", 2U},
+                                        {"GetModuleHandleExW", 1U},
+                                        {"CreateThread", 1U}})
+    {
+        Faults::Inject(function, nth, ERROR_NOT_ENOUGH_MEMORY);
+        EXPECT_EQ(6, host.Initialize()) << function << ' ' << nth;
+        EXPECT_TRUE(Faults::AllHit()) << function << ' ' << nth;
+        EXPECT_EQ(held, Leaks::Count()) << function << ' ' << nth << '\n' << Leaks::Describe();
+        EXPECT_FALSE(IsListenedFor()) << function << ' ' << nth;
+    }
+    EXPECT_TRUE(seeding::LogLines("trxpm.log").empty());
+    EXPECT_EQ(0, host.Initialize());
+    EXPECT_TRUE(SignalApplied());
+    EXPECT_TRUE(host.WaitForEvent().has_value());
+    host.Unload();
+    EXPECT_EQ(nullptr, GetModuleHandleW(L"pm_limited_support.dll")) << "a failed start took a reference";
+}
+
+TEST_F(LifeCycleFaults, AWaitThatFailsEndsTheStart)
+{
+    Faults::Inject("WaitForMultipleObjects", 1, ERROR_INVALID_HANDLE);
+    SignalApplied(); // the thread may be in its first wait already
+    WaitUntil([] { return !IsListenedFor(); });
+    host.TakeEvents();
+    EXPECT_EQ(0, host.Initialize());
+    EXPECT_TRUE(SignalApplied());
+    EXPECT_TRUE(host.WaitForEvent().has_value());
+}
+
+// A signal from the reset on makes another round; one before it is told with the number that is read then.
+TEST_F(LifeCycleFaults, TheEventIsResetBeforeTheNumberIsRead)
+{
+    seeding::SetNumber(HKEY_LOCAL_MACHINE, "Software\\Kelvo\\ORVA", "CurrentPwrSchemeID", 3);
+    Trace::Clear();
+    SignalApplied();
+    EXPECT_EQ(3, host.WaitForEvent().value().Number());
+    host.Uninitialize();
+    std::vector<std::string> order;
+    for (const simulated::TracedCall& call : Trace::Calls())
+    {
+        if (call.function == "ResetEvent" || call.function.starts_with("Reg"))
+        {
+            order.push_back(call.function);
+        }
+    }
+    EXPECT_EQ((std::vector<std::string>{"ResetEvent", "RegOpenKeyExW", "RegQueryValueExW", "RegCloseKey"}),
+              order);
+}
+
+} // namespace
