@@ -8,6 +8,9 @@
 #include "foundation/Owners.h"
 #include "foundation/Results.h"
 
+#include <cstddef>
+#include <new>
+
 namespace
 {
 
@@ -23,9 +26,14 @@ bool StaysConnected() noexcept
     return major >= kFirstResidentVersion;
 }
 
-// At namespace scope: it is set up before any entry point can be called, and torn down when none can be any
-// more. Nothing is opened by setting it up.
-COrvlDrvMgr channel;
+// Room for the object and not the object itself: the destructors of static objects run at the end of the
+// process too, when a thread that was in a driver call has died inside the lock.
+alignas(COrvlDrvMgr) std::byte room[sizeof(COrvlDrvMgr)];
+
+COrvlDrvMgr& Channel() noexcept
+{
+    return *std::launder(reinterpret_cast<COrvlDrvMgr*>(room));
+}
 
 } // namespace
 
@@ -117,19 +125,29 @@ LONG COrvlDrvMgr::DeviceIoControl(DWORD dwIoControlCode, LPVOID lpInBuffer, DWOR
     return result;
 }
 
+void driver_channel::SetUp() noexcept
+{
+    new (room) COrvlDrvMgr;
+}
+
+void driver_channel::TearDown() noexcept
+{
+    Channel().~COrvlDrvMgr();
+}
+
 LONG OrvlDrvOpen() noexcept
 {
-    return channel.Open();
+    return Channel().Open();
 }
 
 LONG OrvlDrvClose() noexcept
 {
-    return channel.Close();
+    return Channel().Close();
 }
 
 LONG OrvlDrvIoControl(DWORD dwIoControlCode, LPVOID lpInBuffer, DWORD nInBufferSize, LPVOID lpOutBuffer,
                       DWORD nOutBufferSize, LPDWORD lpBytesReturned, LPOVERLAPPED lpOverlapped) noexcept
 {
-    return channel.DeviceIoControl(dwIoControlCode, lpInBuffer, nInBufferSize, lpOutBuffer, nOutBufferSize,
-                                   lpBytesReturned, lpOverlapped);
+    return Channel().DeviceIoControl(dwIoControlCode, lpInBuffer, nInBufferSize, lpOutBuffer, nOutBufferSize,
+                                     lpBytesReturned, lpOverlapped);
 }

@@ -10,8 +10,7 @@
 
 #include <atomic>
 
-/// The channel. One static object, set up while the library is loaded and torn down, with the connection,
-/// while it is unloaded.
+/// The channel. There is one object, in static memory.
 class ORVL_API COrvlDrvMgr
 {
 public:
@@ -38,6 +37,15 @@ private:
     CRITICAL_SECTION m_section;
     std::atomic<HANDLE> m_hDevice; ///< null whenever the channel is closed
 };
+
+namespace driver_channel
+{
+
+/// At load and unload of the library: makes the one object, and ends it with its connection.
+void SetUp() noexcept;
+void TearDown() noexcept;
+
+} // namespace driver_channel
 
 extern "C"
 {
