@@ -13,6 +13,8 @@ constexpr LONG kProfile = 1;
 constexpr const char* kCommands[] = {"GET_INT_FROM_CONFIG", "GET_STR_FROM_CONFIG", "PUT_INT_INTO_CONFIG",
                                      "PUT_STR_INTO_CONFIG"};
 
+constexpr const char* kContent = "[S]\r\nNumber=42\r\nText= some text \r\n;K=1\r\n";
+
 template <std::size_t N>
 void SetText(char (&field)[N], const std::string& text)
 {
@@ -44,8 +46,7 @@ class ConfigCommands : public AcceptanceTest
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(
-            seeding::WriteBytes(InstallationFile("a.ini"), "[S]\r\nNumber=42\r\nText= some text \r\n"));
+        ASSERT_TRUE(seeding::WriteBytes(InstallationFile("a.ini"), kContent));
         seeding::Remove(ProfileFile("p.ini"));
     }
     void TearDown() override
@@ -141,13 +142,12 @@ TEST_F(ConfigCommands, OtherKindsOfFileAndOtherLengthsFailSilently)
             EXPECT_EQ(6, host.Send(command, Access(type, "a.ini", "S", "K")).code);
         }
     }
-    EXPECT_EQ((std::vector<std::string>{"File=a.ini, Sec=S, Item=K, val=0 ", ""}),
-              []
-              {
-                  std::vector<std::string> lines = seeding::LogLines("trxpm.log");
-                  lines.resize(2);
-                  return lines;
-              }());
+    std::vector<std::string> lines;
+    for (std::size_t request = 0; request < 2 * std::size(kCommands); ++request)
+    {
+        lines.insert(lines.end(), {"File=a.ini, Sec=S, Item=K, val=0 ", ""});
+    }
+    EXPECT_EQ(lines, seeding::LogLines("trxpm.log"));
 }
 
 TEST_F(ConfigCommands, LogTellsTheWay)
@@ -174,20 +174,39 @@ TEST_F(ConfigCommands, LogTellsTheWay)
     EXPECT_EQ(kLines, seeding::LogLines("trxpm.log"));
 }
 
-// The commands give access by file name: no path, no line of the caller's own making.
-TEST_F(ConfigCommands, NamesThatWouldLeadElsewhereAreRefused)
+// The commands give access by file name: no path, and no device.
+TEST_F(ConfigCommands, NamesThatAreNoFilesAreRefused)
 {
-    seeding::WriteBytes(InstallationFile("x"), "");
+    host.Uninitialize(); // its thread writes to the log too
+    seeding::SwitchLogsOn();
+    seeding::MakeFolder(InstallationFile("sub"));
+    seeding::MakeFolder(ProfileFile("sub"));
+    for (const std::string file :
+         {"",         "..\\x", "sub\\x",  "sub/x",   "C:x",         "..",     "a..ini",
+          "a.ini\r",  "CON",   "prn.ini", "Aux.",    "NUL .x",      "nul .",  "COM1",
+          "com9.ini", "lpt1 ", "LPT9",    "LPT\xB9", "COM\xB2.ini", "com\xB3"})
+    {
+        for (const char* const command : kCommands)
+        {
+            EXPECT_EQ(6, host.Send(command, Access(kProfile, file, "S", "K")).code) << command << ' ' << file;
+            EXPECT_EQ("", seeding::LogLines("trxpm.log").back());
+            EXPECT_EQ(6, host.Send(command, Access(kInstallation, file, "S\n", "=K")).code);
+            EXPECT_TRUE(seeding::LogLines("trxpm.log").back().ends_with("failed.")) << command << ' ' << file;
+        }
+    }
+    for (const std::string file :
+         {"CON1", "COM", "COM0.ini", "LPT10", "NULL", "a.con", " NUL", "C0N", "COM\xB4"})
+    {
+        EXPECT_EQ(0, host.Send("PUT_INT_INTO_CONFIG", Access(kProfile, file, "S", "K")).code) << file;
+        seeding::Remove(ProfileFile(file));
+    }
+}
+
+TEST_F(ConfigCommands, WhatNoFileHoldsIsAbsentAndIsntStored)
+{
     for (const LONG type : {kInstallation, kProfile})
     {
-        for (const char* const file :
-             {"", "..\\a.ini", "sub\\a.ini", "sub/a.ini", "C:a.ini", "..", "a..ini", "a\n.ini"})
-        {
-            for (const char* const command : kCommands)
-            {
-                EXPECT_EQ(6, host.Send(command, Access(type, file, "S", "K")).code) << command << ' ' << file;
-            }
-        }
+        const std::string name = type == kInstallation ? "a.ini" : "p.ini";
         for (const auto& [section, item] : {std::pair("S\nX=1", "K"),
                                             {"S\r", "K"},
                                             {"S", "K\n[T]"},
@@ -195,22 +214,25 @@ TEST_F(ConfigCommands, NamesThatWouldLeadElsewhereAreRefused)
                                             {"S", ";K"},
                                             {"S", " \t[T]"},
                                             {"S", " ;K"},
-                                            {"S", "K=1"}})
+                                            {"S", "Number=42"}})
         {
-            for (const char* const command : kCommands)
+            PM_Config_Data data = Access(type, name, section, item);
+            data.defaultValue = -7;
+            for (const char* const command : {"PUT_INT_INTO_CONFIG", "PUT_STR_INTO_CONFIG"})
             {
-                EXPECT_EQ(6, host.Send(command, Access(type, "a.ini", section, item)).code)
-                    << command << section;
+                EXPECT_EQ(6, host.Send(command, data).code) << command << ' ' << section << ' ' << item;
+                EXPECT_EQ(type == kInstallation, seeding::Exists(FileOf(type, name))) << command;
             }
+            EXPECT_EQ(-7, host.Send("GET_INT_FROM_CONFIG", data).Number()) << section << ' ' << item;
+            EXPECT_EQ("", host.Send("GET_STR_FROM_CONFIG", data).Text()) << section << ' ' << item;
+            seeding::Remove(ProfileFile("p.ini"));
         }
-        PM_Config_Data data = Access(type, "a.ini", "S", "Number");
+        PM_Config_Data data = Access(type, name, "S", "Number");
         SetText(data.stringValue, "1\r\nOther=2");
         EXPECT_EQ(6, host.Send("PUT_STR_INTO_CONFIG", data).code);
         EXPECT_EQ(0, host.Send("GET_INT_FROM_CONFIG", data).code) << "a field that isn't read doesn't count";
     }
-    EXPECT_EQ("[S]\r\nNumber=42\r\nText= some text \r\n", seeding::ReadBytes(InstallationFile("a.ini")));
-    seeding::Remove(InstallationFile("x"));
-    seeding::Remove(ProfileFile("a.ini"));
+    EXPECT_EQ(kContent, seeding::ReadBytes(InstallationFile("a.ini")));
 }
 
 TEST_F(ConfigCommands, TextsThatDontEndInTheirFieldAreCut)

@@ -186,6 +186,12 @@ bool Contains(const wchar_t* whole, const wchar_t* part) noexcept
     return part == partEnd || std::search(whole, wholeEnd, part, partEnd) != wholeEnd;
 }
 
+bool ContainsAny(const wchar_t* whole, const wchar_t* characters) noexcept
+{
+    const wchar_t* const wholeEnd = whole + Length(whole);
+    return std::find_first_of(whole, wholeEnd, characters, characters + Length(characters)) != wholeEnd;
+}
+
 std::size_t Format(wchar_t* target, std::size_t capacity, const wchar_t* format, ...) noexcept
 {
     va_list arguments;

@@ -45,6 +45,9 @@ bool EqualNames(const wchar_t* left, const wchar_t* right) noexcept;
 /// True when `part` stands somewhere in `whole`, case told apart.
 bool Contains(const wchar_t* whole, const wchar_t* part) noexcept;
 
+/// True when one of `characters` stands somewhere in `whole`.
+bool ContainsAny(const wchar_t* whole, const wchar_t* characters) noexcept;
+
 /// printf formatting with the rules of the Microsoft runtime (`%s` is wide text). Gives the characters
 /// before the terminator; a text that doesn't fit is cut.
 std::size_t Format(wchar_t* target, std::size_t capacity, const wchar_t* format, ...) noexcept;

@@ -9,6 +9,7 @@
 #include "foundation/PmLog.h"
 #include "plugin/CommandNumbers.h"
 #include "plugin/Exchange.h"
+#include "plugin/FileName.h"
 #include "plugin/Handlers.h"
 
 #include <algorithm>
@@ -19,11 +20,12 @@ namespace
 
 using exchange::Reply;
 
-// Fields of the record that only some commands read.
-enum class Reads
+// What a command stores.
+enum class Stores
 {
-    KeyAlone,
-    KeyAndText,
+    Nothing,
+    Number,
+    Text,
 };
 
 // An opened file with what the command needs of it.
@@ -34,23 +36,9 @@ struct Access
     CORVLCfg& file;
 };
 
-bool HoldsAny(const wchar_t* text, const wchar_t* characters) noexcept
-{
-    const wchar_t* const end = text + text::Length(text);
-    const wchar_t* const lastOfSet = characters + text::Length(characters);
-    return std::find_first_of(text, end, characters, lastOfSet) != end;
-}
-
 bool HoldsLineBreak(const wchar_t* text) noexcept
 {
-    return HoldsAny(text, L"\r\n");
-}
-
-// A name inside the configuration folders, without a way out of them.
-bool IsFileName(const wchar_t* text) noexcept
-{
-    return text[0] != L'\0' && !HoldsAny(text, L"\\/:") && !text::Contains(text, L"..") &&
-           !HoldsLineBreak(text);
+    return text::ContainsAny(text, L"\r\n");
 }
 
 // A key that stays one on its line of the file, where blanks in front of it don't count.
@@ -58,21 +46,28 @@ bool IsKey(const wchar_t* text) noexcept
 {
     const wchar_t* const end = text + text::Length(text);
     const wchar_t* const begin = std::find_if(text, end, [](wchar_t character) { return character > L' '; });
-    return *begin != L'[' && *begin != L';' && !HoldsAny(text, L"=\r\n");
+    return *begin != L'[' && *begin != L';' && !text::ContainsAny(text, L"=\r\n");
 }
 
-// Whether the texts that the command reads stay what they are in the file. Others would write lines of the
-// caller's own making.
-bool IsAccessible(const ConfigData& data, Reads reads) noexcept
+// Whether a file can hold the section and the key. A file has none of the others, so they are absent.
+bool CanExist(const ConfigData& data) noexcept
 {
-    const bool textIsPlain = reads == Reads::KeyAlone || !HoldsLineBreak(data.stringValue);
-    return IsFileName(data.file) && !HoldsLineBreak(data.section) && IsKey(data.item) && textIsPlain;
+    return !HoldsLineBreak(data.section) && IsKey(data.item);
+}
+
+// Whether what the command stores stays what it is in the file. Anything else would write lines of the
+// caller's own making.
+bool IsStorable(const ConfigData& data, Stores stores) noexcept
+{
+    return stores == Stores::Nothing ||
+           (CanExist(data) && (stores == Stores::Number || !HoldsLineBreak(data.stringValue)));
 }
 
 LONG GetInt(const Access& access) noexcept
 {
     const ConfigData& data = access.data;
-    const LONG number = access.file.GetInt(data.section, data.item, data.defaultValue);
+    const LONG number =
+        CanExist(data) ? access.file.GetInt(data.section, data.item, data.defaultValue) : data.defaultValue;
     exchange::WriteReply(access.request, number);
     return TRX_OPERATION_OK;
 }
@@ -90,8 +85,12 @@ LONG GetString(const Access& access) noexcept
 {
     const ConfigData& data = access.data;
     wchar_t text[256] = {};
-    const int length =
-        access.file.GetString(data.section, data.item, nullptr, text, static_cast<int>(std::size(text)));
+    int length = 0;
+    if (CanExist(data))
+    {
+        length =
+            access.file.GetString(data.section, data.item, nullptr, text, static_cast<int>(std::size(text)));
+    }
     PmLog(L"File=%s, Sec=%s, Item=%s str=%s, strlen=%d\n", data.file, data.section, data.item, text, length);
 
     char narrow[256];
@@ -120,25 +119,29 @@ LONG PutString(const Access& access) noexcept
 struct ConfigCommand
 {
     LONG number;
-    Reads reads;
+    Stores stores;
     Reply reply;
     LONG (*run)(const Access&) noexcept;
 };
 
 constexpr ConfigCommand kCommands[] = {
-    {PM_GET_INT_FROM_CONFIG, Reads::KeyAlone, Reply::Required, GetInt},
-    {PM_GET_STR_FROM_CONFIG, Reads::KeyAlone, Reply::Required, GetString},
-    {PM_PUT_INT_INTO_CONFIG, Reads::KeyAlone, Reply::None, PutInt},
-    {PM_PUT_STR_INTO_CONFIG, Reads::KeyAndText, Reply::None, PutString},
+    {PM_GET_INT_FROM_CONFIG, Stores::Nothing, Reply::Required, GetInt},
+    {PM_GET_STR_FROM_CONFIG, Stores::Nothing, Reply::Required, GetString},
+    {PM_PUT_INT_INTO_CONFIG, Stores::Number, Reply::None, PutInt},
+    {PM_PUT_STR_INTO_CONFIG, Stores::Text, Reply::None, PutString},
 };
 
 LONG RunOnInstallationFile(const ConfigCommand& command, const PM_Request& request,
                            const ConfigData& data) noexcept
 {
     CORVLCfg file;
-    if (file.Initialize(data.file) == 0)
+    if (!IsFileName(data.file) || file.Initialize(data.file) == 0)
     {
         PmLog(L"Initialize public configure file %sfailed.", data.file);
+        return TRX_OPERATION_FAIL;
+    }
+    if (!IsStorable(data, command.stores))
+    {
         return TRX_OPERATION_FAIL;
     }
     return command.run({request, data, file});
@@ -148,7 +151,9 @@ LONG RunOnProfileFile(const ConfigCommand& command, const PM_Request& request,
                       const ConfigData& data) noexcept
 {
     CORVLProfile file;
-    if (file.Initialize(data.file, nullptr, 0) == 0)
+    // A request that is refused doesn't create the file.
+    if (!IsFileName(data.file) || !IsStorable(data, command.stores) ||
+        file.Initialize(data.file, nullptr, 0) == 0)
     {
         return TRX_OPERATION_FAIL;
     }
@@ -202,10 +207,6 @@ LONG ProcessConfigFunc(const PM_Request& request, LONG number) noexcept
         return TRX_OPERATION_FAIL;
     }
     PmLog(L"File=%s, Sec=%s, Item=%s, val=%d \n", data.file, data.section, data.item, data.value);
-    if (!IsAccessible(data, command->reads))
-    {
-        return TRX_OPERATION_FAIL;
-    }
     switch (data.fileType)
     {
     case kInstallationFile:
