@@ -17,7 +17,7 @@ using simulated::Trace;
 namespace
 {
 
-constexpr const char* kFolder = "C:\\Cfg\\";
+const std::string kFolder = "C:\\Cfg\\";
 constexpr const char* kInstallationKey = "Software\\Kelvo\\ORVL";
 
 class ConfigurationFiles : public NotebookTest
@@ -69,16 +69,46 @@ TEST_F(ConfigurationFiles, WithoutTheRegistryThePathStaysAsItWas)
 
 TEST_F(ConfigurationFiles, AFolderWithoutATerminatorIsReadAsItIs)
 {
-    // 260 characters without a terminator fill the plug-in's room to the last.
-    const std::string folder = "C:\\" + std::string(257, 'f');
     HKEY key = nullptr;
     ASSERT_EQ(ERROR_SUCCESS,
               RegOpenKeyExW(HKEY_LOCAL_MACHINE, Wide(kInstallationKey).data(), 0, KEY_ALL_ACCESS, &key));
-    RegSetValueExW(key, L"CfgPath", 0, REG_SZ, reinterpret_cast<const BYTE*>(Wide(folder).data()), 520);
+    RegSetValueExW(key, L"CfgPath", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"C:\\Cfg\\"),
+                   7 * sizeof(wchar_t));
     RegCloseKey(key);
     CORVLCfg file;
-    EXPECT_EQ(0, file.Initialize(L"a.ini"));
-    EXPECT_EQ(folder.substr(0, 259), Utf8(file.GetFullPath()));
+    EXPECT_EQ(1, file.Initialize(L"a.ini"));
+}
+
+// A cut name would be that of another file.
+TEST_F(ConfigurationFiles, APathThatDoesntFitGivesNoFile)
+{
+    constexpr std::size_t kLongest = text::kPathCapacity - 1;
+    const std::string longest(kLongest - kFolder.size(), 'n');
+    CORVLCfg file;
+    for (const std::string& name : {longest, 'm' + longest, 'm' + longest + longest})
+    {
+        EXPECT_EQ(0, file.Initialize(Wide(name).data())) << "there is no such file";
+        EXPECT_EQ(kFolder + longest, Utf8(file.GetFullPath()));
+    }
+    ASSERT_TRUE(
+        seeding::SetText(HKEY_LOCAL_MACHINE, kInstallationKey, "CfgPath", std::string(kLongest, 'f')));
+    CORVLCfg fresh;
+    EXPECT_EQ(0, fresh.Initialize(L"a.ini"));
+    EXPECT_EQ("", Utf8(fresh.GetFullPath()));
+
+    char letter = 'a';
+    for (const std::size_t length : {kLongest, kLongest + 1, 2 * kLongest, 4 * kLongest})
+    {
+        const std::string folder = "C:\\" + std::string(200, letter++);
+        const std::string name(length - folder.size() - 1, 'n');
+        const bool fits = length == kLongest;
+        CORVLProfile profile;
+        EXPECT_EQ(fits ? 1 : 0, profile.Initialize(Wide(name).data(), Wide(folder).data(), 0));
+        EXPECT_EQ(fits ? folder + '\\' + name : "", Utf8(profile.GetFullPath()));
+        EXPECT_EQ(fits, seeding::Exists(folder)) << "nothing is created for a path that doesn't fit";
+        EXPECT_EQ(0, profile.Initialize(L"p.ini", Wide("C:\\" + std::string(length, letter)).data(), 0));
+        EXPECT_EQ("", Utf8(profile.GetFullPath()));
+    }
 }
 
 TEST_F(ConfigurationFiles, HexadecimalNumbersNeedTheirPrefix)

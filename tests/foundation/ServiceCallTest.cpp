@@ -139,9 +139,12 @@ TEST_F(ServiceCall, ATextThatDoesntFitOpensNothing)
         EXPECT_EQ(1012U, service.header.size);
         EXPECT_EQ(longest, seeding::Utf8(service.text));
     }
+    seeding::Remove("C:\\temp1234567890\\orvl.log");
     simulated::Trace::Clear();
     EXPECT_EQ(kGeneralFailure, Call(seeding::Wide(longest + 't').data()));
-    EXPECT_TRUE(simulated::Trace::Calls().empty());
+    EXPECT_TRUE(simulated::Trace::CallsOf("OpenEventW").empty());
+    EXPECT_EQ((std::vector<std::string>{"Data too long for outbound board in CDevMgr.", ""}),
+              seeding::LogLines("orvl.log"));
 }
 
 TEST_F(ServiceCall, EachStepHasItsLine)

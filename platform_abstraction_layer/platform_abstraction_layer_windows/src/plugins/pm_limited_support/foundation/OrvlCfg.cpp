@@ -56,16 +56,19 @@ int CORVLCfg::Initialize(const wchar_t* file) noexcept
     {
         return 0;
     }
-    wchar_t folder[text::kPathCapacity];
-    if (registry::ReadText(key.Get(), kFolderValue, folder) != ERROR_SUCCESS)
+    wchar_t path[text::kPathCapacity];
+    if (registry::ReadText(key.Get(), kFolderValue, path) != ERROR_SUCCESS)
     {
         return 0;
     }
     key.Reset();
 
-    // The folder ends in a separator.
-    text::Copy(m_szFullPath, folder);
-    text::Append(m_szFullPath, file);
+    // The folder ends in a separator. A cut name would be another file's.
+    if (!text::Append(path, file))
+    {
+        return 0;
+    }
+    text::Copy(m_szFullPath, path);
     return PathFileExistsW(m_szFullPath) ? 1 : 0;
 }
 

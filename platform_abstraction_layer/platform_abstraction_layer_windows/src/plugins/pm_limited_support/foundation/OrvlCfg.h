@@ -18,7 +18,8 @@ public:
     ~CORVLCfg() override;
 
     /// Takes the folder from "CfgPath" and joins `file`. 1 when the file exists. 0 when it doesn't, with the
-    /// path set, or when the registry can't be read, with the path as it was. Creates nothing.
+    /// path set, or when the registry can't be read or the path doesn't fit, with the path as it was. Creates
+    /// nothing.
     int Initialize(const wchar_t* file) noexcept;
 
     /// The same operation under a second name.

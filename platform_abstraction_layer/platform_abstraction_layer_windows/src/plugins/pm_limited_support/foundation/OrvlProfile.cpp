@@ -23,6 +23,38 @@ void CutTrailingSeparator(wchar_t* folder) noexcept
     }
 }
 
+// Room for more than a path, so that one that doesn't fit shows.
+using Room = wchar_t[2 * text::kPathCapacity];
+
+// Finds the folder that `where` means; empty when it can't be had.
+void FindFolder(CORVLProfile& profile, const wchar_t* where, int whereIsUser, Room& folder) noexcept
+{
+    folder[0] = L'\0';
+    if (where == nullptr)
+    {
+        profile.GetHomePath(folder, static_cast<int>(std::size(folder)));
+        return;
+    }
+    if (whereIsUser == 0)
+    {
+        text::Copy(folder, where);
+        CutTrailingSeparator(folder);
+        return;
+    }
+    wchar_t subKey[text::kPathCapacity];
+    ULONG subKeySize = sizeof subKey;
+    ULONG size = text::kPathCapacity * sizeof(wchar_t);
+    if (profile.GetCurrentUserSubkeyProfilePath(where, subKey, &subKeySize, folder, &size) == 0)
+    {
+        folder[0] = L'\0';
+    }
+    if (folder[0] != L'\0')
+    {
+        text::AppendSeparator(folder, std::size(folder));
+        text::Append(folder, folders::kConfigurationFolder);
+    }
+}
+
 } // namespace
 
 CORVLProfile::CORVLProfile() noexcept = default;
@@ -38,41 +70,26 @@ ULONG CORVLProfile::GetVersion() noexcept
 int CORVLProfile::Initialize(const wchar_t* file, const wchar_t* where, int whereIsUser) noexcept
 {
     m_szFullPath[0] = L'\0';
-    if (where == nullptr)
-    {
-        GetHomePath(m_szFullPath, static_cast<int>(std::size(m_szFullPath)));
-    }
-    else if (whereIsUser == 0)
-    {
-        text::Copy(m_szFullPath, where);
-        CutTrailingSeparator(m_szFullPath);
-    }
-    else
-    {
-        wchar_t subKey[text::kPathCapacity];
-        ULONG subKeySize = sizeof subKey;
-        ULONG size = sizeof m_szFullPath;
-        if (GetCurrentUserSubkeyProfilePath(where, subKey, &subKeySize, m_szFullPath, &size) == 0)
-        {
-            m_szFullPath[0] = L'\0';
-        }
-        text::AppendSeparator(m_szFullPath, std::size(m_szFullPath));
-        if (m_szFullPath[0] != L'\0')
-        {
-            text::Append(m_szFullPath, folders::kConfigurationFolder);
-        }
-    }
-    if (m_szFullPath[0] == L'\0')
+    Room folder;
+    FindFolder(*this, where, whereIsUser, folder);
+    if (folder[0] == L'\0')
     {
         return 0;
     }
-
-    if (!PathFileExistsW(m_szFullPath))
+    Room path;
+    text::Copy(path, folder);
+    text::Append(path, L"\\");
+    text::Append(path, file);
+    if (!text::Copy(m_szFullPath, path))
     {
-        SHCreateDirectoryExW(nullptr, m_szFullPath, nullptr);
+        m_szFullPath[0] = L'\0'; // a cut name would be another file's
+        return 0;
     }
-    text::Append(m_szFullPath, L"\\");
-    text::Append(m_szFullPath, file);
+
+    if (!PathFileExistsW(folder))
+    {
+        SHCreateDirectoryExW(nullptr, folder, nullptr);
+    }
     if (!PathFileExistsW(m_szFullPath) &&
         WritePrivateProfileStringW(L"", nullptr, nullptr, m_szFullPath) == 0)
     {

@@ -17,7 +17,8 @@ public:
 
     /// Opens `file` and creates it, with its folders, where it is missing. `where` null means the
     /// configuration folder of the running account; with `whereIsUser` 0 `where` is a folder, otherwise an
-    /// account name. 1 when the file exists afterwards, else 0; an empty folder gives 0.
+    /// account name. 1 when the file exists afterwards, else 0. Without a folder, or when the path doesn't
+    /// fit, nothing is created and the path is empty.
     int Initialize(const wchar_t* file, const wchar_t* where, int whereIsUser) noexcept;
 
     /// The configuration folder of the running account, `size` in characters; null when it can't be had.

@@ -75,6 +75,7 @@ LONG CORVLBase::ServiceCall(unsigned int code, const wchar_t* text, ULONG value,
     const std::size_t length = text::Length(sent, kTextCapacity);
     if (length == kTextCapacity)
     {
+        DBGOUT(L"Data too long for outbound board in CDevMgr.\n");
         return kGeneralFailure;
     }
     const IpbDataHeader request{code, value, static_cast<DWORD>((length + 1) * sizeof(wchar_t))};
