@@ -7,6 +7,7 @@
 #include "agents/HwXA.h"
 #include "foundation/Results.h"
 #include "notebook/Chipset.h"
+#include "notebook/KernelDriver.h"
 #include "notebook/Processor.h"
 
 using namespace simulated;
@@ -142,13 +143,14 @@ TEST_F(HwXATest, BadArgumentsNeverReachTheDriver)
     EXPECT_EQ(kGeneralFailure, hardware.GetDeviceProperty(14, longName, &data, 4));
     hardware.Cleanup();
     EXPECT_EQ(kGeneralFailure, hardware.ReadIoPort(0x80, &data, 1));
+    EXPECT_EQ(kGeneralFailure, hardware.GetDeviceName(0, 31, 0, longName, 64));
     EXPECT_TRUE(DriverInputs().empty());
 
     std::vector<std::string> expected(13, "Invalidate parameters.");
     expected.front() = "The uPortSize is invalid 3.";
     std::fill(expected.begin() + 9, expected.begin() + 12, "The device name is too long");
     expected.back() = "Windows version 5.1";
-    expected.emplace_back("The handle of the device doesn't exist.");
+    expected.insert(expected.end(), 2, "The handle of the device doesn't exist.");
     EXPECT_THAT(NewLogLines(), testing::ElementsAreArray(expected));
 
     // A name of 49 characters fits; the driver then doesn't know it.
@@ -192,6 +194,25 @@ TEST_F(HwXATest, DeviceNamesComeFromTheTableWhileTheHardwareConfirmsThem)
     EXPECT_EQ(kGeneralFailure, hardware.GetDeviceName(0, 31, 0, name, 50));
     EXPECT_EQ(kGeneralFailure, hardware.GetDeviceName(0, 31, 0, nullptr, 64));
     EXPECT_TRUE(DriverInputs().empty());
+}
+
+// A driver that fails or is busy says nothing about the devices.
+TEST_F(HwXATest, OnlyAMissingObjectLosesItsPlaceInTheTable)
+{
+    EXPECT_EQ("none", DeviceName(9, 0, 0)) << "fills the table";
+    for (const DWORD error : {DWORD{ERROR_BUSY}, DWORD{ERROR_GEN_FAILURE}, DWORD{ERROR_PATH_NOT_FOUND}})
+    {
+        KernelDriver::RefuseRequests(error);
+        EXPECT_EQ("\\Device\\NTPNP_PCI0004", DeviceName(0, 31, 1)) << error;
+        EXPECT_EQ("none", DeviceName(9, 0, 0)) << error;
+    }
+    KernelDriver::RefuseRequests(ERROR_SUCCESS);
+    ForgetDriver();
+    EXPECT_EQ("\\Device\\NTPNP_PCI0004", DeviceName(0, 31, 1));
+    EXPECT_EQ(2U, DriverInputs().size()) << "confirmed as before";
+
+    KernelDriver::RefuseRequests(ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ("none", DeviceName(0, 31, 1));
 }
 
 } // namespace

@@ -24,25 +24,24 @@ struct DeviceProperties
     ULONG bus;
     ULONG device;
     ULONG function;
-    bool vanished; ///< its device object didn't answer when the table was last filled; never matches then
+    bool isPresent; ///< its numbers were read, and its object hasn't been found missing since
 };
 
-// Shared by all objects and never locked. All zeros at first, so that the first lookup finds nothing that
-// the hardware confirms.
+// Shared by all objects and never locked. Nothing is present at first.
 DeviceProperties deviceTable[32];
 
 const DeviceProperties* FindDevice(ULONG bus, ULONG device, ULONG function) noexcept
 {
     const auto* found = std::find_if(std::begin(deviceTable), std::end(deviceTable),
                                      [=](const DeviceProperties& entry) {
-                                         return !entry.vanished && entry.bus == bus &&
+                                         return entry.isPresent && entry.bus == bus &&
                                                 entry.device == device && entry.function == function;
                                      });
     return found == std::end(deviceTable) ? nullptr : found;
 }
 
-// Room for a message of a record of `recordSize` bytes, whose last is the first of `length` data bytes;
-// empty when there is no memory or the size passes what a message can have.
+// Room for a message that carries `length` data bytes: they take the place of the one byte that the record
+// counts for its data. Empty when there is no memory or the size passes what a message can have.
 owners::HeapBlock AllocateMessage(std::size_t recordSize, ULONG length) noexcept
 {
     if (length > (std::numeric_limits<ULONG>::max)() - recordSize)
@@ -92,6 +91,41 @@ LONG Report(const wchar_t* failureText, LONG result) noexcept
         CORVLBase::DBGOUT(failureText, result);
     }
     return result;
+}
+
+// Reads a property of a device object and gives the driver's own result.
+LONG ReadProperty(ULONG property, const wchar_t* deviceName, void* buffer, ULONG size) noexcept
+{
+    DevicePropertyInput input = {};
+    input.property = property;
+    text::Copy(input.deviceName, deviceName);
+    return Report(L"IOCTL_GET_DEVICE_PROPERTY failed for 0x%x\n",
+                  CallDriver(DriverFunction::GetDeviceProperty, &input, buffer, size));
+}
+
+// Reads an entry's numbers anew. Only an object that doesn't exist empties the entry: a busy channel or a
+// failing driver says nothing about the object.
+void Refresh(DeviceProperties& entry) noexcept
+{
+    constexpr LONG kNoSuchObject = ResultFromWin32(ERROR_FILE_NOT_FOUND);
+    ULONG bus = 0;
+    ULONG address = 0;
+    LONG read = ReadProperty(kDevicePropertyBusNumber, entry.name, &bus, sizeof bus);
+    if (read >= 0)
+    {
+        read = ReadProperty(kDevicePropertyAddress, entry.name, &address, sizeof address);
+    }
+    if (read >= 0)
+    {
+        entry.bus = bus;
+        entry.device = HIWORD(address);
+        entry.function = LOWORD(address);
+        entry.isPresent = true;
+    }
+    else if (read == kNoSuchObject)
+    {
+        entry.isPresent = false;
+    }
 }
 
 } // namespace
@@ -319,11 +353,7 @@ LONG CHwXA::GetDeviceProperty(ULONG property, wchar_t* deviceName, void* buffer,
     {
         return kGeneralFailure;
     }
-    DevicePropertyInput input = {};
-    input.property = property;
-    text::Copy(input.deviceName, deviceName);
-    const LONG read = CallDriver(DriverFunction::GetDeviceProperty, &input, buffer, size);
-    return Report(L"IOCTL_GET_DEVICE_PROPERTY failed for 0x%x\n", read) < 0 ? kGeneralFailure : kSucceeded;
+    return ReadProperty(property, deviceName, buffer, size) < 0 ? kGeneralFailure : kSucceeded;
 }
 
 LONG CHwXA::InitDevicePropTable() noexcept
@@ -332,26 +362,17 @@ LONG CHwXA::InitDevicePropTable() noexcept
     for (DeviceProperties& entry : deviceTable)
     {
         text::Format(entry.name, L"\\Device\\NTPNP_PCI%04d", index++);
-        entry.vanished = true;
-        if (GetDeviceProperty(kDevicePropertyBusNumber, entry.name, &entry.bus, sizeof entry.bus) < 0)
+        if (IsUsable(m_bDriverSetUp))
         {
-            continue;
+            Refresh(entry);
         }
-        ULONG address = 0;
-        if (GetDeviceProperty(kDevicePropertyAddress, entry.name, &address, sizeof address) < 0)
-        {
-            continue;
-        }
-        entry.device = HIWORD(address);
-        entry.function = LOWORD(address);
-        entry.vanished = false;
     }
     return kSucceeded;
 }
 
 LONG CHwXA::GetDeviceName(ULONG bus, ULONG device, ULONG function, wchar_t* name, ULONG capacity) noexcept
 {
-    if (capacity <= kDeviceNameUnits || name == nullptr)
+    if (!IsUsable(m_bDriverSetUp) || capacity <= kDeviceNameUnits || name == nullptr)
     {
         return kGeneralFailure;
     }
@@ -360,13 +381,11 @@ LONG CHwXA::GetDeviceName(ULONG bus, ULONG device, ULONG function, wchar_t* name
     // object still confirms it.
     const auto isConfirmed = [&](const DeviceProperties& entry)
     {
-        wchar_t deviceName[kDeviceNameUnits];
-        text::Copy(deviceName, entry.name);
         ULONG presentBus = 0;
         ULONG address = 0;
-        return GetDeviceProperty(kDevicePropertyBusNumber, deviceName, &presentBus, sizeof presentBus) >= 0 &&
+        return ReadProperty(kDevicePropertyBusNumber, entry.name, &presentBus, sizeof presentBus) >= 0 &&
                presentBus == bus &&
-               GetDeviceProperty(kDevicePropertyAddress, deviceName, &address, sizeof address) >= 0 &&
+               ReadProperty(kDevicePropertyAddress, entry.name, &address, sizeof address) >= 0 &&
                address == ((device << 16) | function);
     };
     const DeviceProperties* found = FindDevice(bus, device, function);

@@ -50,7 +50,8 @@ public:
     LONG GetDeviceName(ULONG bus, ULONG device, ULONG function, wchar_t* name, ULONG capacity) noexcept;
 
 protected:
-    /// Asks all 32 device objects anew. Always 0.
+    /// Asks all 32 device objects anew. An object that doesn't exist loses its place in the table; on any
+    /// other failure the entry stays as it is. Always 0.
     LONG InitDevicePropTable() noexcept;
 
     bool m_bDriverSetUp;
