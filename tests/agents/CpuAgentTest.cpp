@@ -5,6 +5,8 @@
 #include "agents/AgentsTest.h"
 
 #include "agents/CpuAgent.h"
+#include "agents/OrvlDrvMgr.h"
+#include "foundation/Results.h"
 #include "notebook/KernelDriver.h"
 #include "notebook/Machine.h"
 #include "notebook/Processor.h"
@@ -145,15 +147,29 @@ TEST_F(CpuAgentTest, ImpossibleLevelsAndProcessorsAreRefused)
     EXPECT_THAT(NewLogLines(), testing::Contains("Cannot calucate VID.").Times(2));
 }
 
-TEST_F(CpuAgentTest, InitializeFailsWithTheDriverAndWithEitherRegister)
+TEST_F(CpuAgentTest, InitializeThatFailsLeavesTheObjectAsItWas)
 {
-    Processor::Remove(0, Processor::kThermalControl);
-    EXPECT_EQ(0, agent.Initialize());
-    EXPECT_EQ(-1, agent.GetEblLevel()) << "what was read before doesn't count any more";
-    EXPECT_THAT(NewLogLines(), testing::Contains("error code of calling OrvlDrvIoControl: 0x80070002. "));
+    CCpuAgent fresh;
+    Processor::Fit(4, {5, 10, 11, 22});
+    for (const DWORD missing : {Processor::kThermalControl, Processor::kPerformanceStatus})
+    {
+        Processor::Remove(0, missing);
+        EXPECT_EQ(0, agent.Initialize());
+        EXPECT_EQ(0, fresh.Initialize());
+        EXPECT_THAT(NewLogLines(),
+                    testing::Contains("error code of calling OrvlDrvIoControl: 0x80070002. ").Times(2));
+    }
     KernelDriver::SetPresent(false);
     EXPECT_EQ(0, agent.Initialize());
     EXPECT_EQ(0U, Leaks::Count()) << Leaks::Describe();
+
+    // The ratios are still those of the first time.
+    KernelDriver::SetPresent(true);
+    Processor::Fit(4, {6, 12, 10, 21});
+    ASSERT_EQ(kSucceeded, OrvlDrvOpen());
+    EXPECT_EQ(50, agent.SetEblLevel(50));
+    EXPECT_THAT(Low(kControl), testing::Each(0x060A));
+    EXPECT_EQ(-1, fresh.GetEblLevel());
 }
 
 } // namespace

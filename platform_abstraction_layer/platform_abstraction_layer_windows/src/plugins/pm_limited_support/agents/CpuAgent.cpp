@@ -117,7 +117,6 @@ ULONG CCpuAgent::GetVersion() noexcept
 
 int CCpuAgent::Initialize() noexcept
 {
-    m_bInitialized = false;
     if (const LONG opened = OrvlDrvOpen(); opened < 0)
     {
         DBGOUT(L"Open connection with driver failed for %d.\n", opened);

@@ -16,7 +16,8 @@ public:
     ULONG GetVersion() noexcept override;
     ~CCpuAgent() override;
 
-    /// Opens the channel and reads the processor's range. 1, or 0 on failure.
+    /// Opens the channel and reads the processor's range. 1, or 0 on failure, which leaves the object as it
+    /// was but closes the channel below major version 6.
     int Initialize() noexcept;
 
     /// The present percentage, or -1.
