@@ -90,6 +90,20 @@ TEST_F(LanAgentTest, SpeedIsStoredWhereTheDriverKeepsIt)
     }
 }
 
+// An agent without words knows no adapter.
+TEST_F(LanAgentTest, WithoutInitializeNoAdapterMatches)
+{
+    UseAdapters({{"Realtek Wireless", "1", "2"}, {"JMicron GBE", "3", "4"}});
+    CLanAgent fresh;
+    EXPECT_EQ(-1, fresh.SetLanSpeed(5));
+    EXPECT_EQ(-1, fresh.GetLanSpeed());
+    EXPECT_EQ("1 2 3 4", Stored(0, "DuplexMode") + ' ' + Stored(0, "*SpeedDuplex") + ' ' +
+                             Stored(1, "DuplexMode") + ' ' + Stored(1, "*SpeedDuplex"));
+    EXPECT_EQ(-1, fresh.ApplySettings());
+    EXPECT_EQ(-1, fresh.GetLANConnectStatus());
+    EXPECT_EQ(-1, fresh.SetWLANConnectStatus(0));
+}
+
 TEST_F(LanAgentTest, SpeedIsReadFromTheFirstAdapterThatHasOne)
 {
     const std::pair<std::vector<DriverKey>, int> cases[] = {

@@ -23,6 +23,11 @@ bool Fail(const wchar_t* message) noexcept
 
 } // namespace
 
+bool HoldsWord(const wchar_t* description, const wchar_t* word, TextSearch contains) noexcept
+{
+    return *word != L'\0' && contains(description, word);
+}
+
 bool FindAdapter(const AdapterSearch& search, FoundAdapter& found) noexcept
 {
     found.list.Reset(SetupDiGetClassDevsW(&kNetworkAdapterClass, nullptr, nullptr, DIGCF_PRESENT));
@@ -47,7 +52,8 @@ bool FindAdapter(const AdapterSearch& search, FoundAdapter& found) noexcept
         {
             return Fail(search.readFailed);
         }
-        if (search.contains(description, search.firstWord) || search.contains(description, search.secondWord))
+        if (HoldsWord(description, search.firstWord, search.contains) ||
+            HoldsWord(description, search.secondWord, search.contains))
         {
             return true;
         }

@@ -14,12 +14,19 @@
 constexpr GUID kNetworkAdapterClass = {
     0x4D36E972, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
 
+/// Looks for `part` in `whole`.
+using TextSearch = bool (*)(const wchar_t* whole, const wchar_t* part) noexcept;
+
+/// True when `description` holds `word`. No description holds an empty word: an agent that wasn't initialised
+/// matches no adapter.
+bool HoldsWord(const wchar_t* description, const wchar_t* word, TextSearch contains) noexcept;
+
 /// What to look for and what to log. A message gets the last error; a null one stands for silence.
 struct AdapterSearch
 {
     const wchar_t* firstWord;
     const wchar_t* secondWord;
-    bool (*contains)(const wchar_t* whole, const wchar_t* part) noexcept;
+    TextSearch contains;
     const wchar_t* listFailed;
     const wchar_t* endReached;
     /// An adapter whose description can't be read ends the search; without a message it is passed over.

@@ -76,12 +76,12 @@ bool CLanAgent::TakesSpeedFrom(HKEY adapter) noexcept
     {
         return false;
     }
-    const bool isSecond = text::Contains(description, m_szLanDesc2);
+    const bool isSecond = HoldsWord(description, m_szLanDesc2, text::Contains);
     if (isSecond)
     {
         text::Copy(m_szSpeedValue, kStandardSpeedValue);
     }
-    return isSecond || text::Contains(description, m_szLanDesc1);
+    return isSecond || HoldsWord(description, m_szLanDesc1, text::Contains);
 }
 
 bool CLanAgent::StoreSpeed(HKEY adapter, int level) noexcept
