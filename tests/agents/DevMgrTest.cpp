@@ -40,7 +40,7 @@ protected:
         DeviceTree::Add({kModem, kModemClass, "100%s Modem", "ACPI\\BUS\\0"});
         DeviceTree::Add({"ROOT\\LEAF\\0", GUID_DEVCLASS_SYSTEM, "Leaf"});
         DeviceTree::Add({kCard, GUID_DEVCLASS_NET, "Network Card"});
-        DeviceTree::Add({"PCI\\VEN_10EC\\9", GUID_DEVCLASS_NET, "Second Card"});
+        DeviceTree::Add({"PCI\\VEN_10EC\\9", GUID_DEVCLASS_NET, "Second C\u00E4rd \u0436"});
         UseClasses({kNetText});
     }
 
@@ -175,7 +175,7 @@ TEST_F(DevMgrTest, DescriptionIsLookedForDepthFirstIgnoringCase)
     EXPECT_THAT(NewLogLines(),
                 testing::ElementsAre(testing::StartsWith("Cannot Get_DevNode_Registry_Property for "), "Bus",
                                      "100%s Modem", kModem));
-    EXPECT_EQ(kSucceeded, manager.DrvDescToInstID(L"second card", id, 64));
+    EXPECT_EQ(kSucceeded, manager.DrvDescToInstID(L"SECOND C\u00C4RD \u0416", id, 64));
     EXPECT_EQ("PCI\\VEN_10EC\\9", Narrow(id));
     EXPECT_EQ(kGeneralFailure, manager.DrvDescToInstID(L"Nothing", id, 64));
 

@@ -51,7 +51,7 @@ bool IsDescribedAs(DEVINST device, const wchar_t* description) noexcept
     {
         CORVLBase::DBGOUT(L"%s", found);
     }
-    return text::EqualIgnoringCase(found, description);
+    return text::EqualNames(found, description);
 }
 
 // Logs `message` with `number`. Always 0x80004005.
