@@ -166,6 +166,8 @@ TEST_F(PresentState, LiveDevicesGoByTheirVariablesName)
                     [&]
                     {
                         EXPECT_EQ(0, engine.GetDeviceStatus(L"USBPort 3", &status));
+                        EXPECT_EQ(0, engine.GetDeviceStatus(L"USBPort 3", nullptr));
+                        EXPECT_EQ(-1, engine.GetDeviceStatus(L"Wifi", nullptr));
                         EXPECT_EQ(0, engine.SetDeviceStatus(L"CpuSpeed", 1));
                     })
                     .empty());

@@ -1,7 +1,8 @@
 // scheme/DeviceStatus.cpp
 //
 // Live device state by a variable's name: the radios through the embedded controller, the chipset's
-// functions through its registers. Each call opens what it needs and closes it again.
+// functions through its registers. Each call sets up an agent of its own; below major version 6 that opens
+// the driver's channel and closes it again, from 6 on the channel stays open.
 
 #include "agents/EcAgent.h"
 #include "agents/HwSBX.h"
@@ -79,7 +80,7 @@ int WriteFunction(const wchar_t* name, int value) noexcept
 int CSchemeEx::GetDeviceStatus(wchar_t const* name, int* status) noexcept
 {
     const int number = FindVariable(name);
-    if (number < 0 || status == nullptr)
+    if (number < 0 || (status == nullptr && VariableOf(number).device != LiveDevice::None))
     {
         return -1;
     }
