@@ -9,6 +9,7 @@
 #include "foundation/Results.h"
 
 #include <cstdio>
+#include <iterator>
 
 namespace service
 {
@@ -90,6 +91,29 @@ const Service* Find(DWORD code)
     return nullptr;
 }
 
+constexpr std::size_t kEscapeLength = 4;
+
+// Copies `text` with each control character as "\x1B", so that what a process writes on the board can neither
+// forge lines nor steer a terminal. `target` has room for an escape for each character.
+void EscapeControls(const wchar_t* text, wchar_t* target)
+{
+    constexpr const wchar_t* kDigits = L"0123456789ABCDEF";
+    for (; *text != 0; ++text)
+    {
+        const wchar_t unit = *text;
+        if (unit >= 0x20 && (unit < 0x7F || unit > 0x9F))
+        {
+            *target++ = unit;
+            continue;
+        }
+        *target++ = L'\\';
+        *target++ = L'x';
+        *target++ = kDigits[unit / 16];
+        *target++ = kDigits[unit % 16];
+    }
+    *target = 0;
+}
+
 } // namespace
 
 Answer FailureNotice(LONG reason) noexcept
@@ -116,8 +140,10 @@ Answer Carry(const Request& request)
 void Print(const Request& request)
 {
     const Service* service = Find(request.code);
-    char text[3 * kTextCapacity + 1];
-    if (WideCharToMultiByte(CP_ACP, 0, request.text, -1, text, sizeof text, nullptr, nullptr) == 0)
+    wchar_t shown[kEscapeLength * kTextCapacity + 1];
+    EscapeControls(request.text, shown);
+    char text[3 * std::size(shown)];
+    if (WideCharToMultiByte(CP_ACP, 0, shown, -1, text, sizeof text, nullptr, nullptr) == 0)
     {
         text[0] = 0;
     }

@@ -14,7 +14,7 @@ Answer Carry(const Request& request);
 /// The notice that something went wrong, with the reason.
 Answer FailureNotice(LONG reason) noexcept;
 
-/// One line about `request`.
+/// Prints one line about `request`, with control characters in its text escaped.
 void Print(const Request& request);
 
 } // namespace service

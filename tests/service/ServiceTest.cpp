@@ -92,6 +92,9 @@ TEST_F(ServiceTest, ASchemeIsStoredWithoutAListenerToo)
     EXPECT_EQ(0, Call(3, L"", 17));
     EXPECT_EQ(17, StoredScheme());
     EXPECT_TRUE(service.WaitFor("no host waits"));
+    // A request's text can't pass for the service's own lines.
+    EXPECT_EQ(0, Call(3, L"a\r\nserving\n\x1B[2J\x7F\x9B\x00A0\x00E4 ~\\", 17));
+    EXPECT_TRUE(service.WaitFor("text \"a\\x0D\\x0Aserving\\x0A\\x1B[2J\\x7F\\x9B\xA0\xE4 ~\\\""));
     EXPECT_TRUE(service.WaitFor("answered code 1, value 0x0"));
 }
 
