@@ -28,6 +28,9 @@ constexpr ValueName kNever[] = {{-1, "no value"}, {0, "never"}};
 constexpr ValueName kStoredSwitch[] = {{-1, "no value"}, {0, "off"}, {1, "on"}};
 constexpr ValueName kUnknown[] = {{-1, "unknown"}};
 
+// What a battery's time counts depends on what the battery does.
+constexpr const char* kBatteryTime = "s until full, or left while discharging";
+
 constexpr std::size_t kWord = 4;
 
 // -1 is a value that no option list holds, so a whole-scheme edit leaves the variables that the caller didn't
@@ -64,7 +67,7 @@ constexpr std::array kSelectorFields = {Number("selector", 0, kSelectors)};
 constexpr std::array kBatteryInfoFields = {
     Number("state", 0, kPowerStates),
     Number("percent", 4, kUnknown, "%"),
-    Number("time", 8, kUnknown, "s"),
+    Number("time", 8, kUnknown, kBatteryTime),
     Number("designed", 12, {}, "mWh"),
     Number("fullCharged", 16, {}, "mWh"),
     Field{"chemistry", FieldKind::Characters, 23, 4, "", {}, 0},
@@ -76,7 +79,7 @@ constexpr std::array kBatteryInfoFields = {
 constexpr std::array kPowerInfoFields = {
     Number("state", 0, kPowerStates),
     Number("percent", 4, kUnknown, "%"),
-    Number("time", 8, kUnknown, "s"),
+    Number("time", 8, kUnknown, kBatteryTime),
 };
 
 constexpr std::array kConfigFields = {

@@ -4,7 +4,7 @@
 
 #include "Printing.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstring>
 
@@ -42,6 +42,8 @@ TEST(PrintingTest, AnswersAreDecodedFieldByField)
               "  percent             80 %\n"
               "  time                -1 (unknown)\n",
               Text("GET_POWER_INFO", AnswerOf(0, {4, 80, -1})));
+    EXPECT_THAT(Text("GET_POWER_INFO", AnswerOf(0, {2, 80, 5400})),
+                testing::EndsWith("  time                5400 s until full, or left while discharging\n"));
     EXPECT_EQ("GET_LUMS_LEVEL: REFUSED (1)\n", Text("GET_LUMS_LEVEL", AnswerOf(1, {})));
     EXPECT_EQ("MAKE_COFFEE: UNKNOWN COMMAND (5)\n", Text("MAKE_COFFEE", AnswerOf(5, {})));
     // A reply of another size than the record's is shown as it is.

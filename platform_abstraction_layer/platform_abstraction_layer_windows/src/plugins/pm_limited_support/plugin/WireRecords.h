@@ -84,7 +84,8 @@ struct PM_Battery_Info
 {
     LONG powerState;          ///< offset 0: 2 discharging, 1 on line, 4 charging, 8 critical, 0 none of these
     LONG percent;             ///< offset 4: remaining charge of the whole system; -1 when unknown
-    LONG time;                ///< offset 8: seconds until it is full; -1 when unknown
+    LONG time;                ///< offset 8: seconds until it is full while it charges, seconds left while it
+                              ///< discharges; -1 when unknown, 0 for any but the first battery
     LONG designedCapacity;    ///< offset 12
     LONG fullChargedCapacity; ///< offset 16
     BYTE reserved1[3];        ///< offset 20: 0
@@ -101,7 +102,7 @@ struct PM_Power_Info
 {
     LONG powerState; ///< offset 0: 2 discharging, 1 on line, 4 charging
     LONG percent;    ///< offset 4: remaining charge
-    LONG time;       ///< offset 8: seconds until the battery is full
+    LONG time;       ///< offset 8: seconds until the battery is full, or left while it discharges
 };
 static_assert(sizeof(PM_Power_Info) == 12);
 
