@@ -22,7 +22,7 @@ struct Options
     bool refuse = false;           ///< answer every request with a failure notice, doing nothing
     bool silent = false;           ///< take requests and answer none
     bool once = false;             ///< end after the first request
-    bool verbose = false;          ///< tell every step, not only the requests
+    bool verbose = false;          ///< print every answer, not only failure notices
 };
 
 /// Reads the arguments behind the program's name; false when one isn't understood, which is then told on

@@ -223,7 +223,7 @@ LONG CDevMgr::DoStateChange(void* set, _SP_DEVINFO_DATA* info, ULONG action) noe
     {
         return Fail(L"SetupDiSetClassInstallParams failed for last error %x.");
     }
-    // Some class installers refuse the change that this call has already made, so only their answer counts.
+    // The default change, past the class's installers. Its result is ignored: what they answer decides.
     SetupDiChangeState(set, info);
     if (!SetupDiCallClassInstaller(DIF_PROPERTYCHANGE, set, info))
     {

@@ -23,8 +23,9 @@ public:
     int Initialize() noexcept;
 
     /// Stores a speed level from 0 on for the next start of each wired adapter. The level when at least one
-    /// took it. A level above 5 is refused where the adapter has only the standard value, whose numbers are
-    /// known up to 5.
+    /// took it. An adapter that has the value of the speed name takes any level as it is; one that has only
+    /// the standard value takes the number of the level there, and none for a level above 5. For adapters of
+    /// the second word, and all after the first of them, the speed name is that of the standard value.
     int SetLanSpeed(int level) noexcept;
 
     /// The stored speed level of the first wired adapter that has one.

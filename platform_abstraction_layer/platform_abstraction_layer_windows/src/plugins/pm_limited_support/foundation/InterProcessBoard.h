@@ -44,7 +44,8 @@ public:
     /// Gives the lock back.
     LONG UnLock() noexcept;
 
-    /// 1 when another party holds the lock, else 0. Doesn't wait for the holder.
+    /// 1 when the lock is held, by whomever, this object included, and for a closed board; else 0. Doesn't
+    /// wait for the holder.
     int IsLocked() noexcept;
 
     /// 1 when the event is signalled within `timeout` milliseconds, else 0.

@@ -7,7 +7,7 @@
 #include <windows.h>
 
 /// Resolves `userName`. 1 on success: `subKey` is the SID string, which names the user's key below
-/// HKEY_USERS, and `profilePath` his configuration folder; both hold 260 characters. 0 when the account is
-/// unknown or its hive isn't loaded. With an empty "Local AppData" the result is 1 and `profilePath` is left
-/// alone.
+/// HKEY_USERS, and `profilePath` the configuration folder, left alone when "Local AppData" is empty. Both
+/// have room for 260 characters. 0 when the account is unknown, with both left alone, and when its hive isn't
+/// loaded or has no "Local AppData"; `subKey` is filled then and `profilePath` is not.
 int GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t* subKey, wchar_t* profilePath) noexcept;

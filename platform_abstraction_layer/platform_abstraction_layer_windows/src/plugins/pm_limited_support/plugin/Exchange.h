@@ -23,7 +23,7 @@ enum class Length
 /// Whether a command writes a reply.
 enum class Reply
 {
-    None,     ///< the buffers aren't touched
+    None,     ///< nothing goes into `result`; a handler may set `resultLen`
     Optional, ///< written when the host gives both pointers
     Required,
 };

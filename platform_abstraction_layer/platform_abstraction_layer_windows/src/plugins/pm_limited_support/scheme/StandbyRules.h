@@ -2,7 +2,7 @@
 //
 // How a scheme of the XP path holds two times in three fields: standby and hibernation. Hibernation comes at
 // `idle` + `doze` seconds when the machine sleeps first, and at `idle` seconds when it doesn't. The rules
-// keep the other time where it is while one of them moves. All numbers are seconds.
+// say what becomes of the other time when one of them moves. All numbers are seconds.
 #pragma once
 
 #include <windows.h>
@@ -26,10 +26,12 @@ LONG StandbyTimeOf(const IdleState& state) noexcept;
 /// When the machine hibernates, 0 for never.
 LONG HibernateTimeOf(const IdleState& state) noexcept;
 
-/// Moves the standby time to `value`. Where it would come after hibernation, `laterTime` is asked for a
-/// hibernate time behind it. False when the two can't be reconciled; `state` is then not to be used.
+/// Moves the standby time to `value`. A hibernate time that follows standby stays where it is; when `value`
+/// reaches it, `laterTime` gives the next one, and 0 turns hibernation off. A hibernate time that doesn't
+/// follow standby is lost. False when the two can't be reconciled; `state` is then not to be used.
 bool ChangeStandbyTime(IdleState& state, bool ac, LONG value, LaterHibernateTime laterTime) noexcept;
 
-/// Moves the hibernate time to `value`; false as above. A time equal to the standby time is refused on
-/// mains power and turns hibernation off on battery.
+/// Moves the hibernate time to `value` and leaves the standby time where it is; false as above. 0 turns
+/// hibernation off after standby. A time before the standby time is refused, an equal one on mains power
+/// alone: on battery it turns hibernation off. A state that hibernates without standby takes any time.
 bool ChangeHibernateTime(IdleState& state, bool ac, LONG value) noexcept;

@@ -20,7 +20,8 @@ namespace
 constexpr int kAdaptivePolicy = 3;
 constexpr int kFullSpeed = 100;
 
-// Settings of the processor, which no file names.
+// Settings of the processor. These are fixed: a write doesn't go by what the catalogue names for the
+// processor's variables.
 constexpr GUID kProcessorSettings = {
     0x54533251, 0x82BE, 0x4824, {0x96, 0xC1, 0x47, 0xB6, 0x0B, 0x74, 0x0D, 0x00}};
 constexpr GUID kThrottleMaximum = {
@@ -138,7 +139,7 @@ int PassOn(CSchemeEx& engine, const SettingWriter& writer, StoredVariables& stor
 
 bool vista::Accepts(const wchar_t* name, int value) noexcept
 {
-    // The operating system takes whole minutes; its own range is wider than the catalogue's.
+    // Any number of whole minutes, in seconds, whether the catalogue offers it or not.
     return IsTimeOut(name) ? value >= 0 && value % 60 == 0 : catalogue::Offers(name, value);
 }
 

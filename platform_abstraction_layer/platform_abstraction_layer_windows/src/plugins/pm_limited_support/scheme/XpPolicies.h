@@ -1,6 +1,7 @@
 // scheme/XpPolicies.h
 //
-// The two records in which the operating system keeps a scheme on the XP path, read and written together.
+// The two records in which the operating system keeps a scheme on the XP path, read together. Each writer has
+// its own order and its own log lines for writing them.
 #pragma once
 
 #include "foundation/PowerProfile.h"
@@ -25,6 +26,7 @@ struct ReadTexts
 constexpr ReadTexts kReadTexts{L"CSchemeEx::GetPwrVariable: Can't read pwr scheme: %ld",
                                L"CSchemeEx::GetPwrVariable: Can't read cpu scheme: %ld"};
 
+/// Reads both records. False, with the text of the one that can't be read logged.
 bool ReadPolicies(int index, Policies& policies, const ReadTexts& texts) noexcept;
 
 } // namespace xp
