@@ -113,4 +113,20 @@ TEST_F(Users, NamesAreInTheAnsiCodePage)
     EXPECT_EQ(std::pair(LONG{0}, std::string("find the subkey&path 0\n")), Find("J\u00D6RG"));
 }
 
+// The system's comparison takes these names for one; they are accounts of their own all the same.
+TEST_F(Users, NamesThatReadTheSameAreDifferentUsers)
+{
+    int slot = 0;
+    for (const auto& [name, wire] :
+         {std::pair("strasse", "strasse"), {"stra\u00DFe", "stra\xDF\x65"}, {"stra\u00ADsse", "stra\xADsse"}})
+    {
+        Notebook::AddUser(name);
+        Notebook::LogOn(name);
+        EXPECT_EQ(std::pair(LONG{0}, "can't find subkey&path, find an empty one " + std::to_string(slot) +
+                                         "\nset subkey&path at pos" + std::to_string(slot) + " succeed\n"),
+                  Find(wire));
+        ++slot;
+    }
+}
+
 } // namespace

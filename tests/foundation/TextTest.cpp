@@ -99,6 +99,7 @@ TEST(BoundedText, ComparisonsTellCaseApartAsTheyPromise)
         {"CpuSpeed", "CPUSPEED", false, true, true},
         {"J\u00F6rg", "j\u00D6RG", false, false, true},
         {"abc", "abcd", false, false, false},
+        {"Stra\u00DFe", "STRASSE", false, false, false}, // equal to the system, of different length
         {"", "", true, true, true},
         {"@", "`", false, false, false}, // the neighbours of the letters
         {"[", "{", false, false, false},

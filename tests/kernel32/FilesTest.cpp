@@ -257,6 +257,7 @@ TEST_F(FilesTest, FoldersOfTheRunningAccount)
     EXPECT_EQ("C:\\WINDOWS\\system32\\config\\systemprofile\\AppData\\Local", FolderOf(CSIDL_LOCAL_APPDATA));
     Machine::RunAs("alice");
     EXPECT_EQ("C:\\Users\\alice\\AppData\\Local", FolderOf(CSIDL_LOCAL_APPDATA));
+    EXPECT_EQ("", FolderOf(CSIDL_PERSONAL, HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND)));
     Machine::RunAs("");
 }
 

@@ -176,7 +176,9 @@ TEST_F(SystemTest, BlocksOfThePlugInAreCountedAndCanBeRefused)
     void* const block = HeapAlloc(GetProcessHeap(), 0, 10);
     EXPECT_EQ(1u, simulated::Leaks::Count());
     simulated::Faults::Inject("HeapAlloc", 1, ERROR_NOT_ENOUGH_MEMORY);
+    SetLastError(77);
     EXPECT_EQ(nullptr, HeapAlloc(GetProcessHeap(), 0, 10));
+    EXPECT_EQ(77U, GetLastError());
     EXPECT_TRUE(HeapFree(GetProcessHeap(), 0, block));
     EXPECT_EQ(0u, simulated::Leaks::Count());
     simulated::SetPlugInRange(nullptr, nullptr);

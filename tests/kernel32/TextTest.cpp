@@ -226,6 +226,20 @@ TEST_F(TextTest, ComparingAndSearching)
 {
     EXPECT_EQ(0, lstrcmpiW(L"a\x00E4\x0416", L"A\x00C4\x0436"));
     EXPECT_LT(lstrcmpiW(L"a", L"B"), 0);
+    const std::tuple<const wchar_t*, const wchar_t*, bool> words[] = {
+        {L"Stra\u00DFe", L"STRASSE", true},
+        {L"Stra\u00DFe", L"Strase", false},
+        {L"\u00ADal\u200Dice\u00AD", L"Alice", true},
+        {L"J\u00F6rg", L"Jo\u0308RG", true},
+        {L"J\u00F6rg", L"Jorg", false},
+        {L"\u017Bak", L"z\u0307ak", true},
+        {L"\u00FF", L"Y\u0308", true},
+        {L"\u00C5", L"A\u0308", false},
+    };
+    for (const auto& [left, right, equal] : words)
+    {
+        EXPECT_EQ(equal, lstrcmpiW(left, right) == 0) << ToUtf8(left) << ' ' << ToUtf8(right);
+    }
     EXPECT_NE(0, lstrcmpW(L"a", L"A"));
     EXPECT_GT(lstrcmpW(L"ab", L"a"), 0);
     EXPECT_LT(lstrcmpW(nullptr, L""), 0);

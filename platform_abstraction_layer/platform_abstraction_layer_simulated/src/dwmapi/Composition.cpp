@@ -1,9 +1,11 @@
 // dwmapi/Composition.cpp
 //
-// Desktop composition, a switch of the whole machine. Known difference: it isn't tied to the process that
-// switched it and stays as it is when that one ends.
+// Desktop composition, a switch of the whole machine up to version 6.1; from 6.2 on switching succeeds and
+// changes nothing. Known difference: it isn't tied to the process that switched it and stays as it is when
+// that one ends.
 
 #include "kernel32/Modules.h"
+#include "kernel32/SystemVersion.h"
 #include "notebook/Graphics.h"
 #include "notebook/PlatformCall.h"
 
@@ -16,6 +18,7 @@ namespace
 {
 
 constexpr DWORD kSinceMajor = 6;
+constexpr DWORD kLastSwitchableMinor = 1;
 
 HRESULT Compose(UINT action)
 {
@@ -23,7 +26,11 @@ HRESULT Compose(UINT action)
     {
         return E_INVALIDARG;
     }
-    Graphics::SetComposed(action == DWM_EC_ENABLECOMPOSITION);
+    const SystemVersion version = ReadSystemVersion();
+    if (version.major == kSinceMajor && version.minor <= kLastSwitchableMinor)
+    {
+        Graphics::SetComposed(action == DWM_EC_ENABLECOMPOSITION);
+    }
     return S_OK;
 }
 

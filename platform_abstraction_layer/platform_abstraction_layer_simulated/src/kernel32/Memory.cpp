@@ -83,20 +83,25 @@ SIM_API HANDLE WINAPI GetProcessHeap()
     return ProcessHeap();
 }
 
+// Leaves the last error alone, also when it fails.
 SIM_API LPVOID WINAPI HeapAlloc(HANDLE heap, DWORD flags, SIZE_T size)
 {
     PlatformCall call(CallClass::Memory, "HeapAlloc", SIM_CALLER);
     call.Arguments(flags, size);
-    return call.Result<void*>(nullptr,
-                              [&]() -> Outcome<void*>
-                              {
-                                  if (heap != ProcessHeap() || (flags & ~DWORD{HEAP_ZERO_MEMORY}) != 0)
-                                  {
-                                      return {nullptr, ERROR_INVALID_PARAMETER};
-                                  }
-                                  const bool zero = (flags & HEAP_ZERO_MEMORY) != 0;
-                                  return Answer(Allocate(kHeapKind, size, zero, call));
-                              });
+    const DWORD lastError = GetLastError();
+    void* const block =
+        call.Result<void*>(nullptr,
+                           [&]() -> Outcome<void*>
+                           {
+                               if (heap != ProcessHeap() || (flags & ~DWORD{HEAP_ZERO_MEMORY}) != 0)
+                               {
+                                   return {nullptr, ERROR_INVALID_PARAMETER};
+                               }
+                               const bool zero = (flags & HEAP_ZERO_MEMORY) != 0;
+                               return Answer(Allocate(kHeapKind, size, zero, call));
+                           });
+    SetLastError(lastError);
+    return block;
 }
 
 SIM_API BOOL WINAPI HeapFree(HANDLE heap, DWORD flags, LPVOID block)

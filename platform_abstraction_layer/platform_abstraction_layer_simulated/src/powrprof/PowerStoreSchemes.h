@@ -5,7 +5,8 @@
 // these functions see the same store. Results are Win32 error numbers.
 //
 // Known differences from Windows: the policies of an activated scheme act on no hardware; there is no
-// fallback for a scheme without a processor part.
+// fallback for a scheme without a processor part; from 6.0 on, where Windows carries these functions out on
+// the GUID-based schemes, they keep to this store, which has nothing to do with those.
 #pragma once
 
 #include "PowerStoreKey.h"

@@ -71,7 +71,7 @@ HRESULT FindFolder(int number, bool create, HANDLE token, DWORD type, LPWSTR pat
     }
     if (!IsFolder(found))
     {
-        return S_FALSE;
+        return environment::HasLaterFolders() ? HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND) : S_FALSE;
     }
     return CopyToUtf16(found, path, MAX_PATH) ? S_OK : E_FAIL;
 }
