@@ -6,6 +6,7 @@
 
 #include "agents/OsWin.h"
 #include "foundation/Results.h"
+#include "notebook/Machine.h"
 
 using namespace simulated;
 
@@ -44,7 +45,8 @@ TEST_F(OsWinTest, CompositionIsSwitchedWhereTheSystemHasIt)
     for (const auto& [major, minor, wanted, reached] :
          {std::tuple{6U, 0U, 0, 0}, {6U, 1U, 1, 1}, {6U, 2U, 0, 1}, {10U, 0U, 0, 1}})
     {
-        ASSERT_TRUE(Notebook::SetVersion(major, minor));
+        Machine::WriteNumber("Machine", "Major", major);
+        Machine::WriteNumber("Machine", "Minor", minor);
         EXPECT_EQ(1, COsWin::IsVista());
         EXPECT_EQ(0, COsWin::SetAero(wanted));
         EXPECT_EQ(0, COsWin::IsAeroOn(&enabled));
