@@ -80,18 +80,23 @@ int WriteFunction(const wchar_t* name, int value) noexcept
 int CSchemeEx::GetDeviceStatus(wchar_t const* name, int* status) noexcept
 {
     const int number = FindVariable(name);
-    if (number < 0 || (status == nullptr && VariableOf(number).device != LiveDevice::None))
+    if (number < 0)
     {
         return -1;
     }
-    switch (VariableOf(number).device)
+    const Variable& variable = VariableOf(number);
+    if (status == nullptr)
+    {
+        return variable.device == LiveDevice::None ? 0 : -1;
+    }
+    switch (variable.device)
     {
     case LiveDevice::Bluetooth:
         return ReadRadio(kBluetooth, name, status);
     case LiveDevice::Wifi:
         return ReadRadio(kWifiRadio, name, status);
     case LiveDevice::ChipsetFunction:
-        return ReadFunction(VariableOf(number).name, status);
+        return ReadFunction(variable.name, status);
     default:
         return 0;
     }
