@@ -163,6 +163,7 @@ HMODULE Leave(Run& run) noexcept
     }
     run.appliedEvent.Reset();
     run.stopEvent.Reset();
+    run.threadId = 0; // from here on the number may become another thread's
     return run.module.Detach();
 }
 
