@@ -10,14 +10,17 @@ export LD_LIBRARY_PATH=$lib32${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}
 export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree=d;mshtml=d;powrprof=n,b"
 export WINEPREFIX=$PWD/build/wine
 
+# True when a 32-bit Windows program has just run. An installed Wine need not run: the kernel may not execute 32-bit
+# programs, and the machine below build/ may not come up.
 wine_is_available() {
-  command -v wine >/dev/null 2>&1 && [ -e "$lib32/wine/i386-windows/ntdll.dll" ]
+  command -v wine >/dev/null 2>&1 && [ -e "$lib32/wine/i386-windows/ntdll.dll" ] &&
+    timeout 30 wine --version >/dev/null 2>&1 && prepare_prefix && timeout 60 wine cmd /c exit >/dev/null 2>&1
 }
 
 prepare_prefix() {
-  [ -e "$WINEPREFIX/system.reg" ] && return
+  [ ! -e "$WINEPREFIX/system.reg" ] || return 0
   mkdir -p "$WINEPREFIX"
-  timeout 180 wine wineboot --init >/dev/null 2>&1
+  timeout 180 wine wineboot --init >/dev/null 2>&1 || return
   timeout 60 wineserver -w || true
 }
 
