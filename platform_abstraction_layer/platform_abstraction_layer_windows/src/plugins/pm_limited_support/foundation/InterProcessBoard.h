@@ -29,7 +29,7 @@ public:
     LONG Reset(const wchar_t* name, LONG size, int create, ULONG instance) noexcept;
 
     /// Copies `size` bytes to the board at `offset`; a null `data` writes zeros. Fails at once when the lock
-    /// is held, and when the range is negative or doesn't lie in the board.
+    /// is held, and when the range is negative or ends behind the board's last page of memory.
     LONG Paste(LONG offset, void* data, LONG size) noexcept;
 
     /// Copies `size` bytes from the board at `offset`, under the rules of `Paste`.
