@@ -37,13 +37,15 @@ tls=$($objdump -h "$dll" | awk '$2 == ".tls" {print $3}')
 imports=$(awk '/DLL Name:/ {dll = tolower($3); next}
   /^\t[0-9a-f]+\t +[0-9]+ / {print dll, $NF}
   /^$/ {next}' <<<"$headers" | sort -u)
-printf '  imports %d functions of %s\n' "$(wc -l <<<"$imports")" "$(cut -d' ' -f1 <<<"$imports" | sort -u | paste -sd' ')"
+libraries=$(cut -d' ' -f1 <<<"$imports" | sort -u | paste -sd' ')
+printf '  imports %d functions of %s\n' "$(wc -l <<<"$imports")" "$libraries"
 [ "${VERBOSE:-}" ] && sed 's/^/    /' <<<"$imports"
 while read -r pair; do
   [ -n "$pair" ] && fault "imports a function that isn't on the list of what Windows XP SP3 exports: ${pair/ /: }"
 done < <(comm -23 <(printf '%s\n' "$imports") <(grep -vE '^(#|$)' "$allowed" | sort -u))
 
-exports=$(awk '/^\[Ordinal\/Name Pointer\] Table/ {on = 1; next} on && /^\t\[/ {print $NF} on && /^$/ {exit}' <<<"$headers" | sort -u)
+exports=$(awk '/^\[Ordinal\/Name Pointer\] Table/ {on = 1; next} on && /^\t\[/ {print $NF} on && /^$/ {exit}' \
+  <<<"$headers" | sort -u)
 printf '  exports %d names\n' "$(wc -l <<<"$exports")"
 [ "${VERBOSE:-}" ] && c++filt <<<"$exports" | sed 's/^/    /'
 if [ -e "$required" ]; then

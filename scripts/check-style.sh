@@ -13,4 +13,5 @@ clang-format --dry-run --Werror "${sources[@]}"
 database=$(mktemp -d)
 trap 'rm -r "$database"' EXIT
 sed 's/ -fno-gnu-unique//g' "$1/compile_commands.json" > "$database/compile_commands.json"
-git ls-files '*.cpp' | grep -vE '^(tests|benchmarks)/' | xargs -P"$(nproc)" -n4 clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p "$database" 2>/dev/null
+git ls-files '*.cpp' | grep -vE '^(tests|benchmarks)/' |
+  xargs -P"$(nproc)" -n4 clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p "$database" 2>/dev/null

@@ -16,7 +16,8 @@ for library in "$@"; do
     -e '^(f|put|get|unget)[gp]?utwc' -e '^(fgetw|fputw|getw|putw|ungetw)' -e '^isw' -e '^tow' -e '^btowc' \
     -e 'IwSt11char_traitsIwE' -e 'St11char_traitsIwE' || true)
   if [ -n "$found" ]; then
-    printf '%s calls wide functions of the 32-bit library:\n%s\n' "$library" "$(c++filt <<<"$found" | sed 's/^/  /')" >&2
+    printf '%s calls wide functions of the 32-bit library:\n' "$library" >&2
+    c++filt <<<"$found" | sed 's/^/  /' >&2
     bad=1
   fi
 done

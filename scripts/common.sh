@@ -49,7 +49,8 @@ build() {
   mkdir -p build
   local options=()
   command -v ccache >/dev/null 2>&1 && options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
-  if ! { cmake --preset "$preset" "${options[@]}" && cmake --build --preset "$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
+  if ! { cmake --preset "$preset" "${options[@]}" &&
+    cmake --build --preset "$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
     grep -E 'error|Error|FAILED' -A3 "$log" | head -80 >&2 || true
     die "The build '$preset' failed; the whole log is in $log"
   fi
