@@ -1,11 +1,9 @@
 // tests/acceptance/LifeCycleFaultsTest.cpp
 //
-// Start and notification when Windows refuses something, and the order of what they ask of it.
+// Start, stop and notification when Windows refuses something, and the order of what they ask of it.
 
 #include "acceptance/AcceptanceTest.h"
 #include "notebook/Trace.h"
-
-#include <algorithm>
 
 using simulated::Faults;
 using simulated::Leaks;
@@ -56,7 +54,42 @@ TEST_F(LifeCycleFaults, AWaitThatFailsEndsTheStart)
     EXPECT_TRUE(host.WaitForEvent().has_value());
 }
 
-// A signal from the reset on makes another round; one before it is told with the number that is read then.
+// Waiting for a thread that doesn't know that it is to end would never return.
+TEST_F(LifeCycleFaults, AThreadThatCantBeStoppedGoesOnListening)
+{
+    Faults::Inject("SetEvent", 1, ERROR_INVALID_HANDLE);
+    EXPECT_EQ(0, host.Uninitialize());
+    EXPECT_TRUE(Faults::AllHit());
+    EXPECT_TRUE(SignalApplied());
+    EXPECT_TRUE(host.WaitForEvent().has_value());
+    EXPECT_EQ(0, host.Uninitialize());
+    EXPECT_FALSE(IsListenedFor());
+}
+
+// A host that restarts the plug-in from within its event never calls a stop that waits, so each start takes
+// away what the ended ones left.
+TEST_F(LifeCycleFaults, RestartsFromWithinAnEventDontPileUp)
+{
+    constexpr unsigned kRestarts = 20;
+    constexpr unsigned kNotYetEnded = 4;
+    const unsigned running = Leaks::Count();
+    host.onEvent = [this](const Event&)
+    {
+        EXPECT_EQ(0, host.Uninitialize());
+        EXPECT_EQ(0, host.Initialize());
+    };
+    for (unsigned restart = 0; restart < kRestarts; ++restart)
+    {
+        ASSERT_TRUE(SignalApplied());
+        ASSERT_TRUE(host.WaitForEvent().has_value());
+    }
+    EXPECT_LE(Leaks::Count(), kNotYetEnded * running) << Leaks::Describe();
+    host.Uninitialize();
+    EXPECT_EQ(0U, Leaks::Count()) << Leaks::Describe();
+}
+
+// A signal that arrives after the reset starts another round; an earlier one is covered by the number that is
+// read next.
 TEST_F(LifeCycleFaults, TheEventIsResetBeforeTheNumberIsRead)
 {
     seeding::SetNumber(HKEY_LOCAL_MACHINE, "Software\\Kelvo\\ORVA", "CurrentPwrSchemeID", 3);

@@ -227,7 +227,7 @@ void Stop(CPluginHelper& context) noexcept
         latest = runs;
         ++waiting;
     }
-    // A start that comes in the meantime stands before these and isn't waited for.
+    // A start made in the meantime is in front of these in the list and isn't waited for.
     for (const Run* run = latest; run != nullptr; run = run->earlier)
     {
         WaitForSingleObject(run->thread.Get(), INFINITE);
