@@ -89,10 +89,11 @@ TEST_F(AddDelete, NamesAreTrimmedTestedAndComparedExactly)
     ActFor(bob, "bob");
     ASSERT_EQ(6, Add(bob, "Mine"));
     const std::string longest(29, 'x');
-    for (const Row& row :
-         {Row{"", -1}, Row{"   ", -1}, Row{"Mine", 7}, Row{"Mine", -2}, Row{"mine", 8}, Row{" Mine ", -2},
-          Row{longest, 9}, Row{"  " + longest + "  ", -2}, Row{longest + "x", -1},
-          Row{std::string(259, ' '), -1}, Row{"a\r\nNumber=9", -1}, Row{"\tMine", -1}, Row{"a\x7F", -1}})
+    for (const Row& row : {Row{"", -1}, Row{"   ", -1}, Row{"Mine", 7}, Row{"Mine", -2}, Row{"mine", 8},
+                           Row{" Mine ", -2}, Row{longest, 9}, Row{"  " + longest + "  ", -2},
+                           Row{longest + "x", -1}, Row{std::string(259, ' '), -1}, Row{"a\r\nNumber=9", -1},
+                           Row{"\nMine", -1}, Row{"Mine\r ", -1}, Row{"\tMine", 10}, Row{"\tMine", -2},
+                           Row{"\"Mine\"", 11}, Row{"\"Mine\"", -2}, Row{"a\x01\x7F", 12}, Row{" Mine", -2}})
     {
         EXPECT_EQ(row.result, Add(engine, row.name)) << row.name;
     }
@@ -101,12 +102,49 @@ TEST_F(AddDelete, NamesAreTrimmedTestedAndComparedExactly)
     EXPECT_EQ(-2, Add(engine, "Mine", 99));
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, Add(engine, "Other", 99)); }),
                 ElementsAre("Find copy from scheme failed: 99"));
-    EXPECT_EQ(3U, EntriesOf(SidOf("alice")).size());
+    EXPECT_EQ(6U, EntriesOf(SidOf("alice")).size());
     EXPECT_EQ(1U, EntriesOf(SidOf("bob")).size());
     EXPECT_EQ(6, engine.FindPwrScheme(L"Mine"));
-    // The entry keeps the name as it was given.
-    EXPECT_EQ(10, Add(engine, " Blank"));
-    EXPECT_THAT(seeding::ReadBytes(Users()).value_or(""), testing::HasSubstr("= Blank\r\n"));
+    // The entry keeps the name as it was given, so the trimmed name is free.
+    EXPECT_EQ(13, Add(engine, " Blank"));
+    EXPECT_EQ(14, Add(engine, "Blank"));
+    EXPECT_EQ(13, engine.FindPwrScheme(L" Blank", L"alice"));
+}
+
+// Quotes stand in the file only where the system's functions would otherwise change the name.
+TEST_F(AddDelete, AnEntryKeepsItsNameAlsoWhenItMoves)
+{
+    struct Row
+    {
+        std::string name;
+        bool quoted;
+    };
+    const std::string longest(254, 'n'); // with one more the longest that is read
+    const Row rows[] = {{"a", false},        {" a", true},    {"a\t", true},        {"\"a\"", true},
+                        {"'a'", true},       {"\"a'", false}, {"\"", false},        {"\"\"", true},
+                        {"a\tb\x01", false}, {"\x0B", true},  {longest + ' ', true}};
+    ASSERT_EQ(6, Add(engine, "first"));
+    int number = 100;
+    for (const Row& row : rows)
+    {
+        EXPECT_EQ(1, engine.AddtoUserScheme(seeding::Wide(row.name).data(), L"alice", number++));
+    }
+    for (const int place : {1, 0})
+    {
+        number = 100;
+        for (const Row& row : rows)
+        {
+            const std::string text = row.quoted ? '"' + row.name + '"' : row.name;
+            const std::string key = "SchemeName" + std::to_string(number - 100 + place) + '=';
+            EXPECT_THAT(seeding::ReadBytes(Users()).value_or(""), testing::HasSubstr(key + text + "\r\n"));
+            EXPECT_EQ(number++, engine.FindPwrScheme(seeding::Wide(row.name).data(), L"alice")) << row.name;
+        }
+        EXPECT_EQ(place, engine.DeletePwrScheme(6, L"alice"));
+    }
+    const auto before = seeding::ReadBytes(Users());
+    EXPECT_EQ(-1, engine.AddtoUserScheme(L"a\nNumber=9", L"alice", 200));
+    EXPECT_EQ(before, seeding::ReadBytes(Users()));
+    EXPECT_EQ(1, engine.AddtoUserScheme(seeding::Wide(' ' + std::string(5000, 'n')).data(), L"alice", 200));
 }
 
 TEST_F(AddDelete, WithoutAnOwnerTheOperatingSystemsNamesCount)

@@ -165,7 +165,8 @@ public:
     /// can't be opened. `user` is logged.
     int AddtoUserList(const wchar_t* user) noexcept;
 
-    /// Enters a scheme as the user's last. 1, or -1 when the file can't be opened.
+    /// Enters a scheme as the user's last. 1, or -1 when the file can't be opened and for a name with a line
+    /// break.
     int AddtoUserScheme(const wchar_t* name, const wchar_t* user, int number) noexcept;
 
     /// Renames a scheme in the operating system; the user scheme file keeps the old name. `index` or -1.

@@ -13,13 +13,13 @@ constexpr std::size_t kLongestGiven = 258;
 constexpr std::size_t kLongestXp = 29;
 constexpr std::size_t kLongestVista = 127;
 
-bool IsControl(wchar_t character) noexcept
-{
-    const auto code = static_cast<unsigned>(character);
-    return code < 0x20 || (code >= 0x7F && code < 0xA0);
-}
-
 } // namespace
+
+bool HasLineBreak(const wchar_t* name) noexcept
+{
+    const auto isLineBreak = [](wchar_t character) { return character == L'\r' || character == L'\n'; };
+    return std::any_of(name, name + text::Length(name), isLineBreak);
+}
 
 bool SchemeName::Take(const wchar_t* name) noexcept
 {
@@ -43,7 +43,7 @@ bool SchemeName::Take(const wchar_t* name) noexcept
     {
         --last;
     }
-    if (first == last || std::any_of(first, last, IsControl))
+    if (first == last || HasLineBreak(name))
     {
         return false;
     }

@@ -5,8 +5,10 @@
 #include "scheme/UserSchemes.h"
 
 #include "scheme/SchemeEx.h"
+#include "scheme/SchemeName.h"
 
 #include <algorithm>
+#include <iterator>
 
 using files::NumberedKey;
 using files::ShortText;
@@ -15,6 +17,9 @@ namespace
 {
 
 constexpr int kCapacity = static_cast<int>(files::kTextCapacity);
+
+// A scheme's name as it is read from an entry: at most 255 characters.
+using Name = wchar_t[256];
 
 // More entries than this are believed only as far as they are there: a damaged number would keep a walk
 // through the entries busy for hours.
@@ -50,6 +55,49 @@ int FindEntry(CORVLProfile& users, const wchar_t* section, int count, int scheme
         }
     }
     return -1;
+}
+
+void ReadName(CORVLProfile& users, const wchar_t* section, int entry, Name& name) noexcept
+{
+    name[0] = L'\0';
+    users.GetString(section, NumberedKey(user_schemes::kSchemeName, entry).Text(), nullptr, name,
+                    static_cast<int>(std::size(name)));
+}
+
+// What the system's functions take off both ends of a value.
+bool IsTrimmed(wchar_t character) noexcept
+{
+    return character == L' ' || character == L'\t' || character == L'\v' || character == L'\f';
+}
+
+// True for a name that the system's functions wouldn't give back as it is. They take one pair of quotes off.
+bool NeedsQuotes(const wchar_t* name) noexcept
+{
+    const std::size_t length = text::Length(name);
+    if (length == 0)
+    {
+        return false;
+    }
+    const wchar_t first = name[0];
+    const wchar_t last = name[length - 1];
+    const bool isQuoted = length > 1 && first == last && (first == L'"' || first == L'\'');
+    return isQuoted || IsTrimmed(first) || IsTrimmed(last);
+}
+
+// Writes the name of an entry so that a read gives it back. A null name leaves the entry without one.
+void WriteName(CORVLProfile& users, const wchar_t* section, int entry, const wchar_t* name) noexcept
+{
+    const NumberedKey key(user_schemes::kSchemeName, entry);
+    if (name == nullptr || !NeedsQuotes(name))
+    {
+        users.PutString(section, key.Text(), name);
+        return;
+    }
+    // Room for the longest name that a scheme is added with; one that is too long still gets both quotes.
+    wchar_t quoted[text::kPathCapacity + 2] = L"\"";
+    text::Append(quoted, std::size(quoted) - 1, name);
+    text::Append(quoted, L"\"");
+    users.PutString(section, key.Text(), quoted);
 }
 
 bool Owns(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
@@ -94,8 +142,8 @@ int user_schemes::FindByName(CORVLProfile& users, const wchar_t* section, const 
     const int count = CountSchemes(users, section);
     for (int entry = 0; entry < count; ++entry)
     {
-        ShortText found = {};
-        users.GetString(section, NumberedKey(kSchemeName, entry).Text(), nullptr, found, kCapacity);
+        Name found;
+        ReadName(users, section, entry, found);
         if (text::Equal(found, name))
         {
             return users.GetInt(section, NumberedKey(kScheme, entry).Text(), 0);
@@ -135,10 +183,10 @@ void user_schemes::Remove(CORVLProfile& users, const wchar_t* section, int schem
     {
         // The name is read before anything of the lower place is overwritten.
         const int number = users.GetInt(section, NumberedKey(kScheme, entry).Text(), 0);
-        ShortText name = {};
-        users.GetString(section, NumberedKey(kSchemeName, entry).Text(), nullptr, name, kCapacity);
+        Name name;
+        ReadName(users, section, entry, name);
         users.PutInt(section, NumberedKey(kScheme, entry - 1).Text(), number);
-        users.PutString(section, NumberedKey(kSchemeName, entry - 1).Text(), name);
+        WriteName(users, section, entry - 1, name);
     }
     users.PutInt(section, kNumber, count - 1);
 }
@@ -177,6 +225,10 @@ int CSchemeEx::AddtoUserList(const wchar_t* user) noexcept
 
 int CSchemeEx::AddtoUserScheme(const wchar_t* name, const wchar_t* user, int number) noexcept
 {
+    if (name != nullptr && HasLineBreak(name))
+    {
+        return -1;
+    }
     AddtoUserList(user);
     ShortText section;
     text::Copy(section, m_szSubKey);
@@ -191,7 +243,7 @@ int CSchemeEx::AddtoUserScheme(const wchar_t* name, const wchar_t* user, int num
     DBGOUT(L"Get number from %s is %d", section, count);
     // The count goes last: until then the new entry doesn't exist.
     users.PutInt(section, NumberedKey(user_schemes::kScheme, count).Text(), number);
-    users.PutString(section, NumberedKey(user_schemes::kSchemeName, count).Text(), name);
+    WriteName(users, section, count, name);
     users.PutInt(section, user_schemes::kNumber, count + 1);
     return 1;
 }
