@@ -2,10 +2,13 @@
 //
 // Files that hold anything: no result but the documented ones, no write outside a buffer, no endless walk.
 
+#include "foundation/EntryLimit.h"
 #include "scheme/SchemeTest.h"
 
 #include <algorithm>
 #include <random>
+
+using namespace simulated;
 
 namespace
 {
@@ -75,10 +78,21 @@ TEST_P(DamagedFiles, ALineOfTenMegabytesIsSurvived)
     EXPECT_EQ(1, engine.SetPwrVariable(1, 1, L"Wifi", 1));
 }
 
+TEST(EntryLimits, WalksShareWhatIsLeft)
+{
+    const auto firstSeven = [](int entry) { return entry < 7; };
+    EntryLimit limit(2000);
+    EXPECT_EQ(0, limit.Take(-5));
+    EXPECT_EQ(1000, limit.Take(1000, firstSeven)) << "believed unseen";
+    EXPECT_EQ(7, limit.Take(1001, firstSeven));
+    EXPECT_EQ(993, limit.Take(2147483647, [](int) { return true; }));
+    EXPECT_EQ(0, limit.Take(1));
+}
+
 // A damaged count of two thousand million entries must not keep a request for hours.
 TEST_P(DamagedFiles, CountsWithoutEntriesEndSoon)
 {
-    simulated::Trace::Record(false);
+    Trace::Record(false);
     const std::string huge = "2147483647";
     ASSERT_TRUE(seeding::SetKey(Catalogue(), "Wifi", "OptionNumber", huge));
     EXPECT_EQ(0, engine.ValidateData(L"Wifi", 77));
@@ -88,6 +102,7 @@ TEST_P(DamagedFiles, CountsWithoutEntriesEndSoon)
     ASSERT_TRUE(seeding::SetKey(Values(), "Schemes", "SchemeMaxIndex", huge));
     const GUID unknown{};
     EXPECT_EQ(-1, engine.SchemeGuidToIndex(&unknown));
+    EXPECT_GT(10000U, Trace::Count(CallClass::Profile));
 }
 
 TEST_P(DamagedFiles, ANegativeCountIsNone)
@@ -98,6 +113,29 @@ TEST_P(DamagedFiles, ANegativeCountIsNone)
     EXPECT_EQ(42, engine.FindPwrScheme(L"name", L"alice"));
     ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), "Scheme0", ""));
     EXPECT_EQ(0, engine.FindPwrScheme(L"name", L"alice"));
+}
+
+using XpDamagedFiles = SchemeTest;
+
+// Each count alone would pass.
+TEST_F(XpDamagedFiles, AProductOfCountsEndsSoon)
+{
+    Trace::Record(false);
+    std::string list = "[UserList]\r\nNumber=30\r\n";
+    std::string sections;
+    for (int user = 0; user < 30; ++user)
+    {
+        const std::string number = std::to_string(user);
+        list += "User" + number + "=U" + number + "\r\n";
+        sections += "[U" + number + "]\r\nNumber=1000\r\n";
+    }
+    ASSERT_TRUE(seeding::WriteBytes(Users(), list + sections));
+    Trace::Clear();
+    EXPECT_EQ(0, engine.DeletePwrScheme(42, L"alice"));
+    EXPECT_GT(21000U, Trace::Count(CallClass::Profile));
+    Trace::Clear();
+    EXPECT_EQ(1, engine.ClearPwrSchemes());
+    EXPECT_GT(11000U, Trace::Count(CallClass::Profile));
 }
 
 INSTANTIATE_TEST_SUITE_P(BothGenerations, DamagedFiles, testing::Values(5U, 6U));

@@ -119,13 +119,38 @@ TEST_F(VistaMapping, AnUnknownActiveSchemeGetsTheNextRow)
     EXPECT_EQ(1, engine.SchemeIndexToGuid(3, &guid));
     EXPECT_EQ(BytesOf(*copy), BytesOf(guid));
     EXPECT_EQ(3, engine.GetActivePwrScheme(0));
-
-    ASSERT_TRUE(Store(3, "GUID", ""));
-    ASSERT_TRUE(seeding::SetKey(Values(), "Schemes", "SchemeMaxIndex", "-1"));
-    const auto before = seeding::ReadBytes(Values());
-    EXPECT_EQ(-1, engine.GetActivePwrScheme(0));
-    EXPECT_EQ(before, seeding::ReadBytes(Values()));
     LocalFree(copy);
+}
+
+// The active scheme's own row stands behind one that ends the search.
+TEST_F(VistaMapping, ASearchThatEndsEarlyAddsOneRowOnly)
+{
+    const auto setNext = [](const char* row)
+    { ASSERT_TRUE(seeding::SetKey(Values(), "Schemes", "SchemeMaxIndex", row)); };
+    const std::string balanced = Stored(1, "GUID");
+    ASSERT_TRUE(Store(0, "GUID", "{broken}"));
+    for (int request = 0; request < 3; ++request)
+    {
+        EXPECT_EQ(3, engine.GetActivePwrScheme(0));
+    }
+    EXPECT_EQ(4, engine.GetPwrSchemeMaxIndex());
+
+    for (const char* none : {"-1", "-9", "2147483647"})
+    {
+        setNext(none);
+        const auto before = seeding::ReadBytes(Values());
+        EXPECT_EQ(-1, engine.GetActivePwrScheme(0)) << none;
+        EXPECT_EQ(before, seeding::ReadBytes(Values())) << none;
+    }
+    ASSERT_TRUE(Store(2147483646, "GUID", balanced));
+    EXPECT_EQ(2147483646, engine.GetActivePwrScheme(0));
+
+    // Before row 0 there is none.
+    ASSERT_TRUE(seeding::SetKey(Values(), "Scheme 4294967295", "GUID", balanced));
+    setNext("0");
+    EXPECT_EQ(0, engine.GetActivePwrScheme(0));
+    setNext("-9");
+    EXPECT_EQ(-1, engine.SchemeGuidToIndex(&kBalanced)) << "no row is looked at";
 }
 
 TEST_F(VistaMapping, GuidTextsNeedRoomForTheirTerminator)

@@ -4,7 +4,7 @@
 
 #include "agents/BatAgent.h"
 #include "agents/EcAgent.h"
-#include "foundation/GapLimit.h"
+#include "foundation/EntryLimit.h"
 #include "foundation/Results.h"
 #include "scheme/SchemeEx.h"
 #include "scheme/SchemeFiles.h"
@@ -29,23 +29,24 @@ struct ItemList
 constexpr ItemList kExtendedItems{L"BEAItemNum", L"BEAName%d", L"BEAStart%d", L"BEASize%d"};
 constexpr ItemList kSystemItems{L"BAItemNum", L"BAName%d", L"BAStart%d", L"BASize%d"};
 
+// Reads the name of an item; false for none.
+bool ReadName(CORVLCfg& root, const ItemList& list, int item, files::ShortText& name) noexcept
+{
+    return root.GetString(kSection, files::NumberedKey(list.name, item).Text(), nullptr, name,
+                          static_cast<int>(files::kTextCapacity)) > 0;
+}
+
 // The number of the item of that name, or -1.
 int FindItem(CORVLCfg& root, const ItemList& list, const wchar_t* name) noexcept
 {
-    const int count = root.GetInt(kSection, list.count, 0);
-    GapLimit gap;
+    files::ShortText found;
+    const int count = EntryLimit().Take(root.GetInt(kSection, list.count, 0),
+                                        [&](int item) { return ReadName(root, list, item, found); });
     for (int item = 0; item < count; ++item)
     {
-        files::ShortText found = {};
-        const int length = root.GetString(kSection, files::NumberedKey(list.name, item).Text(), nullptr,
-                                          found, static_cast<int>(files::kTextCapacity));
-        if (length > 0 && text::Equal(found, name))
+        if (ReadName(root, list, item, found) && text::Equal(found, name))
         {
             return item;
-        }
-        if (gap.IsReached(length <= 0))
-        {
-            break;
         }
     }
     return -1;

@@ -13,6 +13,7 @@ namespace
 {
 
 constexpr int kDefaultScheme = 1;
+constexpr int kMostCleared = 10000; // entries; each deletion goes to files of its own
 constexpr const wchar_t* kProductKey = L"Software\\Kelvo";
 constexpr const wchar_t* kDeletedText = L"ClearPwrSchemes: DeleteFile %s";
 
@@ -30,10 +31,10 @@ bool OpenUserSchemes(CORVLProfile& users) noexcept
 }
 
 // Removes one user's schemes and his section.
-void ClearUser(CSchemeEx& engine, CORVLProfile& users, const wchar_t* section,
-               const UserTexts& texts) noexcept
+void ClearUser(CSchemeEx& engine, CORVLProfile& users, const wchar_t* section, const UserTexts& texts,
+               EntryLimit& limit) noexcept
 {
-    const int count = user_schemes::CountSchemes(users, section);
+    const int count = user_schemes::CountSchemes(users, section, limit);
     CORVLBase::DBGOUT(texts.user, section, count);
     for (int entry = count - 1; entry >= 0; --entry)
     {
@@ -48,12 +49,13 @@ void ClearAllUsers(CSchemeEx& engine, CORVLProfile& users) noexcept
 {
     constexpr UserTexts texts{L"ClearPwrSchemes: Get username=%s, Number=%d",
                               L"ClearPwrSchemes: DeletePwrScheme(%d)"};
-    const int count = user_schemes::CountUsers(users);
+    EntryLimit limit(kMostCleared);
+    const int count = user_schemes::CountUsers(users, limit);
     for (int user = 0; user < count; ++user)
     {
         files::ShortText section;
         user_schemes::ReadUser(users, user, section);
-        ClearUser(engine, users, section, texts);
+        ClearUser(engine, users, section, texts, limit);
     }
 }
 
@@ -100,9 +102,11 @@ int CSchemeEx::ClearCurrentUserSettings() noexcept
     {
         return -1;
     }
+    EntryLimit limit(kMostCleared);
     ClearUser(*this, users, m_szSubKey,
               {L"ClearCurrentUserSettings: Get username=%s, Number=%d",
-               L"ClearCurrentUserSettings: DeletePwrScheme(%d)"});
+               L"ClearCurrentUserSettings: DeletePwrScheme(%d)"},
+              limit);
     DeleteFileBelow(m_szProfilePath, L"\\OrvProfile.ini", L"ClearCurrentUserSettings: delete file = %s");
     DeleteFileBelow(m_szProfilePath, L"\\PowerSchemes.ini", L"ClearCurrentUserSettings: DeleteFile %s");
     return 1;

@@ -4,16 +4,16 @@
 
 #include "scheme/SchemeMapping.h"
 
-#include "foundation/GapLimit.h"
+#include "foundation/EntryLimit.h"
 #include "foundation/GuidText.h"
 #include "scheme/PolicyStore.h"
 #include "scheme/PowerDispatch.h"
 #include "scheme/SchemeEx.h"
 #include "scheme/SchemeFiles.h"
-#include "scheme/Wrapping.h"
 
 #include <cstring>
 #include <iterator>
+#include <limits>
 
 namespace
 {
@@ -21,6 +21,9 @@ namespace
 constexpr const wchar_t* kRowsSection = L"Schemes";
 constexpr const wchar_t* kNextRow = L"SchemeMaxIndex";
 constexpr const wchar_t* kGuid = L"GUID";
+
+// Rows that a search looks at. Their numbers aren't used again, so a file may have more of them than schemes.
+constexpr int kMostRows = 5000;
 
 // Room of a GUID's text. The text proper has 39 characters, its leading blank included.
 constexpr ULONG kGuidLength = 39;
@@ -38,6 +41,29 @@ bool ReadRow(CORVLProfile& values, int row, GuidText& guid) noexcept
     FormatRow(section, row);
     guid[0] = L'\0';
     return values.GetString(section, kGuid, nullptr, guid, static_cast<int>(std::size(guid))) > 0;
+}
+
+// Whether a row holds a scheme's GUID.
+enum class Holds
+{
+    No,
+    Yes,
+    NoGuid ///< but a text that is none
+};
+
+Holds CompareRow(CORVLProfile& values, int row, const GUID& guid) noexcept
+{
+    GuidText guidText;
+    if (!ReadRow(values, row, guidText))
+    {
+        return Holds::No;
+    }
+    GUID found;
+    if (ParseGuid(guidText, &found) == 0)
+    {
+        return Holds::NoGuid;
+    }
+    return std::memcmp(&found, &guid, sizeof found) == 0 ? Holds::Yes : Holds::No;
 }
 
 // The blank in front is dropped when the file is read.
@@ -93,20 +119,29 @@ int mapping::AddRow(const GUID& guid) noexcept
     {
         return -1;
     }
-    GuidText guidText;
-    FormatGuid(guid, guidText, std::size(guidText));
     const int row = values.GetInt(kRowsSection, kNextRow, -1);
-    if (row == -1)
+    if (row < 0)
     {
         return -1;
     }
+    // The row added last may be this scheme's: a search that ended early doesn't get there.
+    if (row > 0 && CompareRow(values, row - 1, guid) == Holds::Yes)
+    {
+        return row - 1;
+    }
+    if (row == std::numeric_limits<int>::max())
+    {
+        return -1;
+    }
+    GuidText guidText;
+    FormatGuid(guid, guidText, std::size(guidText));
     files::ShortText section;
     FormatRow(section, row);
     if (values.PutString(section, kGuid, guidText) == 0)
     {
         return -1;
     }
-    values.PutInt(kRowsSection, kNextRow, static_cast<int>(WrappingSum(row, 1)));
+    values.PutInt(kRowsSection, kNextRow, row + 1);
     return row;
 }
 
@@ -134,29 +169,23 @@ int CSchemeEx::SchemeGuidToIndex(const GUID* guid) noexcept
     {
         return -1;
     }
+    const int next = GetPwrSchemeMaxIndex();
+    if (next < 0)
+    {
+        return -1;
+    }
     // One past the last used row is looked at too.
-    const int last = GetPwrSchemeMaxIndex();
-    GapLimit gap;
+    const int last = EntryLimit(kMostRows).Take(next);
     for (int row = 0; row <= last; ++row)
     {
-        GuidText guidText;
-        const bool isAbsent = !ReadRow(values, row, guidText);
-        if (gap.IsReached(isAbsent))
-        {
-            return -1;
-        }
-        if (isAbsent)
-        {
-            continue;
-        }
-        GUID found;
-        if (ParseGuid(guidText, &found) == 0)
-        {
-            return -1;
-        }
-        if (std::memcmp(&found, guid, sizeof found) == 0)
+        const Holds holds = CompareRow(values, row, *guid);
+        if (holds == Holds::Yes)
         {
             return row;
+        }
+        if (holds == Holds::NoGuid)
+        {
+            return -1;
         }
     }
     return -1;

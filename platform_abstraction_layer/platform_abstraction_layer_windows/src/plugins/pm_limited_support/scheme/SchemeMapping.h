@@ -20,7 +20,7 @@ bool SchemeExists(const CSchemeEx& engine, int index) noexcept;
 /// holds, and doesn't count.
 bool RowToGuid(int row, GUID& guid) noexcept;
 
-/// Gives a scheme the next free row; the row, or -1.
+/// Gives a scheme the next free row unless the row before is the scheme's already; the row, or -1.
 int AddRow(const GUID& guid) noexcept;
 
 /// Removes the section of a scheme, stored variables included, from an open scheme values file.

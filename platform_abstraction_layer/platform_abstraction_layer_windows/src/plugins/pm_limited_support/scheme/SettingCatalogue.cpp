@@ -4,7 +4,7 @@
 
 #include "scheme/SettingCatalogue.h"
 
-#include "foundation/GapLimit.h"
+#include "foundation/EntryLimit.h"
 #include "foundation/GuidText.h"
 #include "foundation/PowerProfile.h"
 #include "scheme/SchemeEx.h"
@@ -38,18 +38,14 @@ bool FindOption(const wchar_t* name, Predicate accepts, int& value) noexcept
     {
         return false;
     }
-    const int count = file.GetInt(name, kOptionCount, 0);
-    GapLimit gap;
+    const int count = EntryLimit().Take(file.GetInt(name, kOptionCount, 0),
+                                        [&](int option) { return ReadOption(file, name, option) != -1; });
     for (int option = 0; option < count; ++option)
     {
         value = ReadOption(file, name, option);
         if (accepts(value))
         {
             return true;
-        }
-        if (gap.IsReached(value == -1))
-        {
-            return false;
         }
     }
     return false;

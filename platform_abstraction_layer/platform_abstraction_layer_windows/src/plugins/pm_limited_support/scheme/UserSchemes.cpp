@@ -7,7 +7,6 @@
 #include "scheme/SchemeEx.h"
 #include "scheme/SchemeName.h"
 
-#include <algorithm>
 #include <iterator>
 
 using files::NumberedKey;
@@ -21,26 +20,16 @@ constexpr int kCapacity = static_cast<int>(files::kTextCapacity);
 // A scheme's name as it is read from an entry: at most 255 characters.
 using Name = wchar_t[256];
 
-// More entries than this are believed only as far as they are there: a damaged number would keep a walk
-// through the entries busy for hours.
-constexpr int kManyEntries = 1000;
-
 // How many entries of the form `key` a section has.
-int CountEntries(CORVLProfile& users, const wchar_t* section, const wchar_t* key) noexcept
+int CountEntries(CORVLProfile& users, const wchar_t* section, const wchar_t* key, EntryLimit& limit) noexcept
 {
-    const int number = std::max(0, users.GetInt(section, user_schemes::kNumber, 0));
-    if (number <= kManyEntries)
-    {
-        return number;
-    }
-    int present = 0;
-    ShortText value = {};
-    while (present < number &&
-           users.GetString(section, NumberedKey(key, present).Text(), nullptr, value, kCapacity) > 0)
-    {
-        ++present;
-    }
-    return present;
+    return limit.Take(users.GetInt(section, user_schemes::kNumber, 0),
+                      [&](int entry)
+                      {
+                          ShortText value;
+                          return users.GetString(section, NumberedKey(key, entry).Text(), nullptr, value,
+                                                 kCapacity) > 0;
+                      });
 }
 
 // The entry of the scheme in a section of `count` entries, or -1. `absent` stands for an entry that a
@@ -100,9 +89,9 @@ void WriteName(CORVLProfile& users, const wchar_t* section, int entry, const wch
     users.PutString(section, key.Text(), quoted);
 }
 
-bool Owns(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
+bool Owns(CORVLProfile& users, const wchar_t* section, int scheme, EntryLimit& limit) noexcept
 {
-    const int count = user_schemes::CountSchemes(users, section);
+    const int count = user_schemes::CountSchemes(users, section, limit);
     return scheme >= 0 && FindEntry(users, section, count, scheme, -1) >= 0;
 }
 
@@ -121,9 +110,9 @@ bool user_schemes::Open(CORVLProfile& users, const wchar_t* nameText, const wcha
     return isOpen;
 }
 
-int user_schemes::CountUsers(CORVLProfile& users) noexcept
+int user_schemes::CountUsers(CORVLProfile& users, EntryLimit& limit) noexcept
 {
-    return CountEntries(users, kUserList, kUser);
+    return CountEntries(users, kUserList, kUser, limit);
 }
 
 void user_schemes::ReadUser(CORVLProfile& users, int place, ShortText& section) noexcept
@@ -132,14 +121,15 @@ void user_schemes::ReadUser(CORVLProfile& users, int place, ShortText& section) 
     users.GetString(kUserList, NumberedKey(kUser, place).Text(), nullptr, section, kCapacity);
 }
 
-int user_schemes::CountSchemes(CORVLProfile& users, const wchar_t* section) noexcept
+int user_schemes::CountSchemes(CORVLProfile& users, const wchar_t* section, EntryLimit& limit) noexcept
 {
-    return CountEntries(users, section, kScheme);
+    return CountEntries(users, section, kScheme, limit);
 }
 
 int user_schemes::FindByName(CORVLProfile& users, const wchar_t* section, const wchar_t* name) noexcept
 {
-    const int count = CountSchemes(users, section);
+    EntryLimit limit;
+    const int count = CountSchemes(users, section, limit);
     for (int entry = 0; entry < count; ++entry)
     {
         Name found;
@@ -154,16 +144,17 @@ int user_schemes::FindByName(CORVLProfile& users, const wchar_t* section, const 
 
 bool user_schemes::BelongsToAnother(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
 {
-    if (Owns(users, section, scheme))
+    EntryLimit limit;
+    if (Owns(users, section, scheme, limit))
     {
         return false;
     }
-    const int count = CountUsers(users);
+    const int count = CountUsers(users, limit);
     for (int user = 0; user < count; ++user)
     {
         ShortText other;
         ReadUser(users, user, other);
-        if (Owns(users, other, scheme))
+        if (Owns(users, other, scheme, limit))
         {
             return true;
         }
@@ -173,7 +164,8 @@ bool user_schemes::BelongsToAnother(CORVLProfile& users, const wchar_t* section,
 
 void user_schemes::Remove(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
 {
-    const int count = CountSchemes(users, section);
+    EntryLimit limit;
+    const int count = CountSchemes(users, section, limit);
     const int removed = FindEntry(users, section, count, scheme, 0);
     if (removed < 0)
     {
@@ -207,7 +199,8 @@ int CSchemeEx::AddtoUserList(const wchar_t* user) noexcept
     {
         return -1;
     }
-    const int count = user_schemes::CountUsers(users);
+    EntryLimit limit;
+    const int count = user_schemes::CountUsers(users, limit);
     DBGOUT(L"AddtoUserList: get number in userlist is %d", count);
     for (int entry = 0; entry < count; ++entry)
     {
@@ -239,7 +232,8 @@ int CSchemeEx::AddtoUserScheme(const wchar_t* name, const wchar_t* user, int num
     {
         return -1;
     }
-    const int count = user_schemes::CountSchemes(users, section);
+    EntryLimit limit;
+    const int count = user_schemes::CountSchemes(users, section, limit);
     DBGOUT(L"Get number from %s is %d", section, count);
     // The count goes last: until then the new entry doesn't exist.
     users.PutInt(section, NumberedKey(user_schemes::kScheme, count).Text(), number);

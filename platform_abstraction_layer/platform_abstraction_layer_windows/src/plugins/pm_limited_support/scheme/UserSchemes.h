@@ -4,6 +4,7 @@
 // to "Number" less 1; what stands above is stale and isn't read.
 #pragma once
 
+#include "foundation/EntryLimit.h"
 #include "scheme/SchemeFiles.h"
 
 namespace user_schemes
@@ -18,15 +19,14 @@ constexpr const wchar_t* kSchemeName = L"SchemeName%d";
 /// Opens the file. Logs its name with `nameText`, and `failedText` when it can't be opened.
 bool Open(CORVLProfile& users, const wchar_t* nameText, const wchar_t* failedText) noexcept;
 
-/// How many users are listed; never negative. A number that only damage explains counts as far as the
-/// entries are there.
-int CountUsers(CORVLProfile& users) noexcept;
+/// How many users are listed, as far as `limit` allows.
+int CountUsers(CORVLProfile& users, EntryLimit& limit) noexcept;
 
 /// The section of one listed user, empty when the entry isn't there.
 void ReadUser(CORVLProfile& users, int place, files::ShortText& section) noexcept;
 
 /// How many schemes a user's section has; likewise.
-int CountSchemes(CORVLProfile& users, const wchar_t* section) noexcept;
+int CountSchemes(CORVLProfile& users, const wchar_t* section, EntryLimit& limit) noexcept;
 
 /// The scheme of that name in a section, case told apart, or -1.
 int FindByName(CORVLProfile& users, const wchar_t* section, const wchar_t* name) noexcept;
