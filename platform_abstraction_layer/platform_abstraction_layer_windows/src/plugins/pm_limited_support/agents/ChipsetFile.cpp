@@ -4,7 +4,7 @@
 
 #include "agents/ChipsetFile.h"
 
-#include "foundation/GapLimit.h"
+#include "foundation/EntryLimit.h"
 
 #include <algorithm>
 #include <iterator>
@@ -121,21 +121,20 @@ bool IsListed(CORVLCfg& file, const wchar_t* chipset, const wchar_t* name) noexc
 {
     wchar_t section[kSectionCapacity];
     text::Format(section, L"%s Devices", chipset);
-    const int count = file.GetInt(section, L"DeviceNumbers", kMissing);
-    GapLimit gap;
-    for (int index = 0; index < count; ++index)
+    wchar_t listed[text::kPathCapacity];
+    const auto readName = [&](int index)
     {
         wchar_t key[32];
-        wchar_t listed[text::kPathCapacity];
         text::Format(key, L"Name%d", index);
-        file.GetString(section, key, L"", listed, static_cast<int>(std::size(listed)));
+        return file.GetString(section, key, L"", listed, static_cast<int>(std::size(listed))) > 0;
+    };
+    const int count = EntryLimit().Take(file.GetInt(section, L"DeviceNumbers", kMissing), readName);
+    for (int index = 0; index < count; ++index)
+    {
+        readName(index);
         if (text::Equal(listed, name))
         {
             return true;
-        }
-        if (gap.IsReached(listed[0] == L'\0'))
-        {
-            return false;
         }
     }
     return false;

@@ -5,7 +5,7 @@
 #include "agents/HwSBX.h"
 
 #include "agents/ChipsetFile.h"
-#include "foundation/GapLimit.h"
+#include "foundation/EntryLimit.h"
 #include "foundation/Results.h"
 
 #include <iterator>
@@ -166,19 +166,18 @@ LONG CHwSBX::Setup(int identify) noexcept
     {
         return kSucceeded;
     }
-    const int count = file.GetInt(L"Device Identifications", L"SBXIdNumbers", kMissing);
-    GapLimit gap;
+    wchar_t section[kSectionCapacity];
+    RegisterKind kind{};
+    const auto readKind = [&](int index)
+    {
+        text::Format(section, L"SBX Identification %d", index);
+        return ReadRegisterKind(file, section, kind);
+    };
+    const int count =
+        EntryLimit().Take(file.GetInt(L"Device Identifications", L"SBXIdNumbers", kMissing), readKind);
     for (int index = 0; index < count; ++index)
     {
-        wchar_t section[kSectionCapacity];
-        text::Format(section, L"SBX Identification %d", index);
-        RegisterKind kind{};
-        const bool isKnown = ReadRegisterKind(file, section, kind);
-        if (gap.IsReached(!isKnown))
-        {
-            return kGeneralFailure;
-        }
-        if (!isKnown || kind != RegisterKind::PciConfig)
+        if (!readKind(index) || kind != RegisterKind::PciConfig)
         {
             continue;
         }
