@@ -97,6 +97,7 @@ int CSchemeEx::DeletePwrScheme(int index, const wchar_t*) noexcept
     }
     files::ShortText section;
     text::Copy(section, m_szSubKey);
+    // A deletion that is refused leaves no file behind.
     CORVLProfile users;
     const bool isOpen = files::OpenPresentUsers(users);
     if (isOpen && user_schemes::BelongsToAnother(users, section, index))
@@ -108,7 +109,7 @@ int CSchemeEx::DeletePwrScheme(int index, const wchar_t*) noexcept
     {
         return 0;
     }
-    if (isOpen)
+    if (isOpen || files::OpenUsers(users))
     {
         user_schemes::Remove(users, section, index);
     }
