@@ -60,14 +60,21 @@ protected:
         return seeding::GetKey(Values(), "ORVLCfg", "CurrentScheme");
     }
 
-    /// Stores a record below alice's power key; `size` bytes of it.
-    static void SetPolicies(const std::string& key, const void* data, DWORD size)
+    /// Stores a value below a key that exists.
+    static void SetValue(HKEY root, const std::string& path, const wchar_t* name, const void* data,
+                         DWORD size, DWORD type)
     {
-        const std::string path = SidOf("alice") + "\\Control Panel\\PowerCfg\\" + key;
         owners::Key opened;
-        RegOpenKeyExW(HKEY_USERS, seeding::Wide(path).data(), 0, KEY_ALL_ACCESS, opened.Receive());
-        EXPECT_EQ(ERROR_SUCCESS, RegSetValueExW(opened.Get(), L"Policies", 0, REG_BINARY,
-                                                static_cast<const BYTE*>(data), size));
+        RegOpenKeyExW(root, seeding::Wide(path).data(), 0, KEY_ALL_ACCESS, opened.Receive());
+        EXPECT_EQ(ERROR_SUCCESS,
+                  RegSetValueExW(opened.Get(), name, 0, type, static_cast<const BYTE*>(data), size));
+    }
+
+    /// Stores a record below alice's power key; `size` bytes of it.
+    static void SetPolicies(const std::string& key, const void* data, DWORD size, DWORD type = REG_BINARY)
+    {
+        SetValue(HKEY_USERS, SidOf("alice") + "\\Control Panel\\PowerCfg\\" + key, L"Policies", data, size,
+                 type);
     }
 
     static std::string ActiveOf(const std::string& user)
@@ -251,10 +258,76 @@ TEST_F(XpApply, TheGlobalPolicyIsTheUsersButForTheMachinesPart)
     EXPECT_EQ(BytesOf(user), BytesOf(after.user));
     EXPECT_EQ(BytesOf(before.mach), BytesOf(after.mach));
 
-    const BYTE tooBig[177] = {};
-    SetPolicies("GlobalPowerPolicy", tooBig, sizeof tooBig);
-    EXPECT_THAT(LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); }).back(),
-                testing::StartsWith("ReadUserPowerPolicy: Query value Policies at Key " + SidOf("alice")));
+    const BYTE other[177] = {};
+    for (const auto& [type, size] :
+         {std::pair{REG_BINARY, 177U}, {REG_BINARY, 175U}, {REG_BINARY, 0U}, {REG_SZ, 10U}, {REG_SZ, 176U}})
+    {
+        SetPolicies("GlobalPowerPolicy", other, size, static_cast<DWORD>(type));
+        const std::string line = LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); }).back();
+        EXPECT_THAT(line,
+                    testing::HasSubstr("ReadUserPowerPolicy: Query value Policies at Key " + SidOf("alice") +
+                                       "\\Control Panel\\PowerCfg\\GlobalPowerPolicy " +
+                                       "failed, nsize=" + std::to_string(size) + ",error="));
+        EXPECT_EQ(size <= 176, line.ends_with("error=13")) << "the query itself succeeded";
+        GLOBAL_POWER_POLICY still{};
+        ASSERT_TRUE(ReadGlobalPwrPolicy(&still));
+        EXPECT_EQ(BytesOf(after), BytesOf(still)) << size;
+    }
+}
+
+TEST_F(XpApply, ARecordOfAnotherTypeOrTooShortIsUnreadable)
+{
+    const std::string machine =
+        "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg\\PowerPolicies\\5";
+    const std::string user = SidOf("alice") + "\\Control Panel\\PowerCfg";
+    const std::string schemes = user + "\\PowerPolicies";
+    BYTE bytes[100] = {};
+    const auto readUser = [&](ULONG room)
+    { return engine.ReadUserPowerPolicy(5, seeding::Wide(schemes).data(), bytes, &room); };
+    const auto readMachine = [&](ULONG room) { return engine.ReadMachinePowerPolicy(5, bytes, &room); };
+    struct Row
+    {
+        DWORD type;
+        int more; ///< bytes than the record's
+        int result;
+    };
+    for (const Row& row : {Row{REG_BINARY, 0, 1}, Row{REG_BINARY, -1, 0}, Row{REG_BINARY, 1, 0},
+                           Row{REG_SZ, 0, 0}, Row{REG_DWORD, 0, 0}})
+    {
+        const BYTE value[81] = {};
+        SetPolicies("PowerPolicies\\5", value, static_cast<DWORD>(80 + row.more), row.type);
+        SetValue(HKEY_LOCAL_MACHINE, machine, L"Policies", value, static_cast<DWORD>(64 + row.more),
+                 row.type);
+        const auto lines = LinesOf(
+            [&]
+            {
+                EXPECT_EQ(row.result, readUser(80)) << row.type << ' ' << row.more;
+                EXPECT_EQ(row.result, readMachine(64)) << row.type << ' ' << row.more;
+            });
+        const std::string error = row.more > 0 ? "" : "13";
+        EXPECT_EQ(row.result == 0 ? 2U : 0U, lines.size());
+        for (const std::string& line : lines)
+        {
+            const bool isUser = &line == &lines.front();
+            EXPECT_THAT(line,
+                        testing::StartsWith(
+                            (isUser ? "ReadUserPowerPolicy: Query value Policies at Key " + schemes + "\\5"
+                                    : "ReadMachinePowerPolicy: Query value Policies at Key " + machine) +
+                            " failed, error=" + error));
+        }
+        // Room for more than the record doesn't make the record too short.
+        EXPECT_EQ(row.type == REG_BINARY && row.more >= 0 ? 1 : 0, readUser(100));
+    }
+
+    const auto readActive = [&] { return engine.ReadUserActivePowerScheme(seeding::Wide(user).data()); };
+    for (const auto& [type, result] : {std::pair{REG_SZ, 5}, {REG_BINARY, 0}, {REG_DWORD, 0}})
+    {
+        SetValue(HKEY_USERS, user, L"CurrentPowerPolicy", L"5", 4, static_cast<DWORD>(type));
+        EXPECT_THAT(LinesOf([&, wanted = result] { EXPECT_EQ(wanted, readActive()) << type; }),
+                    ElementsAre(result != 0 ? "ReadUserActivePowerScheme: Query current ID is 5"
+                                            : "ReadUserActivePowerScheme: Query CurrentPowerPolicy at Key " +
+                                                  user + " failed"));
+    }
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // foundation/Registry.cpp
 //
-// Reading texts from the registry.
+// Reading texts and records from the registry.
 
 #include "foundation/Registry.h"
 
@@ -9,7 +9,7 @@
 namespace registry
 {
 
-LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t* target, DWORD& bytes) noexcept
+LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t* target, DWORD& bytes, DWORD* type) noexcept
 {
     const std::size_t capacity = bytes / sizeof(wchar_t);
     if (capacity == 0)
@@ -17,8 +17,7 @@ LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t* target, DWORD& bytes) n
         return ERROR_MORE_DATA;
     }
     std::fill_n(target, capacity, L'\0');
-    const LSTATUS read =
-        RegQueryValueExW(key, name, nullptr, nullptr, reinterpret_cast<LPBYTE>(target), &bytes);
+    const LSTATUS read = RegQueryValueExW(key, name, nullptr, type, reinterpret_cast<LPBYTE>(target), &bytes);
     if (read != ERROR_SUCCESS)
     {
         target[0] = L'\0';
@@ -27,6 +26,20 @@ LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t* target, DWORD& bytes) n
     // An odd last byte belongs to no character.
     target[std::min<std::size_t>(bytes / sizeof(wchar_t), capacity - 1)] = L'\0';
     return read;
+}
+
+LSTATUS ReadRecord(HKEY key, const wchar_t* name, unsigned char* target, DWORD* bytes,
+                   DWORD recordSize) noexcept
+{
+    DWORD type = REG_NONE;
+    const LSTATUS read = RegQueryValueExW(key, name, nullptr, &type, target, bytes);
+    const bool isRecord = type == REG_BINARY && bytes != nullptr && *bytes >= recordSize;
+    return read == ERROR_SUCCESS && !isRecord ? ERROR_INVALID_DATA : read;
+}
+
+DWORD ErrorOfRecord(LSTATUS failed) noexcept
+{
+    return failed == ERROR_INVALID_DATA ? ERROR_INVALID_DATA : GetLastError();
 }
 
 } // namespace registry

@@ -1,6 +1,7 @@
 // foundation/Registry.h
 //
-// Texts in the registry. Nothing there vouches for a terminator, nor for a whole number of characters.
+// Texts and records in the registry. Nothing there vouches for a type, a terminator, a whole number of
+// characters or a whole record.
 #pragma once
 
 #include <windows.h>
@@ -13,15 +14,26 @@ namespace registry
 /// Reads the value `name` of `key` into `target`, which has room for `bytes` bytes; on return `bytes` is the
 /// value's own size. The text in `target` is always terminated; a value that fills the room whole loses its
 /// last character to the terminator. The system's code: ERROR_MORE_DATA when the room is too small, and
-/// `target` is then empty, as after every failure.
-LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t* target, DWORD& bytes) noexcept;
+/// `target` is then empty, as after every failure. The value may be of any type; who asks gets it in `type`.
+LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t* target, DWORD& bytes,
+                 DWORD* type = nullptr) noexcept;
 
 /// The same into an array, for callers who don't want the size.
 template <std::size_t N>
-LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t (&target)[N]) noexcept
+LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t (&target)[N], DWORD* type = nullptr) noexcept
 {
     auto bytes = static_cast<DWORD>(sizeof target);
-    return ReadText(key, name, target, bytes);
+    return ReadText(key, name, target, bytes, type);
 }
+
+/// Reads the binary value `name` of `key`, a record of `recordSize` bytes, into `target`, which has room for
+/// `*bytes` bytes; on return `*bytes` is the value's own size. The system's code, or ERROR_INVALID_DATA for a
+/// value of another type or with fewer bytes than the record, whose bytes are then in `target` all the same.
+LSTATUS ReadRecord(HKEY key, const wchar_t* name, unsigned char* target, DWORD* bytes,
+                   DWORD recordSize) noexcept;
+
+/// The number that a log line gives of a failed `ReadRecord`: the last error, but ERROR_INVALID_DATA where
+/// the system's own query succeeded.
+DWORD ErrorOfRecord(LSTATUS failed) noexcept;
 
 } // namespace registry

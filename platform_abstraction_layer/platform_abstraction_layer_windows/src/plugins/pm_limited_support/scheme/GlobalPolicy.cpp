@@ -6,6 +6,7 @@
 
 #include "foundation/Modules.h"
 #include "foundation/Owners.h"
+#include "foundation/Registry.h"
 #include "scheme/SchemeEx.h"
 #include "scheme/SettingCatalogue.h"
 
@@ -85,13 +86,14 @@ void CopyTimes(CSchemeEx& engine, int index) noexcept
 bool ReadUserGlobalPolicy(HKEY key, const wchar_t* path, GLOBAL_USER_POWER_POLICY& policy) noexcept
 {
     auto size = static_cast<DWORD>(sizeof policy);
-    if (RegQueryValueExW(key, L"Policies", nullptr, nullptr, BytesOf(policy), &size) == ERROR_SUCCESS)
+    const LSTATUS read = registry::ReadRecord(key, L"Policies", BytesOf(policy), &size, sizeof policy);
+    if (read != ERROR_SUCCESS)
     {
-        return true;
+        CORVLBase::DBGOUT(L"ReadUserPowerPolicy: Query value Policies at Key %s failed, nsize=%d,error=%d",
+                          path, size, registry::ErrorOfRecord(read));
+        return false;
     }
-    CORVLBase::DBGOUT(L"ReadUserPowerPolicy: Query value Policies at Key %s failed, nsize=%d,error=%d", path,
-                      size, GetLastError());
-    return false;
+    return true;
 }
 
 // Joins the user's part with the machine's part of this process's own policy and installs the two.

@@ -18,11 +18,13 @@ constexpr const wchar_t* kOwnSchemes = L"Control Panel\\PowerCfg\\PowerPolicies"
 constexpr const wchar_t* kMachineSchemes =
     L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg\\PowerPolicies";
 
-// The key of one scheme, opened for reading, and what is logged when that fails or the value isn't there.
+// The key of one scheme, opened for reading, the size of the record in it, and what is logged when the key
+// can't be opened or the value is no such record.
 struct PolicyKey
 {
     HKEY root;
     const wchar_t* parent;
+    DWORD recordSize;
     const wchar_t* openText;
     const wchar_t* queryText;
 };
@@ -61,9 +63,10 @@ int ReadPolicy(const PolicyKey& place, int index, unsigned char* data, ULONG* si
         CORVLBase::DBGOUT(place.openText, path, GetLastError());
         return 0;
     }
-    if (RegQueryValueExW(key.Get(), L"Policies", nullptr, nullptr, data, size) != ERROR_SUCCESS)
+    const LSTATUS read = registry::ReadRecord(key.Get(), L"Policies", data, size, place.recordSize);
+    if (read != ERROR_SUCCESS)
     {
-        CORVLBase::DBGOUT(place.queryText, path, GetLastError());
+        CORVLBase::DBGOUT(place.queryText, path, registry::ErrorOfRecord(read));
         return 0;
     }
     return 1;
@@ -105,7 +108,9 @@ int CSchemeEx::ReadUserActivePowerScheme(const wchar_t* subKey) noexcept
     }
     wchar_t number[130];
     static_assert(sizeof number == 260);
-    if (registry::ReadText(key.Get(), L"CurrentPowerPolicy", number) != ERROR_SUCCESS)
+    DWORD type = REG_NONE;
+    if (registry::ReadText(key.Get(), L"CurrentPowerPolicy", number, &type) != ERROR_SUCCESS ||
+        (type != REG_SZ && type != REG_EXPAND_SZ))
     {
         DBGOUT(L"ReadUserActivePowerScheme: Query CurrentPowerPolicy at Key %s failed", subKey);
         return 0;
@@ -118,14 +123,15 @@ int CSchemeEx::ReadUserActivePowerScheme(const wchar_t* subKey) noexcept
 int CSchemeEx::ReadUserPowerPolicy(int index, const wchar_t* subKey, unsigned char* data,
                                    ULONG* size) noexcept
 {
-    const PolicyKey place{HKEY_USERS, subKey, L"ReadUserPowerPolicy: Open key %s failed, error=%d",
+    const PolicyKey place{HKEY_USERS, subKey, sizeof(USER_POWER_POLICY),
+                          L"ReadUserPowerPolicy: Open key %s failed, error=%d",
                           L"ReadUserPowerPolicy: Query value Policies at Key %s failed, error=%d"};
     return ReadPolicy(place, index, data, size);
 }
 
 int CSchemeEx::ReadMachinePowerPolicy(int index, unsigned char* data, ULONG* size) noexcept
 {
-    const PolicyKey place{HKEY_LOCAL_MACHINE, kMachineSchemes,
+    const PolicyKey place{HKEY_LOCAL_MACHINE, kMachineSchemes, sizeof(MACHINE_POWER_POLICY),
                           L"ReadMachinePowerPolicy: Open key %s failed, error=%d",
                           L"ReadMachinePowerPolicy: Query value Policies at Key %s failed, error=%d"};
     return ReadPolicy(place, index, data, size);
