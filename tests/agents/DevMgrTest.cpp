@@ -67,7 +67,13 @@ protected:
         return DeviceTree::StateOf(device).problem == 0;
     }
 
-    CDevMgr manager;
+    /// Shows what the configuration sets.
+    class Manager : public CDevMgr
+    {
+    public:
+        using CDevMgr::m_nTimeout;
+    };
+    Manager manager;
 };
 
 TEST_F(DevMgrTest, SetupGathersTheDevicesOfTheConfiguredClasses)
@@ -187,6 +193,18 @@ TEST_F(DevMgrTest, DescriptionIsLookedForDepthFirstIgnoringCase)
     EXPECT_EQ(kSucceeded, manager.ExecStateChange2(L"network card", OrvlDeviceDisable));
     EXPECT_FALSE(Runs(kCard));
     EXPECT_EQ(kGeneralFailure, manager.ExecStateChange2(L"Nothing", OrvlDeviceDisable));
+}
+
+TEST_F(DevMgrTest, ANegativeTimeIsTheDefaultOne)
+{
+    for (const auto& [configured, timeout] :
+         {std::pair{"", 100000U}, {"TimeoutMS=0\n", 0U}, {"TimeoutMS=-1\n", 100000U}})
+    {
+        UseClasses({}, configured);
+        ASSERT_EQ(kSucceeded, manager.Setup());
+        EXPECT_EQ(timeout, manager.m_nTimeout) << configured;
+        manager.Cleanup();
+    }
 }
 
 TEST_F(DevMgrTest, ByDefaultTheServiceIsAsked)

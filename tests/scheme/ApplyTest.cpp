@@ -103,12 +103,15 @@ TEST_F(XpApply, TellsTheServiceAndRecordsTheChoice)
     EXPECT_EQ("4", ActiveOf("alice"));
 
     // Without a configured time it is a second, like that of the boards' own waits.
-    ASSERT_TRUE(seeding::SetKey(Root(), "OrvlDevMgr", "TimeoutMS", ""));
-    Trace::Clear();
-    EXPECT_EQ(2, engine.SetActivePwrScheme(2));
-    for (const TracedCall& call : Trace::Calls())
+    for (const char* none : {"", "-1", "-2147483648"})
     {
-        EXPECT_TRUE(call.function != "WaitForSingleObject" || call.arguments.ends_with(", 1000"));
+        ASSERT_TRUE(seeding::SetKey(Root(), "OrvlDevMgr", "TimeoutMS", none));
+        Trace::Clear();
+        EXPECT_EQ(2, engine.SetActivePwrScheme(2));
+        for (const TracedCall& call : Trace::CallsOf("WaitForSingleObject"))
+        {
+            EXPECT_THAT(call.arguments, testing::EndsWith(", 1000"));
+        }
     }
 }
 

@@ -96,7 +96,9 @@ LONG CDevMgr::Setup() noexcept
         DBGOUT(L"Initialize config file %s failed", kConfigFile);
         return kGeneralFailure;
     }
-    m_nTimeout = static_cast<ULONG>(file.GetInt(L"OrvlDevMgr", L"TimeoutMS", kDefaultTimeout));
+    // A negative number would be a wait without end.
+    const int timeout = file.GetInt(L"OrvlDevMgr", L"TimeoutMS", kDefaultTimeout);
+    m_nTimeout = static_cast<ULONG>(timeout < 0 ? kDefaultTimeout : timeout);
     m_nOptions = static_cast<ULONG>(file.GetInt(L"OrvlDevMgr", L"DmOptions", kThroughService));
 
     owners::DeviceList devices(SetupDiCreateDeviceInfoList(nullptr, nullptr));

@@ -120,6 +120,13 @@ void RecordMachineChoice(CORVLCfg* root, int index, ReadBack readBack) noexcept
     }
 }
 
+// How long the service may take, in milliseconds. A negative number would be a wait without end.
+ULONG ReadTimeout(CORVLCfg& root) noexcept
+{
+    const int timeout = root.GetInt(L"OrvlDevMgr", L"TimeoutMS", kDefaultTimeout);
+    return static_cast<ULONG>(timeout < 0 ? kDefaultTimeout : timeout);
+}
+
 // Records the applied scheme and tells the service; false when the service fails.
 bool FinishActivation(CSchemeEx& engine, int index, ReadBack readBack) noexcept
 {
@@ -130,14 +137,14 @@ bool FinishActivation(CSchemeEx& engine, int index, ReadBack readBack) noexcept
         CORVLBase::DBGOUT(L"SetActivePwrScheme %d: initialize ORVLCfg.ini failed", index);
     }
     RecordMachineChoice(isOpen ? &root : nullptr, index, readBack);
-    const int timeout = isOpen ? root.GetInt(L"OrvlDevMgr", L"TimeoutMS", kDefaultTimeout) : kDefaultTimeout;
+    const ULONG timeout = isOpen ? ReadTimeout(root) : kDefaultTimeout;
 
     // Where the folder can't be had, the service gets an empty text.
     wchar_t folder[text::kPathCapacity] = {};
     folders::GetConfigurationFolder(folder);
     IpbDataHeader reply = {};
     return engine.ServiceCall(service_boards::kSchemeApplied, folder, static_cast<ULONG>(index), &reply,
-                              static_cast<ULONG>(timeout)) == 0;
+                              timeout) == 0;
 }
 
 } // namespace
