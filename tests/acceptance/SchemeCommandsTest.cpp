@@ -127,6 +127,11 @@ TEST_P(SchemeCommands, SchemesAreAddedNamedAndDeleted)
     ASSERT_EQ(0, added.code);
     ASSERT_EQ(0, whole.code);
     EXPECT_EQ(6, host->Send("ADD_SCHEME", Identity("Mine", "again", 1)).code);
+    for (const char* name : {"\"Mine\"", "\tMine"})
+    {
+        EXPECT_EQ(0, host->Send("ADD_SCHEME", Identity(name, "", 1)).code) << name;
+        EXPECT_EQ(6, host->Send("ADD_SCHEME", Identity(name, "again", 1)).code) << name;
+    }
     host->user = environment::OtherUserName(); // may have a scheme of the same name
     EXPECT_EQ(0, host->Send("ADD_SCHEME", Identity("Mine", "his", 1)).code);
     EXPECT_EQ(6, host->Send("DELETE_SCHEME", added.Number()).code) << "another user's";
