@@ -154,7 +154,7 @@ TEST_F(AddDelete, WithoutAnOwnerTheOperatingSystemsNamesCount)
     EXPECT_EQ(-2, engine.AddPwrScheme(L"Nobody's", L"", 3));
     EXPECT_TRUE(LinesOf([&] { EXPECT_EQ(-1, engine.AddPwrScheme(L"Other", L"", 99)); }).empty());
     EXPECT_FALSE(seeding::Exists(Users()));
-    // A deletion looks for the user's entry, and that opens his file.
+    // A deletion looks for the user's entry, and that opens the user's file.
     EXPECT_EQ(1, engine.DeletePwrScheme(6, L"alice"));
     EXPECT_EQ("", seeding::ReadBytes(Users()));
 }
