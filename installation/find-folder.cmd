@@ -11,7 +11,7 @@ if /i "%~1"=="LocalService" call :ask "HKU\S-1-5-19\%shell_folders%"
 if /i "%~1"=="NetworkService" call :ask "HKU\S-1-5-20\%shell_folders%"
 if not "%appdata_folder%"=="" exit /b 0
 
-rem A user who is logged on now: his key is named by his SID, and his profile folder by his name.
+rem A user who is logged on now: the key is named by the SID, and the profile folder by the account.
 reg query "HKLM\SOFTWARE\Microsoft\Windows NT\CurrentVersion\ProfileList" >"%TEMP%\orvl-profiles.txt" 2>nul
 for /f "usebackq tokens=*" %%k in ("%TEMP%\orvl-profiles.txt") do call :try_profile "%%k" "%~1"
 del "%TEMP%\orvl-profiles.txt"
@@ -25,15 +25,8 @@ exit /b 0
 rem :ask KEY: the value's text stands behind its name, which has a blank in it, and its type.
 :ask
 call :query %1 "Local AppData"
-for /f "usebackq tokens=2*" %%a in ("%TEMP%\orvl-query.txt") do call :take %%b
+for /f "usebackq tokens=3*" %%a in ("%TEMP%\orvl-query.txt") do set "appdata_folder=%%b"
 del "%TEMP%\orvl-query.txt"
-exit /b 0
-
-:take
-set appdata_folder=%*
-if "%appdata_folder:~0,6%"=="REG_SZ" set appdata_folder=%appdata_folder:~6%
-:trim
-if "%appdata_folder:~0,1%"==" " set appdata_folder=%appdata_folder:~1%& goto trim
 exit /b 0
 
 :try_profile
