@@ -9,12 +9,17 @@ if /i "%~1"=="%USERNAME%" call :ask "HKCU\%shell_folders%"
 if /i "%~1"=="SYSTEM" call :ask "HKU\S-1-5-18\%shell_folders%"
 if /i "%~1"=="LocalService" call :ask "HKU\S-1-5-19\%shell_folders%"
 if /i "%~1"=="NetworkService" call :ask "HKU\S-1-5-20\%shell_folders%"
-if not "%appdata_folder%"=="" exit /b 0
+if not "%appdata_folder%"=="" goto found
 
 rem A user who is logged on now: the key is named by the SID, and the profile folder by the account.
 reg query "HKLM\SOFTWARE\Microsoft\Windows NT\CurrentVersion\ProfileList" >"%TEMP%\orvl-profiles.txt" 2>nul
 for /f "usebackq tokens=*" %%k in ("%TEMP%\orvl-profiles.txt") do call :try_profile "%%k" "%~1"
 del "%TEMP%\orvl-profiles.txt"
+if "%appdata_folder%"=="" exit /b 0
+
+:found
+rem A 32-bit program that asks for a folder below system32 gets the one below SysWOW64.
+if exist "%SystemRoot%\SysWOW64\" set "appdata_folder=%appdata_folder:\system32\=\SysWOW64\%"
 exit /b 0
 
 rem :query KEY VALUE: puts the line that holds the value into a file, and an empty one when there is none.
