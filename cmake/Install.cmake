@@ -66,7 +66,7 @@ file(GLOB reference_files ${PROJECT_SOURCE_DIR}/installation/*.ini)
 if(WIN32)
   # As install.cmd expects it beside itself.
   file(GLOB commands ${PROJECT_SOURCE_DIR}/installation/*.cmd)
-  install(FILES ${commands} DESTINATION . COMPONENT programs)
+  install(FILES ${commands} ${PROJECT_SOURCE_DIR}/installation/README.txt DESTINATION . COMPONENT programs)
   install(FILES ${reference_files} DESTINATION cfg COMPONENT programs)
 else()
   install(FILES ${reference_files} DESTINATION ${CMAKE_INSTALL_DATADIR}/pm_limited_support COMPONENT programs)
@@ -80,10 +80,17 @@ foreach(program IN ITEMS trxhost orvlservice notebook hardware_tour)
   endif()
 endforeach()
 
-# `cpack` gives one zip of all of it, documentation included.
-install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION . COMPONENT programs)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION docs COMPONENT programs)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION examples COMPONENT programs)
+# `cpack` gives one zip of all of it. That of the product holds what an integrator reads, and an example that builds
+# from the zip alone.
+if(WIN32)
+  install(FILES ${PROJECT_SOURCE_DIR}/docs/installation.md ${PROJECT_SOURCE_DIR}/docs/requests.md
+    DESTINATION docs COMPONENT programs)
+  install(FILES ${CMAKE_TOOLCHAIN_FILE} DESTINATION examples COMPONENT programs)
+else()
+  install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION . COMPONENT programs)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION docs COMPONENT programs)
+endif()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/hardware_tour DESTINATION examples COMPONENT programs)
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_NAME pm_limited_support)
 set(CPACK_PACKAGE_VENDOR Kelvo)

@@ -55,3 +55,15 @@ build() {
     die "The build '$preset' failed; the whole log is in $log"
   fi
 }
+
+# unpack_package BUILD FOLDER: makes the zip of that build folder and unpacks it as FOLDER.
+unpack_package() {
+  local made
+  made=$(mktemp -d)
+  cpack --config "$1/CPackConfig.cmake" -B "$made" >"$made/log" || { cat "$made/log" >&2; die "cpack failed"; }
+  (cd "$made" && cmake -E tar xf pm_limited_support-*.zip)
+  rm -rf "$2"
+  mkdir -p "$(dirname "$2")"
+  cp -r "$made"/pm_limited_support-*/ "$2"
+  rm -rf "$made"
+}
