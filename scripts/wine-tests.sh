@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# wine-tests.sh --available      exit status 0 when a 32-bit Wine runs here
+# wine-tests.sh --available [64] exit status 0 when a 32-bit (64-bit) Wine runs here; otherwise the reason is printed
 # wine-tests.sh BUILD            runs the Windows test programs of that build folder on it, on both generations,
 #                                and its package as a user would
 #
@@ -11,11 +11,11 @@ cd "$(dirname "$0")/.."
 run_program() {
   local program=$1 version=$2
   printf -- '-- %s on %s\n' "$(basename "$program")" "$version"
-  (cd "$(dirname "$program")" && timeout 300 wine "./$(basename "$program")" --gtest_brief=1)
+  (cd "$(dirname "$program")" && in_time 300 wine "./$(basename "$program")" --gtest_brief=1)
 }
 
 if [ "${1:-}" = --available ]; then
-  wine_is_available
+  "wine${2:-}_is_available"
   exit
 fi
 
@@ -27,15 +27,17 @@ if [ "${WINE_TESTS:-}" != again ] && [ -e "$passed" ] && [ "$(cat "$passed")" = 
   exit
 fi
 rm -f "$passed"
-prepare_prefix
+prepare_prefix wine
 faults=0
 for version in winxp vista; do
-  set_version "$version"
+  set_version "$version" || { echo "this wine can't be set to $version" >&2; exit 1; }
+  wine_stays wine
   for program in "$build"/bin/*_tests.exe; do
     run_program "$program" "$version" || faults=$((faults + 1))
   done
+  wine_rests || stop_wine
   printf -- '-- the package on %s\n' "$version"
-  scripts/wine-package.sh "$build" || faults=$((faults + 1))
+  scripts/wine-package.sh "$build" 32 || faults=$((faults + 1))
 done
 [ "$faults" = 0 ] || { echo "$faults Windows test runs failed" >&2; exit 1; }
 printf '%s\n' "$sum" >"$passed"
