@@ -33,7 +33,7 @@ const char* Name(CallClass callClass) noexcept
 }
 
 PlatformCall::PlatformCall(CallClass callClass, const char* function, const void* caller) noexcept
-    : m_class(callClass), m_function(function), m_observed(IsInPlugIn(caller)),
+    : m_class(callClass), m_function(function), m_caller(caller), m_observed(IsInPlugIn(caller)),
       m_traced(m_observed && TraceSink::IsListening()),
       m_fault(m_observed ? TraceSink::Enter(callClass, function) : ERROR_SUCCESS)
 {
@@ -64,7 +64,7 @@ void PlatformCall::Note(bool succeeded, const std::string& answer, DWORD error)
 {
     if (m_traced)
     {
-        TraceSink::Add({m_class, m_function, m_arguments, answer, succeeded, error});
+        TraceSink::Add({m_class, m_function, m_arguments, answer, succeeded, error, m_caller});
     }
 }
 

@@ -206,6 +206,7 @@ private:
 
     CallClass m_class;
     const char* m_function;
+    const void* m_caller;
     bool m_observed;
     bool m_traced;
     DWORD m_fault;

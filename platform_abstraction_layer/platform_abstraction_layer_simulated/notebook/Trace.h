@@ -22,6 +22,7 @@ struct TracedCall
     std::string answer;
     bool succeeded;
     DWORD error;
+    const void* site; ///< where the call returned to
 };
 
 /// The calls of this process since the last `Clear`. Threads may call at once.
