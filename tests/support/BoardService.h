@@ -1,0 +1,44 @@
+// tests/support/BoardService.h
+//
+// A service behind the boards as a thread of the test's own process, which answers as the test wants it.
+#pragma once
+
+#include "service/Boards.h"
+
+#include "foundation/Owners.h"
+
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+class BoardService
+{
+public:
+    /// What becomes of a request; nothing for no answer at all.
+    using Behaviour = std::function<std::optional<service::Answer>(const service::Request&)>;
+
+    /// Creates the boards and serves until the end of the object. Unless told otherwise each request is
+    /// answered with 0.
+    explicit BoardService(Behaviour behaviour = [](const service::Request&) -> std::optional<service::Answer>
+                          {
+                              return service::Answer{service_boards::kDone, 0};
+                          });
+    ~BoardService();
+    BoardService(const BoardService&) = delete;
+    BoardService& operator=(const BoardService&) = delete;
+
+    /// The requests since the last call.
+    std::vector<service::Request> TakeRequests();
+
+private:
+    void Serve();
+
+    Behaviour m_behaviour;
+    service::Boards m_boards;
+    owners::Handle m_stop;
+    std::mutex m_mutex;
+    std::vector<service::Request> m_requests;
+    std::thread m_thread;
+};

@@ -1,0 +1,273 @@
+// tests/transcripts/Scene.cpp
+//
+// Seeds the notebook by its control interface and by requests.
+
+#include "transcripts/Scene.h"
+
+#include "CommandCatalogue.h"
+#include "Payload.h"
+#include "TextTools.h"
+#include "acceptance/Seeding.h"
+#include "notebook/Accounts.h"
+#include "notebook/Adapters.h"
+#include "notebook/Batteries.h"
+#include "notebook/EmbeddedController.h"
+#include "notebook/Machine.h"
+#include "notebook/Notebook.h"
+#include "notebook/PowerSource.h"
+#include "notebook/RegistryEditor.h"
+#include "notebook/Trace.h"
+
+#include <powrprof.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+using namespace simulated;
+
+namespace
+{
+
+constexpr const char* kLogs[] = {"trxpm.log", "orvl.log"};
+constexpr GUID kBalanced = {0x381B4222, 0xF694, 0x41F0, {0x96, 0x85, 0xFF, 0x5B, 0xB2, 0x60, 0xDF, 0x2E}};
+constexpr int kFirstOwnScheme = 6;
+
+// What schemes 6 to 8 hold; those of 7 are what most samples read.
+constexpr const char* kValues[] = {
+    "ac.cpuSpeed=100 ac.backlightLevel=7 ac.lanSpeed=1 ac.lums=2 ac.monitorOffTimeOut=900 "
+    "ac.standbyTimeOut=1800 ac.wifi=1 ac.lanStatus=1 ac.threeG=0 dc.cpuSpeed=50 dc.backlightLevel=3 "
+    "dc.lanSpeed=2 dc.monitorOffTimeOut=300 dc.standbyTimeOut=600 dc.wifi=0 dc.lanStatus=0 dc.threeG=1 "
+    "IfDefault=1 IconNum=5 IfShow=2",
+    "ac.cpuSpeed=75 ac.backlightLevel=6 ac.lanSpeed=4 ac.lums=3 ac.monitorOffTimeOut=1500 "
+    "ac.standbyTimeOut=2700 ac.wifi=1 ac.lanStatus=0 ac.threeG=1 dc.cpuSpeed=100 dc.backlightLevel=4 "
+    "dc.lanSpeed=3 dc.monitorOffTimeOut=180 dc.standbyTimeOut=1200 dc.wifi=0 dc.lanStatus=1 dc.threeG=0 "
+    "IfDefault=3 IconNum=9 IfShow=4",
+    "ac.cpuSpeed=50 ac.backlightLevel=5 ac.lanSpeed=2 ac.lums=4 ac.monitorOffTimeOut=600 "
+    "ac.standbyTimeOut=3600 ac.wifi=0 ac.lanStatus=1 ac.threeG=1 dc.cpuSpeed=75 dc.backlightLevel=2 "
+    "dc.lanSpeed=1 dc.monitorOffTimeOut=120 dc.standbyTimeOut=900 dc.wifi=1 dc.lanStatus=0 dc.threeG=0 "
+    "IfDefault=4 IconNum=7 IfShow=1",
+};
+
+void RemoveLogs()
+{
+    for (const char* const log : kLogs)
+    {
+        seeding::Remove(std::string("C:\\temp1234567890\\") + log);
+    }
+}
+
+std::string ProfileFile(const char* name)
+{
+    return seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\" + name;
+}
+
+// A scheme of the system's on the GUID-based power manager, and its text.
+GUID OwnScheme(int number)
+{
+    return {0x0F000000U + static_cast<DWORD>(number), 0, 0x4000, {0x80, 0, 0, 0, 0, 0, 0xC0, 0xDE}};
+}
+
+std::string OwnSchemeText(int number)
+{
+    return "{0F00000" + std::to_string(number) + "-0000-4000-8000-00000000C0DE}";
+}
+
+std::string Counts()
+{
+    std::string text;
+    const auto counts = Trace::Counts();
+    for (std::size_t place = 0; place < counts.size(); ++place)
+    {
+        if (counts[place] != 0)
+        {
+            text += (text.empty() ? "" : ", ") + std::string(Name(static_cast<CallClass>(place))) + ' ' +
+                    std::to_string(counts[place]);
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+std::vector<std::byte> PayloadOf(const std::string& command, const std::string& fields)
+{
+    const host::CommandEntry* const entry = host::FindCommand(command);
+    EXPECT_NE(nullptr, entry) << command;
+    const host::Payload payload = host::BuildPayload(entry->payload, host::SplitWords(fields).value());
+    EXPECT_EQ("", payload.error) << command << ' ' << fields;
+    return payload.bytes;
+}
+
+Scene::Scene(DWORD major) : m_major(major)
+{
+    environment::Recreate(major);
+    m_folder = Machine::Folder();
+    Trace::Record(false);
+    SeedHardware();
+    SeedUsersPolicy();
+    m_service = std::make_unique<BoardService>();
+    m_host.emplace();
+    m_host->Uninitialize(); // the calls and log lines of its thread aren't a request's
+    SeedSchemes();
+    m_host->user = Notebook::kFirstUser;
+    Expect("GET_LCD_BRIGHTNESS", ""); // on Vista the driver stays open from here on
+    seeding::SwitchLogsOn();
+    m_service->TakeRequests();
+    m_snapshot.emplace(m_folder);
+    m_state = Observe(m_folder);
+}
+
+Scene::~Scene() = default;
+
+void Scene::Expect(const char* command, const std::string& fields)
+{
+    EXPECT_EQ(0, m_host->Send(command, PayloadOf(command, fields)).code) << command << ' ' << fields;
+}
+
+void Scene::SeedHardware() const
+{
+    // On battery with half of the charge; the second battery is the smaller one.
+    EXPECT_TRUE(PowerSource::SetCapacity(48000, 24000));
+    EXPECT_TRUE(PowerSource::SetRate(12000));
+    EXPECT_TRUE(PowerSource::Unplug());
+    EXPECT_TRUE(PowerSource::AllowHibernate(true));
+    Batteries::SetValue(0, "DesignedCapacity", "48840");
+    Batteries::SetValue(0, "FullChargedCapacity", "41210");
+    Batteries::Add();
+    Batteries::SetValue(1, "Chemistry", "NiMH");
+    Batteries::SetValue(1, "DesignedCapacity", "24420");
+    Batteries::SetValue(1, "FullChargedCapacity", "20333");
+    EmbeddedController::SetBattery(15,
+                                   {0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC, 0xDE, 0xF0, 0x11, 0x22, 0x33, 0x44});
+    EmbeddedController::SetItem(EmbeddedController::kLan, 0);
+    Adapters::SetSetting(Adapters::All().at(0), "DuplexMode", "4");
+    Adapters::Add("Intel(R) PRO/1000 PL Network Connection", {{"*SpeedDuplex", "5"}, {"DuplexMode", "5"}});
+    Adapters::Add("Atheros AR5007EG Wireless Network Adapter", {});
+    EXPECT_TRUE(seeding::SetKey(std::string(Notebook::kInstallationFolder) + "ORVLCfg.ini", "OrvlDevMgr",
+                                "TimeoutMS", "900"));
+}
+
+// The first user's own power settings, which applying a scheme takes over.
+void Scene::SeedUsersPolicy() const
+{
+    const std::string hive = "HKEY_USERS\\" + Accounts::Find(Notebook::kFirstUser)->sid;
+    const std::string power = hive + "\\Control Panel\\PowerCfg";
+    EXPECT_TRUE(RegistryEditor::WriteText(power, "CurrentPowerPolicy", "4"));
+
+    const std::string userKey = power + "\\PowerPolicies\\4";
+    registry::Value user = RegistryEditor::Read(userKey, "Policies").value();
+    USER_POWER_POLICY policy;
+    ASSERT_EQ(sizeof policy, user.bytes.size());
+    std::memcpy(&policy, user.bytes.data(), sizeof policy);
+    policy.SpindownTimeoutAc = 1200;
+    policy.SpindownTimeoutDc = 600;
+    policy.IdleAc.Action = PowerActionSleep;
+    policy.IdleTimeoutAc = 1800;
+    policy.IdleDc.Action = PowerActionHibernate;
+    policy.IdleTimeoutDc = 900;
+    user.bytes.assign(reinterpret_cast<const char*>(&policy), sizeof policy);
+    EXPECT_TRUE(RegistryEditor::Write(userKey, "Policies", user));
+
+    const std::string machineKey =
+        "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls "
+        "Folder\\PowerCfg\\PowerPolicies\\4";
+    registry::Value machine = RegistryEditor::Read(machineKey, "Policies").value();
+    MACHINE_POWER_POLICY doze;
+    ASSERT_EQ(sizeof doze, machine.bytes.size());
+    std::memcpy(&doze, machine.bytes.data(), sizeof doze);
+    doze.DozeS4TimeoutAc = 5400;
+    doze.DozeS4TimeoutDc = 2400;
+    machine.bytes.assign(reinterpret_cast<const char*>(&doze), sizeof doze);
+    EXPECT_TRUE(RegistryEditor::Write(machineKey, "Policies", machine));
+
+    const std::string globalKey = power + "\\GlobalPowerPolicy";
+    registry::Value global = RegistryEditor::Read(globalKey, "Policies").value();
+    GLOBAL_USER_POWER_POLICY buttons;
+    ASSERT_EQ(sizeof buttons, global.bytes.size());
+    std::memcpy(&buttons, global.bytes.data(), sizeof buttons);
+    buttons.LidCloseAc.Action = PowerActionHibernate;
+    buttons.PowerButtonDc.Action = PowerActionShutdown;
+    global.bytes.assign(reinterpret_cast<const char*>(&buttons), sizeof buttons);
+    EXPECT_TRUE(RegistryEditor::Write(globalKey, "Policies", global));
+}
+
+// Schemes 6 and 7 of the first user and 8 of the second, which is the active one.
+void Scene::SeedSchemes()
+{
+    struct Owned
+    {
+        const char* user;
+        const char* identity;
+    };
+    constexpr Owned kOwned[] = {
+        {Notebook::kFirstUser, "name=Travel desc=\"On the road\""},
+        {Notebook::kFirstUser, "name=Evening desc=\"At home\""},
+        {Notebook::kSecondUser, "name=Travel desc=\"Another one's\""},
+    };
+    int number = kFirstOwnScheme;
+    for (const Owned& scheme : kOwned)
+    {
+        const std::string values = std::string(kValues[number - kFirstOwnScheme]);
+        m_host->user = scheme.user;
+        if (m_major == 5)
+        {
+            Expect("ADD_SCHEME_ALL", std::string(scheme.identity) + " scheme=1 " + values);
+        }
+        else
+        {
+            // Schemes come from elsewhere here: the system has them and the rows of the file name them.
+            GUID guid = OwnScheme(number);
+            GUID* copy = &guid;
+            EXPECT_EQ(0U, PowerDuplicateScheme(nullptr, &kBalanced, &copy));
+            EXPECT_TRUE(seeding::SetKey(ProfileFile("PowerSchemes.ini"), "Scheme " + std::to_string(number),
+                                        "GUID", OwnSchemeText(number)));
+            Expect("EDIT_SCHEME_ALL", "scheme=" + std::to_string(number) + ' ' + values);
+        }
+        ++number;
+    }
+    if (m_major == 5)
+    {
+        Expect("APPLY_SCHEME", "scheme=8");
+        return;
+    }
+    EXPECT_TRUE(seeding::SetKey(ProfileFile("PowerSchemes.ini"), "Schemes", "SchemeMaxIndex", "9"));
+    const GUID active = OwnScheme(8);
+    EXPECT_EQ(0U, PowerSetActiveScheme(nullptr, &active));
+}
+
+RequestOutcome Scene::Run(const Sample& sample)
+{
+    Restore();
+    if (sample.isNewUser)
+    {
+        m_host->Unload();
+        EXPECT_TRUE(m_host->Load());
+    }
+    return Send(sample);
+}
+
+RequestOutcome Scene::Send(const Sample& sample)
+{
+    const std::vector<std::byte> payload = PayloadOf(sample.command, sample.fields);
+    Trace::Clear();
+    RequestOutcome outcome;
+    outcome.answer = m_host->Send(sample.command, payload);
+    outcome.calls = Counts();
+    outcome.events = m_host->TakeEvents();
+    outcome.serviceRequests = m_service->TakeRequests();
+    outcome.pluginLog = seeding::LogLines(kLogs[0]);
+    outcome.engineLog = seeding::LogLines(kLogs[1]);
+    RemoveLogs();
+    return outcome;
+}
+
+void Scene::Restore()
+{
+    m_snapshot->Restore();
+}
+
+std::vector<std::string> Scene::Changes() const
+{
+    return m_snapshot->HasChanged() ? Differences(m_state, Observe(m_folder)) : std::vector<std::string>();
+}

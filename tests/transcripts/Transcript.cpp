@@ -1,0 +1,187 @@
+// tests/transcripts/Transcript.cpp
+//
+// Rendering, and the golden files.
+
+#include "transcripts/Transcript.h"
+
+#include "CommandCatalogue.h"
+#include "acceptance/Seeding.h"
+#include "notebook/Accounts.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <sstream>
+
+namespace
+{
+
+constexpr std::size_t kHeading = 10;
+
+std::string Hex(std::span<const std::byte> bytes)
+{
+    std::string hex;
+    for (const std::byte byte : bytes)
+    {
+        constexpr char kDigits[] = "0123456789abcdef";
+        hex += kDigits[static_cast<unsigned>(byte) >> 4];
+        hex += kDigits[static_cast<unsigned>(byte) & 15];
+    }
+    return hex;
+}
+
+std::string ShowField(const host::Field& field, std::span<const std::byte> bytes)
+{
+    if (field.kind == host::FieldKind::Number)
+    {
+        std::int32_t number = 0;
+        std::memcpy(&number, bytes.data() + field.offset, sizeof number);
+        return std::string(field.name) + '=' + std::to_string(number);
+    }
+    const auto* const begin = reinterpret_cast<const char*>(bytes.data()) + field.offset;
+    return std::string(field.name) + "=\"" + std::string(begin, std::find(begin, begin + field.size, '\0')) +
+           '"';
+}
+
+std::string ShowReply(const std::string& command, const Answer& answer)
+{
+    if (!answer.reply.has_value())
+    {
+        return "none";
+    }
+    const std::vector<std::byte>& bytes = *answer.reply;
+    const host::RecordShape& shape = host::FindCommand(command)->reply;
+    std::string text = std::to_string(bytes.size()) + " bytes";
+    if (&shape == &host::kTextReply)
+    {
+        return text + ": \"" + answer.Text() + '"';
+    }
+    if (bytes.size() != shape.size || shape.fields.empty())
+    {
+        return text + (bytes.empty() ? "" : ": " + Hex(bytes));
+    }
+    for (const host::Field& field : shape.fields)
+    {
+        text += (&field == shape.fields.data() ? ": " : " ") + ShowField(field, bytes);
+    }
+    return text;
+}
+
+// Accounts by their names instead of their SIDs.
+std::string WithNames(std::string text)
+{
+    static const std::vector<simulated::Account> accounts = simulated::Accounts::All();
+    for (const simulated::Account& account : accounts)
+    {
+        for (std::size_t place = text.find(account.sid); place != std::string::npos;
+             place = text.find(account.sid))
+        {
+            text.replace(place, account.sid.size(), '(' + account.name + ')');
+        }
+    }
+    return text;
+}
+
+void Add(std::vector<std::string>& lines, std::string heading, const std::string& text)
+{
+    heading.resize(kHeading, ' ');
+    std::string line = "  " + heading + WithNames(text);
+    line.erase(line.find_last_not_of(' ') + 1);
+    lines.push_back(line);
+}
+
+// What differs between generations or runs without meaning anything, and what stands for it.
+std::string Neutral(std::string line)
+{
+    struct Replacement
+    {
+        const char* beginning;
+        const char* shown;
+    };
+    constexpr Replacement kReplacements[] = {{"iHandlePowrProfDll: 0x", "(handle)"},
+                                             {"Windows version ", "(version)"}};
+    for (const Replacement& row : kReplacements)
+    {
+        if (line.starts_with(row.beginning))
+        {
+            line = std::string(row.beginning) + row.shown;
+        }
+    }
+    return line;
+}
+
+// Lines of a log as they stand. An empty line belongs to the line before, whose format ends in a line end of
+// its own; a blank at an end is shown.
+void AddLog(std::vector<std::string>& lines, const char* heading, const std::vector<std::string>& log)
+{
+    for (std::size_t place = 0; place < log.size(); ++place)
+    {
+        std::string line = Neutral(log[place]);
+        if (place + 1 < log.size() && log[place + 1].empty())
+        {
+            line += "\\n";
+            ++place;
+        }
+        Add(lines, heading, line.ends_with(' ') ? line + '$' : line);
+    }
+}
+
+} // namespace
+
+std::vector<std::string> Show(const Sample& sample, const RequestOutcome& outcome,
+                              const std::vector<std::string>& changes)
+{
+    std::vector<std::string> lines;
+    Add(lines, "result", std::to_string(outcome.answer.code));
+    Add(lines, "reply", ShowReply(sample.command, outcome.answer));
+    for (const Event& event : outcome.events)
+    {
+        Add(lines, "event", event.name + ' ' + std::to_string(event.Number()));
+    }
+    for (const service::Request& request : outcome.serviceRequests)
+    {
+        Add(lines, "service",
+            "code " + std::to_string(request.code) + ", value " + std::to_string(request.value) + ", text " +
+                seeding::Utf8(request.text));
+    }
+    AddLog(lines, "trxpm", outcome.pluginLog);
+    AddLog(lines, "orvl", outcome.engineLog);
+    for (const std::string& line : changes)
+    {
+        Add(lines, "change", line);
+    }
+    return lines;
+}
+
+void CompareWithGolden(const std::string& file, const std::string& text)
+{
+    const std::string path = std::string(GOLDEN_FOLDER) + '/' + file;
+    if (std::getenv("UPDATE_TRANSCRIPTS") != nullptr)
+    {
+        std::ofstream(path, std::ios::binary) << text;
+        return;
+    }
+    std::ifstream golden(path, std::ios::binary);
+    EXPECT_TRUE(golden.is_open()) << "no golden file; ./test --update-transcripts makes it";
+    std::istringstream present(text);
+    std::string wanted;
+    std::string found;
+    for (int number = 1;; ++number)
+    {
+        const bool more = static_cast<bool>(std::getline(golden, wanted));
+        if (static_cast<bool>(std::getline(present, found)) != more || (more && wanted != found))
+        {
+            ADD_FAILURE() << file << ':' << number << "\n  golden:  " << (more ? wanted : "(its end)")
+                          << "\n  present: " << found
+                          << "\n./test --update-transcripts takes the present over";
+            return;
+        }
+        if (!more)
+        {
+            return;
+        }
+    }
+}
