@@ -145,6 +145,8 @@ TEST_F(HwSBXTest, FunctionIsFoundByItsExactNameInTheChipsetsList)
 
 TEST_F(HwSBXTest, FirstMatchingIdentificationNamesTheChipset)
 {
+    WriteInstalled("SBXCfg.ini", "[Device Identifications]\nSBXIdNumbers=2147483647\n");
+    EXPECT_EQ(kGeneralFailure, CHwSBX().Setup(1)) << "doesn't last for hours";
     constexpr std::pair<const char*, LONG> kCases[] = {
         {"", kSucceeded},
         {"Value=0x1\n", kSucceeded},

@@ -84,9 +84,16 @@ TEST(EntryLimits, WalksShareWhatIsLeft)
     EntryLimit limit(2000);
     EXPECT_EQ(0, limit.Take(-5));
     EXPECT_EQ(1000, limit.Take(1000, firstSeven)) << "believed unseen";
-    EXPECT_EQ(7, limit.Take(1001, firstSeven));
-    EXPECT_EQ(993, limit.Take(2147483647, [](int) { return true; }));
+    EXPECT_EQ(7, limit.Take(1001, firstSeven)) << "each looked at twice";
+    EXPECT_FALSE(limit.WasReached());
+    EXPECT_EQ(493, limit.Take(2147483647, [](int) { return true; }));
+    EXPECT_TRUE(limit.WasReached());
     EXPECT_EQ(0, limit.Take(1));
+    EntryLimit exact(3);
+    EXPECT_EQ(3, exact.Take(3));
+    EXPECT_FALSE(exact.WasReached());
+    EXPECT_EQ(0, exact.Take(1));
+    EXPECT_TRUE(exact.WasReached());
 }
 
 // A damaged count of two thousand million entries must not keep a request for hours.
@@ -102,6 +109,31 @@ TEST_P(DamagedFiles, CountsWithoutEntriesEndSoon)
     ASSERT_TRUE(seeding::SetKey(Values(), "Schemes", "SchemeMaxIndex", huge));
     const GUID unknown{};
     EXPECT_EQ(-1, engine.SchemeGuidToIndex(&unknown));
+    EXPECT_GT(10000U, Trace::Count(CallClass::Profile));
+}
+
+TEST_P(DamagedFiles, ManyEntriesEndSoon)
+{
+    Trace::Record(false);
+    constexpr const char* kInCatalogue[] = {
+        "CpuSpeed", "BacklightLevel",    "LanSpeed",       "Lums",     "Wifi",
+        "ThreeG",   "MonitorOffTimeOut", "StandbyTimeOut", "LanStatus"};
+    for (const char* const variable : kInCatalogue)
+    {
+        ASSERT_TRUE(seeding::SetKey(Catalogue(), variable, "OptionNumber", "2147483647"));
+    }
+    std::string section = '[' + SidOf("alice") + "]\r\nNumber=3000\r\n";
+    for (int entry = 0; entry < 3000; ++entry)
+    {
+        section += "Scheme" + std::to_string(entry) + "=99\r\n";
+    }
+    ASSERT_TRUE(seeding::WriteBytes(Users(), section));
+    Trace::Clear();
+    PWRSET set{};
+    engine.SetPwrVariable(set);
+    EXPECT_GT(20000U, Trace::Count(CallClass::Profile));
+    Trace::Clear();
+    EXPECT_EQ(0, engine.DeletePwrScheme(42, L"alice"));
     EXPECT_GT(10000U, Trace::Count(CallClass::Profile));
 }
 
@@ -132,10 +164,21 @@ TEST_F(XpDamagedFiles, AProductOfCountsEndsSoon)
     ASSERT_TRUE(seeding::WriteBytes(Users(), list + sections));
     Trace::Clear();
     EXPECT_EQ(0, engine.DeletePwrScheme(42, L"alice"));
-    EXPECT_GT(21000U, Trace::Count(CallClass::Profile));
+    EXPECT_GT(11000U, Trace::Count(CallClass::Profile));
+
+    // What isn't reached keeps its owner, for another clearing.
     Trace::Clear();
     EXPECT_EQ(1, engine.ClearPwrSchemes());
     EXPECT_GT(11000U, Trace::Count(CallClass::Profile));
+    EXPECT_EQ(kAbsent, seeding::GetKey(Users(), "U8", "Number"));
+    EXPECT_EQ("1000", seeding::GetKey(Users(), "U10", "Number"));
+    ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), "Number", "10001"));
+    for (const char* const entry : {"Scheme0", "Scheme1"})
+    {
+        ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), entry, "7"));
+    }
+    EXPECT_EQ(1, engine.ClearCurrentUserSettings());
+    EXPECT_EQ(kAbsent, seeding::GetKey(Users(), SidOf("alice"), "Number")) << "only two were there";
 }
 
 INSTANTIATE_TEST_SUITE_P(BothGenerations, DamagedFiles, testing::Values(5U, 6U));

@@ -137,6 +137,11 @@ TEST_F(PresentState, BatteryItemsAreFoundByTheirConfiguredPlace)
     EXPECT_EQ(0, engine.GetBatteryInformation(4, L"CycleCount", &value));
     ASSERT_TRUE(seeding::SetKey(Root(), "BatteryInforList", "BEAStart3", "13"));
     EXPECT_EQ(-1, engine.GetBatteryInformation(0, L"CycleCount", &value));
+    for (const char* const count : {"BEAItemNum", "BAItemNum"})
+    {
+        ASSERT_TRUE(seeding::SetKey(Root(), "BatteryInforList", count, "2147483647"));
+    }
+    EXPECT_EQ(0, engine.GetBatteryInformation(0, L"Nothing", &value)) << "doesn't last for hours";
 }
 
 TEST_F(PresentState, BatteryQueriesOfAMachineWithoutAnswers)

@@ -5,13 +5,13 @@
 
 #include <algorithm>
 
-/// The entries that walks through files may look at together. A damaged count, or the product of two, would
-/// keep a request busy for hours; what a walk takes here is gone for the next one with the same limit.
+/// The looks at entries that walks through files have between them. A damaged count, or the product of two,
+/// would keep a request busy for hours; what a walk takes here is gone for the next one with the same limit.
 class EntryLimit
 {
 public:
     /// The default is above what any plausible file holds.
-    explicit EntryLimit(int most = 20000) noexcept : m_left(most)
+    explicit EntryLimit(int most = 5000) noexcept : m_left(most)
     {
     }
 
@@ -19,12 +19,13 @@ public:
     int Take(int count) noexcept
     {
         const int taken = std::clamp(count, 0, m_left);
+        m_wasReached = m_wasReached || taken < count;
         m_left -= taken;
         return taken;
     }
 
     /// The same for a list without gaps: a count that only damage explains is believed as far as
-    /// `isThere(entry)` holds from the first entry on.
+    /// `isThere(entry)` holds from the first entry on. Those entries are looked at twice.
     template <class IsThere>
     int Take(int count, IsThere isThere) noexcept
     {
@@ -33,14 +34,24 @@ public:
         {
             return Take(count);
         }
+        const int most = m_left / 2;
         int present = 0;
-        while (present < std::min(count, m_left) && isThere(present))
+        while (present < std::min(count, most) && isThere(present))
         {
             ++present;
         }
-        return Take(present);
+        m_wasReached = m_wasReached || present == most;
+        m_left -= 2 * present;
+        return present;
+    }
+
+    /// True when a walk may have got fewer entries than there are.
+    bool WasReached() const noexcept
+    {
+        return m_wasReached;
     }
 
 private:
     int m_left;
+    bool m_wasReached = false;
 };

@@ -30,8 +30,9 @@ bool OpenUserSchemes(CORVLProfile& users) noexcept
                               L"ClearPwrSchemes: initialize the user scheme cfg file failed");
 }
 
-// Removes one user's schemes and his section.
-void ClearUser(CSchemeEx& engine, CORVLProfile& users, const wchar_t* section, const UserTexts& texts,
+// Removes one user's schemes and the section. False when there are more than the limit allows: the section
+// then stays, or the rest would belong to nobody.
+bool ClearUser(CSchemeEx& engine, CORVLProfile& users, const wchar_t* section, const UserTexts& texts,
                EntryLimit& limit) noexcept
 {
     const int count = user_schemes::CountSchemes(users, section, limit);
@@ -42,10 +43,16 @@ void ClearUser(CSchemeEx& engine, CORVLProfile& users, const wchar_t* section, c
         engine.DeletePwrScheme(scheme);
         CORVLBase::DBGOUT(texts.scheme, scheme);
     }
+    if (limit.WasReached())
+    {
+        return false;
+    }
     users.PutString(section, nullptr, nullptr);
+    return true;
 }
 
-void ClearAllUsers(CSchemeEx& engine, CORVLProfile& users) noexcept
+// The same for all users, up to the first whose section stays.
+bool ClearAllUsers(CSchemeEx& engine, CORVLProfile& users) noexcept
 {
     constexpr UserTexts texts{L"ClearPwrSchemes: Get username=%s, Number=%d",
                               L"ClearPwrSchemes: DeletePwrScheme(%d)"};
@@ -55,8 +62,12 @@ void ClearAllUsers(CSchemeEx& engine, CORVLProfile& users) noexcept
     {
         files::ShortText section;
         user_schemes::ReadUser(users, user, section);
-        ClearUser(engine, users, section, texts, limit);
+        if (!ClearUser(engine, users, section, texts, limit))
+        {
+            return false;
+        }
     }
+    return !limit.WasReached();
 }
 
 // The companion application's key of the machine; false when it can't be removed.
@@ -121,14 +132,17 @@ int CSchemeEx::ClearPwrSchemes() noexcept
     {
         return -1;
     }
-    ClearAllUsers(*this, users);
+    const bool isWhole = ClearAllUsers(*this, users);
 
     wchar_t folder[text::kPathCapacity];
     if (!folders::GetConfigurationFolder(folder))
     {
         return 0;
     }
-    DeleteFileBelow(folder, L"\\UserSchemes.ini", kDeletedText);
+    if (isWhole)
+    {
+        DeleteFileBelow(folder, L"\\UserSchemes.ini", kDeletedText);
+    }
     DeleteFileBelow(folder, L"\\PowerSchemes.ini", kDeletedText);
     return RemoveMachineKey() ? 1 : 0;
 }

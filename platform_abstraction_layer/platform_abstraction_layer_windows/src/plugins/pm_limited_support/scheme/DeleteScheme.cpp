@@ -16,6 +16,7 @@ namespace
 {
 
 constexpr unsigned int kLastStandardNumber = 5;
+constexpr int kMostLooks = 10000; // at entries of all users together
 
 // Power saver, high performance, balanced.
 constexpr GUID kStandardSchemes[] = {
@@ -97,10 +98,11 @@ int CSchemeEx::DeletePwrScheme(int index, const wchar_t*) noexcept
     }
     files::ShortText section;
     text::Copy(section, m_szSubKey);
+    EntryLimit limit(kMostLooks);
     // A deletion that is refused leaves no file behind.
     CORVLProfile users;
     const bool isOpen = files::OpenPresentUsers(users);
-    if (isOpen && user_schemes::BelongsToAnother(users, section, index))
+    if (isOpen && user_schemes::BelongsToAnother(users, section, index, limit))
     {
         DBGOUT(L"DeletePwrScheme: scheme %d belongs to another user", index);
         return 0;
@@ -111,7 +113,7 @@ int CSchemeEx::DeletePwrScheme(int index, const wchar_t*) noexcept
     }
     if (isOpen || files::OpenUsers(users))
     {
-        user_schemes::Remove(users, section, index);
+        user_schemes::Remove(users, section, index, limit);
     }
     return 1;
 }

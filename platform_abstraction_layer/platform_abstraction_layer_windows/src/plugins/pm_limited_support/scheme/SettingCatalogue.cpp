@@ -24,6 +24,9 @@ bool OpenFor(CORVLCfg& file, const wchar_t* name) noexcept
     return name != nullptr && files::OpenCatalogue(file);
 }
 
+// Writing a whole scheme walks through the options of seventeen variables.
+constexpr int kMostOptions = 1000;
+
 int ReadOption(CORVLCfg& file, const wchar_t* name, int option) noexcept
 {
     return file.GetInt(name, files::NumberedKey(L"ValueOption%d", option).Text(), -1);
@@ -38,8 +41,7 @@ bool FindOption(const wchar_t* name, Predicate accepts, int& value) noexcept
     {
         return false;
     }
-    const int count = EntryLimit().Take(file.GetInt(name, kOptionCount, 0),
-                                        [&](int option) { return ReadOption(file, name, option) != -1; });
+    const int count = EntryLimit(kMostOptions).Take(file.GetInt(name, kOptionCount, 0));
     for (int option = 0; option < count; ++option)
     {
         value = ReadOption(file, name, option);

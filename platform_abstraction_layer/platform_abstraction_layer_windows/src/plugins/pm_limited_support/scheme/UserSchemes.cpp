@@ -142,9 +142,9 @@ int user_schemes::FindByName(CORVLProfile& users, const wchar_t* section, const 
     return -1;
 }
 
-bool user_schemes::BelongsToAnother(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
+bool user_schemes::BelongsToAnother(CORVLProfile& users, const wchar_t* section, int scheme,
+                                    EntryLimit& limit) noexcept
 {
-    EntryLimit limit;
     if (Owns(users, section, scheme, limit))
     {
         return false;
@@ -162,9 +162,8 @@ bool user_schemes::BelongsToAnother(CORVLProfile& users, const wchar_t* section,
     return false;
 }
 
-void user_schemes::Remove(CORVLProfile& users, const wchar_t* section, int scheme) noexcept
+void user_schemes::Remove(CORVLProfile& users, const wchar_t* section, int scheme, EntryLimit& limit) noexcept
 {
-    EntryLimit limit;
     const int count = CountSchemes(users, section, limit);
     const int removed = FindEntry(users, section, count, scheme, 0);
     if (removed < 0)

@@ -32,9 +32,9 @@ int CountSchemes(CORVLProfile& users, const wchar_t* section, EntryLimit& limit)
 int FindByName(CORVLProfile& users, const wchar_t* section, const wchar_t* name) noexcept;
 
 /// True when the scheme stands in another listed user's section and not in `section`.
-bool BelongsToAnother(CORVLProfile& users, const wchar_t* section, int scheme) noexcept;
+bool BelongsToAnother(CORVLProfile& users, const wchar_t* section, int scheme, EntryLimit& limit) noexcept;
 
 /// Takes the scheme out of a section and closes the gap; a scheme that isn't there changes nothing.
-void Remove(CORVLProfile& users, const wchar_t* section, int scheme) noexcept;
+void Remove(CORVLProfile& users, const wchar_t* section, int scheme, EntryLimit& limit) noexcept;
 
 } // namespace user_schemes
