@@ -5,6 +5,8 @@
 #include "acceptance/AcceptanceTest.h"
 #include "notebook/Trace.h"
 
+#include <atomic>
+
 using simulated::Faults;
 using simulated::Leaks;
 using simulated::Trace;
@@ -64,6 +66,35 @@ TEST_F(LifeCycleFaults, AThreadThatCantBeStoppedGoesOnListening)
     EXPECT_TRUE(host.WaitForEvent().has_value());
     EXPECT_EQ(0, host.Uninitialize());
     EXPECT_FALSE(IsListenedFor());
+}
+
+// The first thread, for which the stop waits, starts and stops another one within its event.
+TEST_F(LifeCycleFaults, AStopWaitsAlsoForWhatIsStoppedMeanwhile)
+{
+    std::atomic<int> entered = 0;
+    std::atomic<bool> isInside = false;
+    const auto hold = [] { std::this_thread::sleep_for(std::chrono::milliseconds(200)); };
+    host.onEvent = [&](const Event&)
+    {
+        if (++entered == 2)
+        {
+            isInside = true;
+            hold();
+            isInside = false;
+            return;
+        }
+        WaitUntil([] { return !Trace::CallsOf("SetEvent").empty(); }); // the stop has set its event
+        EXPECT_EQ(0, host.Initialize());
+        EXPECT_TRUE(SignalApplied());
+        WaitUntil([&] { return entered == 2; });
+        EXPECT_EQ(0, host.Uninitialize());
+    };
+    ASSERT_TRUE(SignalApplied());
+    WaitUntil([&] { return entered == 1; });
+    Trace::Clear();
+    EXPECT_EQ(0, host.Uninitialize());
+    EXPECT_EQ(2, entered);
+    EXPECT_FALSE(isInside);
 }
 
 // A host that restarts the plug-in from within its event never calls a stop that waits, so each start takes

@@ -47,13 +47,18 @@ Run* runs = nullptr;
 // Callers that wait outside the lock for the threads in the list. As long as there is one, nothing leaves it.
 unsigned waiting = 0;
 
+bool HasEnded(const Run& run) noexcept
+{
+    return WaitForSingleObject(run.thread.Get(), 0) == WAIT_OBJECT_0;
+}
+
 void RemoveEnded() noexcept
 {
     Run** link = &runs;
     while (waiting == 0 && *link != nullptr)
     {
         Run* const run = *link;
-        if (WaitForSingleObject(run->thread.Get(), 0) == WAIT_OBJECT_0)
+        if (HasEnded(*run))
         {
             *link = run->earlier;
             Delete(run);
@@ -81,6 +86,23 @@ void ClearHandles(CPluginHelper& context) noexcept
 {
     context.notifyThread = nullptr;
     context.applySchemeEvent = nullptr;
+}
+
+// A thread that still runs though its start is over. When there is none, the caller is done with waiting.
+const Run* FindEnding(const CPluginHelper& context) noexcept
+{
+    const owners::SectionLock lock(section);
+    const Run* run = runs;
+    while (run != nullptr && (run->thread.Get() == context.notifyThread || HasEnded(*run)))
+    {
+        run = run->earlier;
+    }
+    if (run == nullptr)
+    {
+        --waiting;
+        RemoveEnded();
+    }
+    return run;
 }
 
 // A running thread with all that it needs; empty, with nothing left behind, when something can't be had.
@@ -207,15 +229,11 @@ bool Start(CPluginHelper& context) noexcept
 
 void Stop(CPluginHelper& context) noexcept
 {
-    const Run* latest = nullptr;
     {
         const owners::SectionLock lock(section);
-        if (context.notifyThread != nullptr)
+        // A thread that can't be asked to end goes on.
+        if (context.notifyThread != nullptr && SetEvent(runs->stopEvent.Get()))
         {
-            if (!SetEvent(runs->stopEvent.Get()))
-            {
-                return; // it can't be asked to end, so it stays
-            }
             ClearHandles(context);
         }
         if (Run* const own = FindOwn(); own != nullptr)
@@ -224,17 +242,13 @@ void Stop(CPluginHelper& context) noexcept
             own->appliedEvent.Reset();
             return;
         }
-        latest = runs;
         ++waiting;
     }
-    // A start made in the meantime is in front of these in the list and isn't waited for.
-    for (const Run* run = latest; run != nullptr; run = run->earlier)
+    // A start that is made and stopped in the meantime is waited for too.
+    while (const Run* const run = FindEnding(context))
     {
         WaitForSingleObject(run->thread.Get(), INFINITE);
     }
-    const owners::SectionLock lock(section);
-    --waiting;
-    RemoveEnded();
 }
 
 } // namespace notification
