@@ -5,8 +5,8 @@
 // so the order is that of a DLL's start-up code: constructors of static objects, DllMain, use, DllMain,
 // destructors of static objects. The platform knows the library's place around all of that.
 //
-// Known differences from Windows: DllMain hears nothing of threads, and a library bound at link time starts
-// whatever its DllMain answers.
+// Known differences from Windows: DllMain hears nothing of threads, the end of the process looks like an
+// unload, and a library bound at link time starts whatever its DllMain answers.
 
 #include "notebook/DllEntry.h"
 #include "notebook/PlugInModule.h"

@@ -96,9 +96,7 @@ LONG CDevMgr::Setup() noexcept
         DBGOUT(L"Initialize config file %s failed", kConfigFile);
         return kGeneralFailure;
     }
-    // A negative number would be a wait without end.
-    const int timeout = file.GetInt(L"OrvlDevMgr", L"TimeoutMS", kDefaultTimeout);
-    m_nTimeout = static_cast<ULONG>(timeout < 0 ? kDefaultTimeout : timeout);
+    m_nTimeout = service_boards::ReadTimeout(file, kDefaultTimeout);
     m_nOptions = static_cast<ULONG>(file.GetInt(L"OrvlDevMgr", L"DmOptions", kThroughService));
 
     owners::DeviceList devices(SetupDiCreateDeviceInfoList(nullptr, nullptr));

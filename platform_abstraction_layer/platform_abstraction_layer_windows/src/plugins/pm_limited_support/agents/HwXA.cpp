@@ -103,8 +103,8 @@ LONG ReadProperty(ULONG property, const wchar_t* deviceName, void* buffer, ULONG
                   CallDriver(DriverFunction::GetDeviceProperty, &input, buffer, size));
 }
 
-// Reads an entry's numbers anew. Only an object that doesn't exist empties the entry: a busy channel or a
-// failing driver says nothing about the object.
+// Reads an entry's numbers anew. Only a missing object clears the entry: a busy channel or a failing driver
+// says nothing about the object.
 void Refresh(DeviceProperties& entry) noexcept
 {
     constexpr LONG kNoSuchObject = ResultFromWin32(ERROR_FILE_NOT_FOUND);

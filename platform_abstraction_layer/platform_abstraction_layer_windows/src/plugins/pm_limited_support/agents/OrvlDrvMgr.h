@@ -41,7 +41,7 @@ private:
 namespace driver_channel
 {
 
-/// At load and unload of the library: makes the one object, and ends it with its connection.
+/// At load and unload of the library: creates the object; destroys it and closes its connection.
 void SetUp() noexcept;
 void TearDown() noexcept;
 

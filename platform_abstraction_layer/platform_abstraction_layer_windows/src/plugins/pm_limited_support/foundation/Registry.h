@@ -1,7 +1,7 @@
 // foundation/Registry.h
 //
-// Texts and records in the registry. Nothing there vouches for a type, a terminator, a whole number of
-// characters or a whole record.
+// Texts and records in the registry. Neither type, terminator, a whole number of characters nor a record's
+// size can be relied on there.
 #pragma once
 
 #include <windows.h>
@@ -29,6 +29,7 @@ LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t (&target)[N], DWORD* typ
 /// Reads the binary value `name` of `key`, a record of `recordSize` bytes, into `target`, which has room for
 /// `*bytes` bytes; on return `*bytes` is the value's own size. The system's code, or ERROR_INVALID_DATA for a
 /// value of another type or with fewer bytes than the record, whose bytes are then in `target` all the same.
+/// Without a size (`bytes` null) nothing is a record.
 LSTATUS ReadRecord(HKEY key, const wchar_t* name, unsigned char* target, DWORD* bytes,
                    DWORD recordSize) noexcept;
 

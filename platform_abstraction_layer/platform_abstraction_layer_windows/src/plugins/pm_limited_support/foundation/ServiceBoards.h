@@ -1,10 +1,12 @@
 // foundation/ServiceBoards.h
 //
 // What the plug-in and the service behind the boards agree on: the names and the size of the two boards, the
-// codes of requests and answers. The header of what they carry is that of every board (InterProcessBoard.h).
+// codes of requests and answers, how long an answer may take. The header of what they carry is that of every
+// board (InterProcessBoard.h).
 #pragma once
 
 #include "foundation/InterProcessBoard.h"
+#include "foundation/OrvlCfg.h"
 
 #include <cstddef>
 
@@ -27,5 +29,13 @@ constexpr DWORD kSchemeApplied = 3;
 
 /// The code of an answer; any other is a failure notice.
 constexpr DWORD kDone = 1;
+
+/// How long the service may take, in milliseconds, as the open root file says. A negative number would be a
+/// wait without end, so the default stands for it too.
+inline ULONG ReadTimeout(CORVLCfg& root, int defaultTimeout) noexcept
+{
+    const int timeout = root.GetInt(L"OrvlDevMgr", L"TimeoutMS", defaultTimeout);
+    return static_cast<ULONG>(timeout < 0 ? defaultTimeout : timeout);
+}
 
 } // namespace service_boards

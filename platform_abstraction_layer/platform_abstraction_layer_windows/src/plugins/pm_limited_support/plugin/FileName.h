@@ -5,6 +5,6 @@
 
 #include <windows.h>
 
-/// True for a name that is a file's wherever it stands. Not one: an empty name, one that leads out of its
-/// folder, one with a line break, and a device's, which is that device in every folder.
+/// True for a name that means a file in every folder. False for an empty name, one that leads out of its
+/// folder, one with a line break, and a device's name.
 bool IsFileName(const wchar_t* name) noexcept;

@@ -120,13 +120,6 @@ void RecordMachineChoice(CORVLCfg* root, int index, ReadBack readBack) noexcept
     }
 }
 
-// How long the service may take, in milliseconds. A negative number would be a wait without end.
-ULONG ReadTimeout(CORVLCfg& root) noexcept
-{
-    const int timeout = root.GetInt(L"OrvlDevMgr", L"TimeoutMS", kDefaultTimeout);
-    return static_cast<ULONG>(timeout < 0 ? kDefaultTimeout : timeout);
-}
-
 // Records the applied scheme and tells the service; false when the service fails.
 bool FinishActivation(CSchemeEx& engine, int index, ReadBack readBack) noexcept
 {
@@ -137,7 +130,7 @@ bool FinishActivation(CSchemeEx& engine, int index, ReadBack readBack) noexcept
         CORVLBase::DBGOUT(L"SetActivePwrScheme %d: initialize ORVLCfg.ini failed", index);
     }
     RecordMachineChoice(isOpen ? &root : nullptr, index, readBack);
-    const ULONG timeout = isOpen ? ReadTimeout(root) : kDefaultTimeout;
+    const ULONG timeout = isOpen ? service_boards::ReadTimeout(root, kDefaultTimeout) : kDefaultTimeout;
 
     // Where the folder can't be had, the service gets an empty text.
     wchar_t folder[text::kPathCapacity] = {};
