@@ -8,10 +8,8 @@
 #include "foundation/Results.h"
 #include "notebook/Clock.h"
 #include "notebook/Trace.h"
+#include "support/BoardService.h"
 #include "support/NotebookTest.h"
-
-#include <optional>
-#include <thread>
 
 using simulated::Faults;
 
@@ -21,47 +19,11 @@ namespace
 constexpr LONG kSize = 0x400;
 constexpr ULONG kPatience = 2000;
 
-// The other side of the boards: waits for one request and gives one answer.
-class Service
+// What a service does that gives one answer to everything; nothing for none.
+BoardService::Behaviour Always(std::optional<service::Answer> answer)
 {
-public:
-    explicit Service(std::optional<IpbDataHeader> answer) : m_answer(answer)
-    {
-        EXPECT_EQ(kSucceeded, m_parameters.Reset(L"ORVL_IPB_PARA", kSize, 1, 0));
-        EXPECT_EQ(kSucceeded, m_results.Reset(L"ORVL_IPB_RSLT", kSize, 1, 0));
-        m_thread = std::thread([this] { Serve(); });
-    }
-    ~Service()
-    {
-        m_thread.join();
-    }
-
-    /// What came in; call when the request is over.
-    IpbDataHeader header{};
-    wchar_t text[506]{};
-
-private:
-    void Serve()
-    {
-        if (m_parameters.IsDataAvailble(kPatience) == 0)
-        {
-            return;
-        }
-        m_parameters.Flag(1);
-        EXPECT_EQ(kSucceeded, m_parameters.Read(0, &header, sizeof header));
-        EXPECT_EQ(kSucceeded, m_parameters.Read(sizeof header, text, static_cast<LONG>(header.size)));
-        if (m_answer.has_value())
-        {
-            EXPECT_EQ(kSucceeded, m_results.Paste(0, &*m_answer, sizeof *m_answer));
-            m_results.Flag(0);
-        }
-    }
-
-    std::optional<IpbDataHeader> m_answer;
-    CInterProcessBoard m_parameters;
-    CInterProcessBoard m_results;
-    std::thread m_thread;
-};
+    return [answer](const service::Request&) { return answer; };
+}
 
 class ServiceCall : public NotebookTest
 {
@@ -85,19 +47,20 @@ protected:
 
 TEST_F(ServiceCall, TheRequestArrivesWholeAndTheValueComesBack)
 {
-    Service service(IpbDataHeader{1, 42, 0});
+    BoardService service(Always(service::Answer{1, 42}));
     EXPECT_EQ(42, Call(L"x"));
-    EXPECT_EQ(3U, service.header.code);
-    EXPECT_EQ(5U, service.header.value);
-    EXPECT_EQ(4U, service.header.size);
-    EXPECT_EQ("x", seeding::Utf8(service.text));
+    const auto requests = service.TakeRequests();
+    ASSERT_EQ(1U, requests.size());
+    EXPECT_EQ(3U, requests[0].code);
+    EXPECT_EQ(5U, requests[0].value);
+    EXPECT_EQ("x", seeding::Utf8(requests[0].text));
     EXPECT_EQ((std::vector<std::string>{"CDevMgr::DoStateChangeRemote got result 2a", ""}),
               seeding::LogLines("orvl.log"));
 }
 
 TEST_F(ServiceCall, AFailureNoticeFailsWhateverItsValue)
 {
-    Service service(IpbDataHeader{0, 0, 0});
+    const BoardService service(Always(service::Answer{0, 0}));
     EXPECT_EQ(kGeneralFailure, Call(L"x"));
     EXPECT_EQ((std::vector<std::string>{"A failure notice received in CDevMgr", ""}),
               seeding::LogLines("orvl.log"));
@@ -105,7 +68,7 @@ TEST_F(ServiceCall, AFailureNoticeFailsWhateverItsValue)
 
 TEST_F(ServiceCall, ASilentServiceEndsTheWait)
 {
-    Service service(std::nullopt);
+    const BoardService service(Always(std::nullopt));
     EXPECT_EQ(kGeneralFailure, Call(L"x", 50));
     EXPECT_EQ((std::vector<std::string>{"Waiting inbound board data timeout.", ""}),
               seeding::LogLines("orvl.log"));
@@ -114,12 +77,12 @@ TEST_F(ServiceCall, ASilentServiceEndsTheWait)
 // An answer that came too late for an earlier request must not count for this one.
 TEST_F(ServiceCall, AnOldAnswerIsNotTakenForThisOne)
 {
+    const BoardService service(Always(std::nullopt));
     CInterProcessBoard results;
-    ASSERT_EQ(kSucceeded, results.Reset(L"ORVL_IPB_RSLT", kSize, 1, 0));
+    ASSERT_EQ(kSucceeded, results.Reset(L"ORVL_IPB_RSLT", kSize, 0, 0));
     IpbDataHeader old{1, 13, 0};
     ASSERT_EQ(kSucceeded, results.Paste(0, &old, sizeof old));
     results.Flag(0);
-    Service service(std::nullopt);
     EXPECT_EQ(kGeneralFailure, Call(L"x", 50));
 }
 
@@ -134,10 +97,9 @@ TEST_F(ServiceCall, ATextThatDoesntFitOpensNothing)
 {
     const std::string longest(505, 't');
     {
-        Service service(IpbDataHeader{1, 0, 0});
+        BoardService service;
         EXPECT_EQ(0, Call(seeding::Wide(longest).data()));
-        EXPECT_EQ(1012U, service.header.size);
-        EXPECT_EQ(longest, seeding::Utf8(service.text));
+        EXPECT_EQ(longest, seeding::Utf8(service.TakeRequests().at(0).text));
     }
     seeding::Remove("C:\\temp1234567890\\orvl.log");
     simulated::Trace::Clear();

@@ -396,7 +396,7 @@ void AddAtRandom(Player& player, const std::string& name, int number)
 // Three users add and delete at random; the file says what a simple model says.
 TEST_F(AddDelete, TheUserSchemeFileFollowsAModelThroughManySteps)
 {
-    constexpr int kSteps = 3000;
+    constexpr int kSteps = 500;
     constexpr std::size_t kMostEntries = 5;
     Trace::Record(false);
     std::mt19937 random(20240229); // NOLINT(bugprone-random-generator-seed): a failure must be repeatable

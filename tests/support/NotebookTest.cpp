@@ -56,6 +56,7 @@ void NotebookTest::Recreate(const NotebookOptions& options)
 
 void NotebookTest::TearDown()
 {
+    EXPECT_TRUE(Faults::AllHit()) << "a fault waits for a call that never came";
     Faults::Clear();
     EXPECT_EQ(0U, Leaks::Count()) << Leaks::Describe();
     Leaks::Forget();

@@ -18,7 +18,7 @@ protected:
 
     void SetUp() override;
 
-    /// Fails the test when the plug-in still holds something of the platform's.
+    /// Fails the test when the plug-in still holds something of the platform's, or a fault was never met.
     void TearDown() override;
 
     /// The host's folder of this test's notebook.
