@@ -1,21 +1,18 @@
 // notebook/Machine.cpp
 //
-// The notebook's folder and machine.ini. The file is parsed once for each state that it has been in; whether
-// it has changed is asked of the file system at each look-up.
+// The notebook's folder and machine.ini.
 
 #include "notebook/Machine.h"
 
+#include "notebook/CachedFile.h"
 #include "notebook/IniDocument.h"
 #include "notebook/Text.h"
-#include "notebook/WholeFile.h"
 
 #include <charconv>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
-#include <memory>
 #include <mutex>
-#include <sys/stat.h>
 
 namespace simulated
 {
@@ -28,21 +25,11 @@ constexpr const char* kNoNotebook = "/dev/null";
 constexpr const char* kServiceAccount = "SYSTEM";
 constexpr const char* kStateFile = "machine.ini";
 
-// What tells one state of a file from another.
-struct FileState
+const char* FromEnvironment(const char* name, const char* otherwise)
 {
-    std::string path;
-    dev_t device = 0;
-    ino_t inode = 0;
-    off_t size = 0;
-    timespec changed = {};
-
-    bool operator==(const FileState& other) const
-    {
-        return path == other.path && device == other.device && inode == other.inode && size == other.size &&
-               changed.tv_sec == other.changed.tv_sec && changed.tv_nsec == other.changed.tv_nsec;
-    }
-};
+    const char* const value = std::getenv(name);
+    return value == nullptr || *value == 0 ? otherwise : value;
+}
 
 struct Section
 {
@@ -51,20 +38,35 @@ struct Section
     std::map<std::string, std::string> values; ///< by folded key
 };
 
-// machine.ini as it was read.
+// machine.ini and where to find what it says.
 struct Content
 {
+    IniDocument document{{}, Encoding::Utf8};
     std::vector<std::string> order;
     std::map<std::string, Section> sections; ///< by folded name
+
+    void Load(const std::string& text);
+    std::string Text() const
+    {
+        return document.Bytes();
+    }
+    const Section* Find(std::string_view name) const;
 };
 
 struct State
 {
     std::mutex mutex;
     std::string folder;
+    std::string absolute; ///< made of `absoluteOf`
+    std::string absoluteOf;
     std::string account;
-    FileState parsedFrom;
-    std::shared_ptr<const Content> content;
+    CachedFile<Content> file{std::string(kStateFile)};
+
+    /// The folder as it was chosen; the mutex is held.
+    const char* Folder() const
+    {
+        return folder.empty() ? FromEnvironment("SIM_NOTEBOOK", kNoNotebook) : folder.c_str();
+    }
 };
 
 // Never destroyed: threads may outlive the library's teardown.
@@ -74,29 +76,19 @@ State& TheState()
     return state;
 }
 
-FileState StateOf(const std::string& path)
+void Content::Load(const std::string& text)
 {
-    struct stat status = {};
-    if (stat(path.c_str(), &status) != 0)
-    {
-        return {path, 0, 0, -1, {}};
-    }
-    return {path, status.st_dev, status.st_ino, status.st_size, status.st_mtim};
-}
-
-std::shared_ptr<const Content> ParseContent(const std::string& path)
-{
-    auto content = std::make_shared<Content>();
-    const IniDocument document(ReadWhole(path).value_or(std::string()), Encoding::Utf8);
+    document = IniDocument(text, Encoding::Utf8);
+    order.clear();
+    sections.clear();
     for (IniSection& found : document.Contents())
     {
-        const auto [place, isNew] =
-            content->sections.try_emplace(FoldCase(found.name), Section{found.name, {}, {}});
+        const auto [place, isNew] = sections.try_emplace(FoldCase(found.name), Section{found.name, {}, {}});
         if (!isNew)
         {
             continue; // the first of a name counts
         }
-        content->order.push_back(found.name);
+        order.push_back(found.name);
         Section& section = place->second;
         for (auto& [key, value] : found.entries)
         {
@@ -106,55 +98,35 @@ std::shared_ptr<const Content> ParseContent(const std::string& path)
             }
         }
     }
-    return content;
 }
 
-std::string StatePath()
+const Section* Content::Find(std::string_view name) const
 {
-    return Machine::PathOf(kStateFile);
+    const auto found = sections.find(FoldCase(name));
+    return found == sections.end() ? nullptr : &found->second;
 }
 
-std::shared_ptr<const Content> Current()
+template <class Look>
+auto ReadState(Look look)
 {
-    const std::string path = StatePath();
-    State& state = TheState();
-    const std::lock_guard lock(state.mutex);
-    const FileState now = StateOf(path);
-    if (!state.content || !(now == state.parsedFrom))
-    {
-        // The state was taken before the reading: a change in between is noticed by the next look-up.
-        state.content = ParseContent(path);
-        state.parsedFrom = now;
-    }
-    return state.content;
+    return TheState().file.Read(look);
 }
 
-const Section* Find(const Content& content, std::string_view name)
-{
-    const auto found = content.sections.find(FoldCase(name));
-    return found == content.sections.end() ? nullptr : &found->second;
-}
-
-// Lets `change` edit the document under the writers' lock; nothing is written when that leaves it as it was.
 template <class Change>
 bool Edit(Change change)
 {
-    const std::string path = StatePath();
-    const FileLock lock(path);
-    if (!lock.IsHeld())
-    {
-        return false;
-    }
-    const std::string before = ReadWhole(path).value_or(std::string());
-    IniDocument document(before, Encoding::Utf8);
-    change(document);
-    return document.Bytes() == before || WriteWhole(path, document.Bytes());
-}
-
-std::string FromEnvironment(const char* name, const char* otherwise)
-{
-    const char* const value = std::getenv(name);
-    return value == nullptr || *value == 0 ? otherwise : value;
+    return TheState().file.Edit(
+        [&](Content& content)
+        {
+            IniDocument document = content.document;
+            change(document);
+            const bool isChanged = document.Bytes() != content.Text();
+            if (isChanged)
+            {
+                content.Load(document.Bytes());
+            }
+            return isChanged;
+        });
 }
 
 } // namespace
@@ -163,7 +135,7 @@ std::string Machine::Folder()
 {
     State& state = TheState();
     const std::lock_guard lock(state.mutex);
-    return state.folder.empty() ? FromEnvironment("SIM_NOTEBOOK", kNoNotebook) : state.folder;
+    return state.Folder();
 }
 
 void Machine::Use(const std::string& folder)
@@ -175,9 +147,17 @@ void Machine::Use(const std::string& folder)
 
 std::string Machine::PathOf(std::string_view part)
 {
-    std::error_code ignored;
-    const std::filesystem::path folder = std::filesystem::absolute(Folder(), ignored);
-    return (folder / part).lexically_normal().string();
+    State& state = TheState();
+    const std::lock_guard lock(state.mutex);
+    if (state.absoluteOf != state.Folder())
+    {
+        std::error_code ignored;
+        state.absoluteOf = state.Folder();
+        state.absolute = std::filesystem::absolute(state.absoluteOf, ignored).lexically_normal().string();
+    }
+    std::string path = state.absolute;
+    path += '/';
+    return path += part;
 }
 
 std::string Machine::Account()
@@ -196,14 +176,17 @@ void Machine::RunAs(const std::string& account)
 
 std::optional<std::string> Machine::Read(std::string_view section, std::string_view key)
 {
-    const std::shared_ptr<const Content> content = Current();
-    const Section* const found = Find(*content, section);
-    if (found == nullptr)
-    {
-        return std::nullopt;
-    }
-    const auto value = found->values.find(FoldCase(key));
-    return value == found->values.end() ? std::nullopt : std::optional(value->second);
+    return ReadState(
+        [&](const Content& content) -> std::optional<std::string>
+        {
+            const Section* const found = content.Find(section);
+            if (found == nullptr)
+            {
+                return std::nullopt;
+            }
+            const auto value = found->values.find(FoldCase(key));
+            return value == found->values.end() ? std::nullopt : std::optional(value->second);
+        });
 }
 
 std::string Machine::Read(std::string_view section, std::string_view key, std::string_view otherwise)
@@ -256,14 +239,17 @@ bool Machine::Remove(std::string_view section, std::string_view key)
 
 std::vector<std::string> Machine::Sections()
 {
-    return Current()->order;
+    return ReadState([](const Content& content) { return content.order; });
 }
 
 std::vector<std::string> Machine::Keys(std::string_view section)
 {
-    const std::shared_ptr<const Content> content = Current();
-    const Section* const found = Find(*content, section);
-    return found == nullptr ? std::vector<std::string>() : found->keys;
+    return ReadState(
+        [&](const Content& content)
+        {
+            const Section* const found = content.Find(section);
+            return found == nullptr ? std::vector<std::string>() : found->keys;
+        });
 }
 
 } // namespace simulated

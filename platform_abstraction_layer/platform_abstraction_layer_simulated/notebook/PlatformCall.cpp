@@ -10,6 +10,7 @@
 #include "notebook/TraceSink.h"
 
 #include <array>
+#include <atomic>
 #include <cstdio>
 
 namespace simulated
@@ -25,6 +26,9 @@ constexpr std::array<const char*, static_cast<std::size_t>(CallClass::kCount)> k
 // Long texts would drown the line; what is cut is seldom what the reader looks for.
 constexpr std::size_t kLongestText = 120;
 
+thread_local std::uint64_t currentCall = 0;
+std::atomic<std::uint64_t> lastCall{0};
+
 } // namespace
 
 const char* Name(CallClass callClass) noexcept
@@ -35,11 +39,28 @@ const char* Name(CallClass callClass) noexcept
 PlatformCall::PlatformCall(CallClass callClass, const char* function, const void* caller) noexcept
     : m_class(callClass), m_function(function), m_caller(caller), m_observed(IsInPlugIn(caller)),
       m_traced(m_observed && TraceSink::IsListening()),
-      m_fault(m_observed ? TraceSink::Enter(callClass, function) : ERROR_SUCCESS)
+      m_fault(m_observed ? TraceSink::Enter(callClass, function) : ERROR_SUCCESS), m_outer(currentCall)
 {
+    if (m_observed || m_outer == 0)
+    {
+        currentCall = ++lastCall;
+    }
 }
 
-PlatformCall::~PlatformCall() = default;
+PlatformCall::~PlatformCall()
+{
+    currentCall = m_outer;
+}
+
+std::uint64_t PlatformCall::Current() noexcept
+{
+    return currentCall;
+}
+
+void PlatformCall::Renew() noexcept
+{
+    currentCall = currentCall == 0 ? 0 : ++lastCall;
+}
 
 void PlatformCall::AppendArgument(const std::string& text)
 {
@@ -56,16 +77,24 @@ BOOL PlatformCall::FinishBoolean(DWORD error)
     {
         SetError(error);
     }
-    Note(error == ERROR_SUCCESS, error == ERROR_SUCCESS ? "TRUE" : "FALSE", error);
+    if (m_traced)
+    {
+        AddToTrace(error == ERROR_SUCCESS, error == ERROR_SUCCESS ? "TRUE" : "FALSE", error);
+    }
     return error == ERROR_SUCCESS ? TRUE : FALSE;
 }
 
-void PlatformCall::Note(bool succeeded, const std::string& answer, DWORD error)
+void PlatformCall::AnswerNothing()
 {
     if (m_traced)
     {
-        TraceSink::Add({m_class, m_function, m_arguments, answer, succeeded, error, m_caller});
+        AddToTrace(true, "nothing", ERROR_SUCCESS);
     }
+}
+
+void PlatformCall::AddToTrace(bool succeeded, const std::string& answer, DWORD error)
+{
+    TraceSink::Add({m_class, m_function, m_arguments, answer, succeeded, error, m_caller});
 }
 
 std::string PlatformCall::Describe(const wchar_t* text)

@@ -70,6 +70,13 @@ public:
     PlatformCall(const PlatformCall&) = delete;
     PlatformCall& operator=(const PlatformCall&) = delete;
 
+    /// The platform call that the calling thread is in, by a number that no other has; 0 outside of all. What
+    /// a call itself calls is part of it, unless the plug-in comes in between.
+    static std::uint64_t Current() noexcept;
+
+    /// Makes the present call look anew at what others may have changed since it began.
+    static void Renew() noexcept;
+
     /// True when the plug-in itself made the call: trace, faults and the leak count see only those.
     bool IsObserved() const noexcept
     {
@@ -122,7 +129,7 @@ public:
     LSTATUS Status(Work work)
     {
         const DWORD error = IsRefused() ? m_fault : work();
-        Note(error == ERROR_SUCCESS, Describe(error), error);
+        Note(error == ERROR_SUCCESS, error, error);
         return static_cast<LSTATUS>(error);
     }
 
@@ -132,7 +139,7 @@ public:
     {
         const DWORD error = work();
         const DWORD answered = IsRefused() ? m_fault : error;
-        Note(answered == ERROR_SUCCESS, Describe(answered), answered);
+        Note(answered == ERROR_SUCCESS, answered, answered);
         return static_cast<LSTATUS>(answered);
     }
 
@@ -141,7 +148,7 @@ public:
     HRESULT Com(Work work)
     {
         const HRESULT result = IsRefused() ? HRESULT_FROM_WIN32(m_fault) : work();
-        Note(SUCCEEDED(result), Describe(static_cast<DWORD>(result)), ERROR_SUCCESS);
+        Note(SUCCEEDED(result), static_cast<DWORD>(result), ERROR_SUCCESS);
         return result;
     }
 
@@ -159,7 +166,7 @@ public:
         {
             SetError(outcome.error);
         }
-        Note(outcome.value != failure, Describe(outcome.value), outcome.error);
+        Note(outcome.value != failure, outcome.value, outcome.error);
         return outcome.value;
     }
 
@@ -167,15 +174,12 @@ public:
     template <class Value>
     Value Answer(Value value)
     {
-        Note(true, Describe(value), ERROR_SUCCESS);
+        Note(true, value, ERROR_SUCCESS);
         return value;
     }
 
     /// For functions that answer nothing.
-    void AnswerNothing()
-    {
-        Note(true, "nothing", ERROR_SUCCESS);
-    }
+    void AnswerNothing();
 
     static std::string Describe(const wchar_t* text);
     static std::string Describe(const char* text);
@@ -201,7 +205,15 @@ public:
 private:
     BOOL FinishBoolean(DWORD error);
     void AppendArgument(const std::string& text);
-    void Note(bool succeeded, const std::string& answer, DWORD error);
+    template <class Value>
+    void Note(bool succeeded, const Value& answer, DWORD error)
+    {
+        if (m_traced)
+        {
+            AddToTrace(succeeded, Describe(answer), error);
+        }
+    }
+    void AddToTrace(bool succeeded, const std::string& answer, DWORD error);
     static void SetError(DWORD error) noexcept;
 
     CallClass m_class;
@@ -210,6 +222,7 @@ private:
     bool m_observed;
     bool m_traced;
     DWORD m_fault;
+    std::uint64_t m_outer; ///< the call that this one is made in
     std::string m_arguments;
 };
 

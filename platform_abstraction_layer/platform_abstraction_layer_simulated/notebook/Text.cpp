@@ -179,9 +179,16 @@ bool CopyToUtf16(std::string_view source, wchar_t* target, std::size_t capacity)
 
 std::string FoldCase(std::string_view source)
 {
-    std::string target;
-    target.reserve(source.size());
-    for (std::size_t place = 0; place < source.size();)
+    // Nearly all names are plain to their end.
+    std::string target(source);
+    std::size_t place = 0;
+    for (char* at = target.data(); place < source.size() && static_cast<unsigned char>(*at) < 0x80; ++at)
+    {
+        *at = static_cast<char>(*at >= 'a' && *at <= 'z' ? *at - 0x20 : *at);
+        ++place;
+    }
+    target.resize(place);
+    while (place < source.size())
     {
         AppendUtf8(target, UpperCase(NextPoint(source, place)));
     }

@@ -87,11 +87,17 @@ void StampExactly(int file)
     futimens(file, now);
 }
 
+int CreateSide(const std::string& side)
+{
+    return open(side.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode);
+}
+
 // What a killed writer left may still be read by someone under its earlier name, so it isn't used again.
 bool WriteSide(const std::string& side, std::string_view bytes, std::optional<mode_t> mode)
 {
-    unlink(side.c_str());
-    const Descriptor file(open(side.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFileMode));
+    const int first = CreateSide(side);
+    const bool isLeft = first < 0 && errno == EEXIST && unlink(side.c_str()) == 0;
+    const Descriptor file(isLeft ? CreateSide(side) : first);
     if (file.Get() < 0 || !WriteAll(file.Get(), bytes))
     {
         return false;
@@ -114,11 +120,27 @@ bool TakePlace(const std::string& side, const std::string& path)
 
 } // namespace
 
+FileState StateOf(const std::string& path)
+{
+    struct stat status = {};
+    if (stat(path.c_str(), &status) != 0)
+    {
+        return {.path = path};
+    }
+    return {path,           status.st_dev,         status.st_ino,
+            status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+}
+
 std::optional<std::string> ReadWhole(const std::string& path)
 {
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    return file.Get() < 0 ? std::nullopt : ReadWhole(file.Get());
+}
+
+std::optional<std::string> ReadWhole(int descriptor)
+{
     struct stat status = {};
-    if (file.Get() < 0 || fstat(file.Get(), &status) != 0)
+    if (fstat(descriptor, &status) != 0)
     {
         return std::nullopt;
     }
@@ -131,7 +153,7 @@ std::optional<std::string> ReadWhole(const std::string& path)
     std::size_t filled = 0;
     while (filled < bytes.size())
     {
-        const ssize_t got = read(file.Get(), bytes.data() + filled, bytes.size() - filled);
+        const ssize_t got = read(descriptor, bytes.data() + filled, bytes.size() - filled);
         if (got < 0 && errno != EINTR)
         {
             return std::nullopt;
@@ -162,10 +184,13 @@ bool WriteWhole(const std::string& path, std::string_view bytes)
     return true;
 }
 
-FileLock::FileLock(const std::string& path)
+FileLock::FileLock(const std::string& path, Kind kind)
     : m_descriptor(open(Beside(path, kLockEnd).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666))
 {
-    while (m_descriptor >= 0 && flock(m_descriptor, LOCK_EX) != 0)
+    const int operation = kind == Kind::Shared     ? LOCK_SH
+                          : kind == Kind::AloneNow ? LOCK_EX | LOCK_NB
+                                                   : LOCK_EX;
+    while (m_descriptor >= 0 && flock(m_descriptor, operation) != 0)
     {
         if (errno != EINTR)
         {
