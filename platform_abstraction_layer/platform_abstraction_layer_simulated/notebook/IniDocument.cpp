@@ -78,7 +78,9 @@ IniDocument::Line IniDocument::LineAt(std::size_t begin) const noexcept
     std::size_t place = begin;
     if (m_width == 1)
     {
-        place = std::min(m_bytes.find_first_of(kLineEnd, begin), end);
+        const std::string_view rest = std::string_view(m_bytes).substr(begin);
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        place += std::min(line.find('\r'), line.size());
     }
     while (place < end && !IsLineEnd(UnitAt(place)))
     {

@@ -6,6 +6,7 @@
 
 #include "kernel32/Paths.h"
 #include "kernel32/ShareModes.h"
+#include "kernel32/SharedPages.h"
 
 #include "notebook/CodePage.h"
 #include "notebook/WholeFile.h"
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <fcntl.h>
 #include <utility>
 
 namespace simulated::profile
@@ -96,13 +98,16 @@ UINT DigitOf(char character)
 Outcome<std::optional<IniDocument>> Read(std::string_view file)
 {
     paths::Place place;
-    DWORD error = paths::FindExisting(WithFolder(file), place);
-    error = error != ERROR_SUCCESS ? error : share_modes::Check(place.host, GENERIC_READ);
-    if (error != ERROR_SUCCESS)
+    if (const DWORD error = paths::FindExisting(WithFolder(file), place); error != ERROR_SUCCESS)
     {
         return {std::nullopt, error};
     }
-    std::optional<std::string> bytes = ReadWhole(place.host);
+    const Descriptor opened(open(place.host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (opened.IsOpen() && share_modes::Check(opened.Get(), GENERIC_READ) != ERROR_SUCCESS)
+    {
+        return {std::nullopt, ERROR_SHARING_VIOLATION};
+    }
+    std::optional<std::string> bytes = opened.IsOpen() ? ReadWhole(opened.Get()) : std::nullopt;
     if (!bytes)
     {
         return {std::nullopt, paths::ErrorOf(errno)};

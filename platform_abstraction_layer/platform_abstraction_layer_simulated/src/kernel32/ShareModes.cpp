@@ -114,9 +114,15 @@ DWORD Check(const std::string& host, DWORD access)
     {
         return ERROR_SUCCESS;
     }
+    const DWORD error = Check(descriptor, access);
+    close(descriptor);
+    return error;
+}
+
+DWORD Check(int descriptor, DWORD access)
+{
     const bool refused =
         IsRefused(descriptor, access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
-    close(descriptor);
     return refused ? ERROR_SHARING_VIOLATION : ERROR_SUCCESS;
 }
 

@@ -19,5 +19,6 @@ DWORD Claim(int descriptor, DWORD access, DWORD share);
 /// Whether an opener with `access` (GENERIC_READ, GENERIC_WRITE, DELETE) that allows everything would be let
 /// in just now: 0, or ERROR_SHARING_VIOLATION. A file that can't be opened counts as free.
 DWORD Check(const std::string& host, DWORD access);
+DWORD Check(int descriptor, DWORD access);
 
 } // namespace simulated::share_modes
