@@ -12,8 +12,7 @@
 
 #include <windows.h>
 
-#include <filesystem>
-#include <fstream>
+#include <algorithm>
 #include <utility>
 
 using namespace simulated;
@@ -27,63 +26,99 @@ constexpr const char* kKey = "HKLM\\SOFTWARE\\Kelvo\\ORVA";
 class RegistryFilesTest : public NotebookTest
 {
 protected:
-    static std::string FileOf(const std::string& value)
+    static std::string File()
     {
-        return Machine::PathOf("registry/HKEY_LOCAL_MACHINE/SOFTWARE/Kelvo/ORVA/") + '=' + value;
+        return Machine::PathOf("registry/HKEY_LOCAL_MACHINE.reg");
+    }
+
+    /// What the file holds of the key's values.
+    static std::string Lines()
+    {
+        const std::string text = ReadWhole(File()).value_or("");
+        const std::string header = "\n[HKEY_LOCAL_MACHINE\\SOFTWARE\\Kelvo\\ORVA]\n";
+        const std::size_t begin = std::min(text.find(header), text.size() - header.size()) + header.size();
+        return text.substr(begin, text.find("\n[", begin) - begin);
     }
 };
 
 TEST_F(RegistryFilesTest, EachValueHasAReadableFormThatGivesItBack)
 {
+    const std::string bytes(26, 'A');
+    std::string shown = "hex:41";
+    for (std::size_t index = 1; index < bytes.size(); ++index)
+    {
+        shown += index == 25 ? ",\\\n  41" : ",41";
+    }
     const std::pair<Value, std::string> rows[] = {
         {registry::NumberValue(42), "dword:0000002a"},
-        {registry::TextValue("C:\\Cfg\\", REG_SZ), "sz:C:\\Cfg\\"},
-        {registry::TextValue("", REG_SZ), "sz:"},
-        {registry::TextValue("a\nb\xC3\xA4", REG_EXPAND_SZ), "expand_sz:a\nb\xC3\xA4"},
+        {registry::TextValue("C:\\\"Cfg\"\\", REG_SZ), R"("C:\\\"Cfg\"\\")"},
+        {registry::TextValue("", REG_SZ), R"("")"},
+        {registry::TextValue("a\nb\xC3\xA4=\"[x]\n@=", REG_SZ), "\"a\nb\xC3\xA4=\\\"[x]\n@=\""},
+        {registry::TextValue("a", REG_EXPAND_SZ), "hex(2):61,00,00,00"},
+        {{REG_BINARY, bytes}, shown},
         {{REG_BINARY, std::string("\x00\xFF\x0A", 3)}, "hex:00,ff,0a"},
         {{REG_BINARY, ""}, "hex:"},
         {{REG_SZ, std::string("a\0", 2)}, "hex(1):61,00"},
         {{REG_SZ, std::string("a\0\0\0\0\0", 6)}, "hex(1):61,00,00,00,00,00"},
+        {{REG_SZ, std::string("\0\xD8\0\0", 4)}, "hex(1):00,d8,00,00"},
         {{REG_SZ, "abc"}, "hex(1):61,62,63"},
         {{REG_DWORD, "\x01"}, "hex(4):01"},
         {{0x12345, ""}, "hex(12345):"},
     };
     for (const auto& [value, text] : rows)
     {
-        ASSERT_TRUE(RegistryEditor::Write(kKey, "v", value));
-        EXPECT_EQ(text + '\n', ReadWhole(FileOf("v")));
-        const std::optional<Value> read = RegistryEditor::Read(kKey, "v");
+        ASSERT_TRUE(RegistryEditor::Write(kKey, "v\"\\=]", value));
+        EXPECT_EQ("\"v\\\"\\\\=]\"=" + text + '\n', Lines());
+        ASSERT_TRUE(WriteWhole(File(), *ReadWhole(File()))); // which is read anew
+        const std::optional<Value> read = RegistryEditor::Read(kKey, "V\"\\=]");
         ASSERT_TRUE(read) << text;
         EXPECT_TRUE(value.type == read->type && value.bytes == read->bytes) << text;
     }
 }
 
-TEST_F(RegistryFilesTest, AFileThatSaysNothingIsNoValue)
+TEST_F(RegistryFilesTest, AFileThatAnEditorOfTextsHasWritten)
 {
-    for (const char* const text : {"", "word:1", "dword:", "dword:1x", "dword:123456789", "hex:100", "hex:zz",
-                                   "hex(:00", "hex(x):00", "hex(1)00"})
+    ASSERT_TRUE(WriteWhole(File(),
+                           "REGEDIT4\r\n\r\n; a remark\r\n[HKEY_LOCAL_MACHINE\\A\\b]\r\n@=\"x\"\r\n"
+                           "\"v\"=hex:01,\\\r\n  02\r\n\"v2\"\r\nnonsense\r\n\r\n[HKEY_LOCAL_MACHINE\\a]\r\n"
+                           "\"n\"=dword:7\r\n[HKEY_LOCAL_MACHINE\\A\\B]\r\n\"V\"=hex:03"));
+    EXPECT_EQ((std::vector<std::string>{"A"}), RegistryEditor::Keys("HKLM"));
+    EXPECT_EQ((std::vector<std::string>{"b"}), RegistryEditor::Keys("HKLM\\A"));
+    EXPECT_EQ(7U, RegistryEditor::ReadNumber("HKLM\\A", "n"));
+    EXPECT_EQ("x", RegistryEditor::ReadText("HKLM\\A\\b", ""));
+    EXPECT_EQ((std::vector<std::string>{"", "v"}), RegistryEditor::Values("HKLM\\A\\b"));
+    EXPECT_EQ("\x03", RegistryEditor::Read("HKLM\\A\\b", "v")->bytes);
+}
+
+// It spoils nothing else, and stays as it is.
+TEST_F(RegistryFilesTest, AFormThatSaysNothingIsNoValue)
+{
+    for (const char* const form : {"", "word:1", "dword:", "dword:1x", "dword:123456789", "hex:100", "hex:zz",
+                                   "hex(:00", "hex(x):00", "hex(1)00", "\"x\"y"})
     {
-        ASSERT_TRUE(WriteWhole(FileOf("v"), text));
+        ASSERT_TRUE(RegistryEditor::WriteForm(kKey, "v", form));
+        ASSERT_TRUE(RegistryEditor::WriteNumber(kKey, "w", 1));
         HKEY key = nullptr;
         ASSERT_EQ(ERROR_SUCCESS,
                   RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Kelvo\\ORVA", 0, KEY_READ, &key));
-        EXPECT_EQ(ERROR_BADDB, RegQueryValueExW(key, L"v", nullptr, nullptr, nullptr, nullptr)) << text;
+        EXPECT_EQ(ERROR_BADDB, RegQueryValueExW(key, L"v", nullptr, nullptr, nullptr, nullptr)) << form;
         EXPECT_EQ(ERROR_SUCCESS, RegCloseKey(key));
+        EXPECT_EQ("\"v\"=" + std::string(form) + "\n\"w\"=dword:00000001\n", Lines());
     }
 }
 
-// A key that is deleted while others work below it goes whole; what a killed process left over is in nobody's
-// way.
-TEST_F(RegistryFilesTest, LeftoversAreNoPartOfTheRegistry)
+TEST_F(RegistryFilesTest, AKeyThatIsMadeAgainElsewhereIsAnotherOne)
 {
-    const std::filesystem::path folder = Machine::PathOf("registry/HKEY_LOCAL_MACHINE/SOFTWARE/Kelvo");
-    std::filesystem::create_directories(folder / ".~deleted.new/x");
-    std::ofstream(folder / "ORVA/.~=v.new") << "sz:torn";
-    EXPECT_EQ((std::vector<std::string>{"ORVA", "ORVL"}), RegistryEditor::Keys("HKLM\\SOFTWARE\\Kelvo"));
-    EXPECT_TRUE(RegistryEditor::Values(kKey).empty());
-    EXPECT_TRUE(RegistryEditor::WriteNumber(kKey, "v", 1));
-    EXPECT_TRUE(RegistryEditor::RemoveKey(kKey));
-    EXPECT_FALSE(std::filesystem::exists(folder / ".~deleted.new"));
+    HKEY key = nullptr;
+    ASSERT_EQ(ERROR_SUCCESS, RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Kelvo\\ORVA", 0, KEY_READ, &key));
+    const auto elsewhere = [](auto work) { return ChildProcess(work).Await(); };
+    EXPECT_EQ(0, elsewhere([] { return RegistryEditor::WriteNumber(kKey, "v", 1); }));
+    EXPECT_EQ(ERROR_SUCCESS, RegQueryValueExW(key, L"v", nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(0, elsewhere([] { return RegistryEditor::RemoveKey(kKey); }));
+    EXPECT_EQ(ERROR_KEY_DELETED, RegQueryValueExW(key, L"v", nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(0, elsewhere([] { return RegistryEditor::WriteNumber(kKey, "v", 1); }));
+    EXPECT_EQ(ERROR_KEY_DELETED, RegQueryValueExW(key, L"v", nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(ERROR_SUCCESS, RegCloseKey(key));
 }
 
 constexpr unsigned kRounds = 1000;

@@ -87,7 +87,7 @@ TEST_F(ToolTest, ShowsAndChangesTheRegistry)
     Tool("registry set " + key + " Number dword:2a");
     EXPECT_EQ("some words", RegistryEditor::ReadText("HKEY_CURRENT_USER\\Software\\A", "Text"));
     EXPECT_EQ(42U, RegistryEditor::ReadNumber("HKCU\\Software\\A", "Number"));
-    EXPECT_EQ("Number = dword:0000002a\nText = sz:some words\n", Tool("registry list " + key));
+    EXPECT_EQ("Number = dword:0000002a\nText = \"some words\"\n", Tool("registry list " + key));
     EXPECT_EQ("dword:0000002a\n", Tool("registry get " + key + " number"));
     Tool("registry delete " + key + " Number");
     Tool("registry get " + key + " Number", 1);

@@ -4,8 +4,6 @@
 
 #include "notebook/HardwareSeeding.h"
 
-#include "notebook/Text.h"
-
 #include <winnt.h>
 
 namespace simulated
@@ -209,13 +207,6 @@ constexpr DriverValue kDriverValues[] = {
     {"0001", "ProviderName", "Intel"},
 };
 
-bool PutText(const RegistryPut& put, const std::string& path, const char* name, const char* text)
-{
-    std::vector<wchar_t> units = ToUtf16(text);
-    units.push_back(0);
-    return put(path, name, REG_SZ, units.data(), static_cast<DWORD>(units.size() * sizeof units[0]));
-}
-
 } // namespace
 
 std::string_view DefaultHardware()
@@ -223,14 +214,15 @@ std::string_view DefaultHardware()
     return kHardware.substr(1); // the line's end behind the opening parenthesis
 }
 
-bool SeedMachineDevices(const RegistryPut& put)
+void SeedMachineDevices(registry::Hive& hive)
 {
-    bool all = PutText(put, kNetKeys, "", "Network adapters") && PutText(put, kNetKeys, "Class", "Net");
+    hive.Put(kNetKeys, "", registry::TextValue("Network adapters", REG_SZ));
+    hive.Put(kNetKeys, "Class", registry::TextValue("Net", REG_SZ));
     for (const DriverValue& value : kDriverValues)
     {
-        all = all && PutText(put, std::string(kNetKeys) + '\\' + value.number, value.name, value.text);
+        hive.Put(std::string(kNetKeys) + '\\' + value.number, value.name,
+                 registry::TextValue(value.text, REG_SZ));
     }
-    return all;
 }
 
 } // namespace simulated

@@ -4,7 +4,7 @@
 // battery, a graphics driver.
 #pragma once
 
-#include "notebook/PowerSeeding.h"
+#include "advapi32/Hive.h"
 
 #include <string_view>
 
@@ -15,6 +15,6 @@ namespace simulated
 std::string_view DefaultHardware();
 
 /// The class keys of its devices, below HKEY_LOCAL_MACHINE.
-bool SeedMachineDevices(const RegistryPut& put);
+void SeedMachineDevices(registry::Hive& hive);
 
 } // namespace simulated

@@ -4,11 +4,13 @@
 
 #include "notebook/HostFiles.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace simulated::host_files
 {
@@ -51,6 +53,38 @@ bool Write(const std::string& path, std::string_view bytes)
 bool Link(const std::string& path, const std::string& target)
 {
     return symlink(target.c_str(), path.c_str()) == 0 || errno == EEXIST;
+}
+
+void Tree::Add(const std::string& path, Entry entry)
+{
+    if (const std::size_t last = path.rfind('/'); last != std::string::npos)
+    {
+        AddFolder(path.substr(0, last));
+    }
+    m_entries.try_emplace(path, std::move(entry));
+}
+
+void Tree::AddFolder(const std::string& path)
+{
+    Add(path, {[](const std::string& folder, const std::string&) { return MakeFolder(folder); }, {}});
+}
+
+void Tree::AddFile(const std::string& path, std::string bytes)
+{
+    Add(path, {[](const std::string& file, const std::string& content) { return Write(file, content); },
+               std::move(bytes)});
+}
+
+void Tree::AddLink(const std::string& path, std::string target)
+{
+    Add(path, {&Link, std::move(target)});
+}
+
+bool Tree::MakeIn(const std::string& folder) const
+{
+    return std::all_of(m_entries.begin(), m_entries.end(),
+                       [&](const auto& entry)
+                       { return entry.second.make(folder + '/' + entry.first, entry.second.content); });
 }
 
 bool RemoveAll(const std::string& path)

@@ -4,6 +4,7 @@
 // may look at is changed by WholeFile.
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -21,6 +22,28 @@ bool Write(const std::string& path, std::string_view bytes);
 
 /// A symbolic link; true also when something of that name is there already.
 bool Link(const std::string& path, const std::string& target);
+
+/// Folders, files and links by their paths below a folder, made all at once.
+class Tree
+{
+public:
+    /// What is added brings all folders above it.
+    void AddFolder(const std::string& path);
+    void AddFile(const std::string& path, std::string bytes);
+    void AddLink(const std::string& path, std::string target);
+
+    bool MakeIn(const std::string& folder) const;
+
+private:
+    struct Entry
+    {
+        bool (*make)(const std::string& path, const std::string& content);
+        std::string content;
+    };
+    void Add(const std::string& path, Entry entry);
+
+    std::map<std::string, Entry> m_entries; ///< each behind the folder that it is in
+};
 
 /// Removes a file, or a folder with all that is in it. True also when there is nothing.
 bool RemoveAll(const std::string& path);

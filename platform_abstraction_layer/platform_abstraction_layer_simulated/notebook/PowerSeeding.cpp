@@ -27,35 +27,36 @@ DWORD TypeOf(power_store::ValueKind kind) noexcept
     return REG_BINARY;
 }
 
-class Putter : public power_store::ValueWriter
+class HiveWriter : public power_store::ValueWriter
 {
 public:
-    explicit Putter(const RegistryPut& put) : m_put(put)
+    explicit HiveWriter(registry::Hive& hive) : m_hive(hive)
     {
     }
 
     bool Put(const wchar_t* path, const wchar_t* name, power_store::ValueKind kind, const void* data,
              DWORD size) override
     {
-        return m_put(ToUtf8(path), ToUtf8(name), TypeOf(kind), data, size);
+        m_hive.Put(ToUtf8(path), ToUtf8(name), {TypeOf(kind), {static_cast<const char*>(data), size}});
+        return true;
     }
 
 private:
-    const RegistryPut& m_put;
+    registry::Hive& m_hive;
 };
 
 } // namespace
 
-bool SeedMachinePower(DWORD majorVersion, const RegistryPut& put)
+void SeedMachinePower(DWORD majorVersion, registry::Hive& hive)
 {
-    Putter writer(put);
-    return power_store::WriteMachineDefaults(writer, majorVersion);
+    HiveWriter writer(hive);
+    power_store::WriteMachineDefaults(writer, majorVersion);
 }
 
-bool SeedUserPower(const RegistryPut& put)
+void SeedUserPower(registry::Hive& hive)
 {
-    Putter writer(put);
-    return power_store::WriteUserDefaults(writer);
+    HiveWriter writer(hive);
+    power_store::WriteUserDefaults(writer);
 }
 
 } // namespace simulated

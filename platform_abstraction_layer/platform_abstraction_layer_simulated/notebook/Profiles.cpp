@@ -5,9 +5,8 @@
 #include "notebook/Profiles.h"
 
 #include "advapi32/Hives.h"
-#include "notebook/HostFiles.h"
 #include "notebook/Machine.h"
-#include "notebook/RegistrySeeder.h"
+#include "notebook/PowerSeeding.h"
 
 #include <winnt.h>
 
@@ -44,38 +43,29 @@ std::string Joined(std::string_view folder, std::string_view rest)
     return std::string(folder) + '\\' + std::string(rest);
 }
 
-bool FillHive(RegistrySeeder& hive, const Account& account, const Layout& layout)
+registry::Hive FreshHive(const Account& account, const Layout& layout)
 {
-    const std::string shellFolders = Joined(kExplorer, "Shell Folders");
-    bool done = hive.PutText(kExplorer, "Logon User Name", account.name) &&
-                hive.PutText(shellFolders, "Local AppData", Joined(account.profile, layout.localAppData)) &&
-                hive.PutText(shellFolders, "AppData", Joined(account.profile, layout.appData)) &&
-                hive.AddKey("Software\\Kelvo") && hive.AddKey("Environment");
-    // Every hive gets the same, so it is worked out once.
-    static const std::vector<RegistrySeeder::File> kPower = RegistrySeeder::Record(&SeedUserPower);
-    for (const RegistrySeeder::File& file : kPower)
+    // What is the same for all is worked out once.
+    static const registry::Hive kFresh = []
     {
-        done = done && hive.Put(file);
-    }
+        registry::Hive hive("HKEY_CURRENT_USER");
+        SeedUserPower(hive);
+        hive.Make("Software\\Kelvo");
+        hive.Make("Environment");
+        return hive;
+    }();
+    registry::Hive hive = kFresh;
+    const std::string shellFolders = Joined(kExplorer, "Shell Folders");
+    const auto put = [&](std::string_view name, std::string_view folder)
+    { hive.Put(shellFolders, name, registry::TextValue(Joined(account.profile, folder), REG_SZ)); };
+    put("Local AppData", layout.localAppData);
+    put("AppData", layout.appData);
     for (const ShellFolder& folder : kShellFolders)
     {
-        done = done && hive.PutText(shellFolders, folder.value, Joined(account.profile, folder.folder));
+        put(folder.value, folder.folder);
     }
-    return done;
-}
-
-bool MakeFolders(const Account& account, const Layout& layout)
-{
-    const std::string profile = HostPath(account.profile);
-    bool done = host_files::MakeFolders(HostPath(Joined(account.profile, layout.localAppData))) &&
-                host_files::MakeFolders(HostPath(Joined(account.profile, layout.appData)));
-    if (layout.localAppData != kEarlyLocalAppData)
-    {
-        // Programs of the earlier generation know the folder by the name that it had there.
-        done = done && host_files::MakeFolder(HostPath(Joined(account.profile, "Local Settings"))) &&
-               host_files::Link(HostPath(Joined(account.profile, kEarlyLocalAppData)), "../AppData/Local");
-    }
-    return done;
+    hive.Put(kExplorer, "Logon User Name", registry::TextValue(account.name, REG_SZ));
+    return hive;
 }
 
 } // namespace
@@ -85,36 +75,55 @@ const Layout& LayoutOf(DWORD majorVersion)
     return kLayouts[majorVersion < kFirstOfLaterGeneration ? 0 : 1];
 }
 
-std::string HostPath(std::string_view windowsPath)
+std::string PartOf(std::string_view windowsPath)
 {
     std::string path(windowsPath);
-    path.erase(0, std::min<std::size_t>(path.size(), sizeof "C:" - 1));
+    path.replace(0, std::min<std::size_t>(path.size(), sizeof "C:" - 1), "drives/C");
     std::replace(path.begin(), path.end(), '\\', '/');
-    return Machine::PathOf("drives/C") + path;
+    return path;
+}
+
+std::string HostPath(std::string_view windowsPath)
+{
+    return Machine::PathOf(PartOf(windowsPath));
+}
+
+void Add(host_files::Tree& tree, const Account& account, DWORD majorVersion)
+{
+    const Layout& layout = LayoutOf(majorVersion);
+    tree.AddFolder(PartOf(Joined(account.profile, layout.localAppData)));
+    tree.AddFolder(PartOf(Joined(account.profile, layout.appData)));
+    if (layout.localAppData != kEarlyLocalAppData)
+    {
+        // Programs of the earlier generation know the folder by the name that it had there.
+        tree.AddLink(PartOf(Joined(account.profile, kEarlyLocalAppData)), "../AppData/Local");
+    }
+    tree.AddFile(hives::PartOf(account.name), FreshHive(account, layout).Text());
+    tree.AddFile(PartOf(Joined(account.profile, "NTUSER.DAT")), hives::FileText(account.name));
 }
 
 bool Create(const Account& account, DWORD majorVersion)
 {
-    const Layout& layout = LayoutOf(majorVersion);
-    RegistrySeeder hive(hives::FolderOf(account.name));
-    return MakeFolders(account, layout) && FillHive(hive, account, layout) &&
-           host_files::Write(HostPath(Joined(account.profile, "NTUSER.DAT")), hives::FileText(account.name));
+    host_files::Tree tree;
+    Add(tree, account, majorVersion);
+    return tree.MakeIn(Machine::PathOf({}));
 }
 
 bool Remove(const Account& account)
 {
-    return Unload(account) && host_files::RemoveAll(hives::FolderOf(account.name)) &&
+    return Unload(account) && host_files::RemoveAll(hives::FileOf(account.name)) &&
            (account.profile.empty() || host_files::RemoveAll(HostPath(account.profile)));
 }
 
 bool Load(const Account& account)
 {
-    return hives::Link(account.sid, account.name);
+    return hives::Load(account.sid, account.name);
 }
 
 bool Unload(const Account& account)
 {
-    return hives::Unlink(account.sid);
+    hives::Unload(account.sid); // false when it wasn't loaded
+    return true;
 }
 
 } // namespace simulated::profiles

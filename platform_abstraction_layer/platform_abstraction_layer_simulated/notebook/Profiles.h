@@ -1,11 +1,11 @@
 // notebook/Profiles.h
 //
 // What an account has on the machine once it has logged on: a profile folder on drive C with "NTUSER.DAT",
-// and a registry hive. The hive is the folder "registry/hives/<account>"; "NTUSER.DAT" is a file of one line
-// that names it, and a loaded hive is a link to it in "registry/HKEY_USERS".
+// and a registry hive, which "NTUSER.DAT" names.
 #pragma once
 
 #include "notebook/Accounts.h"
+#include "notebook/HostFiles.h"
 
 #include <windef.h>
 
@@ -24,10 +24,12 @@ const Layout& LayoutOf(DWORD majorVersion);
 
 inline constexpr std::string_view kEarlyLocalAppData = "Local Settings\\Application Data";
 
-/// The host's path of a path on drive C, as spelled.
+/// A path on drive C below the notebook's folder, as spelled, and its path on the host.
+std::string PartOf(std::string_view windowsPath);
 std::string HostPath(std::string_view windowsPath);
 
-/// Makes profile and hive. The hive isn't loaded yet.
+/// Makes profile and hive, or adds them to what is going to be made. The hive isn't loaded yet.
+void Add(host_files::Tree& tree, const Account& account, DWORD majorVersion);
 bool Create(const Account& account, DWORD majorVersion);
 
 /// Takes both away.

@@ -44,11 +44,6 @@ bool FindRoot(std::string_view& path, registry::Base& base)
     return false;
 }
 
-registry::Base BaseOf(const std::shared_ptr<registry::Key>& key)
-{
-    return {registry::FolderOf(*key), key->Path(), key->Access(), key};
-}
-
 // Opens a key, or makes it first.
 std::optional<registry::Base> Find(std::string_view path, bool create)
 {
@@ -61,7 +56,7 @@ std::optional<registry::Base> Find(std::string_view path, bool create)
     }
     const DWORD error = create ? registry::Create(root, path, KEY_ALL_ACCESS, key, isNew)
                                : registry::Open(root, path, KEY_ALL_ACCESS, key);
-    return error == ERROR_SUCCESS ? std::optional(BaseOf(key)) : std::nullopt;
+    return error == ERROR_SUCCESS ? std::optional(registry::BaseOf(key)) : std::nullopt;
 }
 
 std::vector<std::string> Names(std::string_view key, registry::EntryKind kind)
@@ -112,6 +107,12 @@ bool RegistryEditor::Write(std::string_view key, std::string_view name, const re
 {
     const std::optional<registry::Base> base = Find(key, true);
     return base && registry::WriteValue(*base, name, value) == ERROR_SUCCESS;
+}
+
+bool RegistryEditor::WriteForm(std::string_view key, std::string_view name, std::string_view form)
+{
+    const std::optional<registry::Base> base = Find(key, true);
+    return base && registry::WriteForm(*base, name, form) == ERROR_SUCCESS;
 }
 
 bool RegistryEditor::WriteText(std::string_view key, std::string_view name, std::string_view text)

@@ -30,6 +30,10 @@ public:
     static bool WriteText(std::string_view key, std::string_view name, std::string_view text);
     static bool WriteNumber(std::string_view key, std::string_view name, DWORD number);
 
+    /// Puts `form` in the place of the value in the hive's file, as an editor of texts does it; see
+    /// advapi32/ValueText.h for what can be read again.
+    static bool WriteForm(std::string_view key, std::string_view name, std::string_view form);
+
     static bool AddKey(std::string_view key);
     static bool HasKey(std::string_view key);
 

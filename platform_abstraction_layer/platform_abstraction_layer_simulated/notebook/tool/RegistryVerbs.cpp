@@ -1,7 +1,7 @@
 // notebook/tool/RegistryVerbs.cpp
 //
-// The verb for the registry. Values are shown and given in the form of their files (advapi32/ValueText.h);
-// what has no such form is a text.
+// The verb for the registry. Values are shown and given in the form of a registry export
+// (advapi32/ValueText.h); what has no such form is a text.
 
 #include "notebook/RegistryEditor.h"
 #include "tool/Verbs.h"
@@ -32,8 +32,8 @@ Outcome List(const Request& request)
     for (const std::string& name : RegistryEditor::Values(key))
     {
         const std::optional<registry::Value> value = RegistryEditor::Read(key, name);
-        std::printf("%s = %s", name.c_str(),
-                    value ? registry::FormatValue(*value).c_str() : "(unreadable)\n");
+        std::printf("%s = %s\n", name.c_str(),
+                    value ? registry::FormatValue(*value).c_str() : "(unreadable)");
     }
     return Outcome::Done;
 }
@@ -44,7 +44,7 @@ Outcome Get(const Request& request)
         RegistryEditor::Read(request.Argument(1), request.Argument(2));
     if (value)
     {
-        std::fputs(registry::FormatValue(*value).c_str(), stdout);
+        std::puts(registry::FormatValue(*value).c_str());
     }
     return DoneIf(value.has_value());
 }

@@ -1,18 +1,17 @@
 // advapi32/Hives.cpp
 //
-// Where hives lie, and the links that load them.
+// Where hives lie, how they are read and changed, and where they are loaded.
 
 #include "advapi32/Hives.h"
 
-#include "advapi32/RegistryNames.h"
-#include "notebook/HostFiles.h"
+#include "notebook/CachedFile.h"
 #include "notebook/Machine.h"
 #include "notebook/Text.h"
 
+#include <winerror.h>
+
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
-#include <unistd.h>
 
 namespace simulated::hives
 {
@@ -20,34 +19,92 @@ namespace simulated::hives
 namespace
 {
 
-constexpr std::string_view kFileBegin = "hive=";
-constexpr std::string_view kLinkBegin = "../hives/";
+using registry::Hive;
 
-std::string LinkPath(std::string_view subKey)
+constexpr std::string_view kFileBegin = "hive=";
+constexpr std::string_view kSection = "Hives";
+
+// Each hive that this process has looked at. Never destroyed: threads may outlive the library's teardown.
+CachedFile<Hive>& Cached(std::string_view hive)
 {
-    return UsersRoot() + '/' + registry::KeyFileName(subKey);
+    static std::mutex& mutex = *new std::mutex;
+    static auto& hives = *new std::map<std::string, CachedFile<Hive>, std::less<>>;
+    const std::lock_guard lock(mutex);
+    const auto known = hives.find(hive);
+    return known == hives.end() ? hives.try_emplace(std::string(hive), PartOf(hive)).first->second
+                                : known->second;
+}
+
+// HKEY_USERS as a hive.
+Hive Users()
+{
+    Hive users("HKEY_USERS");
+    for (const std::string& subKey : Machine::Keys(kSection))
+    {
+        users.Make(subKey);
+    }
+    return users;
+}
+
+DWORD WriteError()
+{
+    switch (errno)
+    {
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return ERROR_ACCESS_DENIED;
+    case ENOSPC:
+        return ERROR_DISK_FULL;
+    default:
+        return ERROR_CANTWRITE;
+    }
 }
 
 } // namespace
 
-std::string MachineRoot()
+std::string PartOf(std::string_view hive)
 {
-    return Machine::PathOf("registry/HKEY_LOCAL_MACHINE");
+    return "registry/" + std::string(hive) + ".reg";
 }
 
-std::string UsersRoot()
+std::string FileOf(std::string_view hive)
 {
-    return Machine::PathOf("registry/HKEY_USERS");
+    return Machine::PathOf(PartOf(hive));
 }
 
-std::string WritersLock()
+DWORD Read(std::string_view hive, const std::function<DWORD(const Hive& content)>& look)
 {
-    return Machine::PathOf("registry/writers");
+    return hive.empty() ? look(Users()) : Cached(hive).Read(std::cref(look));
 }
 
-std::string FolderOf(std::string_view hive)
+DWORD Edit(std::string_view hive, const std::function<DWORD(Hive& content)>& change)
 {
-    return Machine::PathOf("registry/hives") + '/' + registry::KeyFileName(hive);
+    if (hive.empty())
+    {
+        Hive users = Users();
+        const DWORD error = change(users);
+        return error == ERROR_SUCCESS ? ERROR_ACCESS_DENIED : error;
+    }
+    DWORD error = ERROR_SUCCESS;
+    const bool done = Cached(hive).Edit(
+        [&](Hive& content)
+        {
+            error = change(content);
+            return error == ERROR_SUCCESS;
+        });
+    return done ? error : WriteError();
+}
+
+FILETIME LastWrite(std::string_view hive)
+{
+    constexpr std::uint64_t kTicksPerSecond = 10'000'000;
+    constexpr std::uint64_t kSecondsTo1970 = 11'644'473'600;
+    const FileState state = StateOf(FileOf(hive));
+    const std::uint64_t ticks =
+        (static_cast<std::uint64_t>(state.changed) + kSecondsTo1970) * kTicksPerSecond +
+        static_cast<std::uint64_t>(state.changedNanoseconds) / 100;
+    return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
 }
 
 std::string FileText(std::string_view hive)
@@ -65,30 +122,31 @@ std::optional<std::string> ParseFileText(std::string_view text)
     return std::string(text.substr(0, text.find_first_of("\r\n")));
 }
 
-bool Link(std::string_view subKey, std::string_view hive)
+bool Load(std::string_view subKey, std::string_view hive)
 {
-    return host_files::Link(LinkPath(subKey), std::string(kLinkBegin) + registry::KeyFileName(hive));
+    return Machine::Write(kSection, subKey, hive);
 }
 
-bool Unlink(std::string_view subKey)
+bool Unload(std::string_view subKey)
 {
-    return unlink(LinkPath(subKey).c_str()) == 0 || errno == ENOENT;
+    return Machine::Remove(kSection, subKey);
 }
 
-std::string BehindLink(std::string_view subKey)
+std::string Loaded(std::string_view subKey)
 {
-    std::error_code error;
-    const std::string target = std::filesystem::read_symlink(LinkPath(subKey), error).string();
-    return target.starts_with(kLinkBegin) ? registry::KeyName(target.substr(kLinkBegin.size()))
-                                          : std::string();
+    return Machine::Read(kSection, subKey, "");
 }
 
 bool IsLoaded(std::string_view hive)
 {
-    const std::vector<registry::Entry> links = registry::List(UsersRoot(), registry::EntryKind::Key);
-    return std::any_of(links.begin(), links.end(),
-                       [hive](const registry::Entry& link)
-                       { return EqualIgnoringCase(BehindLink(link.name), hive); });
+    const std::vector<std::string> subKeys = Machine::Keys(kSection);
+    return std::any_of(subKeys.begin(), subKeys.end(),
+                       [hive](const std::string& subKey) { return EqualIgnoringCase(Loaded(subKey), hive); });
+}
+
+std::shared_ptr<FileLock> Use(std::string_view hive, FileLock::Kind kind)
+{
+    return std::make_shared<FileLock>(FileOf(hive) + ".use", kind);
 }
 
 } // namespace simulated::hives

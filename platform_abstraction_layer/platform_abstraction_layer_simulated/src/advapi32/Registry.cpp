@@ -119,12 +119,7 @@ DWORD EnumerateKey(HKEY key, DWORD index, LPWSTR name, LPDWORD nameSize, PFILETI
     }
     if (lastWrite != nullptr)
     {
-        std::shared_ptr<Key> opened;
-        *lastWrite = {};
-        if (Open(base, names[index], KEY_READ, opened) == ERROR_SUCCESS)
-        {
-            LastWrite({opened->Path(), opened->Path(), KEY_READ, opened}, *lastWrite);
-        }
+        *lastWrite = hives::LastWrite(base.place.hive);
     }
     return CopyName(names[index], name, *nameSize);
 }

@@ -9,12 +9,9 @@
 #include "advapi32/Tokens.h"
 #include "kernel32/Paths.h"
 #include "notebook/Accounts.h"
+#include "notebook/Machine.h"
 #include "notebook/Text.h"
 #include "notebook/WholeFile.h"
-
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 namespace simulated::registry
 {
@@ -23,7 +20,7 @@ namespace
 {
 
 // What both functions ask of their caller: a subkey of HKEY_USERS, and both privileges.
-DWORD CheckCaller(HKEY key, LPCWSTR subKey)
+DWORD CheckCaller(HKEY key, const std::string& subKey)
 {
     Base base;
     if (const DWORD error = FindBase(key, base); error != ERROR_SUCCESS)
@@ -34,9 +31,8 @@ DWORD CheckCaller(HKEY key, LPCWSTR subKey)
     {
         return ERROR_PRIVILEGE_NOT_HELD;
     }
-    const std::string name = ToUtf8(subKey);
-    const bool isName = !KeyFileName(name).empty() && name.find('\\') == std::string::npos;
-    return isName && base.path == hives::UsersRoot() ? ERROR_SUCCESS : ERROR_INVALID_PARAMETER;
+    const bool isName = !subKey.empty() && subKey.find_first_of("\\=;[") == std::string::npos;
+    return isName && base.place.hive.empty() ? ERROR_SUCCESS : ERROR_INVALID_PARAMETER;
 }
 
 DWORD ReadHiveFile(LPCWSTR file, std::string& hive)
@@ -58,16 +54,10 @@ bool IsLoggedOn(const std::string& hive)
     return account && account->isLoggedOn;
 }
 
-// True when a process has a key of the hive open.
-bool IsInUse(const std::string& hive)
+// Excludes others who load or unload.
+std::string LoadersLock()
 {
-    const int folder = open(hives::FolderOf(hive).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const bool isFree = folder < 0 || flock(folder, LOCK_EX | LOCK_NB) == 0;
-    if (folder >= 0)
-    {
-        close(folder);
-    }
-    return !isFree;
+    return Machine::PathOf("registry/loaders");
 }
 
 } // namespace
@@ -75,43 +65,44 @@ bool IsInUse(const std::string& hive)
 DWORD LoadHive(HKEY key, LPCWSTR subKey, LPCWSTR file)
 {
     std::string hive;
-    DWORD error = CheckCaller(key, subKey);
+    const std::string name = ToUtf8(subKey);
+    DWORD error = CheckCaller(key, name);
     error = error == ERROR_SUCCESS ? ReadHiveFile(file, hive) : error;
     if (error != ERROR_SUCCESS)
     {
         return error;
     }
-    const FileLock lock(hives::WritersLock());
+    const FileLock lock(LoadersLock());
     if (hives::IsLoaded(hive))
     {
         return ERROR_SHARING_VIOLATION;
     }
-    const std::string name = ToUtf8(subKey);
-    if (!FindIgnoringCase(hives::UsersRoot(), KeyFileName(name)).empty())
+    if (!hives::Loaded(name).empty())
     {
         return ERROR_ACCESS_DENIED; // another hive has that place
     }
-    return lock.IsHeld() && hives::Link(name, hive) ? ERROR_SUCCESS : ERROR_CANTWRITE;
+    return lock.IsHeld() && hives::Load(name, hive) ? ERROR_SUCCESS : ERROR_CANTWRITE;
 }
 
 DWORD UnloadHive(HKEY key, LPCWSTR subKey)
 {
-    if (const DWORD error = CheckCaller(key, subKey); error != ERROR_SUCCESS)
+    const std::string name = ToUtf8(subKey);
+    if (const DWORD error = CheckCaller(key, name); error != ERROR_SUCCESS)
     {
         return error;
     }
-    const FileLock lock(hives::WritersLock());
-    const std::string link = KeyName(FindIgnoringCase(hives::UsersRoot(), KeyFileName(ToUtf8(subKey))));
-    if (link.empty())
+    const FileLock lock(LoadersLock());
+    const std::string hive = hives::Loaded(name);
+    if (hive.empty())
     {
         return ERROR_FILE_NOT_FOUND;
     }
-    const std::string hive = hives::BehindLink(link);
-    if (IsLoggedOn(hive) || IsInUse(hive))
+    const std::shared_ptr<FileLock> alone = hives::Use(hive, FileLock::Kind::AloneNow);
+    if (IsLoggedOn(hive) || !alone->IsHeld())
     {
         return ERROR_ACCESS_DENIED;
     }
-    return lock.IsHeld() && hives::Unlink(link) ? ERROR_SUCCESS : ERROR_CANTWRITE;
+    return lock.IsHeld() && hives::Unload(name) ? ERROR_SUCCESS : ERROR_CANTWRITE;
 }
 
 } // namespace simulated::registry

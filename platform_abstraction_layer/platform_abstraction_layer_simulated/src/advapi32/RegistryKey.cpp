@@ -1,21 +1,13 @@
 // advapi32/RegistryKey.cpp
 //
-// Finding, opening, creating and deleting keys.
+// Finding, opening, creating and deleting keys, and what is in them.
 
 #include "advapi32/RegistryKey.h"
 
-#include "advapi32/Hives.h"
 #include "notebook/Accounts.h"
-#include "notebook/HostFiles.h"
-#include "notebook/WholeFile.h"
+#include "notebook/Text.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace simulated::registry
 {
@@ -23,34 +15,35 @@ namespace simulated::registry
 namespace
 {
 
-constexpr const char* kClassesKey = "/SOFTWARE/Classes";
-constexpr const char* kDefaultUser = "/.DEFAULT";
+using hives::Place;
+
+constexpr std::size_t kLongestKeyName = 255;
+constexpr std::size_t kLongestValueName = 16383;
 constexpr REGSAM kViewFlags = KEY_WOW64_32KEY | KEY_WOW64_64KEY;
 
-std::string CurrentUserRoot()
+Place CurrentUser()
 {
     // A user whose hive isn't loaded gets the default one, as on Windows.
-    const std::string root = hives::UsersRoot();
-    const std::string sid = Accounts::RunningSid();
-    const std::string own = root + '/' + sid;
-    return !sid.empty() && access(own.c_str(), F_OK) == 0 ? own : root + kDefaultUser;
-}
-
-std::string ClassesRoot()
-{
-    return hives::MachineRoot() + kClassesKey;
+    const std::string own = hives::Loaded(Accounts::RunningSid());
+    return {own.empty() ? hives::Loaded(".DEFAULT") : own, ""};
 }
 
 struct PredefinedKey
 {
     std::uintptr_t handle;
-    std::string (*path)();
+    Place (*place)();
 };
 const PredefinedKey kPredefinedKeys[] = {
-    {reinterpret_cast<std::uintptr_t>(HKEY_LOCAL_MACHINE), &hives::MachineRoot},
-    {reinterpret_cast<std::uintptr_t>(HKEY_CURRENT_USER), &CurrentUserRoot},
-    {reinterpret_cast<std::uintptr_t>(HKEY_USERS), &hives::UsersRoot},
-    {reinterpret_cast<std::uintptr_t>(HKEY_CLASSES_ROOT), &ClassesRoot},
+    {reinterpret_cast<std::uintptr_t>(HKEY_LOCAL_MACHINE),
+     [] {
+         return Place{std::string(hives::kMachine), ""};
+     }},
+    {reinterpret_cast<std::uintptr_t>(HKEY_CURRENT_USER), &CurrentUser},
+    {reinterpret_cast<std::uintptr_t>(HKEY_USERS), [] { return Place{}; }},
+    {reinterpret_cast<std::uintptr_t>(HKEY_CLASSES_ROOT),
+     [] {
+         return Place{std::string(hives::kMachine), "SOFTWARE\\Classes"};
+     }},
 };
 
 const PredefinedKey* FindPredefined(HKEY handle) noexcept
@@ -62,197 +55,124 @@ const PredefinedKey* FindPredefined(HKEY handle) noexcept
     return found == std::end(kPredefinedKeys) ? nullptr : found;
 }
 
-// The subkeys of these can only be hives.
-bool IsRootOfHives(const std::string& path)
+bool IsKeyName(std::string_view name)
 {
-    return path == hives::UsersRoot() || path == hives::MachineRoot();
+    return (name.size() <= kLongestKeyName || ToUtf16(name).size() <= kLongestKeyName) &&
+           std::all_of(name.begin(), name.end(),
+                       [](char character) { return static_cast<unsigned char>(character) >= 0x20; });
 }
 
-// The link below HKEY_USERS that `path` leads through; empty for a path that leads through none.
-std::string HiveLink(const std::string& path)
+// Goes from `place` on by a path, in which doubled backslashes count once and one at the end not at all.
+// ERROR_INVALID_PARAMETER for a name that can't be, ERROR_BAD_PATHNAME for a path that begins with a
+// backslash.
+DWORD Descend(Place& place, std::string_view path)
 {
-    const std::string users = hives::UsersRoot() + '/';
-    return path.starts_with(users) ? path.substr(0, path.find('/', users.size())) : std::string();
-}
-
-int OpenFolder(const std::string& path)
-{
-    return open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-}
-
-// The parts of a path as names of folders. ERROR_INVALID_PARAMETER for a name that can't be,
-// ERROR_BAD_PATHNAME for a path that begins with a backslash.
-DWORD FolderNames(std::string_view subKey, std::vector<std::string>& names)
-{
-    if (subKey.starts_with('\\'))
+    if (path.starts_with('\\'))
     {
         return ERROR_BAD_PATHNAME;
     }
-    for (const std::string& part : SplitPath(subKey))
+    while (!path.empty())
     {
-        names.push_back(KeyFileName(part));
-        if (names.back().empty())
+        const std::string_view name = path.substr(0, path.find('\\'));
+        path.remove_prefix(std::min(name.size() + 1, path.size()));
+        if (!IsKeyName(name))
         {
             return ERROR_INVALID_PARAMETER;
+        }
+        std::string hive = place.hive.empty() ? hives::Loaded(name) : std::string();
+        if (!hive.empty())
+        {
+            place.hive = std::move(hive);
+        }
+        else if (!name.empty())
+        {
+            place.path += place.path.empty() ? "" : "\\";
+            place.path += name;
         }
     }
     return ERROR_SUCCESS;
 }
 
-std::string Joined(const std::vector<std::string>& names)
+// The key that a base stands for; null when it is gone, also when there is another in its place.
+const HiveKey* Find(const Hive& hive, const Base& base)
 {
-    std::string joined;
-    for (const std::string& name : names)
-    {
-        joined += '/';
-        joined += name;
-    }
-    return joined;
+    const HiveKey* const key = hive.Find(base.place.path);
+    return key != nullptr && base.key != nullptr && key->id != base.key->id ? nullptr : key;
 }
 
-// Corrects the spelling of as many leading names as exist, and answers how many these are.
-std::size_t SpellAsCreated(std::string folder, std::vector<std::string>& names)
+DWORD MissingError(const Base& base)
 {
-    std::size_t existing = 0;
-    for (std::string& name : names)
-    {
-        const std::size_t above = folder.size();
-        folder += '/';
-        folder += name;
-        if (access(folder.c_str(), F_OK) != 0)
-        {
-            folder.resize(above);
-            const std::string spelled = FindIgnoringCase(folder, name);
-            if (spelled.empty())
-            {
-                break;
-            }
-            name = spelled;
-            folder += '/';
-            folder += name;
-        }
-        ++existing;
-    }
-    return existing;
+    return base.key == nullptr ? ERROR_FILE_NOT_FOUND : ERROR_KEY_DELETED;
 }
 
-// The shared lock that keeps the hive of a new key in place. False when the hive is gone.
-bool LockHive(const Base& base, const std::string& path, int& lock)
+// True when a path from `base` to `place` begins at a key of `hive` that is gone.
+bool IsGone(const Hive& hive, const Base& base, const Place& place)
 {
-    lock = -1;
-    if (base.key != nullptr)
-    {
-        lock = base.key->Hive() < 0 ? -1 : fcntl(base.key->Hive(), F_DUPFD_CLOEXEC, 0);
-        return lock >= 0 || base.key->Hive() < 0;
-    }
-    const std::string link = HiveLink(path);
-    if (link.empty())
-    {
-        return true;
-    }
-    lock = OpenFolder(link);
-    return lock >= 0 && flock(lock, LOCK_SH) == 0;
+    return place.hive == base.place.hive && Find(hive, base) == nullptr;
 }
 
-// Opens the key at `below`, a path of folder names that begins with a slash, or an empty one.
-std::shared_ptr<Key> OpenAt(const Base& base, const std::string& below, REGSAM access)
+// Gives `work` the key that a base stands for, to look at or to change.
+template <class Work>
+DWORD Look(const Base& base, Work work)
 {
-    int hive = -1;
-    const std::string path = base.path + below;
-    // The lock comes first: a hive that is unloaded meanwhile is then missed by the second open.
-    const bool isLocked = LockHive(base, path, hive);
-    const int folder = isLocked ? OpenFolder(base.folder + below) : -1;
-    if (folder < 0)
+    return hives::Read(base.place.hive,
+                       [&](const Hive& hive)
+                       {
+                           const HiveKey* const key = Find(hive, base);
+                           return key == nullptr ? MissingError(base) : work(hive, *key);
+                       });
+}
+template <class Work>
+DWORD Change(const Base& base, Work work)
+{
+    return hives::Edit(base.place.hive,
+                       [&](Hive& hive)
+                       {
+                           const bool isThere = Find(hive, base) != nullptr;
+                           return isThere ? work(hive, hive.Make(base.place.path)) : MissingError(base);
+                       });
+}
+
+// The lock that a key of the hive holds. Null for the machine's, which always stays; also when the hive has
+// been unloaded meanwhile, which `isLoaded` tells.
+std::shared_ptr<FileLock> Use(const Base& base, const std::string& hive, bool& isLoaded)
+{
+    isLoaded = true;
+    if (base.key != nullptr && base.key->use != nullptr)
     {
-        if (hive >= 0)
-        {
-            close(hive);
-        }
+        return base.key->use;
+    }
+    if (hive.empty() || hive == hives::kMachine)
+    {
         return nullptr;
     }
-    return std::make_shared<Key>(folder, hive, access, path);
-}
-
-// Moves a folder out of sight and removes it: others see it whole or not at all.
-bool RemoveFolder(const std::string& folder)
-{
-    const std::size_t last = folder.rfind('/');
-    const std::string doomed = folder.substr(0, last) + "/.~deleted.new";
-    return host_files::RemoveAll(doomed) && std::rename(folder.c_str(), doomed.c_str()) == 0 &&
-           host_files::RemoveAll(doomed);
+    std::shared_ptr<FileLock> use = hives::Use(hive);
+    PlatformCall::Renew();
+    isLoaded = use->IsHeld() && hives::IsLoaded(hive);
+    return use;
 }
 
 } // namespace
-
-Key::Key(int folder, int hive, REGSAM access, std::string path)
-    : Object(ObjectKind::Key), m_folder(folder), m_hive(hive), m_access(access), m_path(std::move(path))
-{
-}
-
-Key::~Key()
-{
-    close(m_folder);
-    if (m_hive >= 0)
-    {
-        close(m_hive);
-    }
-}
-
-bool Key::IsDeleted() const
-{
-    struct stat now = {};
-    struct stat opened = {};
-    return stat(m_path.c_str(), &now) != 0 || fstat(m_folder, &opened) != 0 || now.st_ino != opened.st_ino ||
-           now.st_dev != opened.st_dev;
-}
-
-std::string FolderOf(const Key& key)
-{
-    return "/proc/self/fd/" + std::to_string(key.Folder());
-}
 
 DWORD FindBase(HKEY handle, Base& base)
 {
     if (const PredefinedKey* const predefined = FindPredefined(handle))
     {
-        base.path = predefined->path();
-        base.folder = base.path;
-        base.access = KEY_ALL_ACCESS;
+        base = {predefined->place(), KEY_ALL_ACCESS, nullptr};
         return ERROR_SUCCESS;
     }
-    base.key = HandleTable::Find<Key>(handle);
-    if (base.key == nullptr)
+    const auto key = HandleTable::Find<Key>(handle);
+    if (key == nullptr)
     {
         return ERROR_INVALID_HANDLE;
     }
-    base.path = base.key->Path();
-    base.folder = FolderOf(*base.key);
-    base.access = base.key->Access();
+    base = BaseOf(key);
     return ERROR_SUCCESS;
 }
 
-DWORD MissingError(const Base& base)
+Base BaseOf(const std::shared_ptr<Key>& key)
 {
-    return base.key != nullptr && base.key->IsDeleted() ? ERROR_KEY_DELETED : ERROR_FILE_NOT_FOUND;
-}
-
-DWORD ChangeError(const Base& base)
-{
-    switch (errno)
-    {
-    case ENOENT:
-        return base.key != nullptr && base.key->IsDeleted() ? ERROR_KEY_DELETED : ERROR_CANTWRITE;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        return ERROR_ACCESS_DENIED;
-    case ENOSPC:
-        return ERROR_DISK_FULL;
-    case ENAMETOOLONG:
-        return ERROR_INVALID_PARAMETER;
-    default:
-        return ERROR_CANTWRITE;
-    }
+    return {key->place, key->access, key};
 }
 
 bool IsPredefined(HKEY handle) noexcept
@@ -271,22 +191,29 @@ REGSAM GrantedAccess(REGSAM wanted) noexcept
 
 DWORD Open(const Base& base, std::string_view subKey, REGSAM access, std::shared_ptr<Key>& opened)
 {
-    std::vector<std::string> names;
-    if (const DWORD error = FolderNames(subKey, names); error != ERROR_SUCCESS)
+    Place place = base.place;
+    if (const DWORD error = Descend(place, subKey); error != ERROR_SUCCESS)
     {
         return error;
     }
+    bool isLoaded = false;
+    const std::shared_ptr<FileLock> use = Use(base, place.hive, isLoaded);
     const REGSAM granted = GrantedAccess(access);
-    opened = OpenAt(base, Joined(names), granted);
-    if (opened == nullptr && SpellAsCreated(base.folder, names) == names.size())
+    const auto open = [&](const Hive& hive) -> DWORD
     {
-        opened = OpenAt(base, Joined(names), granted);
-    }
-    if (opened == nullptr)
-    {
-        return MissingError(base);
-    }
-    return granted == 0 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+        if (IsGone(hive, base, place))
+        {
+            return MissingError(base);
+        }
+        const HiveKey* const key = hive.Find(place.path);
+        if (key == nullptr)
+        {
+            return ERROR_FILE_NOT_FOUND;
+        }
+        opened = std::make_shared<Key>(OpenedKey{place, key->id, granted, use});
+        return granted == 0 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+    };
+    return isLoaded ? hives::Read(place.hive, open) : ERROR_FILE_NOT_FOUND;
 }
 
 DWORD Create(const Base& base, std::string_view subKey, REGSAM access, std::shared_ptr<Key>& opened,
@@ -297,58 +224,120 @@ DWORD Create(const Base& base, std::string_view subKey, REGSAM access, std::shar
     {
         return error;
     }
-    std::vector<std::string> names;
-    FolderNames(subKey, names);
-    const FileLock lock(hives::WritersLock());
-    if (!lock.IsHeld())
+    Place place = base.place;
+    Descend(place, subKey);
+    if (place.hive.empty())
     {
-        return ERROR_CANTWRITE;
+        return ERROR_INVALID_PARAMETER; // only hives can lie there
     }
-    std::size_t existing = SpellAsCreated(base.folder, names);
-    if (existing == 0 && IsRootOfHives(base.path))
+    const auto make = [&](Hive& hive) -> DWORD
     {
-        return ERROR_INVALID_PARAMETER;
-    }
-    isNew = existing < names.size();
-    std::string folder = base.folder;
-    for (const std::string& name : names)
-    {
-        folder += '/' + name;
-        if (existing != 0)
+        if (IsGone(hive, base, place))
         {
-            --existing;
+            return MissingError(base);
         }
-        else if (mkdir(folder.c_str(), 0777) != 0)
+        const bool isInHive = hive.Find(place.path.substr(0, place.path.find('\\'))) != nullptr;
+        if (!isInHive && place.hive == hives::kMachine)
         {
-            return ChangeError(base);
+            return ERROR_INVALID_PARAMETER; // as above
         }
-    }
-    opened = OpenAt(base, Joined(names), GrantedAccess(access));
-    return opened == nullptr ? MissingError(base) : ERROR_SUCCESS;
+        isNew = hive.Find(place.path) == nullptr;
+        hive.Make(place.path);
+        return ERROR_SUCCESS;
+    };
+    const DWORD error = hives::Edit(place.hive, make);
+    return error == ERROR_SUCCESS ? Open(base, subKey, access, opened) : error;
 }
 
 DWORD Delete(const Base& base, std::string_view subKey)
 {
-    std::vector<std::string> names;
-    if (const DWORD error = FolderNames(subKey, names); error != ERROR_SUCCESS)
+    Place place = base.place;
+    if (const DWORD error = Descend(place, subKey); error != ERROR_SUCCESS)
     {
         return error;
     }
-    const FileLock lock(hives::WritersLock());
-    if (!lock.IsHeld())
+    const auto remove = [&](Hive& hive) -> DWORD
     {
-        return ERROR_CANTWRITE;
-    }
-    if (SpellAsCreated(base.folder, names) != names.size() || (base.key != nullptr && base.key->IsDeleted()))
+        if (IsGone(hive, base, place))
+        {
+            return MissingError(base);
+        }
+        if (hive.Find(place.path) == nullptr)
+        {
+            return ERROR_FILE_NOT_FOUND;
+        }
+        if (place.path.empty() || !hive.Subkeys(place.path).empty())
+        {
+            return ERROR_ACCESS_DENIED;
+        }
+        hive.Remove(place.path);
+        return ERROR_SUCCESS;
+    };
+    return hives::Edit(place.hive, remove);
+}
+
+DWORD ReadValue(const Base& base, std::string_view name, Value& value)
+{
+    return Look(base,
+                [&](const Hive&, const HiveKey& key) -> DWORD
+                {
+                    const HiveValue* const found = key.Find(name);
+                    if (found == nullptr)
+                    {
+                        return ERROR_FILE_NOT_FOUND;
+                    }
+                    std::optional<Value> parsed = ParseValue(found->text);
+                    if (!parsed)
+                    {
+                        return ERROR_BADDB; // somebody has edited the file into nonsense
+                    }
+                    value = *std::move(parsed);
+                    return ERROR_SUCCESS;
+                });
+}
+
+DWORD WriteValue(const Base& base, std::string_view name, const Value& value)
+{
+    return WriteForm(base, name, FormatValue(value));
+}
+
+DWORD WriteForm(const Base& base, std::string_view name, std::string_view form)
+{
+    if (name.size() > kLongestValueName && ToUtf16(name).size() > kLongestValueName)
     {
-        return MissingError(base);
+        return ERROR_INVALID_PARAMETER;
     }
-    const std::string folder = base.path + Joined(names);
-    if (IsRootOfHives(folder) || folder == HiveLink(folder) || !List(folder, EntryKind::Key).empty())
-    {
-        return ERROR_ACCESS_DENIED;
-    }
-    return RemoveFolder(folder) ? ERROR_SUCCESS : ChangeError(base);
+    return Change(base,
+                  [&](Hive&, HiveKey& key) -> DWORD
+                  {
+                      key.Put(name, form);
+                      return ERROR_SUCCESS;
+                  });
+}
+
+DWORD DeleteValue(const Base& base, std::string_view name)
+{
+    return Change(base,
+                  [&](Hive&, HiveKey& key) -> DWORD
+                  { return key.values.erase(FoldCase(name)) != 0 ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND; });
+}
+
+DWORD ListNames(const Base& base, EntryKind kind, std::vector<std::string>& names)
+{
+    return Look(base,
+                [&](const Hive& hive, const HiveKey& key) -> DWORD
+                {
+                    if (kind == EntryKind::Key)
+                    {
+                        names = hive.Subkeys(key.path);
+                        return ERROR_SUCCESS;
+                    }
+                    for (const auto& [folded, value] : key.values)
+                    {
+                        names.push_back(value.name);
+                    }
+                    return ERROR_SUCCESS;
+                });
 }
 
 } // namespace simulated::registry

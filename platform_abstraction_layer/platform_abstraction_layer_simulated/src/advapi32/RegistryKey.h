@@ -1,71 +1,44 @@
 // advapi32/RegistryKey.h
 //
-// Opened keys, and what is done to keys and values, on the folders and files of the host. Readers take no
-// lock: a value's file is replaced whole. Writers of all processes exclude each other; a lock ends with its
-// process.
+// Opened keys, and what is done to keys and values, on the hives.
 //
 // Paths and names are UTF-8. Functions answer error numbers; any of them can be ERROR_KEY_DELETED.
 //
-// Known differences from Windows: every account may do everything, so an opener gets the access that he asks
-// for; there are no classes of keys and no links; volatile keys stay, since the machine never restarts.
+// Known differences from Windows: every account may do everything, so an opener gets the access that it asks
+// for; there are no classes of keys and no links; volatile keys stay, since the machine never restarts; names
+// of keys have no control characters; HKEY_USERS itself has no values; the time of a key's last write is that
+// of its hive; a key that another process deletes and makes anew stays the same key for who had it open and
+// hasn't looked in between.
 #pragma once
 
-#include "advapi32/RegistryNames.h"
-#include "advapi32/ValueText.h"
+#include "advapi32/Hives.h"
 #include "notebook/HandleTable.h"
 
 #include <windows.h>
 
-#include <memory>
-#include <string>
-#include <string_view>
-#include <vector>
-
 namespace simulated::registry
 {
 
-class Key : public Object
+struct OpenedKey
 {
-public:
-    /// Takes the descriptors over: the key's folder and the shared lock of its hive, -1 when that has none.
-    Key(int folder, int hive, REGSAM access, std::string path);
-    ~Key() override;
-
-    int Folder() const noexcept
-    {
-        return m_folder;
-    }
-    int Hive() const noexcept
-    {
-        return m_hive;
-    }
-    REGSAM Access() const noexcept
-    {
-        return m_access;
-    }
-    const std::string& Path() const noexcept
-    {
-        return m_path;
-    }
-
-    /// True when the folder isn't where it was opened any more.
-    bool IsDeleted() const;
-
-private:
-    int m_folder;
-    int m_hive;
-    REGSAM m_access;
-    std::string m_path;
+    hives::Place place;
+    std::uint64_t id; ///< see `HiveKey`
+    REGSAM access;
+    std::shared_ptr<FileLock> use; ///< keeps the hive loaded; null for the machine's
 };
 
-/// The host's name of a key's folder through its descriptor, which leads to that folder wherever it is.
-std::string FolderOf(const Key& key);
+class Key : public Object, public OpenedKey
+{
+public:
+    explicit Key(OpenedKey opened) : Object(ObjectKind::Key), OpenedKey(std::move(opened))
+    {
+    }
+};
 
 /// Where a path begins: an opened key, or one of the predefined ones.
 struct Base
 {
-    std::string folder; ///< for access to the files inside
-    std::string path;   ///< where it lies
+    hives::Place place;
     REGSAM access = 0;
     std::shared_ptr<Key> key; ///< null for a predefined one
 
@@ -77,11 +50,8 @@ struct Base
 
 /// ERROR_INVALID_HANDLE for a handle that is no key's.
 DWORD FindBase(HKEY handle, Base& base);
+Base BaseOf(const std::shared_ptr<Key>& key);
 bool IsPredefined(HKEY handle) noexcept;
-
-/// Why something isn't there, and why the host refused a change, which `errno` tells.
-DWORD MissingError(const Base& base);
-DWORD ChangeError(const Base& base);
 
 /// The access that is granted for the access asked for; 0 when none was asked for.
 REGSAM GrantedAccess(REGSAM wanted) noexcept;
@@ -97,10 +67,16 @@ DWORD ReadValue(const Base& base, std::string_view name, Value& value);
 DWORD WriteValue(const Base& base, std::string_view name, const Value& value);
 DWORD DeleteValue(const Base& base, std::string_view name);
 
+/// Stores a value by the text that stands for it in the hive's file, which needn't be one that can be read.
+DWORD WriteForm(const Base& base, std::string_view name, std::string_view form);
+
+enum class EntryKind
+{
+    Key,
+    Value
+};
+
 /// The names of the subkeys or the values, in order.
 DWORD ListNames(const Base& base, EntryKind kind, std::vector<std::string>& names);
-
-/// When something in the key changed last.
-DWORD LastWrite(const Base& base, FILETIME& time);
 
 } // namespace simulated::registry

@@ -188,11 +188,13 @@ SIM_API LSTATUS WINAPI RegQueryInfoKeyW(HKEY key, LPWSTR keyClass, LPDWORD class
             registry::Summary held;
             DWORD error = registry::BaseFor(key, KEY_QUERY_VALUE, base);
             error = error == ERROR_SUCCESS ? registry::Summarize(base, keys, held) : error;
-            error = error == ERROR_SUCCESS && lastWrite != nullptr ? registry::LastWrite(base, *lastWrite)
-                                                                   : error;
             if (error != ERROR_SUCCESS)
             {
                 return error;
+            }
+            if (lastWrite != nullptr)
+            {
+                *lastWrite = hives::LastWrite(base.place.hive);
             }
             registry::Store(subKeys, keys.count);
             registry::Store(longestSubKey, keys.longestName);

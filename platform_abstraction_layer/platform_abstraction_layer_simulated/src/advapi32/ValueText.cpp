@@ -8,6 +8,7 @@
 
 #include <winnt.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 
@@ -21,13 +22,8 @@ constexpr std::string_view kNumberForm = "dword:";
 constexpr std::string_view kBytesForm = "hex:";
 constexpr std::string_view kTypedForm = "hex(";
 constexpr std::string_view kTypedFormEnd = "):";
-
-struct TextForm
-{
-    std::string_view begin;
-    DWORD type;
-};
-constexpr TextForm kTextForms[] = {{"sz:", REG_SZ}, {"expand_sz:", REG_EXPAND_SZ}};
+constexpr std::string_view kNextLine = "\\\n  ";
+constexpr std::size_t kBytesOfALine = 25;
 
 std::string WideBytes(std::string_view text)
 {
@@ -36,36 +32,31 @@ std::string WideBytes(std::string_view text)
     return {reinterpret_cast<const char*>(units.data()), units.size() * sizeof(wchar_t)};
 }
 
-std::optional<std::string> FormatText(const Value& value)
+bool IsSurrogate(wchar_t unit)
 {
-    for (const TextForm& form : kTextForms)
-    {
-        if (form.type != value.type || value.bytes.size() < sizeof(wchar_t) ||
-            value.bytes.size() % sizeof(wchar_t) != 0)
-        {
-            continue;
-        }
-        std::vector<wchar_t> units(value.bytes.size() / sizeof(wchar_t));
-        std::memcpy(units.data(), value.bytes.data(), value.bytes.size());
-        const std::string text = ToUtf8(units.data(), units.size() - 1);
-        if (text.find('\0') == std::string::npos && WideBytes(text) == value.bytes)
-        {
-            return std::string(form.begin) + text;
-        }
-    }
-    return std::nullopt;
+    return unit >= 0xD800 && unit <= 0xDFFF;
 }
 
-// Appends `number` with at least `digits` hexadecimal digits.
-void AppendHex(std::string& text, DWORD number, unsigned digits)
+// The text of a REG_SZ that is well formed and ends with its only zero.
+std::optional<std::string> WellFormedText(const Value& value)
 {
-    for (unsigned place = 2 * sizeof number; place != 0; --place)
+    std::vector<wchar_t> units(value.bytes.size() / sizeof(wchar_t));
+    if (value.type != REG_SZ || units.empty() || value.bytes.size() % sizeof(wchar_t) != 0)
     {
-        const DWORD rest = number >> (4 * (place - 1));
-        if (rest != 0 || place <= digits)
-        {
-            text += "0123456789abcdef"[rest & 15];
-        }
+        return std::nullopt;
+    }
+    std::memcpy(units.data(), value.bytes.data(), value.bytes.size());
+    // Pairs of surrogates are rare enough to be shown as bytes too.
+    const bool isWellFormed = std::find(units.begin(), units.end(), 0) == units.end() - 1 &&
+                              std::none_of(units.begin(), units.end(), &IsSurrogate);
+    return isWellFormed ? std::optional(ToUtf8(units.data(), units.size() - 1)) : std::nullopt;
+}
+
+void AppendHex(std::string& text, DWORD number, std::size_t digits)
+{
+    for (std::size_t place = digits; place != 0; --place)
+    {
+        text += "0123456789abcdef"[(number >> (4 * (place - 1))) & 15];
     }
 }
 
@@ -74,19 +65,18 @@ std::string FormatBytes(const Value& value)
     std::string text(kBytesForm);
     if (value.type != REG_BINARY)
     {
+        char digits[8];
+        const auto end = std::to_chars(std::begin(digits), std::end(digits), value.type, 16).ptr;
         text = kTypedForm;
-        AppendHex(text, value.type, 1);
+        text.append(std::begin(digits), end);
         text += kTypedFormEnd;
     }
-    text.reserve(text.size() + 3 * value.bytes.size() + 1);
-    const std::size_t begin = text.size();
-    for (const char byte : value.bytes)
+    text.reserve(text.size() + 4 * value.bytes.size());
+    for (std::size_t index = 0; index < value.bytes.size(); ++index)
     {
-        if (text.size() != begin)
-        {
-            text += ',';
-        }
-        AppendHex(text, static_cast<unsigned char>(byte), 2);
+        text += index == 0 ? "" : ",";
+        text += index != 0 && index % kBytesOfALine == 0 ? kNextLine : "";
+        AppendHex(text, static_cast<unsigned char>(value.bytes[index]), 2);
     }
     return text;
 }
@@ -103,14 +93,15 @@ std::optional<std::string> ParseBytes(std::string_view text)
     std::string bytes;
     while (!text.empty())
     {
-        const std::size_t length = std::min(text.find(','), text.size());
-        const std::optional<DWORD> byte = ParseHex(text.substr(0, length));
+        std::string_view digits = text.substr(0, text.find(','));
+        text.remove_prefix(std::min(digits.size() + 1, text.size()));
+        digits.remove_prefix(std::min(digits.find_first_not_of("\\\r\n "), digits.size()));
+        const std::optional<DWORD> byte = ParseHex(digits);
         if (!byte || *byte > 0xFF)
         {
             return std::nullopt;
         }
         bytes += static_cast<char>(*byte);
-        text.remove_prefix(std::min(length + 1, text.size()));
     }
     return bytes;
 }
@@ -137,24 +128,17 @@ std::string FormatValue(const Value& value)
         std::memcpy(&number, value.bytes.data(), sizeof number);
         std::string shown(kNumberForm);
         AppendHex(shown, number, 8);
-        return shown + '\n';
+        return shown;
     }
-    const std::optional<std::string> text = FormatText(value);
-    return (text ? *text : FormatBytes(value)) + '\n';
+    const std::optional<std::string> text = WellFormedText(value);
+    return text ? Quote(*text) : FormatBytes(value);
 }
 
 std::optional<Value> ParseValue(std::string_view text)
 {
-    if (text.ends_with('\n'))
+    if (const std::optional<std::string> quoted = TakeQuoted(text))
     {
-        text.remove_suffix(1);
-    }
-    for (const TextForm& form : kTextForms)
-    {
-        if (text.starts_with(form.begin))
-        {
-            return TextValue(text.substr(form.begin.size()), form.type);
-        }
+        return text.empty() ? std::optional(TextValue(*quoted, REG_SZ)) : std::nullopt;
     }
     if (text.starts_with(kNumberForm))
     {
@@ -177,6 +161,33 @@ Value TextValue(std::string_view text, DWORD type)
 Value NumberValue(DWORD number)
 {
     return {REG_DWORD, std::string(reinterpret_cast<const char*>(&number), sizeof number)};
+}
+
+std::string Quote(std::string_view text)
+{
+    std::string quoted = "\"";
+    for (const char character : text)
+    {
+        quoted += character == '"' || character == '\\' ? "\\" : "";
+        quoted += character;
+    }
+    return quoted += '"';
+}
+
+std::optional<std::string> TakeQuoted(std::string_view& source)
+{
+    std::string text;
+    for (std::size_t at = 1; source.starts_with('"') && at < source.size(); ++at)
+    {
+        if (source[at] == '"')
+        {
+            source.remove_prefix(at + 1);
+            return text;
+        }
+        at += source[at] == '\\' && at + 1 < source.size() ? 1 : 0;
+        text += source[at];
+    }
+    return std::nullopt;
 }
 
 } // namespace simulated::registry
