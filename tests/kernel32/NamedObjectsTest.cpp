@@ -40,19 +40,6 @@ bool Hold()
     return WaitForSingleObject(held.get(), INFINITE) == WAIT_OBJECT_0;
 }
 
-/// Makes, uses and closes objects for ever.
-bool Churn()
-{
-    SetEvent(OpenEvent(L"Ready").get());
-    while (true)
-    {
-        const OwnedHandle event(CreateEventW(nullptr, TRUE, FALSE, L"Churned"));
-        const OwnedHandle semaphore(CreateSemaphoreW(nullptr, 1, 5, L"ChurnedToo"));
-        SetEvent(event.get());
-        WaitForSingleObject(semaphore.get(), 0);
-    }
-}
-
 constexpr int kAdditions = 500;
 
 /// Adds to the number on the mapping "Board", each time under the semaphore "Lock".
@@ -71,22 +58,6 @@ bool Count()
         ReleaseSemaphore(lock.get(), 1, nullptr);
     }
     return true;
-}
-
-/// Answers each "Request" on "Answer", until "Stop" is set.
-bool Pass()
-{
-    const OwnedHandle stop = OpenEvent(L"Stop");
-    const OwnedHandle request = OpenEvent(L"Request");
-    const OwnedHandle answer = OpenEvent(L"Answer");
-    const HANDLE awaited[] = {stop.get(), request.get()};
-    DWORD which = WAIT_FAILED;
-    while ((which = WaitForMultipleObjects(2, awaited, FALSE, INFINITE)) == WAIT_OBJECT_0 + 1)
-    {
-        ResetEvent(request.get());
-        SetEvent(answer.get());
-    }
-    return which == WAIT_OBJECT_0;
 }
 
 } // namespace
@@ -110,24 +81,6 @@ TEST_F(NamedObjectsTest, ObjectEndsWithItsLastHolderKilledOrNot)
     }
 }
 
-TEST_F(NamedObjectsTest, ProcessKilledAtAnyMomentLeavesNothingStuck)
-{
-    for (int round = 0; round < 10; ++round)
-    {
-        const OwnedHandle ready(CreateEventW(nullptr, TRUE, FALSE, L"Ready"));
-        ChildProcess child(&Churn);
-        ASSERT_TRUE(Await(ready));
-        usleep(static_cast<useconds_t>(700 * round));
-        child.Kill();
-        const OwnedHandle semaphore(CreateSemaphoreW(nullptr, 3, 3, L"ChurnedToo"));
-        EXPECT_EQ(ERROR_SUCCESS, GetLastError());
-        LONG previous = 0;
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(semaphore.get(), 0));
-        EXPECT_TRUE(ReleaseSemaphore(semaphore.get(), 1, &previous));
-        EXPECT_EQ(2, previous);
-    }
-}
-
 TEST_F(NamedObjectsTest, SemaphoreSerialisesProcesses)
 {
     const OwnedHandle lock(CreateSemaphoreW(nullptr, 1, 0x7FFFFFFF, L"Global\\Lock"));
@@ -141,19 +94,4 @@ TEST_F(NamedObjectsTest, SemaphoreSerialisesProcesses)
     EXPECT_EQ(0, second.Await());
     EXPECT_EQ(2 * kAdditions, *static_cast<LONG*>(view));
     EXPECT_TRUE(UnmapViewOfFile(view));
-}
-
-TEST_F(NamedObjectsTest, EventsCrossProcesses)
-{
-    const OwnedHandle stop(CreateEventW(nullptr, TRUE, FALSE, L"Stop"));
-    const OwnedHandle request(CreateEventW(nullptr, TRUE, FALSE, L"Request"));
-    const OwnedHandle answer(CreateEventW(nullptr, FALSE, FALSE, L"Answer"));
-    ChildProcess child(&Pass);
-    for (int round = 0; round < 100; ++round)
-    {
-        EXPECT_TRUE(SetEvent(request.get()));
-        ASSERT_TRUE(Await(answer));
-    }
-    EXPECT_TRUE(SetEvent(stop.get()));
-    EXPECT_EQ(0, child.Await());
 }

@@ -12,7 +12,6 @@
 //  - Lines before the first section are the section of the empty name to it.
 //  - It also knows the marks of UTF-8 and of UTF-16 with the high byte first.
 //  - It ignores the case of the letters A to Z alone.
-//  - A list that fits exactly gives size - 2, as one that is cut does.
 //  - It cuts a quoted value before it takes the quotes off.
 //  - It drops the blanks before a value that it writes, and takes a name to be removed with its blanks.
 //  - Deleting in a missing file answers TRUE and makes no file.

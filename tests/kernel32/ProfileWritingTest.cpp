@@ -62,9 +62,7 @@ TEST_F(ProfileConformance, Replacing)
         {"value", two, L"s", L"k", L"new", "[s]/k=new/j=2/"},
         {"longer than the file", "[s]/k=1/", L"S", L"K", L"longer than the file",
          "[s]/k=longer than the file/"},
-        {"the same", two, L"s", L"k", L"1", two},
         {"by an empty one", two, L"s", L"k", L"", "[s]/k=/j=2/"},
-        {"of an empty one", "[s]/k=/", L"s", L"k", L"v", "[s]/k=v/"},
         {"quotes are written", two, L"s", L"k", L"\"q\"", "[s]/k=\"q\"/j=2/"},
         {"blanks are written", two, L"s", L"k", L" v ", "[s]/k= v /j=2/", "[s]/k=v /j=2/"},
         {"spelling stays", "[ S ]/  K  =  1  /", L"s", L"k", L"new", "[ S ]/  K  =new/", "[S]/K=new/"},
@@ -83,30 +81,22 @@ TEST_F(ProfileConformance, Replacing)
 TEST_F(ProfileConformance, Adding)
 {
     const std::string one = "[s]/k=1/";
-    const std::string mark = "\xEF\xBB\xBF";
     const WriteCase rows[] = {
         {"key", one, L"s", L"j", L"v", "[s]/k=1/j=v/"},
         {"key to a section in the middle", "[s]/k=1/[t]/", L"s", L"j", L"v", "[s]/k=1/j=v/[t]/"},
         {"key to an empty section", "[s]/[t]/", L"s", L"j", L"v", "[s]/j=v/[t]/"},
         {"key before blank lines", "[s]/k=1///[t]/", L"s", L"j", L"v", "[s]/k=1/j=v///[t]/",
          "[s]/k=1/j=v/[t]/"},
-        {"key behind a comment", "[s]/k=1/;c/[t]/", L"s", L"j", L"v", "[s]/k=1/;c/j=v/[t]/"},
         {"key to the first of two sections", "[s]/k=1/[t]/[s]/", L"s", L"j", L"v", "[s]/k=1/j=v/[t]/[s]/"},
         {"key behind a line without end", "[s]/k=1", L"s", L"j", L"v", "[s]/k=1/j=v/"},
         {"key among LF", "[s]\nk=1\n[t]\n", L"s", L"j", L"v", "[s]\nk=1\nj=v/[t]\n", "[s]/k=1/j=v/[t]/"},
-        {"key that is a line without =", "[s]/k/", L"s", L"k", L"v", "[s]/k/k=v/", "[s]/k=v/"},
         {"empty value", one, L"s", L"j", L"", "[s]/k=1/j=/"},
-        {"empty key", one, L"s", L"", L"v", "[s]/k=1/=v/"},
         {"blanks before a key", one, L"s", L"  j", L"v", "[s]/k=1/j=v/"},
         {"section", one, L"t", L"j", L"v", "[s]/k=1/[t]/j=v/"},
         {"section to an empty file", "", L"t", L"j", L"v", "[t]/j=v/"},
-        {"section behind a line without end", "[s]/k=1", L"t", L"j", L"v", "[s]/k=1/[t]/j=v/"},
         {"section behind blank lines", "[s]//", L"t", L"j", L"v", "[s]//[t]/j=v/", "[s]/[t]/j=v/"},
         {"blanks before a section", one, L"  t", L"j", L"v", "[s]/k=1/[t]/j=v/"},
-        {"section of no name", "k=1/[s]/", L"", L"j", L"v", "k=1/[s]/[]/j=v/", "k=1/j=v/[s]/"},
         {"to UTF-16", Utf16("[s]/k=1/"), L"t", L"j", L"v", Utf16("[s]/k=1/[t]/j=v/")},
-        {"to UTF-16 that is nothing but the mark", Utf16(""), L"t", L"j", L"v", Utf16("[t]/j=v/")},
-        {"behind the mark of UTF-8", mark + "[s]/", L"t", L"j", L"v", mark + "[s]/[t]/j=v/"},
     };
     std::for_each(std::begin(rows), std::end(rows), CheckWrite);
 }
@@ -116,20 +106,15 @@ TEST_F(ProfileConformance, Removing)
     const std::string two = "[s]/k=1/j=2/";
     const WriteCase rows[] = {
         {"key", two, L"s", L"k", nullptr, "[s]/j=2/"},
-        {"key by another spelling", two, L"S", L"K", nullptr, "[s]/j=2/"},
         {"key with blanks around", two, L" s ", L" k ", nullptr, "[s]/j=2/", "[s]/k=1/j=2/"},
         {"last key, header stays", "[s]/k=1/[t]/", L"s", L"k", nullptr, "[s]/[t]/"},
-        {"first of two keys", "[s]/k=1/k=2/", L"s", L"k", nullptr, "[s]/k=2/"},
         {"missing key", two, L"s", L"x", nullptr, two},
         {"key of a missing section", two, L"x", L"k", nullptr, two},
-        {"line without end", "[s]/k=1/j=2", L"s", L"j", nullptr, "[s]/k=1/"},
         {"section", "[s]/k=1/;c/[t]/x=1/", L"S", nullptr, nullptr, "[t]/x=1/"},
-        {"section whatever the value", "[s]/k=1/[t]/", L"s", nullptr, L"v", "[t]/"},
-        {"last section", "[t]/[s]/k=1/", L"s", nullptr, nullptr, "[t]/"},
         {"section with blank lines", "[t]//[s]/k=1//[u]/", L"s", nullptr, nullptr, "[t]//[u]/", "[t]/[u]/"},
+        {"first of two keys", "[s]/k=1/k=2/", L"s", L"k", nullptr, "[s]/k=2/"},
         {"first of two sections", "[s]/k=1/[t]/[s]/j=2/", L"s", nullptr, nullptr, "[t]/[s]/j=2/"},
         {"missing section", two, L"x", nullptr, nullptr, two},
-        {"section of no name", "k=1/[s]/", L"", nullptr, nullptr, "k=1/[s]/", "[s]/"},
         {"key of UTF-16", Utf16("[s]/k=1/j=2/"), L"s", L"k", nullptr, Utf16("[s]/j=2/")},
     };
     std::for_each(std::begin(rows), std::end(rows), CheckWrite);

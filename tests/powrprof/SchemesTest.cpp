@@ -69,42 +69,6 @@ Walk Enumerate(std::size_t stopAfter = 100)
     return walk;
 }
 
-TEST_F(SchemesTest, AFreshMachineHasTheSixStandardSchemes)
-{
-    // On mains and on battery: display, disk, standby, hibernation after standby, throttling.
-    const std::pair<const char*, std::array<ULONG, 10>> rows[] = {
-        {"Home/Office Desk", {1200, 300, 0, 600, 0, 300, 0, 900, 0, 3}},
-        {"Portable/Laptop", {900, 300, 1800, 300, 1200, 300, 9600, 600, 3, 3}},
-        {"Presentation", {0, 0, 0, 300, 0, 900, 0, 6300, 3, 2}},
-        {"Always On", {1200, 900, 0, 1800, 0, 0, 0, 0, 0, 0}},
-        {"Minimal Power Management", {900, 300, 0, 900, 0, 300, 0, 10500, 3, 3}},
-        {"Max Battery", {900, 60, 0, 180, 1200, 120, 1500, 3480, 3, 2}},
-    };
-    const Walk walk = Enumerate();
-    ASSERT_EQ(std::size(rows), walk.seen.size());
-    for (UINT i = 0; i < std::size(rows); ++i)
-    {
-        SCOPED_TRACE(rows[i].first);
-        EXPECT_EQ(rows[i].first, walk.seen[i].name);
-        const POWER_POLICY policy = Read(i);
-        const USER_POWER_POLICY& user = policy.user;
-        const std::array<ULONG, 10> seen = {user.VideoTimeoutAc,         user.VideoTimeoutDc,
-                                            user.SpindownTimeoutAc,      user.SpindownTimeoutDc,
-                                            user.IdleTimeoutAc,          user.IdleTimeoutDc,
-                                            policy.mach.DozeS4TimeoutAc, policy.mach.DozeS4TimeoutDc,
-                                            user.ThrottlePolicyAc,       user.ThrottlePolicyDc};
-        EXPECT_EQ(rows[i].second, seen);
-        EXPECT_EQ(PowerActionSleep, user.IdleAc.Action);
-        EXPECT_EQ(100, user.ForcedThrottleAc);
-        MACHINE_PROCESSOR_POWER_POLICY processor{};
-        ASSERT_TRUE(ReadProcessorPwrScheme(i, &processor));
-        EXPECT_EQ(user.ThrottlePolicyAc, processor.ProcessorPolicyAc.DynamicThrottle);
-        EXPECT_EQ(user.ThrottlePolicyDc, processor.ProcessorPolicyDc.DynamicThrottle);
-    }
-    EXPECT_EQ(1u, Active());
-    EXPECT_EQ(TextBytes("5"), ReadValue(HKEY_LOCAL_MACHINE, kMachinePower, L"LastID"));
-}
-
 TEST_F(SchemesTest, WhatIsWrittenOnOneSideIsReadOnTheOther)
 {
     POWER_POLICY policy = Read(2);
@@ -194,18 +158,6 @@ TEST_F(SchemesTest, DeletionSparesTheActiveScheme)
     EXPECT_TRUE(DeletePwrScheme(1));
     EXPECT_FALSE(DeletePwrScheme(3));
     EXPECT_EQ(3u, Active());
-}
-
-TEST_F(SchemesTest, NullRecordsAreRefused)
-{
-    UINT scheme = 0;
-    POWER_POLICY policy{};
-    EXPECT_FALSE(GetActivePwrScheme(nullptr));
-    EXPECT_FALSE(ReadPwrScheme(0, nullptr));
-    EXPECT_FALSE(WritePwrScheme(nullptr, nullptr, nullptr, &policy));
-    EXPECT_FALSE(WritePwrScheme(&scheme, nullptr, nullptr, nullptr));
-    EXPECT_FALSE(ReadProcessorPwrScheme(0, nullptr));
-    EXPECT_EQ(ERROR_INVALID_PARAMETER, ErrorOf(WriteProcessorPwrScheme(0, nullptr)));
 }
 
 // A store that something else has damaged is told as such and gives nothing half read.

@@ -22,7 +22,6 @@ const std::string kSchemes = "SYSTEM\\CurrentControlSet\\Control\\Power\\User\\P
 using GetActive = DWORD WINAPI(HKEY, GUID**);
 using OfScheme = DWORD WINAPI(HKEY, const GUID*);
 using ReadName = DWORD WINAPI(HKEY, const GUID*, const GUID*, const GUID*, PUCHAR, LPDWORD);
-using WriteName = DWORD WINAPI(HKEY, const GUID*, const GUID*, const GUID*, PUCHAR, DWORD);
 using ReadIndex = DWORD WINAPI(HKEY, const GUID*, const GUID*, const GUID*, LPDWORD);
 using WriteIndex = DWORD WINAPI(HKEY, const GUID*, const GUID*, const GUID*, DWORD);
 using Duplicate = DWORD WINAPI(HKEY, const GUID*, GUID**);
@@ -69,18 +68,6 @@ protected:
     }
 };
 
-TEST_F(SettingsTest, AFreshMachineHasTheThreeStandardSchemes)
-{
-    EXPECT_TRUE(IsActive(kBalanced));
-    EXPECT_EQ("Balanced", NameOf(kBalanced));
-    EXPECT_EQ("High performance", NameOf(kHighPerformance));
-    EXPECT_EQ("Power saver", NameOf(kPowerSaver));
-    EXPECT_EQ("Display", NameOf(kBalanced, &kVideo));
-    EXPECT_EQ("Turn off display after", NameOf(kBalanced, &kVideo, &kVideoOff));
-    EXPECT_EQ(Times(1200, 300), VideoOff(kBalanced));
-    EXPECT_EQ(Times(1200, 180), VideoOff(kPowerSaver));
-}
-
 TEST_F(SettingsTest, TheExistenceOfASchemeIsSeenByItsName)
 {
     const auto readName = Find<ReadName>("PowerReadFriendlyName");
@@ -96,11 +83,6 @@ TEST_F(SettingsTest, TheExistenceOfASchemeIsSeenByItsName)
 
     size = 0;
     EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, readName(nullptr, &kUnknown, nullptr, nullptr, nullptr, &size));
-    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER}, readName(nullptr, nullptr, nullptr, nullptr, nullptr, &size));
-    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER},
-              readName(nullptr, &kBalanced, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_EQ(DWORD{ERROR_INVALID_PARAMETER},
-              readName(HKEY_LOCAL_MACHINE, &kBalanced, nullptr, nullptr, nullptr, &size));
 }
 
 TEST_F(SettingsTest, TheTwoPowerSourcesAreStoredApart)
@@ -164,18 +146,13 @@ TEST_F(SettingsTest, ACopyIsWholeAndStandsForItself)
     EXPECT_EQ("Power saver", NameOf(*first));
     EXPECT_EQ(Times(1200, 180), VideoOff(*first));
 
-    wchar_t name[] = L"Mine";
-    const auto rename = Find<WriteName>("PowerWriteFriendlyName");
-    EXPECT_EQ(kDone, rename(nullptr, first, nullptr, nullptr, reinterpret_cast<PUCHAR>(name), sizeof name));
     EXPECT_EQ(kDone, SetVideoOff("PowerWriteDCValueIndex", *first, 240));
-    EXPECT_EQ("Mine", NameOf(*first));
-    EXPECT_EQ("Power saver", NameOf(kPowerSaver));
     EXPECT_EQ(Times(1200, 180), VideoOff(kPowerSaver));
 
     GUID chosen = kUnknown;
     GUID* target = &chosen;
     EXPECT_EQ(kDone, duplicate(nullptr, first, &target));
-    EXPECT_EQ("Mine", NameOf(kUnknown));
+    EXPECT_EQ(Times(1200, 240), VideoOff(kUnknown));
     EXPECT_EQ(DWORD{ERROR_ALREADY_EXISTS}, duplicate(nullptr, first, &target));
     LocalFree(first);
     LocalFree(second);
