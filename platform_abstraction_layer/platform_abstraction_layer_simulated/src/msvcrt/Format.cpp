@@ -1,18 +1,14 @@
 // msvcrt/Format.cpp
 //
-// One formatter for both widths of text: it fetches the argument of a conversion by its kind and size, and
-// pads what comes out.
+// One pass over the format: each conversion is read, its argument fetched by kind and size, and its text
+// padded.
 
 #include "msvcrt/Format.h"
 
-#include "msvcrt/Conversion.h"
-#include "msvcrt/NumberText.h"
-
-#include <windef.h>
-
 #include <algorithm>
 #include <climits>
-#include <string_view>
+#include <cstdint>
+#include <string>
 #include <type_traits>
 
 namespace simulated::runtime
@@ -21,60 +17,118 @@ namespace simulated::runtime
 namespace
 {
 
+constexpr int kLargestWidth = INT_MAX / 10 - 1;
+
+// What stands between "%" and its letter, and the letter.
+struct Conversion
+{
+    bool leftAligned = false;
+    bool zeroPadded = false;
+    std::size_t width = 0;
+    wchar_t size = 0;   // 'h', 'l' or none
+    wchar_t letter = 0; // 0 when the format ends before
+};
+
+// Moves `place` behind the conversion that begins there.
+Conversion ReadConversion(const wchar_t*& place)
+{
+    Conversion conversion;
+    for (; *place == L'-' || *place == L'0'; ++place)
+    {
+        (*place == L'-' ? conversion.leftAligned : conversion.zeroPadded) = true;
+    }
+    int width = 0;
+    for (; *place >= L'0' && *place <= L'9'; ++place)
+    {
+        width = std::min(width, kLargestWidth) * 10 + (*place - L'0');
+    }
+    conversion.width = static_cast<std::size_t>(width);
+    if (*place == L'h' || *place == L'l' || *place == L'w')
+    {
+        conversion.size = *place++ == L'h' ? L'h' : L'l';
+    }
+    conversion.letter = *place;
+    place += *place == 0 ? 0 : 1;
+    return conversion;
+}
+
+std::u16string Digits(std::uint32_t value, unsigned base, bool upper)
+{
+    const char16_t* const all = upper ? u"0123456789ABCDEF" : u"0123456789abcdef";
+    std::u16string digits;
+    do
+    {
+        digits += all[value % base];
+        value /= base;
+    } while (value != 0);
+    std::reverse(digits.begin(), digits.end());
+    return digits;
+}
+
+// The small letter is wide text as the format is, the capital narrow, unless a size says which.
+bool IsWideText(const Conversion& conversion)
+{
+    const bool isSmall = conversion.letter == L's' || conversion.letter == L'c';
+    return conversion.size == 0 ? isSmall : conversion.size == L'l';
+}
+
 template <class Unit>
+std::u16string Units(const Unit* text)
+{
+    std::u16string units;
+    for (; *text != 0; ++text)
+    {
+        units += static_cast<char16_t>(static_cast<std::make_unsigned_t<Unit>>(*text));
+    }
+    return units;
+}
+
 class Formatter
 {
 public:
     // Fetches from `arguments`, which stay the caller's to end.
-    Formatter(Unit* target, std::size_t count, va_list* arguments)
-        : m_target(target), m_count(target == nullptr ? 0 : count), m_arguments(arguments)
+    Formatter(wchar_t* target, std::size_t count, va_list* arguments)
+        : m_target(target), m_count(count), m_arguments(arguments)
     {
     }
 
-    int Run(const Unit* format)
+    int Run(const wchar_t* format)
     {
         while (*format != 0)
         {
-            if (*format != '%')
+            if (*format != L'%')
             {
-                Put(static_cast<std::make_unsigned_t<Unit>>(*format++));
+                Fill(static_cast<char16_t>(*format++), 1);
                 continue;
             }
-            ConversionReader reader(format + 1, [this] { return va_arg(*m_arguments, int); });
-            Convert(reader.Read());
-            format = reader.Place();
+            ++format;
+            Convert(ReadConversion(format));
         }
-        return Finish();
-    }
-
-private:
-    int Finish()
-    {
-        if (m_failed || m_length > INT_MAX || (m_target != nullptr && m_length > m_count))
+        if (m_length > m_count)
         {
             return -1;
         }
-        if (m_target != nullptr && m_length < m_count)
+        if (m_length < m_count)
         {
             m_target[m_length] = 0;
         }
         return static_cast<int>(m_length);
     }
 
-    void Put(unsigned unit)
-    {
-        if (m_length < m_count)
-        {
-            m_target[m_length] = static_cast<Unit>(unit);
-        }
-        ++m_length;
-    }
-
-    void Fill(char character, std::size_t number)
+private:
+    void Fill(char16_t unit, std::size_t number)
     {
         const std::size_t room = m_count - std::min(m_count, m_length);
-        std::fill_n(m_target + m_count - room, std::min(room, number), static_cast<Unit>(character));
+        std::fill_n(m_target + m_count - room, std::min(room, number), static_cast<wchar_t>(unit));
         m_length += number;
+    }
+
+    void Put(const std::u16string& text)
+    {
+        for (const char16_t unit : text)
+        {
+            Fill(unit, 1);
+        }
     }
 
     void Convert(const Conversion& conversion)
@@ -83,260 +137,79 @@ private:
         {
         case 0:
             break;
-        case 'd':
-        case 'i':
-            PutSigned(conversion);
+        case L'd':
+        case L'i':
+        {
+            const int argument = va_arg(*m_arguments, int);
+            const int value = conversion.size == L'h' ? static_cast<std::int16_t>(argument) : argument;
+            const auto bits = static_cast<std::uint32_t>(value);
+            Pad(value < 0 ? u"-" : u"", Digits(value < 0 ? 0 - bits : bits, 10, false), conversion);
             break;
-        case 'u':
-            PutUnsigned(conversion, 10);
+        }
+        case L'u':
+        case L'x':
+        case L'X':
+        {
+            const unsigned argument = va_arg(*m_arguments, unsigned);
+            const unsigned value = conversion.size == L'h' ? argument & 0xFFFF : argument;
+            Pad({}, Digits(value, conversion.letter == L'u' ? 10 : 16, conversion.letter == L'X'),
+                conversion);
             break;
-        case 'o':
-            PutUnsigned(conversion, 8);
+        }
+        case L'c':
+        case L'C':
+        {
+            const int value = va_arg(*m_arguments, int);
+            const auto unit = static_cast<char16_t>(IsWideText(conversion) ? value : value & 0xFF);
+            Pad({}, {unit}, conversion);
             break;
-        case 'x':
-        case 'X':
-            PutUnsigned(conversion, 16);
-            break;
-        case 'p':
-            PutPointer(conversion);
-            break;
-        case 'e':
-        case 'E':
-        case 'f':
-        case 'g':
-        case 'G':
-            PutNumber(WithSign(FromDouble(va_arg(*m_arguments, double), conversion), conversion), 0,
-                      conversion);
-            break;
-        case 'c':
-        case 'C':
-            PutCharacter(conversion);
-            break;
-        case 's':
-        case 'S':
-            PutText(conversion);
-            break;
-        case 'n':
-            static_cast<void>(va_arg(*m_arguments, void*));
+        }
+        case L's':
+        case L'S':
+            Pad({}, FetchText(IsWideText(conversion)), conversion);
             break;
         default:
-            Put(conversion.letter);
+            Fill(static_cast<char16_t>(conversion.letter), 1);
             break;
         }
     }
 
-    std::uint64_t FetchUnsigned(Size size)
-    {
-        switch (size)
-        {
-        case Size::LongLong:
-            return va_arg(*m_arguments, unsigned long long);
-        case Size::Pointer:
-            return va_arg(*m_arguments, std::size_t);
-        case Size::Short:
-            return static_cast<std::uint16_t>(va_arg(*m_arguments, unsigned));
-        default:
-            return va_arg(*m_arguments, unsigned);
-        }
-    }
-
-    std::int64_t FetchSigned(Size size)
-    {
-        switch (size)
-        {
-        case Size::LongLong:
-            return va_arg(*m_arguments, long long);
-        case Size::Pointer:
-            return va_arg(*m_arguments, std::ptrdiff_t);
-        case Size::Short:
-            return static_cast<std::int16_t>(va_arg(*m_arguments, int));
-        default:
-            return va_arg(*m_arguments, int);
-        }
-    }
-
-    static Digits WithSign(Digits number, const Conversion& conversion)
-    {
-        if (number.prefix.empty())
-        {
-            number.prefix = conversion.plusSign ? "+" : conversion.blankSign ? " " : "";
-        }
-        return number;
-    }
-
-    // No digit is a number too: without a precision it shows as one zero.
-    static std::size_t DigitCount(const Conversion& conversion)
-    {
-        return static_cast<std::size_t>(conversion.precision < 0 ? 1 : conversion.precision);
-    }
-
-    void PutSigned(const Conversion& conversion)
-    {
-        const std::int64_t value = FetchSigned(conversion.size);
-        const auto bits = static_cast<std::uint64_t>(value);
-        Digits number = FromInteger(value < 0 ? 0 - bits : bits, 10, false);
-        number.prefix = value < 0 ? "-" : "";
-        PutNumber(WithSign(std::move(number), conversion), DigitCount(conversion), conversion);
-    }
-
-    void PutUnsigned(const Conversion& conversion, unsigned base)
-    {
-        const bool upper = conversion.letter == 'X';
-        Digits number = FromInteger(FetchUnsigned(conversion.size), base, upper);
-        if (conversion.alternate && !number.digits.empty())
-        {
-            number.prefix = base == 8 ? "0" : base == 16 ? (upper ? "0X" : "0x") : "";
-        }
-        PutNumber(number, DigitCount(conversion), conversion);
-    }
-
-    // All digits of an address, in capitals and without a prefix.
-    void PutPointer(const Conversion& conversion)
-    {
-        const auto value = reinterpret_cast<std::uintptr_t>(va_arg(*m_arguments, void*));
-        Digits number = FromInteger(value, 16, true);
-        number.prefix = conversion.alternate ? "0X" : "";
-        PutNumber(number, 2 * sizeof value, conversion);
-    }
-
-    void PutNumber(const Digits& number, std::size_t digitCount, const Conversion& conversion)
-    {
-        const std::size_t zeros = digitCount - std::min(digitCount, number.digits.size());
-        const std::size_t length = number.prefix.size() + zeros + number.digits.size();
-        const std::size_t padding = Padding(length, conversion);
-        const bool zeroPadded = conversion.zeroPadded && !conversion.leftAligned;
-        if (!conversion.leftAligned && !zeroPadded)
-        {
-            Fill(' ', padding);
-        }
-        PutPlain(number.prefix);
-        Fill('0', zeroPadded ? padding + zeros : zeros);
-        PutPlain(number.digits);
-        if (conversion.leftAligned)
-        {
-            Fill(' ', padding);
-        }
-    }
-
-    void PutPlain(std::string_view text)
-    {
-        for (const char character : text)
-        {
-            Put(static_cast<unsigned char>(character));
-        }
-    }
-
-    static std::size_t Padding(std::size_t length, const Conversion& conversion)
-    {
-        const auto width = static_cast<std::size_t>(conversion.width);
-        return width - std::min(width, length);
-    }
-
-    // Text is as wide as the format says by "h", "l" or "w", else as the format itself for the small letter
-    // and of the other width for the capital.
-    static bool IsWideText(const Conversion& conversion)
-    {
-        constexpr bool isWideFormat = std::is_same_v<Unit, wchar_t>;
-        const bool isSmall = conversion.letter == 's' || conversion.letter == 'c';
-        return conversion.size == Size::Long    ? true
-               : conversion.size == Size::Short ? false
-                                                : isSmall == isWideFormat;
-    }
-
-    void PutCharacter(const Conversion& conversion)
-    {
-        const auto value = static_cast<unsigned>(va_arg(*m_arguments, int));
-        if (IsWideText(conversion))
-        {
-            const auto unit = static_cast<wchar_t>(value);
-            PutUnits(&unit, 1, conversion);
-        }
-        else
-        {
-            const auto unit = static_cast<char>(value);
-            PutUnits(&unit, 1, conversion);
-        }
-    }
-
-    void PutText(const Conversion& conversion)
+    std::u16string FetchText(bool isWide)
     {
         const void* const text = va_arg(*m_arguments, const void*);
-        if (text == nullptr)
-        {
-            PutTerminated("(null)", conversion);
-        }
-        else if (IsWideText(conversion))
-        {
-            PutTerminated(static_cast<const wchar_t*>(text), conversion);
-        }
-        else
-        {
-            PutTerminated(static_cast<const char*>(text), conversion);
-        }
+        return text == nullptr ? u"(null)"
+               : isWide        ? Units(static_cast<const wchar_t*>(text))
+                               : Units(static_cast<const char*>(text));
     }
 
-    // With a precision the text needn't be terminated.
-    template <class Source>
-    void PutTerminated(const Source* text, const Conversion& conversion)
+    // Zeros go behind the sign, blanks before it.
+    void Pad(const std::u16string& sign, const std::u16string& text, const Conversion& conversion)
     {
-        const std::size_t limit =
-            conversion.precision < 0 ? SIZE_MAX : static_cast<std::size_t>(conversion.precision);
-        std::size_t length = 0;
-        while (length < limit && text[length] != 0)
-        {
-            ++length;
-        }
-        PutUnits(text, length, conversion);
+        const std::size_t length = sign.size() + text.size();
+        const std::size_t padding = conversion.width - std::min(conversion.width, length);
+        const bool zeros = conversion.zeroPadded && !conversion.leftAligned;
+        Fill(u' ', zeros || conversion.leftAligned ? 0 : padding);
+        Put(sign);
+        Fill(u'0', zeros ? padding : 0);
+        Put(text);
+        Fill(u' ', conversion.leftAligned ? padding : 0);
     }
 
-    template <class Source>
-    void PutUnits(const Source* units, std::size_t length, const Conversion& conversion)
-    {
-        const std::size_t padding = Padding(length, conversion);
-        if (!conversion.leftAligned)
-        {
-            Fill(conversion.zeroPadded ? '0' : ' ', padding);
-        }
-        for (std::size_t index = 0; index < length; ++index)
-        {
-            const unsigned unit = static_cast<std::make_unsigned_t<Source>>(units[index]);
-            // The runtime's own locale knows no wide character beyond a byte.
-            m_failed = m_failed || (sizeof(Unit) == 1 && unit > 0xFF);
-            Put(unit);
-        }
-        if (conversion.leftAligned)
-        {
-            Fill(' ', padding);
-        }
-    }
-
-    Unit* m_target;
+    wchar_t* m_target;
     std::size_t m_count;
-    std::size_t m_length = 0; ///< of the whole text, also behind the target's end
-    bool m_failed = false;
+    std::size_t m_length = 0; // of the whole text, also behind the target's end
     va_list* m_arguments;
 };
-
-template <class Unit>
-int FormatUnits(Unit* target, std::size_t count, const Unit* format, va_list arguments)
-{
-    va_list own;
-    va_copy(own, arguments);
-    const int length = Formatter<Unit>(target, count, &own).Run(format);
-    va_end(own);
-    return length;
-}
 
 } // namespace
 
 int Format(wchar_t* target, std::size_t count, const wchar_t* format, va_list arguments)
 {
-    return FormatUnits(target, count, format, arguments);
-}
-
-int Format(char* target, std::size_t count, const char* format, va_list arguments)
-{
-    return FormatUnits(target, count, format, arguments);
+    va_list own;
+    va_copy(own, arguments);
+    const int length = Formatter(target, count, &own).Run(format);
+    va_end(own);
+    return length;
 }
 
 } // namespace simulated::runtime

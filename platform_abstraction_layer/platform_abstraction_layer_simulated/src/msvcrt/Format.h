@@ -1,9 +1,9 @@
 // msvcrt/Format.h
 //
-// printf formatting with the rules of the Microsoft runtime, for wide and narrow targets.
+// printf formatting of wide text with the rules of the Microsoft runtime.
 //
-// Known differences from Windows: "%n" writes nothing; "%a" is no conversion; infinite numbers and those that
-// are none show as the native library has them; the precision of a floating-point number counts up to 512.
+// Known differences from Windows: the conversions are d, i, u, x, X, c, C, s and S, with the flags "-" and
+// "0", a width, and the sizes h, l and w. Any other letter is shown as itself and reads no argument.
 #pragma once
 
 #include <cstdarg>
@@ -12,11 +12,8 @@
 namespace simulated::runtime
 {
 
-/// Writes at most `count` units. The length of the text; -1 when it is longer than `count`, or when a
-/// character has no place in a narrow text. A terminator follows only where there is room. A null `target`
-/// with a `count` of 0 asks for the length. A conversion that isn't known is shown as its letter and reads no
-/// argument.
+/// Writes at most `count` units. The length of the text; -1 when it is longer than `count`. A terminator
+/// follows only where there is room.
 int Format(wchar_t* target, std::size_t count, const wchar_t* format, va_list arguments);
-int Format(char* target, std::size_t count, const char* format, va_list arguments);
 
 } // namespace simulated::runtime

@@ -36,29 +36,9 @@ CallClass ClassOf(std::string path)
     return isLog ? CallClass::Log : CallClass::File;
 }
 
-// What an opening mode asks for.
-struct Mode
+DWORD OpenStream(const std::string& path, std::string_view mode, FILE*& stream)
 {
-    std::string native;
-    bool writes;
-    bool isValid;
-};
-
-// A letter of r, w and a, then + and one of b and t in any order.
-Mode ReadMode(std::string_view text)
-{
-    const bool isKnown = !text.empty() && std::string_view("rwa").find(text[0]) != std::string_view::npos;
-    if (!isKnown || text.substr(1).find_first_not_of("+bt") != std::string_view::npos)
-    {
-        return {{}, false, false};
-    }
-    const bool both = text.find('+') != std::string_view::npos;
-    return {std::string(text.substr(0, 1)) + (both ? "+" : "") + "e", both || text[0] != 'r', true};
-}
-
-DWORD OpenStream(const std::string& path, const Mode& mode, FILE*& stream)
-{
-    if (!mode.isValid)
+    if (mode != "ab")
     {
         errno = EINVAL;
         return ERROR_INVALID_PARAMETER;
@@ -69,14 +49,13 @@ DWORD OpenStream(const std::string& path, const Mode& mode, FILE*& stream)
         errno = error == ERROR_INVALID_NAME ? EINVAL : ENOENT;
         return error;
     }
-    const DWORD access = mode.writes ? GENERIC_READ | GENERIC_WRITE : GENERIC_READ;
-    const DWORD refusal = share_modes::Check(place.host, access);
-    if (refusal != ERROR_SUCCESS || (mode.writes && place.IsReadOnly()) || place.IsFolder())
+    const DWORD refusal = share_modes::Check(place.host, GENERIC_READ | GENERIC_WRITE);
+    if (refusal != ERROR_SUCCESS || place.IsReadOnly() || place.IsFolder())
     {
         errno = EACCES;
         return refusal != ERROR_SUCCESS ? refusal : static_cast<DWORD>(ERROR_ACCESS_DENIED);
     }
-    stream = std::fopen(place.host.c_str(), mode.native.c_str());
+    stream = std::fopen(place.host.c_str(), "ae");
     return stream != nullptr ? ERROR_SUCCESS : paths::ErrorOf(errno);
 }
 
@@ -91,7 +70,7 @@ SIM_API FILE* _wfopen(const wchar_t* path, const wchar_t* mode)
                               [&]
                               {
                                   Outcome<FILE*> stream;
-                                  stream.error = OpenStream(name, ReadMode(ToUtf8(mode)), stream.value);
+                                  stream.error = OpenStream(name, ToUtf8(mode), stream.value);
                                   return stream;
                               });
 }
@@ -99,18 +78,4 @@ SIM_API FILE* _wfopen(const wchar_t* path, const wchar_t* mode)
 SIM_API int _vsnwprintf(wchar_t* target, std::size_t count, const wchar_t* format, va_list arguments)
 {
     return runtime::Format(target, count, format, arguments);
-}
-
-SIM_API int _vsnprintf(char* target, std::size_t count, const char* format, va_list arguments)
-{
-    return runtime::Format(target, count, format, arguments);
-}
-
-SIM_API int _snwprintf(wchar_t* target, std::size_t count, const wchar_t* format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    const int length = runtime::Format(target, count, format, arguments);
-    va_end(arguments);
-    return length;
 }
