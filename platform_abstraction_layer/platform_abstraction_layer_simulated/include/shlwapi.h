@@ -8,8 +8,5 @@
 /// TRUE for a file or a folder that exists.
 SIM_API BOOL WINAPI PathFileExistsW(LPCWSTR path);
 
-/// Nonzero for a folder that exists.
-SIM_API BOOL WINAPI PathIsDirectoryW(LPCWSTR path);
-
 /// The first place where `part` stands in `whole`, case ignored; null when there is none or `part` is empty.
 SIM_API LPWSTR WINAPI StrStrIW(LPCWSTR whole, LPCWSTR part);

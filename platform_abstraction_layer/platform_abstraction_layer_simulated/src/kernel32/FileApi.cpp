@@ -70,16 +70,6 @@ DWORD Transfer(HANDLE handle, const void* buffer, DWORD size, LPDWORD count, con
     return error;
 }
 
-std::int64_t Distance(LONG low, const LONG* high)
-{
-    if (high == nullptr)
-    {
-        return low;
-    }
-    const auto bits = static_cast<std::uint64_t>(static_cast<std::uint32_t>(*high)) << 32;
-    return static_cast<std::int64_t>(bits | static_cast<std::uint32_t>(low));
-}
-
 } // namespace
 
 SIM_API HANDLE WINAPI CreateFileW(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES,
@@ -142,56 +132,11 @@ SIM_API DWORD WINAPI GetFileSize(HANDLE file, LPDWORD high)
                               });
 }
 
-SIM_API DWORD WINAPI SetFilePointer(HANDLE file, LONG distance, PLONG distanceHigh, DWORD method)
-{
-    PlatformCall call(CallClass::File, "SetFilePointer", SIM_CALLER);
-    call.Arguments(file, distance, method);
-    return call.Result<DWORD>(
-        INVALID_SET_FILE_POINTER,
-        [&]() -> Outcome<DWORD>
-        {
-            std::uint64_t place = 0;
-            const DWORD error =
-                WithFile(file, [&](files::File& opened)
-                         { return opened.Seek(Distance(distance, distanceHigh), method, place); });
-            if (error != ERROR_SUCCESS)
-            {
-                return {INVALID_SET_FILE_POINTER, error};
-            }
-            if (distanceHigh != nullptr)
-            {
-                *distanceHigh = static_cast<LONG>(place >> 32);
-            }
-            return {static_cast<DWORD>(place), ERROR_SUCCESS};
-        });
-}
-
-SIM_API BOOL WINAPI SetEndOfFile(HANDLE file)
-{
-    PlatformCall call(CallClass::File, "SetEndOfFile", SIM_CALLER);
-    call.Arguments(file);
-    return call.Boolean([&] { return WithFile(file, [](files::File& opened) { return opened.Cut(); }); });
-}
-
 SIM_API BOOL WINAPI DeleteFileW(LPCWSTR path)
 {
     PlatformCall call(CallClass::File, "DeleteFileW", SIM_CALLER);
     call.Arguments(path);
     return call.Boolean([&] { return files::Delete(ToUtf8(path)); });
-}
-
-SIM_API BOOL WINAPI CopyFileW(LPCWSTR from, LPCWSTR to, BOOL failIfExists)
-{
-    PlatformCall call(CallClass::File, "CopyFileW", SIM_CALLER);
-    call.Arguments(from, to, failIfExists);
-    return call.Boolean([&] { return files::Copy(ToUtf8(from), ToUtf8(to), failIfExists != FALSE); });
-}
-
-SIM_API BOOL WINAPI CreateDirectoryW(LPCWSTR path, LPSECURITY_ATTRIBUTES)
-{
-    PlatformCall call(CallClass::File, "CreateDirectoryW", SIM_CALLER);
-    call.Arguments(path);
-    return call.Boolean([&] { return files::CreateFolder(ToUtf8(path)); });
 }
 
 SIM_API BOOL WINAPI RemoveDirectoryW(LPCWSTR path)
@@ -212,11 +157,4 @@ SIM_API DWORD WINAPI GetFileAttributesW(LPCWSTR path)
                                   attributes.error = files::Attributes(ToUtf8(path), attributes.value);
                                   return attributes;
                               });
-}
-
-SIM_API BOOL WINAPI SetFileAttributesW(LPCWSTR path, DWORD attributes)
-{
-    PlatformCall call(CallClass::File, "SetFileAttributesW", SIM_CALLER);
-    call.Arguments(path, attributes);
-    return call.Boolean([&] { return files::SetAttributes(ToUtf8(path), attributes); });
 }

@@ -22,7 +22,6 @@ namespace
 {
 
 constexpr mode_t kFolderMode = 0777;
-constexpr mode_t kWriteBits = 0222;
 
 // A folder that holds nothing but locks and remains of killed writers is empty to the machine.
 void RemoveHousekeeping(const std::string& host)
@@ -47,6 +46,24 @@ bool IsLink(const std::string& host)
     return lstat(host.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
 }
 
+DWORD CreateFolder(std::string_view path)
+{
+    paths::Place place;
+    if (const DWORD error = paths::Find(path, place); error != ERROR_SUCCESS)
+    {
+        return error;
+    }
+    if (place.Exists())
+    {
+        return ERROR_ALREADY_EXISTS;
+    }
+    if (mkdir(place.host.c_str(), kFolderMode) != 0)
+    {
+        return errno == EEXIST ? ERROR_ALREADY_EXISTS : paths::ErrorOf(errno);
+    }
+    return ERROR_SUCCESS;
+}
+
 } // namespace
 
 DWORD Delete(std::string_view path)
@@ -67,62 +84,6 @@ DWORD Delete(std::string_view path)
         return error;
     }
     return unlink(place.host.c_str()) == 0 ? ERROR_SUCCESS : paths::ErrorOf(errno);
-}
-
-DWORD Copy(std::string_view from, std::string_view to, bool failIfExists)
-{
-    paths::Place source;
-    paths::Place target;
-    DWORD error = paths::FindExisting(from, source);
-    error = error != ERROR_SUCCESS ? error : paths::Find(to, target);
-    if (error != ERROR_SUCCESS)
-    {
-        return error;
-    }
-    if (source.IsFolder() || target.IsFolder() || (target.IsReadOnly() && !failIfExists))
-    {
-        return ERROR_ACCESS_DENIED;
-    }
-    if (target.Exists() && failIfExists)
-    {
-        return ERROR_FILE_EXISTS;
-    }
-    error = share_modes::Check(source.host, GENERIC_READ);
-    error = error != ERROR_SUCCESS ? error : share_modes::Check(target.host, GENERIC_WRITE);
-    if (error != ERROR_SUCCESS)
-    {
-        return error;
-    }
-    const std::optional<std::string> bytes = ReadWhole(source.host);
-    if (!bytes)
-    {
-        return paths::ErrorOf(errno);
-    }
-    const FileLock lock(target.host);
-    if (!lock.IsHeld() || !WriteWhole(target.host, *bytes) ||
-        chmod(target.host.c_str(), source.mode & 0777) != 0)
-    {
-        return paths::ErrorOf(errno);
-    }
-    return ERROR_SUCCESS;
-}
-
-DWORD CreateFolder(std::string_view path)
-{
-    paths::Place place;
-    if (const DWORD error = paths::Find(path, place); error != ERROR_SUCCESS)
-    {
-        return error;
-    }
-    if (place.Exists())
-    {
-        return ERROR_ALREADY_EXISTS;
-    }
-    if (mkdir(place.host.c_str(), kFolderMode) != 0)
-    {
-        return errno == EEXIST ? ERROR_ALREADY_EXISTS : paths::ErrorOf(errno);
-    }
-    return ERROR_SUCCESS;
 }
 
 DWORD RemoveFolder(std::string_view path)
@@ -154,22 +115,6 @@ DWORD Attributes(std::string_view path, DWORD& attributes)
     attributes = place.IsFolder() ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_ARCHIVE;
     attributes |= place.IsReadOnly() ? FILE_ATTRIBUTE_READONLY : 0;
     return ERROR_SUCCESS;
-}
-
-DWORD SetAttributes(std::string_view path, DWORD attributes)
-{
-    paths::Place place;
-    if (const DWORD error = paths::FindExisting(path, place); error != ERROR_SUCCESS)
-    {
-        return error;
-    }
-    if (place.IsFolder())
-    {
-        return ERROR_SUCCESS; // a read-only folder is one with a look of its own, no more
-    }
-    const bool readOnly = (attributes & FILE_ATTRIBUTE_READONLY) != 0;
-    const mode_t mode = (place.mode & 0777 & ~kWriteBits) | (readOnly ? 0 : S_IWUSR);
-    return chmod(place.host.c_str(), mode) == 0 ? ERROR_SUCCESS : paths::ErrorOf(errno);
 }
 
 DWORD CreateFolders(std::string_view path)

@@ -1,6 +1,6 @@
 // kernel32/Files.h
 //
-// Opened files and folders of the simulated machine, and what is done to a file as a whole. Functions answer
+// Opened files of the simulated machine, and what is done to a file as a whole. Functions answer
 // error numbers; paths are UTF-8.
 #pragma once
 
@@ -12,26 +12,23 @@
 namespace simulated::files
 {
 
-/// An opened file or folder.
+/// An opened file.
 class File : public Object
 {
 public:
     /// Takes `descriptor` over. `access` is what the opener asked for.
-    File(int descriptor, DWORD access, bool isFolder);
+    File(int descriptor, DWORD access);
     ~File() override;
 
     DWORD Read(void* buffer, DWORD size, DWORD& read);
     DWORD Write(const void* buffer, DWORD size, DWORD& written);
     DWORD Size(std::uint64_t& size) const;
-    DWORD Seek(std::int64_t distance, DWORD method, std::uint64_t& place);
-    DWORD Cut();
 
 private:
     DWORD Allow(DWORD rights) const;
 
     int m_descriptor;
     DWORD m_access;
-    bool m_isFolder;
 };
 
 /// The arguments of CreateFileW.
@@ -47,13 +44,10 @@ struct OpenRequest
 Outcome<std::shared_ptr<File>> Open(std::string_view path, const OpenRequest& request);
 
 DWORD Delete(std::string_view path);
-DWORD Copy(std::string_view from, std::string_view to, bool failIfExists);
-DWORD CreateFolder(std::string_view path);
 DWORD RemoveFolder(std::string_view path);
 
 /// FILE_ATTRIBUTE_... of what lies at `path`.
 DWORD Attributes(std::string_view path, DWORD& attributes);
-DWORD SetAttributes(std::string_view path, DWORD attributes);
 
 /// A folder and what is missing above it. ERROR_ALREADY_EXISTS when it was there.
 DWORD CreateFolders(std::string_view path);

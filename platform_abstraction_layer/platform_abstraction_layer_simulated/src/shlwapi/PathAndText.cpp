@@ -62,19 +62,6 @@ SIM_API BOOL WINAPI PathFileExistsW(LPCWSTR path)
         });
 }
 
-SIM_API BOOL WINAPI PathIsDirectoryW(LPCWSTR path)
-{
-    PlatformCall call(CallClass::File, "PathIsDirectoryW", SIM_CALLER);
-    call.Arguments(path);
-    return call.Result<BOOL>(FALSE,
-                             [&]() -> Outcome<BOOL>
-                             {
-                                 DWORD attributes = 0;
-                                 const DWORD error = files::Attributes(ToUtf8(path), attributes);
-                                 return {static_cast<BOOL>(attributes & FILE_ATTRIBUTE_DIRECTORY), error};
-                             });
-}
-
 SIM_API LPWSTR WINAPI StrStrIW(LPCWSTR whole, LPCWSTR part)
 {
     PlatformCall call(CallClass::Text, "StrStrIW", SIM_CALLER);
@@ -99,7 +86,6 @@ namespace
 const modules::Export kExports[] = {
     {nullptr, kGuidFromStringNumber, modules::Address(&GuidFromStringW), 0},
     {"PathFileExistsW", 0, modules::Address(&PathFileExistsW), 0},
-    {"PathIsDirectoryW", 0, modules::Address(&PathIsDirectoryW), 0},
     {"StrStrIW", 0, modules::Address(&StrStrIW), 0},
 };
 const modules::Registration kRegistration("Shlwapi.dll", kExports);
