@@ -10,7 +10,6 @@
 
 #define INFINITE 0xFFFFFFFFU
 #define WAIT_OBJECT_0 0x00000000U
-#define WAIT_ABANDONED 0x00000080U
 #define WAIT_TIMEOUT 258U
 #define WAIT_FAILED 0xFFFFFFFFU
 #define MAXIMUM_WAIT_OBJECTS 64
@@ -27,7 +26,6 @@ struct SECURITY_ATTRIBUTES
     BOOL bInheritHandle;
 };
 static_assert(sizeof(void*) != 4 || sizeof(SECURITY_ATTRIBUTES) == 12);
-using PSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
 using LPSECURITY_ATTRIBUTES = SECURITY_ATTRIBUTES*;
 
 /// Natively all synchronous; a call that names one of these is refused.
@@ -63,7 +61,6 @@ SIM_API DWORD WINAPI WaitForMultipleObjects(DWORD count, const HANDLE* handles, 
 
 // File mappings. Only those backed by the page file exist natively.
 
-#define FILE_MAP_COPY 0x0001
 #define FILE_MAP_WRITE SECTION_MAP_WRITE
 #define FILE_MAP_READ SECTION_MAP_READ
 #define FILE_MAP_ALL_ACCESS SECTION_ALL_ACCESS
@@ -77,23 +74,16 @@ SIM_API BOOL WINAPI UnmapViewOfFile(LPCVOID view);
 
 // Threads and processes
 
-#define STILL_ACTIVE 259U
-#define CREATE_SUSPENDED 0x00000004
-#define STACK_SIZE_PARAM_IS_A_RESERVATION 0x00010000
-
 using PTHREAD_START_ROUTINE = DWORD(WINAPI*)(LPVOID);
 using LPTHREAD_START_ROUTINE = PTHREAD_START_ROUTINE;
 
 SIM_API HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES attributes, SIZE_T stackSize,
                                    LPTHREAD_START_ROUTINE start, LPVOID parameter, DWORD flags,
                                    LPDWORD threadId);
-SIM_API __attribute__((noreturn)) void WINAPI ExitThread(DWORD exitCode);
 SIM_API __attribute__((noreturn)) void WINAPI FreeLibraryAndExitThread(HMODULE module, DWORD exitCode);
-SIM_API BOOL WINAPI GetExitCodeThread(HANDLE thread, LPDWORD exitCode);
 SIM_API HANDLE WINAPI GetCurrentThread();
 SIM_API DWORD WINAPI GetCurrentThreadId();
 SIM_API HANDLE WINAPI GetCurrentProcess();
-SIM_API DWORD WINAPI GetCurrentProcessId();
 SIM_API DWORD_PTR WINAPI SetThreadAffinityMask(HANDLE thread, DWORD_PTR mask);
 SIM_API BOOL WINAPI GetProcessAffinityMask(HANDLE process, PDWORD_PTR processMask, PDWORD_PTR systemMask);
 
@@ -105,7 +95,6 @@ struct RTL_CRITICAL_SECTION
 };
 static_assert(sizeof(void*) != 4 || sizeof(RTL_CRITICAL_SECTION) == 24);
 using CRITICAL_SECTION = RTL_CRITICAL_SECTION;
-using PCRITICAL_SECTION = CRITICAL_SECTION*;
 using LPCRITICAL_SECTION = CRITICAL_SECTION*;
 
 SIM_API void WINAPI InitializeCriticalSection(LPCRITICAL_SECTION section);
@@ -114,44 +103,8 @@ SIM_API BOOL WINAPI TryEnterCriticalSection(LPCRITICAL_SECTION section);
 SIM_API void WINAPI LeaveCriticalSection(LPCRITICAL_SECTION section);
 SIM_API void WINAPI DeleteCriticalSection(LPCRITICAL_SECTION section);
 
-// Interlocked operations; each is a full barrier, as on Windows.
-
-inline LONG InterlockedExchange(LONG volatile* target, LONG value) noexcept
-{
-    return __atomic_exchange_n(target, value, __ATOMIC_SEQ_CST);
-}
-inline LONG InterlockedCompareExchange(LONG volatile* target, LONG exchange, LONG comparand) noexcept
-{
-    __atomic_compare_exchange_n(target, &comparand, exchange, false, __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
-    return comparand;
-}
-inline LONG InterlockedExchangeAdd(LONG volatile* target, LONG value) noexcept
-{
-    return __atomic_fetch_add(target, value, __ATOMIC_SEQ_CST);
-}
-inline LONG InterlockedIncrement(LONG volatile* target) noexcept
-{
-    return __atomic_add_fetch(target, 1, __ATOMIC_SEQ_CST);
-}
-inline LONG InterlockedDecrement(LONG volatile* target) noexcept
-{
-    return __atomic_sub_fetch(target, 1, __ATOMIC_SEQ_CST);
-}
-inline PVOID InterlockedExchangePointer(PVOID volatile* target, PVOID value) noexcept
-{
-    return __atomic_exchange_n(target, value, __ATOMIC_SEQ_CST);
-}
-inline PVOID InterlockedCompareExchangePointer(PVOID volatile* target, PVOID exchange,
-                                               PVOID comparand) noexcept
-{
-    __atomic_compare_exchange_n(target, &comparand, exchange, false, __ATOMIC_SEQ_CST, __ATOMIC_SEQ_CST);
-    return comparand;
-}
-
 // Modules
 
-#define GET_MODULE_HANDLE_EX_FLAG_PIN 0x00000001
-#define GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT 0x00000002
 #define GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS 0x00000004
 
 SIM_API HMODULE WINAPI LoadLibraryW(LPCWSTR name);
@@ -164,14 +117,10 @@ SIM_API DWORD WINAPI GetModuleFileNameW(HMODULE module, LPWSTR path, DWORD size)
 // Memory
 
 #define HEAP_ZERO_MEMORY 0x00000008
-#define LMEM_FIXED 0x0000
-#define LMEM_ZEROINIT 0x0040
-#define LPTR (LMEM_FIXED | LMEM_ZEROINIT)
 
 SIM_API HANDLE WINAPI GetProcessHeap();
 SIM_API LPVOID WINAPI HeapAlloc(HANDLE heap, DWORD flags, SIZE_T size);
 SIM_API BOOL WINAPI HeapFree(HANDLE heap, DWORD flags, LPVOID block);
-SIM_API HLOCAL WINAPI LocalAlloc(UINT flags, SIZE_T size);
 SIM_API HLOCAL WINAPI LocalFree(HLOCAL block);
 
 // Time, the debugger channel, devices

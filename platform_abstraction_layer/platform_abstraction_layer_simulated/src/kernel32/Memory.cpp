@@ -123,22 +123,6 @@ SIM_API BOOL WINAPI HeapFree(HANDLE heap, DWORD flags, LPVOID block)
         });
 }
 
-SIM_API HLOCAL WINAPI LocalAlloc(UINT flags, SIZE_T size)
-{
-    PlatformCall call(CallClass::Memory, "LocalAlloc", SIM_CALLER);
-    call.Arguments(flags, size);
-    return call.Result<void*>(nullptr,
-                              [&]() -> Outcome<void*>
-                              {
-                                  if ((flags & ~UINT{LPTR}) != 0)
-                                  {
-                                      return {nullptr, ERROR_INVALID_PARAMETER};
-                                  }
-                                  const bool zero = (flags & LMEM_ZEROINIT) != 0;
-                                  return Answer(Allocate(kLocalKind, size, zero, call));
-                              });
-}
-
 // Null for success, so a fault, which gives the block back, still frees it.
 SIM_API HLOCAL WINAPI LocalFree(HLOCAL block)
 {

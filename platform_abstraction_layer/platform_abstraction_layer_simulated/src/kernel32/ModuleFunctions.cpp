@@ -4,7 +4,8 @@
 // native libraries.
 //
 // Known differences from Windows: the plug-in isn't looked for on drive C, GetModuleHandleW finds a module of
-// the system that nobody has loaded, and GetProcAddress doesn't tell an unloaded module from a missing entry.
+// the system that nobody has loaded, GetModuleHandleExW finds one by an address in it alone, and
+// GetProcAddress doesn't tell an unloaded module from a missing entry.
 
 #include "kernel32/NativeLibraries.h"
 #include "kernel32/SystemModules.h"
@@ -41,37 +42,19 @@ Outcome<HMODULE> FindLoaded(const wchar_t* name)
                            : Find(ToUtf8(name), libraries::FindLoaded);
 }
 
-DWORD FindReferenced(DWORD flags, const wchar_t* nameOrAddress, HMODULE& module)
+// The module that `address` lies in, with one more reference.
+DWORD FindReferenced(DWORD flags, const void* address, HMODULE& module)
 {
-    constexpr DWORD kKnownFlags = GET_MODULE_HANDLE_EX_FLAG_PIN |
-                                  GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT |
-                                  GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS;
-    constexpr DWORD kContradiction =
-        GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    const bool fromAddress = (flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS) != 0;
-    if ((flags & ~kKnownFlags) != 0 || (flags & kContradiction) == kContradiction ||
-        (fromAddress && nameOrAddress == nullptr))
+    if (flags != GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS || address == nullptr)
     {
         return ERROR_INVALID_PARAMETER;
     }
-
-    const HMODULE byAddress = fromAddress ? libraries::FindByAddress(nameOrAddress) : nullptr;
-    const Outcome<HMODULE> found =
-        fromAddress
-            ? Outcome<HMODULE>{byAddress,
-                               static_cast<DWORD>(byAddress == nullptr ? ERROR_MOD_NOT_FOUND : ERROR_SUCCESS)}
-            : FindLoaded(nameOrAddress);
-    if (found.error != ERROR_SUCCESS)
-    {
-        return found.error;
-    }
-    const bool pinned = (flags & GET_MODULE_HANDLE_EX_FLAG_PIN) != 0;
-    const bool counted = (flags & GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT) == 0;
-    if (counted && !system_modules::IsModule(found.value) && !libraries::AddReference(found.value, pinned))
+    const HMODULE found = libraries::FindByAddress(address);
+    if (found == nullptr || !libraries::AddReference(found))
     {
         return ERROR_MOD_NOT_FOUND;
     }
-    module = found.value;
+    module = found;
     return ERROR_SUCCESS;
 }
 
@@ -182,14 +165,7 @@ SIM_API HMODULE WINAPI GetModuleHandleW(LPCWSTR name)
 SIM_API BOOL WINAPI GetModuleHandleExW(DWORD flags, LPCWSTR nameOrAddress, HMODULE* module)
 {
     PlatformCall call(CallClass::Module, "GetModuleHandleExW", SIM_CALLER);
-    if ((flags & GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS) == 0)
-    {
-        call.Arguments(flags, nameOrAddress);
-    }
-    else
-    {
-        call.Arguments(flags, static_cast<const void*>(nameOrAddress));
-    }
+    call.Arguments(flags, static_cast<const void*>(nameOrAddress));
     return call.Boolean(
         [&]() -> DWORD
         {

@@ -7,7 +7,6 @@
 #include "kernel32/NativeLibraries.h"
 
 #include "notebook/DebugOutput.h"
-#include "notebook/DllEntry.h"
 #include "notebook/Text.h"
 
 #include <algorithm>
@@ -16,7 +15,6 @@
 #include <link.h>
 #include <mutex>
 #include <optional>
-#include <set>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -40,13 +38,6 @@ std::recursive_mutex& LoaderLock()
 {
     static std::recursive_mutex& lock = *new std::recursive_mutex;
     return lock;
-}
-
-// Modules whose DllMain answered FALSE and that haven't been unloaded yet. Under the loader's lock.
-std::set<const void*>& Refused()
-{
-    static std::set<const void*>& refused = *new std::set<const void*>;
-    return refused;
 }
 
 void* Open(const char* name, int flags) noexcept
@@ -95,7 +86,7 @@ HMODULE ModuleOf(void* library) noexcept
 }
 
 // A reference of its own to a loaded library, or null.
-void* OpenLoaded(HMODULE module, int flags) noexcept
+void* OpenLoaded(HMODULE module) noexcept
 {
     const std::optional<Dl_info> info = InfoOf(module);
     if (!info.has_value() || info->dli_fbase != module)
@@ -103,7 +94,7 @@ void* OpenLoaded(HMODULE module, int flags) noexcept
         return nullptr;
     }
     const char* const name = module == libraries::Executable() ? nullptr : info->dli_fname;
-    return Open(name, RTLD_LAZY | RTLD_NOLOAD | flags);
+    return Open(name, RTLD_LAZY | RTLD_NOLOAD);
 }
 
 bool EndsIgnoringCase(std::string_view text, std::string_view end)
@@ -150,12 +141,6 @@ std::vector<std::string> Candidates(std::string name)
 
 } // namespace
 
-void RefuseModule(const void* module)
-{
-    const std::lock_guard lock(LoaderLock());
-    Refused().insert(module);
-}
-
 Outcome<HMODULE> libraries::Load(const std::string& name)
 {
     const std::lock_guard lock(LoaderLock());
@@ -164,11 +149,6 @@ Outcome<HMODULE> libraries::Load(const std::string& name)
     {
         void* const library = Open(path.c_str(), RTLD_NOW | RTLD_LOCAL);
         const HMODULE module = library == nullptr ? nullptr : ModuleOf(library);
-        if (module != nullptr && Refused().erase(module) > 0)
-        {
-            Close(library);
-            return {nullptr, ERROR_DLL_INIT_FAILED};
-        }
         if (module != nullptr)
         {
             return {module, ERROR_SUCCESS};
@@ -227,16 +207,16 @@ bool libraries::IsLibrary(HMODULE module) noexcept
     return module != nullptr && FindByAddress(module) == module;
 }
 
-bool libraries::AddReference(HMODULE module, bool pinned) noexcept
+bool libraries::AddReference(HMODULE module) noexcept
 {
-    return OpenLoaded(module, pinned ? RTLD_NODELETE : 0) != nullptr;
+    return OpenLoaded(module) != nullptr;
 }
 
 void libraries::Release(HMODULE module) noexcept
 {
     // The first reference is the one just taken to reach the library; the second is the caller's. A library
     // that is bound at link time has none of the caller's, which the native loader refuses to give back.
-    void* const library = OpenLoaded(module, 0);
+    void* const library = OpenLoaded(module);
     if (library != nullptr)
     {
         Close(library);
@@ -246,7 +226,7 @@ void libraries::Release(HMODULE module) noexcept
 
 FARPROC libraries::FindFunction(HMODULE module, const char* name) noexcept
 {
-    void* const library = OpenLoaded(module, 0);
+    void* const library = OpenLoaded(module);
     if (library == nullptr)
     {
         return nullptr;

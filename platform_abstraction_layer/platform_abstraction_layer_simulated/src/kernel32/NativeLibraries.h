@@ -16,8 +16,7 @@ namespace simulated::libraries
 
 /// Loads the library that `name` means: a path of the host ("./libx.so"), a DLL name ("x.dll", found beside
 /// the executable, then where the native loader looks), or a DLL's path as `WindowsPath` gives it. Adds a
-/// reference. ERROR_MOD_NOT_FOUND, ERROR_BAD_EXE_FORMAT for a file that can't be loaded, or
-/// ERROR_DLL_INIT_FAILED.
+/// reference. ERROR_MOD_NOT_FOUND, or ERROR_BAD_EXE_FORMAT for a file that can't be loaded.
 Outcome<HMODULE> Load(const std::string& name);
 
 /// The library that `name` means when it is loaded, without a reference; ERROR_MOD_NOT_FOUND.
@@ -31,8 +30,8 @@ HMODULE Executable() noexcept;
 /// True when `module` is the beginning of a loaded library or of the executable.
 bool IsLibrary(HMODULE module) noexcept;
 
-/// One more reference; `pinned` keeps the library for ever.
-bool AddReference(HMODULE module, bool pinned) noexcept;
+/// One more reference; false when it isn't loaded.
+bool AddReference(HMODULE module) noexcept;
 
 /// Gives a reference back. What is bound at link time stays.
 void Release(HMODULE module) noexcept;

@@ -32,33 +32,21 @@ bool StaysAsItIs(char byte) noexcept
            byte == '-' || byte == '_' || byte == '.';
 }
 
-void AppendHex(std::string& text, const char* format, unsigned long long value)
-{
-    char digits[24];
-    std::snprintf(digits, sizeof digits, format, value);
-    text += digits;
-}
-
 std::string Encode(std::string_view name)
 {
     std::string encoded;
-    std::uint64_t hash = 0xCBF29CE484222325; // FNV-1a
     for (const char byte : name)
     {
-        hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001B3;
         if (StaysAsItIs(byte))
         {
             encoded += byte;
         }
         else
         {
-            AppendHex(encoded, "%%%02llX", static_cast<unsigned char>(byte));
+            char digits[4];
+            std::snprintf(digits, sizeof digits, "%%%02X", static_cast<unsigned char>(byte));
+            encoded += digits;
         }
-    }
-    if (encoded.size() > kLongestFileName)
-    {
-        encoded.resize(kLongestFileName);
-        AppendHex(encoded, "~%016llX", hash);
     }
     return encoded;
 }
@@ -71,10 +59,6 @@ Outcome<std::string> ObjectFileName(const wchar_t* name)
     {
         return {{}, ERROR_INVALID_PARAMETER};
     }
-    if (Length(name) > MAX_PATH)
-    {
-        return {{}, ERROR_FILENAME_EXCED_RANGE};
-    }
     const std::string text = ToUtf8(name);
     const Namespace* space = kNamespaces;
     while (!text.starts_with(space->prefix))
@@ -86,7 +70,9 @@ Outcome<std::string> ObjectFileName(const wchar_t* name)
     {
         return {{}, ERROR_PATH_NOT_FOUND};
     }
-    return {std::string(space->filePrefix) + Encode(plain), ERROR_SUCCESS};
+    const std::string file = std::string(space->filePrefix) + Encode(plain);
+    return {file,
+            static_cast<DWORD>(file.size() > kLongestFileName ? ERROR_FILENAME_EXCED_RANGE : ERROR_SUCCESS)};
 }
 
 } // namespace simulated

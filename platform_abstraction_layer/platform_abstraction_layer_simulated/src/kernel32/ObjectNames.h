@@ -11,9 +11,8 @@ namespace simulated
 {
 
 /// "global." or "local." and the name, with everything but letters, digits, "-", "_" and "." as %XX. Names
-/// tell case apart. A name that would be too long for a file keeps its beginning and ends in a hash of the
-/// whole. ERROR_FILENAME_EXCED_RANGE for more than 260 units, ERROR_PATH_NOT_FOUND for a folder that isn't
-/// "Global" or "Local", ERROR_INVALID_PARAMETER for a null pointer.
+/// tell case apart. ERROR_FILENAME_EXCED_RANGE for one that is too long for a file, ERROR_PATH_NOT_FOUND for
+/// a folder that isn't "Global" or "Local", ERROR_INVALID_PARAMETER for a null pointer.
 Outcome<std::string> ObjectFileName(const wchar_t* name);
 
 } // namespace simulated

@@ -1,10 +1,11 @@
 // kernel32/Threads.cpp
 //
 // Threads. Each runs above one frame of this library, the start frame. A thread that ends in the middle of
-// the plug-in, by ExitThread or FreeLibraryAndExitThread, jumps back to that frame, past all others, as on
+// the plug-in, by FreeLibraryAndExitThread, jumps back to that frame, past all others, as on
 // Windows, where no destructors run either; only there, with no frame of the plug-in left, the module may go.
 //
-// Known differences from Windows: a thread can't be made suspended; the size of the stack is the native one;
+// Known differences from Windows: a thread takes no flags and its exit code is
+// dropped; the size of the stack is the native one;
 // only a thread that CreateThread made can end itself, any other ends the process with a message; thread
 // numbers are unique within a process only.
 
@@ -21,7 +22,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <pthread.h>
-#include <unistd.h>
 
 namespace simulated
 {
@@ -36,7 +36,6 @@ struct Start
     void* parameter;
     std::shared_ptr<ThreadState> state;
     std::jmp_buf frame{};
-    DWORD exitCode = 0;
     HMODULE moduleToRelease = nullptr;
 };
 
@@ -48,7 +47,7 @@ void RunRoutine(Start& start)
 {
     if (setjmp(start.frame) == 0)
     {
-        start.exitCode = start.routine(start.parameter);
+        start.routine(start.parameter);
     }
 }
 
@@ -64,20 +63,18 @@ void* StartFrame(void* argument)
     {
         libraries::Release(start->moduleToRelease);
     }
-    state->exitCode.store(start->exitCode);
     state->ended.store(true, std::memory_order_release);
     state->wake->Announce();
     return nullptr;
 }
 
-[[noreturn]] void LeaveThread(DWORD exitCode, HMODULE module, const char* function)
+[[noreturn]] void LeaveThread(HMODULE module)
 {
     if (currentStart == nullptr)
     {
-        std::fprintf(stderr, "%s: CreateThread didn't make this thread\n", function);
+        std::fputs("FreeLibraryAndExitThread: CreateThread didn't make this thread\n", stderr);
         std::abort();
     }
-    currentStart->exitCode = exitCode;
     currentStart->moduleToRelease = module;
     std::longjmp(currentStart->frame, 1);
 }
@@ -85,13 +82,9 @@ void* StartFrame(void* argument)
 Outcome<HANDLE> Create(LPTHREAD_START_ROUTINE routine, void* parameter, DWORD flags, DWORD* threadId,
                        const PlatformCall& call)
 {
-    if (routine == nullptr || (flags & ~DWORD{STACK_SIZE_PARAM_IS_A_RESERVATION | CREATE_SUSPENDED}) != 0)
+    if (routine == nullptr || flags != 0)
     {
         return {nullptr, ERROR_INVALID_PARAMETER};
-    }
-    if ((flags & CREATE_SUSPENDED) != 0)
-    {
-        return {nullptr, ERROR_NOT_SUPPORTED};
     }
     auto state = std::make_shared<ThreadState>();
     auto start = std::make_unique<Start>();
@@ -115,22 +108,6 @@ Outcome<HANDLE> Create(LPTHREAD_START_ROUTINE routine, void* parameter, DWORD fl
         *threadId = state->id;
     }
     return {HandleTable::Insert(std::make_shared<Thread>(std::move(state)), call), ERROR_SUCCESS};
-}
-
-DWORD TellExitCode(HANDLE handle, DWORD* exitCode)
-{
-    const auto thread = HandleTable::Find<Thread>(handle);
-    if (thread == nullptr && handle != GetCurrentThread())
-    {
-        return ERROR_INVALID_HANDLE;
-    }
-    if (exitCode == nullptr)
-    {
-        return ERROR_NOACCESS;
-    }
-    const bool ended = thread != nullptr && thread->State().ended.load(std::memory_order_acquire);
-    *exitCode = ended ? thread->State().exitCode.load() : STILL_ACTIVE;
-    return ERROR_SUCCESS;
 }
 
 DWORD_PTR MaskOf(const ThreadState& state)
@@ -201,16 +178,6 @@ SIM_API HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T stackSize, LPTH
 }
 
 // The call is noted before the jump, which would pass its end by.
-SIM_API void WINAPI ExitThread(DWORD exitCode)
-{
-    {
-        PlatformCall call(CallClass::Thread, "ExitThread", SIM_CALLER);
-        call.Arguments(exitCode);
-        call.AnswerNothing();
-    }
-    LeaveThread(exitCode, nullptr, "ExitThread");
-}
-
 SIM_API void WINAPI FreeLibraryAndExitThread(HMODULE module, DWORD exitCode)
 {
     {
@@ -218,14 +185,7 @@ SIM_API void WINAPI FreeLibraryAndExitThread(HMODULE module, DWORD exitCode)
         call.Arguments(module, exitCode);
         call.AnswerNothing();
     }
-    LeaveThread(exitCode, system_modules::IsModule(module) ? nullptr : module, "FreeLibraryAndExitThread");
-}
-
-SIM_API BOOL WINAPI GetExitCodeThread(HANDLE thread, LPDWORD exitCode)
-{
-    PlatformCall call(CallClass::Thread, "GetExitCodeThread", SIM_CALLER);
-    call.Arguments(thread);
-    return call.Boolean([&] { return TellExitCode(thread, exitCode); });
+    LeaveThread(system_modules::IsModule(module) ? nullptr : module);
 }
 
 SIM_API DWORD_PTR WINAPI SetThreadAffinityMask(HANDLE thread, DWORD_PTR mask)
@@ -244,9 +204,4 @@ SIM_API HANDLE WINAPI GetCurrentThread()
 SIM_API DWORD WINAPI GetCurrentThreadId()
 {
     return CurrentThreadState().id;
-}
-
-SIM_API DWORD WINAPI GetCurrentProcessId()
-{
-    return static_cast<DWORD>(getpid());
 }

@@ -20,7 +20,6 @@ struct ThreadState
 
     DWORD id = NextId();
     std::shared_ptr<WakeWord> wake = WakeWord::Current();
-    std::atomic<DWORD> exitCode{STILL_ACTIVE};
     std::atomic<bool> ended{false};
     std::atomic<DWORD_PTR> affinity{0}; ///< 0 until it is set: all cores of the process
 };

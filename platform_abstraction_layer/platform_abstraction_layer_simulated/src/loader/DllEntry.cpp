@@ -8,7 +8,6 @@
 // Known differences from Windows: DllMain hears nothing of threads, the end of the process looks like an
 // unload, and a library bound at link time starts whatever its DllMain answers.
 
-#include "notebook/DllEntry.h"
 #include "notebook/PlugInModule.h"
 
 #include <windows.h>
@@ -29,13 +28,12 @@ namespace
 // The earliest and latest that a program may ask for.
 constexpr int kOutermost = 101;
 
-BOOL CallDllMain(DWORD reason)
+void CallDllMain(DWORD reason)
 {
-    if (DllMain == nullptr)
+    if (DllMain != nullptr)
     {
-        return TRUE;
+        DllMain(reinterpret_cast<HINSTANCE>(const_cast<char*>(&__ehdr_start)), reason, nullptr);
     }
-    return DllMain(reinterpret_cast<HINSTANCE>(const_cast<char*>(&__ehdr_start)), reason, nullptr);
 }
 
 __attribute__((constructor(kOutermost))) void MarkPlace()
@@ -43,12 +41,10 @@ __attribute__((constructor(kOutermost))) void MarkPlace()
     simulated::SetPlugInRange(&__ehdr_start, &_end);
 }
 
+// A library that is loaded stays too: no DllMain here refuses.
 __attribute__((constructor)) void Attach()
 {
-    if (!CallDllMain(DLL_PROCESS_ATTACH))
-    {
-        simulated::RefuseModule(&__ehdr_start);
-    }
+    CallDllMain(DLL_PROCESS_ATTACH);
 }
 
 __attribute__((destructor)) void Detach()
