@@ -8,15 +8,8 @@
 #define CP_ACP 0
 #define CP_UTF8 65001
 
-#define MB_PRECOMPOSED 0x00000001
-#define MB_ERR_INVALID_CHARS 0x00000008
-#define WC_NO_BEST_FIT_CHARS 0x00000400
-
-/// The number of the machine's ANSI code page.
-SIM_API UINT WINAPI GetACP();
-
 /// Lengths are in units of the respective text; a source length of -1 stands for a terminated text and
-/// includes the terminator, a target length of 0 asks for the length that is needed. Knows CP_ACP, 1252 and
+/// includes the terminator, a target length of 0 asks for the length that is needed. Knows CP_ACP and
 /// CP_UTF8.
 SIM_API int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH source, int sourceLength,
                                        LPWSTR target, int targetLength);

@@ -3,8 +3,8 @@
 // Narrow and wide text. One walk serves the question for the length and the conversion: what doesn't fit any
 // more is only counted.
 //
-// Known differences from Windows: code pages other than 1252, 65001 and the machine's own are refused, as are
-// composed and glyph characters; of the letters that look alike only those of the Latin alphabet stand for
+// Known differences from Windows: code pages other than 65001 and the machine's own are refused, as are flags
+// and a substitute of the caller's; of the letters that look alike only those of the Latin alphabet stand for
 // one another; bytes that are no UTF-8 become U+FFFD, which Windows XP leaves out.
 
 #include "notebook/CodePage.h"
@@ -20,8 +20,6 @@ using namespace simulated;
 namespace
 {
 
-constexpr UINT kLatinCodePage = 1252;
-constexpr DWORD kErrInvalidChars = 0x80; // of WideCharToMultiByte, from major version 6 on
 constexpr wchar_t kReplacement = 0xFFFD;
 
 // Units that are written as far as they fit, and counted all.
@@ -75,9 +73,6 @@ bool FindEncoding(UINT codePage, Encoding& encoding)
     case CP_ACP:
         encoding = AnsiEncoding();
         return true;
-    case kLatinCodePage:
-        encoding = Encoding::Windows1252;
-        return true;
     case CP_UTF8:
         encoding = Encoding::Utf8;
         return true;
@@ -99,7 +94,6 @@ struct Point
 {
     unsigned value;
     std::size_t bytes;
-    bool isValid;
 };
 
 // The bytes that may follow a lead byte at once; those behind are 0x80 to 0xBF.
@@ -124,7 +118,7 @@ Point NextPoint(std::string_view text)
     const unsigned lead = byteAt(0);
     if (lead < 0x80)
     {
-        return {lead, 1, true};
+        return {lead, 1};
     }
     for (const LeadByte& row : kLeadBytes)
     {
@@ -140,23 +134,21 @@ Point NextPoint(std::string_view text)
             const unsigned next = byteAt(index);
             if (next < first || next > last)
             {
-                return {kReplacement, index, false};
+                return {kReplacement, index};
             }
             value = (value << 6) | (next & 0x3F);
         }
-        return {value, row.trailing + std::size_t{1}, true};
+        return {value, row.trailing + std::size_t{1}};
     }
-    return {kReplacement, 1, false};
+    return {kReplacement, 1};
 }
 
-bool WidenUtf8(std::string_view text, Target<wchar_t>& target)
+void WidenUtf8(std::string_view text, Target<wchar_t>& target)
 {
-    bool isValid = true;
     while (!text.empty())
     {
         const Point point = NextPoint(text);
         text.remove_prefix(point.bytes);
-        isValid = isValid && point.isValid;
         if (point.value >= 0x10000)
         {
             target.Put(static_cast<wchar_t>(0xD800 + ((point.value - 0x10000) >> 10)));
@@ -167,7 +159,6 @@ bool WidenUtf8(std::string_view text, Target<wchar_t>& target)
             target.Put(static_cast<wchar_t>(point.value));
         }
     }
-    return isValid;
 }
 
 Outcome<int> Widen(UINT codePage, DWORD flags, LPCCH source, int sourceLength, LPWSTR buffer, int capacity)
@@ -177,20 +168,17 @@ Outcome<int> Widen(UINT codePage, DWORD flags, LPCCH source, int sourceLength, L
     {
         return {0, ERROR_INVALID_PARAMETER};
     }
-    const bool isUtf8 = encoding == Encoding::Utf8;
-    const DWORD known = MB_ERR_INVALID_CHARS | (isUtf8 ? 0 : MB_PRECOMPOSED);
-    if ((flags & ~known) != 0)
+    if (flags != 0)
     {
         return {0, ERROR_INVALID_FLAGS};
     }
     const std::size_t length =
         sourceLength < 0 ? std::strlen(source) + 1 : static_cast<std::size_t>(sourceLength);
     Target<wchar_t> target(buffer, capacity);
-    if (isUtf8)
+    if (encoding == Encoding::Utf8)
     {
-        const bool isValid = WidenUtf8({source, length}, target);
-        return isValid || (flags & MB_ERR_INVALID_CHARS) == 0 ? target.Finish()
-                                                              : Outcome<int>{0, ERROR_NO_UNICODE_TRANSLATION};
+        WidenUtf8({source, length}, target);
+        return target.Finish();
     }
     for (std::size_t place = 0; place < length; ++place)
     {
@@ -209,83 +197,45 @@ constexpr bool IsLowSurrogate(unsigned unit)
     return (unit & 0xFC00) == 0xDC00;
 }
 
-bool NarrowToUtf8(const wchar_t* source, std::size_t length, Target<char>& target)
+void NarrowToUtf8(const wchar_t* source, std::size_t length, Target<char>& target)
 {
-    bool isValid = true;
     for (std::size_t place = 0; place < length;)
     {
         const std::size_t units =
             IsHighSurrogate(source[place]) && place + 1 < length && IsLowSurrogate(source[place + 1]) ? 2 : 1;
         const bool isLone = units == 1 && (IsHighSurrogate(source[place]) || IsLowSurrogate(source[place]));
-        isValid = isValid && !isLone;
         const std::string bytes = isLone ? ToUtf8(&kReplacement, 1) : ToUtf8(source + place, units);
         target.Put(bytes.data(), bytes.size());
         place += units;
     }
-    return isValid;
 }
 
-// What stands for characters that the code page lacks, and whether it had to.
-struct Substitute
-{
-    char character;
-    bool isUsed;
-};
-
-void NarrowToLatin(const wchar_t* source, std::size_t length, bool noBestFit, Substitute& substitute,
-                   Target<char>& target)
-{
-    for (std::size_t place = 0; place < length; ++place)
-    {
-        const std::optional<unsigned char> byte = ToWindows1252(source[place]);
-        const bool lacks = !byte || (noBestFit && FromWindows1252(*byte) != source[place]);
-        substitute.isUsed = substitute.isUsed || lacks;
-        target.Put(lacks ? substitute.character : static_cast<char>(*byte));
-    }
-}
-
-Outcome<int> Narrow(UINT codePage, DWORD flags, LPCWCH source, int sourceLength, LPSTR buffer, int capacity,
-                    LPCCH defaultChar, LPBOOL usedDefaultChar)
+Outcome<int> Narrow(UINT codePage, DWORD flags, LPCWCH source, int sourceLength, LPSTR buffer, int capacity)
 {
     Encoding encoding = {};
     if (!FindEncoding(codePage, encoding) || !AreBuffersValid(source, sourceLength, buffer, capacity))
     {
         return {0, ERROR_INVALID_PARAMETER};
     }
-    const bool isUtf8 = encoding == Encoding::Utf8;
-    if ((flags & ~(isUtf8 ? kErrInvalidChars : WC_NO_BEST_FIT_CHARS)) != 0)
+    if (flags != 0)
     {
         return {0, ERROR_INVALID_FLAGS};
     }
     const std::size_t length = sourceLength < 0 ? Length(source) + 1 : static_cast<std::size_t>(sourceLength);
     Target<char> target(buffer, capacity);
-    if (isUtf8)
+    if (encoding == Encoding::Utf8)
     {
-        // A code page that has every character knows no substitute.
-        if (defaultChar != nullptr || usedDefaultChar != nullptr)
-        {
-            return {0, ERROR_INVALID_PARAMETER};
-        }
-        return NarrowToUtf8(source, length, target) || flags == 0
-                   ? target.Finish()
-                   : Outcome<int>{0, ERROR_NO_UNICODE_TRANSLATION};
+        NarrowToUtf8(source, length, target);
+        return target.Finish();
     }
-    Substitute substitute = {defaultChar == nullptr ? '?' : *defaultChar, false};
-    NarrowToLatin(source, length, (flags & WC_NO_BEST_FIT_CHARS) != 0, substitute, target);
-    if (usedDefaultChar != nullptr)
+    for (std::size_t place = 0; place < length; ++place)
     {
-        *usedDefaultChar = substitute.isUsed ? TRUE : FALSE;
+        target.Put(static_cast<char>(ToWindows1252(source[place]).value_or('?')));
     }
     return target.Finish();
 }
 
 } // namespace
-
-SIM_API UINT WINAPI GetACP()
-{
-    PlatformCall call(CallClass::Text, "GetACP", SIM_CALLER);
-    return call.Answer<UINT>(AnsiEncoding() == Encoding::Utf8 ? CP_UTF8 : kLatinCodePage);
-}
 
 SIM_API int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH source, int sourceLength,
                                        LPWSTR target, int targetLength)
@@ -303,9 +253,12 @@ SIM_API int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH source
     PlatformCall call(CallClass::Text, "WideCharToMultiByte", SIM_CALLER);
     call.Arguments(codePage, flags, static_cast<const void*>(source), sourceLength, targetLength);
     return call.Result<int>(0,
-                            [&]
+                            [&]() -> Outcome<int>
                             {
-                                return Narrow(codePage, flags, source, sourceLength, target, targetLength,
-                                              defaultChar, usedDefaultChar);
+                                if (defaultChar != nullptr || usedDefaultChar != nullptr)
+                                {
+                                    return {0, ERROR_INVALID_PARAMETER};
+                                }
+                                return Narrow(codePage, flags, source, sourceLength, target, targetLength);
                             });
 }
