@@ -253,41 +253,6 @@ std::optional<std::string> IniDocument::Value(std::string_view section, std::str
     return Text(Trim(Parse(line->text).value));
 }
 
-std::vector<std::string> IniDocument::Sections() const
-{
-    std::vector<std::string> names;
-    Walk(Start(), End(),
-         [&](const Line&, const Parsed& parsed)
-         {
-             if (parsed.kind == Kind::Header && parsed.name.begin != parsed.name.end)
-             {
-                 names.push_back(Text(parsed.name));
-             }
-             return true;
-         });
-    return names;
-}
-
-std::vector<std::string> IniDocument::Keys(std::string_view section) const
-{
-    std::vector<std::string> names;
-    const std::optional<Section> place = FindSection(section);
-    if (!place)
-    {
-        return names;
-    }
-    Walk(place->body, place->end,
-         [&](const Line&, const Parsed& parsed)
-         {
-             if (parsed.kind == Kind::Entry)
-             {
-                 names.push_back(Text(parsed.name));
-             }
-             return true;
-         });
-    return names;
-}
-
 std::vector<IniSection> IniDocument::Contents() const
 {
     std::vector<IniSection> sections;

@@ -36,12 +36,6 @@ public:
     /// The text behind the "=", without the blanks around it; cut at a NUL.
     std::optional<std::string> Value(std::string_view section, std::string_view key) const;
 
-    /// The names in the order of the file, duplicates included, nameless ones left out.
-    std::vector<std::string> Sections() const;
-
-    /// The keys of the first section of that name in the order of the file, duplicates included.
-    std::vector<std::string> Keys(std::string_view section) const;
-
     /// Everything, in the order of the file, duplicates included. For those who look up much.
     std::vector<IniSection> Contents() const;
 

@@ -1,6 +1,9 @@
 // kernel32/ProfileApi.cpp
 //
 // The public profile functions: arguments, buffers, answers.
+//
+// Known difference from Windows: there are no lists of sections and keys, so a read without a section or a
+// key gives the default.
 
 #include "kernel32/Profile.h"
 
@@ -10,7 +13,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstring>
 
 using namespace simulated;
 
@@ -29,44 +31,14 @@ std::string FileName(LPCWSTR file)
     return ToUtf8(file == nullptr ? kDefaultFile : file);
 }
 
-void CopyUnits(const std::vector<wchar_t>& units, std::size_t count, LPWSTR buffer)
-{
-    if (count > 0)
-    {
-        std::memcpy(buffer, units.data(), count * sizeof(wchar_t));
-    }
-}
-
 // The characters copied; of a text that doesn't fit `size` - 1.
 DWORD CopyText(std::string_view text, LPWSTR buffer, DWORD size)
 {
     const std::vector<wchar_t> units = ToUtf16(text);
     const std::size_t count = std::min<std::size_t>(units.size(), size - 1);
-    CopyUnits(units, count, buffer);
+    std::copy_n(units.begin(), count, buffer);
     buffer[count] = 0;
     return static_cast<DWORD>(count);
-}
-
-// The texts, each with its terminator, and one more terminator; what doesn't fit is cut so that two remain.
-DWORD CopyList(const std::vector<std::string>& texts, LPWSTR buffer, DWORD size)
-{
-    std::vector<wchar_t> units;
-    for (const std::string& text : texts)
-    {
-        const std::vector<wchar_t> more = ToUtf16(text);
-        units.insert(units.end(), more.begin(), more.end());
-        units.push_back(0);
-    }
-    if (units.size() < size)
-    {
-        CopyUnits(units, units.size(), buffer);
-        buffer[units.size()] = 0;
-        return static_cast<DWORD>(units.size());
-    }
-    const DWORD count = size < 2 ? 0 : size - 2;
-    CopyUnits(units, count, buffer);
-    std::fill(buffer + count, buffer + size, wchar_t{0});
-    return count;
 }
 
 // Blanks at the end of a default are no part of it.
@@ -98,15 +70,9 @@ Outcome<DWORD> GetString(LPCWSTR section, LPCWSTR key, LPCWSTR otherwise, LPWSTR
     {
         return answerDefault(document.error);
     }
-    if (section == nullptr)
+    if (section == nullptr || key == nullptr)
     {
-        return {CopyList(document.value->Sections(), buffer, size), ERROR_SUCCESS};
-    }
-    if (key == nullptr)
-    {
-        const std::vector<std::string> keys = document.value->Keys(ToUtf8(section));
-        return keys.empty() ? answerDefault(ERROR_FILE_NOT_FOUND)
-                            : Outcome<DWORD>{CopyList(keys, buffer, size), ERROR_SUCCESS};
+        return answerDefault(ERROR_NOT_SUPPORTED);
     }
     const std::optional<std::string> value = document.value->Value(ToUtf8(section), ToUtf8(key));
     return value ? Outcome<DWORD>{CopyText(profile::Unquote(*value), buffer, size), ERROR_SUCCESS}
