@@ -6,15 +6,8 @@
 #include <winnt.h>
 
 #define LB_ADDSTRING 0x0180
-#define LB_RESETCONTENT 0x0184
-#define LB_GETTEXT 0x0189
-#define LB_GETTEXTLEN 0x018A
-#define LB_GETCOUNT 0x018B
-#define LB_OKAY 0
 #define LB_ERR (-1)
-#define LB_ERRSPACE (-2)
 
-#define IDC_ARROW MAKEINTRESOURCEW(32512)
 #define IDC_WAIT MAKEINTRESOURCEW(32514)
 
 SIM_API LRESULT WINAPI SendMessageW(HWND window, UINT message, WPARAM first, LPARAM second);

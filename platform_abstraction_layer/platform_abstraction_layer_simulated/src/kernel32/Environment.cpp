@@ -35,12 +35,7 @@ struct Variable
 constexpr Variable kVariables[] = {
     {"SystemDrive", "C:", "C:"},
     {"SystemRoot", "C:\\WINDOWS", "C:\\WINDOWS"},
-    {"windir", "C:\\WINDOWS", "C:\\WINDOWS"},
-    {"ProgramFiles", "C:\\Program Files", "C:\\Program Files"},
     {"ALLUSERSPROFILE", "C:\\Documents and Settings\\All Users", "C:\\ProgramData"},
-    {"ProgramData", "", "C:\\ProgramData"},
-    {"APPDATA", "%USERPROFILE%\\Application Data", "%USERPROFILE%\\AppData\\Roaming"},
-    {"LOCALAPPDATA", "", "%USERPROFILE%\\AppData\\Local"},
 };
 
 constexpr std::string_view kServiceProfile = "%SystemRoot%\\system32\\config\\systemprofile";

@@ -1,15 +1,13 @@
 // user32/Cursors.cpp
 //
-// The system's own cursors and the one that is shown. Known difference: each thread shows a cursor of its
-// own, whether or not it has windows.
+// The wait cursor and the one that is shown. Known differences: there is no other cursor to load; each thread
+// shows a cursor of its own, whether or not it has windows.
 
 #include "notebook/ListBox.h"
 #include "notebook/PlatformCall.h"
 
 #include <winuser.h>
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 namespace simulated
@@ -20,8 +18,7 @@ namespace
 
 // The handles are numbers that differ from the resource numbers, so that the two can't be mixed up.
 constexpr std::uintptr_t kHandleBase = 0x00010000;
-constexpr unsigned kSystemCursors[] = {32512, 32513, 32514, 32515, 32516, 32642, 32643,
-                                       32644, 32645, 32646, 32648, 32649, 32650, 32651};
+constexpr std::uintptr_t kWait = 32514; // IDC_WAIT
 
 thread_local HCURSOR shownCursor = nullptr;
 
@@ -33,9 +30,7 @@ HCURSOR ToHandle(std::uintptr_t number)
 Outcome<HCURSOR> Load(HINSTANCE module, LPCWSTR name)
 {
     const auto number = reinterpret_cast<std::uintptr_t>(name);
-    const bool isSystem =
-        std::find(std::begin(kSystemCursors), std::end(kSystemCursors), number) != std::end(kSystemCursors);
-    if (module != nullptr || !isSystem)
+    if (module != nullptr || number != kWait)
     {
         return {nullptr, ERROR_RESOURCE_NAME_NOT_FOUND};
     }

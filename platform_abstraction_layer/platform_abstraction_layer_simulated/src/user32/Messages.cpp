@@ -1,7 +1,7 @@
 // user32/Messages.cpp
 //
-// Messages to list boxes. Known difference: a list box here isn't sorted and has no item data; a window that
-// belongs to another process doesn't exist.
+// Messages to list boxes. Known differences: LB_ADDSTRING is the only one; a list box here isn't sorted; a
+// window that belongs to another process doesn't exist.
 
 #include "notebook/ListBox.h"
 #include "notebook/PlatformCall.h"
@@ -55,52 +55,20 @@ LRESULT AddString(ListBoxContent& box, LPARAM text)
     {
         return LB_ERR;
     }
+    const std::lock_guard lock(box.mutex);
     box.items.emplace_back(source, source + Length(source));
     return static_cast<LRESULT>(box.items.size() - 1);
 }
 
-LRESULT GetText(const ListBoxContent& box, WPARAM index, LPARAM buffer)
-{
-    if (index >= box.items.size() || buffer == 0)
-    {
-        return LB_ERR;
-    }
-    const std::vector<wchar_t>& item = box.items[index];
-    auto* const target = reinterpret_cast<wchar_t*>(buffer);
-    std::copy(item.begin(), item.end(), target);
-    target[item.size()] = 0;
-    return static_cast<LRESULT>(item.size());
-}
-
-LRESULT Handle(ListBoxContent& box, UINT message, WPARAM first, LPARAM second)
-{
-    const std::lock_guard lock(box.mutex);
-    switch (message)
-    {
-    case LB_ADDSTRING:
-        return AddString(box, second);
-    case LB_RESETCONTENT:
-        box.items.clear();
-        return LB_OKAY;
-    case LB_GETCOUNT:
-        return static_cast<LRESULT>(box.items.size());
-    case LB_GETTEXTLEN:
-        return first < box.items.size() ? static_cast<LRESULT>(box.items[first].size()) : LB_ERR;
-    case LB_GETTEXT:
-        return GetText(box, first, second);
-    default:
-        return 0; // as a window answers that leaves a message to the system
-    }
-}
-
-Outcome<LRESULT> Send(HWND window, UINT message, WPARAM first, LPARAM second)
+Outcome<LRESULT> Send(HWND window, UINT message, LPARAM text)
 {
     const std::shared_ptr<ListBoxContent> box = Find(window);
     if (box == nullptr)
     {
         return {0, ERROR_INVALID_WINDOW_HANDLE};
     }
-    return {Handle(*box, message, first, second)};
+    // Other messages are answered as by a window that leaves them to the system.
+    return {message == LB_ADDSTRING ? AddString(*box, text) : 0};
 }
 
 } // namespace
@@ -140,5 +108,5 @@ SIM_API LRESULT WINAPI SendMessageW(HWND window, UINT message, WPARAM first, LPA
 {
     PlatformCall call(CallClass::Window, "SendMessageW", SIM_CALLER);
     call.Arguments(window, message, first, second);
-    return call.Result<LRESULT>(LB_ERR, [&] { return Send(window, message, first, second); });
+    return call.Result<LRESULT>(LB_ERR, [&] { return Send(window, message, second); });
 }
