@@ -5,7 +5,6 @@
 
 #include <windows.h>
 
-using LPOLESTR = WCHAR*;
 using LPCOLESTR = const WCHAR*;
 
 /// The first three slots of every interface.
@@ -24,23 +23,18 @@ using LPUNKNOWN = IUnknown*;
 inline constexpr IID IID_IUnknown = {
     0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 
-typedef enum tagCOINIT
+enum
 {
     COINIT_MULTITHREADED = 0x0,
-    COINIT_APARTMENTTHREADED = 0x2,
-    COINIT_DISABLE_OLE1DDE = 0x4,
-    COINIT_SPEED_OVER_MEMORY = 0x8
-} COINIT;
+    COINIT_APARTMENTTHREADED = 0x2
+};
 
-typedef enum tagCLSCTX
+enum
 {
     CLSCTX_INPROC_SERVER = 0x1,
-    CLSCTX_INPROC_HANDLER = 0x2,
     CLSCTX_LOCAL_SERVER = 0x4,
     CLSCTX_REMOTE_SERVER = 0x10
-} CLSCTX;
-#define CLSCTX_SERVER (CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER)
-#define CLSCTX_ALL (CLSCTX_INPROC_HANDLER | CLSCTX_SERVER)
+};
 
 #define CLASS_E_NOAGGREGATION static_cast<HRESULT>(0x80040110)
 

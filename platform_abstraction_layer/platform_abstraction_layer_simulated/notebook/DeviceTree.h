@@ -5,7 +5,7 @@
 //
 //   Class={4D36E972-E325-11CE-BFC1-08002BE10318}   setup class
 //   Description=Realtek PCIe GBE Family Controller
-//   FriendlyName, Manufacturer, Service, Location, HardwareId, ObjectName: texts, where the device has them
+//   FriendlyName=...    where it has one
 //   Driver={4D36E972-E325-11CE-BFC1-08002BE10318}\0000   its key below the class keys
 //   Parent=...          instance id; a device without one stands below the root
 //   Interface=...       interface class that the device exposes, as a battery does

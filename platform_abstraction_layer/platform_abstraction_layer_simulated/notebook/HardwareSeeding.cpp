@@ -131,7 +131,6 @@ Composition=1
 [Device ACPI_HAL\PNP0C08\0]
 Class={4D36E97D-E325-11CE-BFC1-08002BE10318}
 Description=Microsoft ACPI-Compliant System
-Manufacturer=Microsoft
 Disableable=0
 
 [Device ACPI\PNP0A08\2]
@@ -143,31 +142,24 @@ Disableable=0
 [Device PCI\VEN_8086&DEV_27B9&SUBSYS_00000000&REV_02\3&33FD14CA&0&F8]
 Class={4D36E97D-E325-11CE-BFC1-08002BE10318}
 Description=Intel(R) 82801GBM (ICH7-M) LPC Interface Controller - 27B9
-Manufacturer=Intel
 Parent=ACPI\PNP0A08\2
-ObjectName=\Device\NTPNP_PCI0005
 Disableable=0
 
 [Device PCI\VEN_10EC&DEV_8168&SUBSYS_816810EC&REV_01\4&1B2F3C5D&0&00E0]
 Class={4D36E972-E325-11CE-BFC1-08002BE10318}
 Description=Realtek PCIe GBE Family Controller
-Manufacturer=Realtek
 Parent=ACPI\PNP0A08\2
 Driver={4D36E972-E325-11CE-BFC1-08002BE10318}\0000
-ObjectName=\Device\NTPNP_PCI0008
 
 [Device PCI\VEN_8086&DEV_4222&SUBSYS_10008086&REV_02\4&29E5C4BE&0&00E1]
 Class={4D36E972-E325-11CE-BFC1-08002BE10318}
 Description=Intel(R) Wireless WiFi Link 4965AGN
-Manufacturer=Intel
 Parent=ACPI\PNP0A08\2
 Driver={4D36E972-E325-11CE-BFC1-08002BE10318}\0001
-ObjectName=\Device\NTPNP_PCI0009
 
 [Device ACPI\PNP0C0A\0]
 Class={72631E54-78A4-11D0-BCF7-00AA00B7B32A}
 Description=Microsoft ACPI-Compliant Control Method Battery
-Manufacturer=Microsoft
 Parent=ACPI_HAL\PNP0C08\0
 Interface={72631E54-78A4-11D0-BCF7-00AA00B7B32A}
 Tag=1

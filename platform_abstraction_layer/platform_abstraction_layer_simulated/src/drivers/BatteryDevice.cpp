@@ -187,7 +187,7 @@ DWORD QueryStatus(const std::string& battery, std::span<const BYTE> in, Answer& 
 class BatteryDevice : public Device
 {
 public:
-    BatteryDevice(std::string battery, bool mayRead) : m_battery(std::move(battery)), m_mayRead(mayRead)
+    explicit BatteryDevice(std::string battery) : m_battery(std::move(battery))
     {
     }
 
@@ -210,10 +210,6 @@ public:
         {
             return ERROR_INVALID_FUNCTION;
         }
-        if (!m_mayRead)
-        {
-            return ERROR_ACCESS_DENIED;
-        }
         Answer answer = {{static_cast<BYTE*>(out), outSize}};
         const DWORD error = row->query(m_battery, {static_cast<const BYTE*>(in), inSize}, answer);
         returned = error == ERROR_SUCCESS ? answer.returned : 0;
@@ -222,10 +218,9 @@ public:
 
 private:
     std::string m_battery; ///< instance id
-    bool m_mayRead;        ///< all queries need reading access to the device
 };
 
-Outcome<std::shared_ptr<Object>> OpenBattery(std::string_view path, DWORD access, DWORD, const PlatformCall&)
+Outcome<std::shared_ptr<Object>> OpenBattery(std::string_view path, DWORD, DWORD, const PlatformCall&)
 {
     for (const std::string& battery : Batteries::All())
     {
@@ -238,8 +233,7 @@ Outcome<std::shared_ptr<Object>> OpenBattery(std::string_view path, DWORD access
         {
             return {nullptr, refusal};
         }
-        const bool mayRead = (access & (GENERIC_READ | GENERIC_ALL)) != 0;
-        return {std::make_shared<BatteryDevice>(battery, mayRead)};
+        return {std::make_shared<BatteryDevice>(battery)};
     }
     return {nullptr, ERROR_FILE_NOT_FOUND};
 }

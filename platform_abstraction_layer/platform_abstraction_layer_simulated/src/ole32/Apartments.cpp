@@ -18,8 +18,6 @@ namespace simulated
 namespace
 {
 
-constexpr DWORD kKnownFlags = COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE | COINIT_SPEED_OVER_MEMORY;
-
 std::atomic<int> multithreadedThreads{0};
 std::atomic<std::uintptr_t> nextEntry{1};
 
@@ -89,7 +87,7 @@ Membership& OfThisThread()
 
 HRESULT Initialize(const void* reserved, DWORD flags, const PlatformCall& call)
 {
-    if (reserved != nullptr || (flags & ~kKnownFlags) != 0)
+    if (reserved != nullptr || (flags & ~DWORD{COINIT_APARTMENTTHREADED}) != 0)
     {
         return E_INVALIDARG;
     }

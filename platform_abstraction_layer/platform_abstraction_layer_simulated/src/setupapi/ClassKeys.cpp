@@ -1,15 +1,12 @@
 // setupapi/ClassKeys.cpp
 //
-// The registry keys of setup and interface classes, where the drivers of a class keep their settings.
+// The registry keys of setup classes, where the drivers of a class keep their settings.
 
 #include "advapi32/RegistryKey.h"
 #include "notebook/GuidText.h"
 #include "notebook/PlatformCall.h"
 
 #include <setupapi.h>
-
-#include <algorithm>
-#include <iterator>
 
 namespace simulated
 {
@@ -19,41 +16,23 @@ namespace
 
 const HKEY kNoKey = static_cast<HKEY>(INVALID_HANDLE_VALUE);
 
-// Where the keys of one kind of class lie, and what it is called when a class has none.
-struct ClassKind
-{
-    DWORD flag;
-    const char* path;
-    DWORD missing;
-};
-
-constexpr ClassKind kKinds[] = {
-    {DIOCR_INSTALLER, "SYSTEM\\CurrentControlSet\\Control\\Class", ERROR_INVALID_CLASS},
-    {DIOCR_INTERFACE, "SYSTEM\\CurrentControlSet\\Control\\DeviceClasses", ERROR_NO_SUCH_INTERFACE_CLASS},
-};
+constexpr const char* kClassKeys = "SYSTEM\\CurrentControlSet\\Control\\Class\\";
 
 Outcome<HKEY> OpenClassKey(const GUID* classGuid, REGSAM access, DWORD flags, PCWSTR machine,
                            const PlatformCall& call)
 {
-    const auto* const kind = std::find_if(std::begin(kKinds), std::end(kKinds),
-                                          [&](const ClassKind& row) { return row.flag == flags; });
-    if (kind == std::end(kKinds))
+    if (flags != DIOCR_INSTALLER || machine != nullptr || classGuid == nullptr)
     {
-        return {kNoKey, ERROR_INVALID_FLAGS};
-    }
-    if (machine != nullptr)
-    {
-        return {kNoKey, ERROR_INVALID_MACHINENAME};
+        return {kNoKey, ERROR_INVALID_PARAMETER};
     }
     registry::Base base;
     std::shared_ptr<registry::Key> key;
-    const std::string path =
-        classGuid == nullptr ? std::string(kind->path) : std::string(kind->path) + '\\' + ToText(*classGuid);
     DWORD error = registry::FindBase(HKEY_LOCAL_MACHINE, base);
-    error = error == ERROR_SUCCESS ? registry::Open(base, path, access, key) : error;
+    error =
+        error == ERROR_SUCCESS ? registry::Open(base, kClassKeys + ToText(*classGuid), access, key) : error;
     if (error != ERROR_SUCCESS)
     {
-        return {kNoKey, error == ERROR_FILE_NOT_FOUND ? kind->missing : error};
+        return {kNoKey, error == ERROR_FILE_NOT_FOUND ? DWORD{ERROR_INVALID_CLASS} : error};
     }
     return {static_cast<HKEY>(HandleTable::Insert(key, call))};
 }

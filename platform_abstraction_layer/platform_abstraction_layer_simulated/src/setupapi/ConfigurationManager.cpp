@@ -144,23 +144,23 @@ CONFIGRET GetProperty(const std::string& id, ULONG number, PULONG type, PVOID bu
     {
         return CR_INVALID_PROPERTY;
     }
-    const std::optional<properties::Property> property = properties::Read(id, number - 1);
+    const std::optional<std::vector<wchar_t>> property = properties::Read(id, number - 1);
     if (!property)
     {
         *size = 0;
         return CR_NO_SUCH_VALUE;
     }
     const ULONG room = *size;
-    *size = static_cast<ULONG>(property->bytes.size());
+    *size = static_cast<ULONG>(property->size() * sizeof(wchar_t));
     if (type != nullptr)
     {
-        *type = property->type;
+        *type = REG_SZ;
     }
-    if (buffer == nullptr || property->bytes.size() > room)
+    if (buffer == nullptr || *size > room)
     {
         return CR_BUFFER_SMALL;
     }
-    std::memcpy(buffer, property->bytes.data(), property->bytes.size());
+    std::memcpy(buffer, property->data(), *size);
     return CR_SUCCESS;
 }
 

@@ -1,6 +1,7 @@
 // setupapi/DeviceInterfaces.cpp
 //
-// The interfaces of a list's devices and the paths to open them by.
+// The interfaces of a list's devices and the paths to open them by. Known difference: they don't lead to
+// their devices.
 
 #include "notebook/DeviceTree.h"
 #include "notebook/Text.h"
@@ -15,40 +16,15 @@ namespace simulated
 namespace
 {
 
-DWORD Enumerate(DeviceList& list, const SP_DEVINFO_DATA* device, const GUID* interfaceClass, DWORD index,
-                SP_DEVICE_INTERFACE_DATA* data)
-{
-    if (interfaceClass == nullptr)
-    {
-        return ERROR_INVALID_PARAMETER;
-    }
-    std::string id;
-    if (device != nullptr)
-    {
-        const DWORD error = list.With(device,
-                                      [&](const DeviceList::Device& row)
-                                      {
-                                          id = row.instanceId;
-                                          return DWORD{ERROR_SUCCESS};
-                                      });
-        if (error != ERROR_SUCCESS)
-        {
-            return error;
-        }
-    }
-    return list.DescribeInterface(*interfaceClass, device == nullptr ? nullptr : &id, index, data);
-}
-
-// Where a caller wants an interface's path, and its device.
+// Where a caller wants an interface's path.
 struct Target
 {
     SP_DEVICE_INTERFACE_DETAIL_DATA_W* detail;
     DWORD size;
     PDWORD required;
-    SP_DEVINFO_DATA* device;
 };
 
-DWORD GetDetail(DeviceList& list, const SP_DEVICE_INTERFACE_DATA* data, const Target& target)
+DWORD GetDetail(const DeviceList& list, const SP_DEVICE_INTERFACE_DATA* data, const Target& target)
 {
     DeviceList::Interface found;
     if (const DWORD error = list.Resolve(data, found); error != ERROR_SUCCESS)
@@ -74,8 +50,7 @@ DWORD GetDetail(DeviceList& list, const SP_DEVICE_INTERFACE_DATA* data, const Ta
         return ERROR_INSUFFICIENT_BUFFER;
     }
     std::memcpy(reinterpret_cast<BYTE*>(target.detail) + kPathOffset, path.data(), pathSize);
-    return target.device == nullptr ? DWORD{ERROR_SUCCESS}
-                                    : list.Describe(list.Add(found.instanceId), target.device);
+    return ERROR_SUCCESS;
 }
 
 } // namespace
@@ -93,8 +68,10 @@ SIM_API BOOL WINAPI SetupDiEnumDeviceInterfaces(HDEVINFO list, PSP_DEVINFO_DATA 
     return call.Boolean(
         [&]
         {
-            return WithList(list, [&](DeviceList& found)
-                            { return Enumerate(found, device, interfaceClass, index, data); });
+            return device != nullptr || interfaceClass == nullptr
+                       ? DWORD{ERROR_INVALID_PARAMETER}
+                       : WithList(list, [&](DeviceList& found)
+                                  { return found.DescribeInterface(*interfaceClass, index, data); });
         });
 }
 
@@ -107,9 +84,10 @@ SIM_API BOOL WINAPI SetupDiGetDeviceInterfaceDetailW(HDEVINFO list, PSP_DEVICE_I
     return call.Boolean(
         [&]
         {
-            return WithList(list,
-                            [&](DeviceList& found) {
-                                return GetDetail(found, data, {detail, size, required, device});
-                            });
+            return device != nullptr ? DWORD{ERROR_INVALID_PARAMETER}
+                                     : WithList(list,
+                                                [&](DeviceList& found) {
+                                                    return GetDetail(found, data, {detail, size, required});
+                                                });
         });
 }

@@ -75,7 +75,7 @@ DWORD DeviceList::Describe(std::size_t place, SP_DEVINFO_DATA* target) const
     return ERROR_SUCCESS;
 }
 
-DWORD DeviceList::DescribeInterface(const GUID& interfaceClass, const std::string* instanceId, DWORD index,
+DWORD DeviceList::DescribeInterface(const GUID& interfaceClass, DWORD index,
                                     SP_DEVICE_INTERFACE_DATA* target) const
 {
     if (!IsWellFormed(target))
@@ -85,10 +85,7 @@ DWORD DeviceList::DescribeInterface(const GUID& interfaceClass, const std::strin
     const std::lock_guard lock(m_mutex);
     for (std::size_t place = 0; place < m_interfaces.size(); ++place)
     {
-        const Interface& candidate = m_interfaces[place];
-        const bool isWanted = IsSame(candidate.interfaceClass, interfaceClass) &&
-                              (instanceId == nullptr || EqualIgnoringCase(candidate.instanceId, *instanceId));
-        if (isWanted && index-- == 0)
+        if (IsSame(m_interfaces[place].interfaceClass, interfaceClass) && index-- == 0)
         {
             target->InterfaceClassGuid = interfaceClass;
             target->Flags = SPINT_ACTIVE;

@@ -46,9 +46,8 @@ public:
     /// field isn't its size, ERROR_NO_MORE_ITEMS behind the last device.
     DWORD Describe(std::size_t place, SP_DEVINFO_DATA* target) const;
 
-    /// The `index`th interface of a class, of one device when `instanceId` isn't null.
-    DWORD DescribeInterface(const GUID& interfaceClass, const std::string* instanceId, DWORD index,
-                            SP_DEVICE_INTERFACE_DATA* target) const;
+    /// The `index`th interface of a class.
+    DWORD DescribeInterface(const GUID& interfaceClass, DWORD index, SP_DEVICE_INTERFACE_DATA* target) const;
 
     /// Gives `work` the device that a caller's record tells; what `work` answers, or
     /// ERROR_INVALID_USER_BUFFER, or ERROR_INVALID_PARAMETER when the record isn't of this list.

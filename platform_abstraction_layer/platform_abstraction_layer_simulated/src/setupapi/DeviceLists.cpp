@@ -1,7 +1,7 @@
 // setupapi/DeviceLists.cpp
 //
-// Making lists of devices, walking them, and reading what their devices are. Known difference: a list is
-// about this machine alone.
+// Making lists of devices, walking them, and reading what their devices are. Known differences: a list is
+// about this machine and one class alone, and the devices of all enumerators.
 
 #include "notebook/DeviceTree.h"
 #include "notebook/GuidText.h"
@@ -17,10 +17,6 @@ namespace simulated
 namespace
 {
 
-constexpr DWORD kClassDevsFlags =
-    DIGCF_DEFAULT | DIGCF_PRESENT | DIGCF_ALLCLASSES | DIGCF_PROFILE | DIGCF_DEVICEINTERFACE;
-constexpr DWORD kOpenFlags = 0x2 | 0x4; // inherit class drivers, cancel removal
-
 const HDEVINFO kNoList = INVALID_HANDLE_VALUE;
 
 std::optional<GUID> Optional(const GUID* guid)
@@ -28,74 +24,53 @@ std::optional<GUID> Optional(const GUID* guid)
     return guid == nullptr ? std::nullopt : std::optional(*guid);
 }
 
-// Which devices a new list takes in.
-struct Selection
+bool IsInterface(const std::string& instanceId, const GUID& interfaceClass)
 {
-    const GUID* classGuid;
-    std::string enumerator;
-    DWORD flags;
+    const auto exposed = ParseGuid(DeviceTree::Value(instanceId, "Interface").value_or(""));
+    return exposed && IsSame(*exposed, interfaceClass);
+}
 
-    bool Admits(const std::string& instanceId) const
-    {
-        if ((flags & DIGCF_PRESENT) != 0 && !DeviceTree::StateOf(instanceId).isPresent)
-        {
-            return false;
-        }
-        if (!enumerator.empty() && !EqualIgnoringCase(enumerator, instanceId.substr(0, enumerator.size())))
-        {
-            return false;
-        }
-        return (flags & DIGCF_ALLCLASSES) != 0 || IsSame(SetupClassOf(instanceId), *classGuid);
-    }
-
-    bool AdmitsInterface(const std::string& instanceId) const
-    {
-        const auto exposed = ParseGuid(DeviceTree::Value(instanceId, "Interface").value_or(""));
-        const bool isWanted = exposed && ((flags & DIGCF_ALLCLASSES) != 0 || IsSame(*exposed, *classGuid));
-        // Of interfaces the filter is a whole instance id.
-        const bool isNamed = enumerator.empty() || EqualIgnoringCase(enumerator, instanceId + '\\');
-        return isWanted && isNamed && DeviceTree::StateOf(instanceId).isPresent;
-    }
-};
-
-void Fill(DeviceList& list, const Selection& selection)
+void Fill(DeviceList& list, const GUID& classGuid, DWORD flags)
 {
     for (const std::string& id : DeviceTree::All())
     {
-        if ((selection.flags & DIGCF_DEVICEINTERFACE) == 0)
+        if ((flags & DIGCF_PRESENT) != 0 && !DeviceTree::StateOf(id).isPresent)
         {
-            if (selection.Admits(id))
+            continue;
+        }
+        if ((flags & DIGCF_DEVICEINTERFACE) == 0)
+        {
+            if (IsSame(SetupClassOf(id), classGuid))
             {
                 list.Add(id);
             }
         }
-        else if (selection.AdmitsInterface(id))
+        else if (IsInterface(id, classGuid))
         {
-            list.AddInterface(id, *ParseGuid(*DeviceTree::Value(id, "Interface")));
+            list.AddInterface(id, classGuid);
         }
     }
 }
 
 Outcome<HDEVINFO> List(const GUID* classGuid, PCWSTR enumerator, DWORD flags, const PlatformCall& call)
 {
-    if ((flags & ~kClassDevsFlags) != 0)
+    if ((flags & ~DWORD{DIGCF_PRESENT | DIGCF_DEVICEINTERFACE}) != 0)
     {
         return {kNoList, ERROR_INVALID_FLAGS};
     }
-    if (classGuid == nullptr && (flags & DIGCF_ALLCLASSES) == 0)
+    if (classGuid == nullptr || enumerator != nullptr)
     {
         return {kNoList, ERROR_INVALID_PARAMETER};
     }
-    const bool isOneClass = (flags & (DIGCF_ALLCLASSES | DIGCF_DEVICEINTERFACE)) == 0;
+    const bool isOneClass = (flags & DIGCF_DEVICEINTERFACE) == 0;
     const auto list = std::make_shared<DeviceList>(isOneClass ? Optional(classGuid) : std::nullopt);
-    const std::string prefix = ToUtf8(enumerator);
-    Fill(*list, {classGuid, prefix.empty() ? prefix : prefix + '\\', flags});
+    Fill(*list, *classGuid, flags);
     return {HandleTable::Insert(list, call)};
 }
 
 DWORD Open(DeviceList& list, PCWSTR instanceId, DWORD flags, PSP_DEVINFO_DATA device)
 {
-    if ((flags & ~kOpenFlags) != 0)
+    if (flags != 0)
     {
         return ERROR_INVALID_FLAGS;
     }
@@ -153,24 +128,25 @@ DWORD GetProperty(const DeviceList::Device& device, DWORD number, const Target& 
     {
         return ERROR_INVALID_PARAMETER;
     }
-    const std::optional<properties::Property> property = properties::Read(device.instanceId, number);
+    const std::optional<std::vector<wchar_t>> property = properties::Read(device.instanceId, number);
     if (!property)
     {
         return ERROR_INVALID_DATA;
     }
+    const auto size = static_cast<DWORD>(property->size() * sizeof(wchar_t));
     if (target.type != nullptr)
     {
-        *target.type = property->type;
+        *target.type = REG_SZ;
     }
     if (target.required != nullptr)
     {
-        *target.required = static_cast<DWORD>(property->bytes.size());
+        *target.required = size;
     }
-    if (property->bytes.size() > target.size)
+    if (size > target.size)
     {
         return ERROR_INSUFFICIENT_BUFFER;
     }
-    std::memcpy(target.buffer, property->bytes.data(), property->bytes.size());
+    std::memcpy(target.buffer, property->data(), size);
     return ERROR_SUCCESS;
 }
 
