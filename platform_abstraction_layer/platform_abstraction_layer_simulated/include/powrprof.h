@@ -147,8 +147,6 @@ SIM_API DWORD WINAPI PowerGetActiveScheme(HKEY root, GUID** scheme);
 SIM_API DWORD WINAPI PowerSetActiveScheme(HKEY root, const GUID* scheme);
 SIM_API DWORD WINAPI PowerReadFriendlyName(HKEY root, const GUID* scheme, const GUID* subGroup,
                                            const GUID* setting, PUCHAR buffer, LPDWORD size);
-SIM_API DWORD WINAPI PowerWriteFriendlyName(HKEY root, const GUID* scheme, const GUID* subGroup,
-                                            const GUID* setting, PUCHAR buffer, DWORD size);
 SIM_API DWORD WINAPI PowerReadACValueIndex(HKEY root, const GUID* scheme, const GUID* subGroup,
                                            const GUID* setting, LPDWORD value);
 SIM_API DWORD WINAPI PowerReadDCValueIndex(HKEY root, const GUID* scheme, const GUID* subGroup,

@@ -246,16 +246,6 @@ SIM_API DWORD WINAPI PowerReadFriendlyName(HKEY root, const GUID* scheme, const 
         });
 }
 
-SIM_API DWORD WINAPI PowerWriteFriendlyName(HKEY root, const GUID* scheme, const GUID* subGroup,
-                                            const GUID* setting, PUCHAR buffer, DWORD size)
-{
-    PlatformCall call(CallClass::Power, "PowerWriteFriendlyName", SIM_CALLER);
-    return WithoutRoot(call, root,
-                       [&] {
-                           return power_store::WriteFriendlyName({scheme, subGroup, setting}, buffer, size);
-                       });
-}
-
 SIM_API DWORD WINAPI PowerReadACValueIndex(HKEY root, const GUID* scheme, const GUID* subGroup,
                                            const GUID* setting, LPDWORD value)
 {

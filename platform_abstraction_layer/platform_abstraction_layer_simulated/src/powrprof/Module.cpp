@@ -30,7 +30,6 @@ const Export kExports[] = {
     {"PowerGetActiveScheme", 0, Address(&PowerGetActiveScheme), kGuidGeneration},
     {"PowerSetActiveScheme", 0, Address(&PowerSetActiveScheme), kGuidGeneration},
     {"PowerReadFriendlyName", 0, Address(&PowerReadFriendlyName), kGuidGeneration},
-    {"PowerWriteFriendlyName", 0, Address(&PowerWriteFriendlyName), kGuidGeneration},
     {"PowerReadACValueIndex", 0, Address(&PowerReadACValueIndex), kGuidGeneration},
     {"PowerReadDCValueIndex", 0, Address(&PowerReadDCValueIndex), kGuidGeneration},
     {"PowerWriteACValueIndex", 0, Address(&PowerWriteACValueIndex), kGuidGeneration},

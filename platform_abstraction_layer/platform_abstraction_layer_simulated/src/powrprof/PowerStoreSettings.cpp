@@ -98,20 +98,6 @@ DWORD ReadFriendlyName(const SettingPlace& place, BYTE* buffer, DWORD& size)
     return ERROR_SUCCESS;
 }
 
-DWORD WriteFriendlyName(const SettingPlace& place, const BYTE* buffer, DWORD size)
-{
-    if (place.scheme == nullptr || place.subGroup != nullptr || place.setting != nullptr ||
-        buffer == nullptr || size % sizeof(wchar_t) != 0)
-    {
-        return ERROR_INVALID_PARAMETER;
-    }
-    WideText name(size / sizeof(wchar_t) + 1, 0);
-    std::memcpy(name.data(), buffer, size);
-    Key key;
-    const DWORD error = OpenScheme(*place.scheme, KEY_SET_VALUE, key);
-    return error == ERROR_SUCCESS ? key.WriteText(kFriendlyNameValue, name.data()) : error;
-}
-
 DWORD ReadValueIndex(const SettingPlace& place, const wchar_t* source, DWORD& value)
 {
     if (!NamesSetting(place))

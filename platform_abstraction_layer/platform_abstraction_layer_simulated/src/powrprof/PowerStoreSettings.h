@@ -43,9 +43,6 @@ DWORD SetActiveScheme(const GUID& scheme);
 /// ERROR_MORE_DATA.
 DWORD ReadFriendlyName(const SettingPlace& place, BYTE* buffer, DWORD& size);
 
-/// Names a scheme; `size` in bytes, terminator included. Subgroups and settings can't be renamed.
-DWORD WriteFriendlyName(const SettingPlace& place, const BYTE* buffer, DWORD size);
-
 /// `source` is `kMainsValue` or `kBatteryValue`. ERROR_FILE_NOT_FOUND when scheme, setting or value is
 /// missing, ERROR_INVALID_PARAMETER when a part isn't named.
 DWORD ReadValueIndex(const SettingPlace& place, const wchar_t* source, DWORD& value);
