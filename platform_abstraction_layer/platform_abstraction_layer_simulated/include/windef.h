@@ -10,9 +10,7 @@
 // Calling conventions have one form natively.
 #define WINAPI
 #define CALLBACK
-#define APIENTRY
 #define STDMETHODCALLTYPE
-#define STDAPICALLTYPE
 #define __stdcall
 #define __cdecl
 
@@ -28,12 +26,10 @@ static_assert(sizeof(wchar_t) == 2, "build with -fshort-wchar: wchar_t has 16 bi
 
 using BOOL = int;
 using BYTE = std::uint8_t;
-using CHAR = char;
 using UCHAR = std::uint8_t;
 using BOOLEAN = std::uint8_t;
 using WORD = std::uint16_t;
 using USHORT = std::uint16_t;
-using SHORT = std::int16_t;
 using INT = int;
 using UINT = unsigned int;
 using LONG = std::int32_t;
@@ -41,13 +37,10 @@ using ULONG = std::uint32_t;
 using DWORD = std::uint32_t;
 using LONGLONG = std::int64_t;
 using ULONGLONG = std::uint64_t;
-using DWORDLONG = std::uint64_t;
-using DWORD64 = std::uint64_t;
 using WCHAR = wchar_t;
 using HRESULT = std::int32_t;
 using LSTATUS = std::int32_t;
 using NTSTATUS = std::int32_t;
-using ATOM = WORD;
 using INT_PTR = std::intptr_t;
 using UINT_PTR = std::uintptr_t;
 using LONG_PTR = std::intptr_t;
@@ -61,14 +54,12 @@ using ACCESS_MASK = DWORD;
 using REGSAM = DWORD;
 #define __int64 long long
 
-#define VOID void
 using PVOID = void*;
 using LPVOID = void*;
 using LPCVOID = const void*;
 using PBYTE = BYTE*;
 using LPBYTE = BYTE*;
 using PUCHAR = UCHAR*;
-using PBOOL = BOOL*;
 using LPBOOL = BOOL*;
 using PLONG = LONG*;
 using LPLONG = LONG*;
@@ -85,12 +76,9 @@ using LPCWSTR = const wchar_t*;
 using PCWSTR = const wchar_t*;
 using LPCCH = const char*;
 using LPCWCH = const wchar_t*;
-using LPWCH = wchar_t*;
-using LPCH = char*;
 
 using HANDLE = void*;
 using PHANDLE = HANDLE*;
-using LPHANDLE = HANDLE*;
 using HLOCAL = void*;
 
 // NOLINTBEGIN(bugprone-macro-parentheses): the argument is a name to be declared.
@@ -118,16 +106,6 @@ using FARPROC = INT_PTR(WINAPI*)();
 #endif
 #define MAX_PATH 260
 
-union LARGE_INTEGER
-{
-    __extension__ struct
-    {
-        DWORD LowPart;
-        LONG HighPart;
-    };
-    LONGLONG QuadPart;
-};
-
 /// Tenths of microseconds since the year 1601.
 struct FILETIME
 {
@@ -147,7 +125,6 @@ static_assert(sizeof(GUID) == 16);
 using _GUID = GUID;
 using IID = GUID;
 using CLSID = GUID;
-using REFGUID = const GUID&;
 using REFIID = const IID&;
 using REFCLSID = const CLSID&;
 using LPCLSID = CLSID*;
@@ -170,4 +147,3 @@ constexpr BYTE HIBYTE(DWORD_PTR value)
 }
 #define MAKEINTRESOURCEW(number) (reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(number))))
 #define MAKEINTRESOURCEA(number) (reinterpret_cast<LPSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(number))))
-#define UNREFERENCED_PARAMETER(parameter) (void)(parameter)

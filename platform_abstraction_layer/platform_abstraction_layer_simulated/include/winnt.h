@@ -56,17 +56,13 @@
 #define REG_CREATED_NEW_KEY 1
 #define REG_OPENED_EXISTING_KEY 2
 
-#define STATUS_WAIT_0 0x00000000U
 #define DLL_PROCESS_DETACH 0
 #define DLL_PROCESS_ATTACH 1
-#define DLL_THREAD_ATTACH 2
-#define DLL_THREAD_DETACH 3
 
 #define FILE_DEVICE_BATTERY 0x00000029
 #define METHOD_BUFFERED 0
 #define FILE_ANY_ACCESS 0
 #define FILE_READ_ACCESS 1
-#define FILE_WRITE_ACCESS 2
 #define CTL_CODE(type, function, method, access)                                                             \
     ((static_cast<DWORD>(type) << 16) | (static_cast<DWORD>(access) << 14) |                                 \
      (static_cast<DWORD>(function) << 2) | static_cast<DWORD>(method))

@@ -74,10 +74,6 @@ public:
                                                reinterpret_cast<BYTE*>(text), &size);
         return error == ERROR_SUCCESS ? std::optional(ToUtf8(text)) : std::nullopt;
     }
-    void Remove(const std::string& name) const
-    {
-        RegDeleteValueW(m_key, WideText(name).Get());
-    }
 
 private:
     HKEY m_key = nullptr;
@@ -152,11 +148,6 @@ std::optional<std::string> Adapters::Setting(const std::string& instanceId, cons
 void Adapters::SetSetting(const std::string& instanceId, const std::string& name, const std::string& text)
 {
     MachineKey(DriverPath(instanceId)).Put(name, text);
-}
-
-void Adapters::RemoveSetting(const std::string& instanceId, const std::string& name)
-{
-    MachineKey(DriverPath(instanceId)).Remove(name);
 }
 
 } // namespace simulated

@@ -31,7 +31,6 @@ public:
     /// A text of the adapter's driver key; nothing when it has no such value.
     static std::optional<std::string> Setting(const std::string& instanceId, const std::string& name);
     static void SetSetting(const std::string& instanceId, const std::string& name, const std::string& text);
-    static void RemoveSetting(const std::string& instanceId, const std::string& name);
 };
 
 } // namespace simulated

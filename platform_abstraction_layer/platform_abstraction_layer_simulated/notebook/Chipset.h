@@ -39,9 +39,6 @@ public:
     /// Lets `object` stand for the function at `address`; another object that did so doesn't any more.
     static void Move(unsigned object, const PciAddress& address);
 
-    /// Takes the device object away, as unplugging does.
-    static void Remove(unsigned object);
-
     /// The function behind a device object, named as the kernel names it.
     static std::optional<PciAddress> Find(std::string_view objectName);
 

@@ -62,11 +62,6 @@ void EmbeddedController::SetMethod(const std::string& name, DWORD answer)
     Machine::Write(kMethods, name, ToHex(answer, 8));
 }
 
-void EmbeddedController::RemoveMethod(const std::string& name)
-{
-    Machine::Remove(kMethods, name);
-}
-
 std::optional<EmbeddedController::BatteryRows> EmbeddedController::Battery(DWORD selector)
 {
     const std::optional<std::string> text = Machine::Read(kMethods, BatteryKey(selector));

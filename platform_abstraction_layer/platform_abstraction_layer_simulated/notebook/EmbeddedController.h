@@ -48,7 +48,6 @@ public:
     /// What a method answers, or nothing when the firmware doesn't know it.
     static std::optional<DWORD> Method(const std::string& name);
     static void SetMethod(const std::string& name, DWORD answer);
-    static void RemoveMethod(const std::string& name);
 
     using BatteryRows = std::array<DWORD, 12>;
     static std::optional<BatteryRows> Battery(DWORD selector);

@@ -118,11 +118,6 @@ void PciBus::Move(unsigned object, const PciAddress& address)
     Machine::Write(kObjects, ObjectName(object), text);
 }
 
-void PciBus::Remove(unsigned object)
-{
-    Machine::Remove(kObjects, ObjectName(object));
-}
-
 std::optional<PciAddress> PciBus::Find(std::string_view objectName)
 {
     const std::optional<std::string> text = Machine::Read(kObjects, objectName);
