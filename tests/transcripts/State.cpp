@@ -117,8 +117,7 @@ public:
         Add(key, "");
         for (const std::string& name : RegistryEditor::Values(key))
         {
-            const auto value = RegistryEditor::Read(key, name).value_or(registry::Value{});
-            Add(key + " \"" + name + '"', value.type == REG_BINARY ? Words(value.bytes) : Text(value));
+            Add(key + " \"" + name + '"', Show(key, name));
         }
         for (const std::string& name : RegistryEditor::Keys(key))
         {
@@ -134,13 +133,20 @@ public:
 
 private:
     // The text or the number alone where there is one.
-    static std::string Text(const registry::Value& value)
+    static std::string Show(const std::string& key, const std::string& name)
     {
-        std::string text = registry::FormatValue(value);
-        text.erase(text.find_last_not_of("\r\n") + 1);
-        const std::size_t colon = text.find(':');
-        return value.type == REG_DWORD ? std::to_string(std::stoul(text.substr(colon + 1), nullptr, 16))
-                                       : text.substr(value.type == REG_SZ ? colon + 1 : 0);
+        const auto value = RegistryEditor::Read(key, name).value_or(registry::Value{});
+        switch (value.type)
+        {
+        case REG_SZ:
+            return RegistryEditor::ReadText(key, name).value_or("");
+        case REG_DWORD:
+            return std::to_string(RegistryEditor::ReadNumber(key, name).value_or(0));
+        case REG_BINARY:
+            return Words(value.bytes);
+        default:
+            return registry::FormatValue(value);
+        }
     }
 
     std::vector<Abbreviation> m_abbreviations;
