@@ -62,8 +62,7 @@ std::vector<Account> FreshAccounts(const profiles::Layout& layout)
 registry::Hive MachineHive(DWORD major, const std::vector<Account>& accounts)
 {
     registry::Hive hive(hives::kMachine);
-    hive.Put("SOFTWARE\\Kelvo\\ORVL", "CfgPath",
-             registry::TextValue(Notebook::kInstallationFolder, REG_SZ));
+    hive.Put("SOFTWARE\\Kelvo\\ORVL", "CfgPath", registry::TextValue(Notebook::kInstallationFolder, REG_SZ));
     for (const char* const key :
          {"SOFTWARE\\Kelvo\\ORVA", "SOFTWARE\\Classes\\CLSID",
           "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run", "SYSTEM\\CurrentControlSet\\Services"})

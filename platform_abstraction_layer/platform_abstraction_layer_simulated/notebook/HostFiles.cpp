@@ -21,23 +21,21 @@ namespace
 constexpr mode_t kFolderMode = 0777;
 constexpr mode_t kFileMode = 0666;
 
-} // namespace
-
-bool MakeFolder(const std::string& path)
+// True also for what is there already.
+bool MakeFolder(const std::string& path, const std::string&)
 {
     return mkdir(path.c_str(), kFolderMode) == 0 || errno == EEXIST;
 }
-
-bool MakeFolders(const std::string& path)
+bool Link(const std::string& path, const std::string& target)
 {
-    if (MakeFolder(path))
-    {
-        return true;
-    }
-    const std::size_t last = path.rfind('/');
-    return errno == ENOENT && last != std::string::npos && last != 0 && MakeFolders(path.substr(0, last)) &&
-           MakeFolder(path);
+    return symlink(target.c_str(), path.c_str()) == 0 || errno == EEXIST;
 }
+bool WriteText(const std::string& path, const std::string& text)
+{
+    return Write(path, text);
+}
+
+} // namespace
 
 bool Write(const std::string& path, std::string_view bytes)
 {
@@ -48,11 +46,6 @@ bool Write(const std::string& path, std::string_view bytes)
     }
     const ssize_t written = write(file, bytes.data(), bytes.size());
     return close(file) == 0 && written == static_cast<ssize_t>(bytes.size());
-}
-
-bool Link(const std::string& path, const std::string& target)
-{
-    return symlink(target.c_str(), path.c_str()) == 0 || errno == EEXIST;
 }
 
 void Tree::Add(const std::string& path, Entry entry)
@@ -66,13 +59,12 @@ void Tree::Add(const std::string& path, Entry entry)
 
 void Tree::AddFolder(const std::string& path)
 {
-    Add(path, {[](const std::string& folder, const std::string&) { return MakeFolder(folder); }, {}});
+    Add(path, {&MakeFolder, {}});
 }
 
 void Tree::AddFile(const std::string& path, std::string bytes)
 {
-    Add(path, {[](const std::string& file, const std::string& content) { return Write(file, content); },
-               std::move(bytes)});
+    Add(path, {&WriteText, std::move(bytes)});
 }
 
 void Tree::AddLink(const std::string& path, std::string target)

@@ -11,17 +11,8 @@
 namespace simulated::host_files
 {
 
-/// True also when the folder is there already.
-bool MakeFolder(const std::string& path);
-
-/// With all folders above it.
-bool MakeFolders(const std::string& path);
-
 /// Writes a file directly.
 bool Write(const std::string& path, std::string_view bytes);
-
-/// A symbolic link; true also when something of that name is there already.
-bool Link(const std::string& path, const std::string& target);
 
 /// Folders, files and links by their paths below a folder, made all at once.
 class Tree

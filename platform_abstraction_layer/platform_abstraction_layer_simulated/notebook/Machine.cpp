@@ -5,10 +5,10 @@
 #include "notebook/Machine.h"
 
 #include "notebook/CachedFile.h"
+#include "notebook/HexText.h"
 #include "notebook/IniDocument.h"
 #include "notebook/Text.h"
 
-#include <charconv>
 #include <cstdlib>
 #include <filesystem>
 #include <map>
@@ -33,7 +33,6 @@ const char* FromEnvironment(const char* name, const char* otherwise)
 
 struct Section
 {
-    std::string name;
     std::vector<std::string> keys;
     std::map<std::string, std::string> values; ///< by folded key
 };
@@ -83,7 +82,7 @@ void Content::Load(const std::string& text)
     sections.clear();
     for (IniSection& found : document.Contents())
     {
-        const auto [place, isNew] = sections.try_emplace(FoldCase(found.name), Section{found.name, {}, {}});
+        const auto [place, isNew] = sections.try_emplace(FoldCase(found.name));
         if (!isNew)
         {
             continue; // the first of a name counts
@@ -196,13 +195,7 @@ std::string Machine::Read(std::string_view section, std::string_view key, std::s
 
 std::uint64_t Machine::ReadNumber(std::string_view section, std::string_view key, std::uint64_t otherwise)
 {
-    const std::string text = Read(section, key, {});
-    const bool isHex = text.starts_with("0x") || text.starts_with("0X");
-    const char* const begin = text.data() + (isHex ? 2 : 0);
-    const char* const end = text.data() + text.size();
-    std::uint64_t number = 0;
-    const auto [stopped, problem] = std::from_chars(begin, end, number, isHex ? 16 : 10);
-    return problem == std::errc() && stopped == end ? number : otherwise;
+    return ParseNumber(Read(section, key, {})).value_or(otherwise);
 }
 
 bool Machine::Write(std::string_view section, std::string_view key, std::string_view value)

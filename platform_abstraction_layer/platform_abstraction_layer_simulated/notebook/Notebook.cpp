@@ -89,10 +89,11 @@ bool Notebook::Create(const std::string& folder, const NotebookOptions& options)
         version != nullptr && IsAnsiCodePage(options.codePage) && IsReplaceable(folder) &&
         (options.installation.empty() || std::filesystem::is_directory(options.installation, ignored));
     // Nothing is emptied for a notebook that can't be made.
-    if (!isPossible || !host_files::RemoveAll(folder) || !host_files::MakeFolders(folder))
+    if (!isPossible || !host_files::RemoveAll(folder))
     {
         return false;
     }
+    std::filesystem::create_directories(folder, ignored); // what it answers shows in the next step
     Machine::Use(folder);
     tokens::Reset();
     const FreshNotebook& fresh = FreshNotebook::Of(*version, options.codePage);
@@ -132,12 +133,8 @@ bool Notebook::Install(const std::string& hostFolder)
         return false;
     }
     const std::string data =
-        profiles::HostPath(service->profile + '\\' + std::string(layout.localAppData) + "\\Kelvo\\ORVL\\Cfg");
-    const std::string installation = profiles::HostPath(kInstallationFolder);
-    if (!host_files::MakeFolders(data) || !host_files::MakeFolders(installation))
-    {
-        return false;
-    }
+        service->profile + '\\' + std::string(layout.localAppData) + "\\Kelvo\\ORVL\\Cfg\\";
+    host_files::Tree tree;
     std::error_code error;
     for (const auto& file : std::filesystem::directory_iterator(hostFolder, error))
     {
@@ -147,18 +144,21 @@ bool Notebook::Install(const std::string& hostFolder)
         }
         const std::string name = file.path().filename().string();
         const std::optional<std::string> bytes = ReadWhole(file.path().string());
-        const std::string target = (name == kPowerSchemesFile ? data : installation) + '/' + name;
-        if (!bytes || !host_files::Write(target, *bytes))
+        if (!bytes)
         {
             return false;
         }
+        tree.AddFile(profiles::PartOf((name == kPowerSchemesFile ? data : kInstallationFolder) + name),
+                     *bytes);
     }
-    return !error;
+    return !error && tree.MakeIn(Machine::PathOf({}));
 }
 
 bool Notebook::AddStranger(const std::string& name)
 {
-    return !Accounts::Find(name) && Accounts::Store({name, kComputerName, NextUserSid(), "", false, false});
+    const bool isName = !name.empty() && name.find_first_of("\"/\\[]:;|=,+*?<>") == std::string::npos;
+    return isName && !Accounts::Find(name) &&
+           Accounts::Store({name, kComputerName, NextUserSid(), "", false, false});
 }
 
 bool Notebook::AddUser(const std::string& name)

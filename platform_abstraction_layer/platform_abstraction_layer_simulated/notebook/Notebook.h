@@ -56,7 +56,7 @@ public:
     static bool Install(const std::string& hostFolder);
 
     /// A new user with the next free SID, a profile and a hive; not logged on. False also when there is an
-    /// account of that name.
+    /// account of that name, and for one with characters that no account's name has.
     static bool AddUser(const std::string& name);
 
     /// An account that the machine knows but that never logged on: no profile, no hive, no place in

@@ -4,6 +4,7 @@
 
 #include "notebook/PlatformCall.h"
 
+#include "notebook/GuidText.h"
 #include "notebook/PlugInModule.h"
 #include "notebook/Text.h"
 #include "notebook/Trace.h"
@@ -134,11 +135,7 @@ std::string PlatformCall::Describe(const void* pointer)
 
 std::string PlatformCall::Describe(const GUID& guid)
 {
-    char text[40];
-    std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.Data1,
-                  guid.Data2, guid.Data3, guid.Data4[0], guid.Data4[1], guid.Data4[2], guid.Data4[3],
-                  guid.Data4[4], guid.Data4[5], guid.Data4[6], guid.Data4[7]);
-    return text;
+    return ToText(guid);
 }
 
 std::string PlatformCall::Describe(long long number)
@@ -155,11 +152,6 @@ std::string PlatformCall::Describe(unsigned long long number)
     char text[24];
     std::snprintf(text, sizeof text, "0x%llX", number);
     return text;
-}
-
-std::string PlatformCall::Describe(double number)
-{
-    return std::to_string(number);
 }
 
 } // namespace simulated

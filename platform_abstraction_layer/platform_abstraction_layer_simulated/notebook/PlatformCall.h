@@ -187,7 +187,6 @@ public:
     static std::string Describe(const GUID& guid);
     static std::string Describe(long long number);
     static std::string Describe(unsigned long long number);
-    static std::string Describe(double number);
     template <class Number>
     requires std::is_integral_v<Number>
     static std::string Describe(Number number)

@@ -125,11 +125,6 @@ bool RegistryEditor::WriteNumber(std::string_view key, std::string_view name, DW
     return Write(key, name, registry::NumberValue(number));
 }
 
-bool RegistryEditor::AddKey(std::string_view key)
-{
-    return Find(key, true).has_value();
-}
-
 bool RegistryEditor::HasKey(std::string_view key)
 {
     return Find(key, false).has_value();

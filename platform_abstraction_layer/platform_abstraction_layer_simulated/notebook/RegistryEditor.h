@@ -34,7 +34,6 @@ public:
     /// advapi32/ValueText.h for what can be read again.
     static bool WriteForm(std::string_view key, std::string_view name, std::string_view form);
 
-    static bool AddKey(std::string_view key);
     static bool HasKey(std::string_view key);
 
     /// Takes a key away with all that is below it.

@@ -12,7 +12,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace simulated
 {
@@ -24,33 +23,6 @@ constexpr std::string_view kHousekeepingBegin = ".~";
 constexpr std::string_view kLockEnd = ".lock";
 constexpr std::string_view kSideEnd = ".new";
 constexpr mode_t kNewFileMode = 0666;
-
-class Descriptor
-{
-public:
-    explicit Descriptor(int value) noexcept : m_value(value)
-    {
-    }
-    ~Descriptor()
-    {
-        if (m_value >= 0)
-        {
-            const int kept = errno;
-            close(m_value);
-            errno = kept;
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int Get() const noexcept
-    {
-        return m_value;
-    }
-
-private:
-    int m_value;
-};
 
 // "folder/name" becomes "folder/.~name.lock". The name is folded: spellings of one name share a lock.
 std::string Beside(const std::string& path, std::string_view end)
@@ -98,7 +70,7 @@ bool WriteSide(const std::string& side, std::string_view bytes, std::optional<mo
     const int first = CreateSide(side);
     const bool isLeft = first < 0 && errno == EEXIST && unlink(side.c_str()) == 0;
     const Descriptor file(isLeft ? CreateSide(side) : first);
-    if (file.Get() < 0 || !WriteAll(file.Get(), bytes))
+    if (!file.IsOpen() || !WriteAll(file.Get(), bytes))
     {
         return false;
     }
@@ -134,7 +106,7 @@ FileState StateOf(const std::string& path)
 std::optional<std::string> ReadWhole(const std::string& path)
 {
     const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    return file.Get() < 0 ? std::nullopt : ReadWhole(file.Get());
+    return !file.IsOpen() ? std::nullopt : ReadWhole(file.Get());
 }
 
 std::optional<std::string> ReadWhole(int descriptor)
@@ -185,28 +157,17 @@ bool WriteWhole(const std::string& path, std::string_view bytes)
 }
 
 FileLock::FileLock(const std::string& path, Kind kind)
-    : m_descriptor(open(Beside(path, kLockEnd).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666))
+    : m_file(open(Beside(path, kLockEnd).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666))
 {
     const int operation = kind == Kind::Shared     ? LOCK_SH
                           : kind == Kind::AloneNow ? LOCK_EX | LOCK_NB
                                                    : LOCK_EX;
-    while (m_descriptor >= 0 && flock(m_descriptor, operation) != 0)
+    while (m_file.IsOpen() && flock(m_file.Get(), operation) != 0)
     {
         if (errno != EINTR)
         {
-            const int kept = errno;
-            close(m_descriptor);
-            errno = kept;
-            m_descriptor = -1;
+            m_file = Descriptor();
         }
-    }
-}
-
-FileLock::~FileLock()
-{
-    if (m_descriptor >= 0)
-    {
-        close(m_descriptor);
     }
 }
 

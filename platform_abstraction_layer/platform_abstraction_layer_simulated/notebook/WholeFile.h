@@ -4,6 +4,8 @@
 // the host's.
 #pragma once
 
+#include "notebook/Descriptor.h"
+
 #include <windef.h>
 
 #include <ctime>
@@ -52,18 +54,15 @@ public:
 
     /// Waits for the lock of the file at `path`, which needn't exist; its folder must.
     explicit FileLock(const std::string& path, Kind kind = Kind::Alone);
-    ~FileLock();
-    FileLock(const FileLock&) = delete;
-    FileLock& operator=(const FileLock&) = delete;
 
     /// False when the lock file can't be made, or another has what was wanted now; `errno` says why.
     bool IsHeld() const noexcept
     {
-        return m_descriptor >= 0;
+        return m_file.IsOpen();
     }
 
 private:
-    int m_descriptor;
+    Descriptor m_file;
 };
 
 /// True for the names of lock files and of files that are being written, which are no part of the machine.

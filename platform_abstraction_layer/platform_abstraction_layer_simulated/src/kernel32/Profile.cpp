@@ -6,9 +6,9 @@
 
 #include "kernel32/Paths.h"
 #include "kernel32/ShareModes.h"
-#include "kernel32/SharedPages.h"
 
 #include "notebook/CodePage.h"
+#include "notebook/Descriptor.h"
 #include "notebook/WholeFile.h"
 
 #include <winnt.h>

@@ -1,12 +1,13 @@
 // kernel32/SharedPages.h
 //
-// Owners of native descriptors and of pages that processes share.
+// Owner of pages that processes share.
 #pragma once
+
+#include "notebook/Descriptor.h"
 
 #include <cstddef>
 #include <sys/mman.h>
 #include <sys/types.h>
-#include <unistd.h>
 #include <utility>
 
 namespace simulated
@@ -19,43 +20,6 @@ constexpr std::size_t InWholePages(std::size_t size) noexcept
 {
     return (size + kPageSize - 1) / kPageSize * kPageSize;
 }
-
-/// An open descriptor, closed at the end.
-class Descriptor
-{
-public:
-    Descriptor() noexcept = default;
-    explicit Descriptor(int number) noexcept : m_number(number)
-    {
-    }
-    Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1))
-    {
-    }
-    Descriptor& operator=(Descriptor&& other) noexcept
-    {
-        std::swap(m_number, other.m_number);
-        return *this;
-    }
-    ~Descriptor()
-    {
-        if (IsOpen())
-        {
-            close(m_number);
-        }
-    }
-
-    bool IsOpen() const noexcept
-    {
-        return m_number >= 0;
-    }
-    int Get() const noexcept
-    {
-        return m_number;
-    }
-
-private:
-    int m_number = -1;
-};
 
 /// Pages of a file, mapped until the end.
 class SharedPages
