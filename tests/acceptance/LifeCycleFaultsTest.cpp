@@ -97,6 +97,26 @@ TEST_F(LifeCycleFaults, AStopWaitsAlsoForWhatIsStoppedMeanwhile)
     EXPECT_FALSE(isInside);
 }
 
+// A user's first request looks the user up; none of its calls may leave half of an entry.
+TEST_F(LifeCycleFaults, AFailedLookupOfAUserIsMadeAgain)
+{
+    host.user = environment::OtherUserName();
+    unsigned nth = 1;
+    for (bool wasHit = true; wasHit && nth < 100; ++nth)
+    {
+        host.Unload();
+        ASSERT_TRUE(host.Load());
+        Faults::Inject("*", nth, ERROR_GEN_FAILURE);
+        const LONG code = host.Send("INIT_CFG_FILE").code;
+        wasHit = Faults::AllHit();
+        Faults::Clear();
+        EXPECT_TRUE(code == 0 || code == 6) << nth;
+        EXPECT_EQ(0, host.Send("INIT_CFG_FILE").code) << nth;
+    }
+    EXPECT_LT(10U, nth);
+    EXPECT_GT(100U, nth);
+}
+
 // A host that restarts the plug-in from within its event never calls a stop that waits, so each start takes
 // away what the ended ones left.
 TEST_F(LifeCycleFaults, RestartsFromWithinAnEventDontPileUp)

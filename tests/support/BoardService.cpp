@@ -23,8 +23,15 @@ BoardService::~BoardService()
 
 std::vector<service::Request> BoardService::TakeRequests()
 {
-    const std::lock_guard lock(m_mutex);
-    return std::exchange(m_requests, {});
+    // A caller whose wait failed doesn't wait for its answer.
+    for (;; std::this_thread::yield())
+    {
+        const std::lock_guard lock(m_mutex);
+        if (WaitForSingleObject(m_boards.Doorbell(), 0) != WAIT_OBJECT_0)
+        {
+            return std::exchange(m_requests, {});
+        }
+    }
 }
 
 void BoardService::Serve()
@@ -32,12 +39,10 @@ void BoardService::Serve()
     const HANDLE signals[] = {m_stop.Get(), m_boards.Doorbell()};
     while (WaitForMultipleObjects(2, signals, FALSE, INFINITE) == WAIT_OBJECT_0 + 1)
     {
+        const std::lock_guard lock(m_mutex);
         service::Request request;
         EXPECT_TRUE(m_boards.Take(request));
-        {
-            const std::lock_guard lock(m_mutex);
-            m_requests.push_back(request);
-        }
+        m_requests.push_back(request);
         if (const std::optional<service::Answer> answer = m_behaviour(request))
         {
             EXPECT_TRUE(m_boards.Give(*answer));

@@ -29,7 +29,7 @@ public:
     BoardService(const BoardService&) = delete;
     BoardService& operator=(const BoardService&) = delete;
 
-    /// The requests since the last call.
+    /// The requests since the last call, once all that came are answered.
     std::vector<service::Request> TakeRequests();
 
 private:

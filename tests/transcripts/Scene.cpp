@@ -251,6 +251,7 @@ RequestOutcome Scene::Send(const Sample& sample)
 {
     const std::vector<std::byte> payload = PayloadOf(sample.command, sample.fields);
     Trace::Clear();
+    SetLastError(ERROR_SUCCESS); // log lines quote it, also where no call has failed
     RequestOutcome outcome;
     outcome.answer = m_host->Send(sample.command, payload);
     outcome.calls = Counts();
