@@ -175,7 +175,7 @@ Answer Host::SendFor(const std::string& userId, const std::string& command,
     // A battery whose firmware record can't be read is the one reply that is written and not counted.
     const bool isUncounted = command == "GET_BATTERY_INFO" && answer.code == TRX_OPERATION_FAIL && size == 0;
     EXPECT_TRUE(isUncounted || std::all_of(result.Data() + written, result.Data() + room,
-                                           [](std::byte byte) { return byte == kUnwritten; }))
+                                           [](std::byte present) { return present == kUnwritten; }))
         << command << " wrote more than it counted";
     return answer;
 }
