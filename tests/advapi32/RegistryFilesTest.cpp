@@ -87,7 +87,7 @@ TEST_F(RegistryFilesTest, AFileThatAnEditorOfTextsHasWritten)
     EXPECT_EQ(7U, RegistryEditor::ReadNumber("HKLM\\A", "n"));
     EXPECT_EQ("x", RegistryEditor::ReadText("HKLM\\A\\b", ""));
     EXPECT_EQ((std::vector<std::string>{"", "v"}), RegistryEditor::Values("HKLM\\A\\b"));
-    EXPECT_EQ("\x03", RegistryEditor::Read("HKLM\\A\\b", "v")->bytes);
+    EXPECT_EQ("\x03", RegistryEditor::Read("HKLM\\A\\b", "v").value_or(Value{}).bytes);
 }
 
 // It spoils nothing else, and stays as it is.

@@ -30,14 +30,10 @@ bool Link(const std::string& path, const std::string& target)
 {
     return symlink(target.c_str(), path.c_str()) == 0 || errno == EEXIST;
 }
-bool WriteText(const std::string& path, const std::string& text)
-{
-    return Write(path, text);
-}
 
 } // namespace
 
-bool Write(const std::string& path, std::string_view bytes)
+bool Write(const std::string& path, const std::string& bytes)
 {
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode);
     if (file < 0)
@@ -48,7 +44,7 @@ bool Write(const std::string& path, std::string_view bytes)
     return close(file) == 0 && written == static_cast<ssize_t>(bytes.size());
 }
 
-void Tree::Add(const std::string& path, Entry entry)
+void Tree::Add(const std::string& path, Entry&& entry)
 {
     if (const std::size_t last = path.rfind('/'); last != std::string::npos)
     {
@@ -64,7 +60,7 @@ void Tree::AddFolder(const std::string& path)
 
 void Tree::AddFile(const std::string& path, std::string bytes)
 {
-    Add(path, {&WriteText, std::move(bytes)});
+    Add(path, {&Write, std::move(bytes)});
 }
 
 void Tree::AddLink(const std::string& path, std::string target)

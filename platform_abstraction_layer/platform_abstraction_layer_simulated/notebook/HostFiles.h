@@ -6,13 +6,12 @@
 
 #include <map>
 #include <string>
-#include <string_view>
 
 namespace simulated::host_files
 {
 
 /// Writes a file directly.
-bool Write(const std::string& path, std::string_view bytes);
+bool Write(const std::string& path, const std::string& bytes);
 
 /// Folders, files and links by their paths below a folder, made all at once.
 class Tree
@@ -31,7 +30,7 @@ private:
         bool (*make)(const std::string& path, const std::string& content);
         std::string content;
     };
-    void Add(const std::string& path, Entry entry);
+    void Add(const std::string& path, Entry&& entry);
 
     std::map<std::string, Entry> m_entries; ///< each behind the folder that it is in
 };
