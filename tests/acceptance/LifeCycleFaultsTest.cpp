@@ -6,6 +6,7 @@
 #include "notebook/Trace.h"
 
 #include <atomic>
+#include <utility>
 
 using simulated::Faults;
 using simulated::Leaks;
@@ -66,6 +67,26 @@ TEST_F(LifeCycleFaults, AThreadThatCantBeStoppedGoesOnListening)
     EXPECT_TRUE(host.WaitForEvent().has_value());
     EXPECT_EQ(0, host.Uninitialize());
     EXPECT_FALSE(IsListenedFor());
+}
+
+TEST_F(LifeCycleFaults, AThreadNeedsNoEventToStopItself)
+{
+    bool isFirst = true;
+    host.onEvent = [&](const Event&)
+    {
+        if (std::exchange(isFirst, false))
+        {
+            Faults::Inject("SetEvent", 1, ERROR_INVALID_HANDLE);
+            EXPECT_EQ(0, host.Uninitialize());
+            EXPECT_TRUE(Faults::AllHit());
+            EXPECT_EQ(0, host.Initialize());
+        }
+    };
+    for (int start = 0; start < 2; ++start)
+    {
+        EXPECT_TRUE(SignalApplied());
+        EXPECT_TRUE(host.WaitForEvent().has_value());
+    }
 }
 
 // The first thread, for which the stop waits, starts and stops another one within its event.

@@ -231,12 +231,13 @@ void Stop(CPluginHelper& context) noexcept
 {
     {
         const owners::SectionLock lock(section);
-        // A thread that can't be asked to end goes on.
-        if (context.notifyThread != nullptr && SetEvent(runs->stopEvent.Get()))
+        Run* const own = FindOwn();
+        // Another thread that can't be asked to end goes on; this one needs no event.
+        if (context.notifyThread != nullptr && (SetEvent(runs->stopEvent.Get()) || own == runs))
         {
             ClearHandles(context);
         }
-        if (Run* const own = FindOwn(); own != nullptr)
+        if (own != nullptr)
         {
             // It doesn't wait for its event now and won't again.
             own->appliedEvent.Reset();

@@ -25,8 +25,8 @@ bool Start(CPluginHelper& context) noexcept;
 
 /// Asks the thread to end; the context's handles are null from now on. Returns when neither that thread nor
 /// one of another start that is over runs any more. Called on such a thread, it waits for none: that thread
-/// ends when its present call of the host returns. A thread that can't be asked to end, because its event
-/// can't be set, goes on, keeps its handles and isn't waited for.
+/// ends when its present call of the host returns. Another thread that can't be asked to end, because its
+/// event can't be set, goes on, keeps its handles and isn't waited for.
 void Stop(CPluginHelper& context) noexcept;
 
 } // namespace notification

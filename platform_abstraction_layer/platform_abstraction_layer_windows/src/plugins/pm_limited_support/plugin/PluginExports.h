@@ -21,10 +21,10 @@ extern "C"
     /// are dropped then. A second call while running takes the new table and leaves the one thread.
     ORVL_API LONG __cdecl DP_Initialize(PM_HostInterface* host) noexcept;
 
-    /// Ends the notification thread and returns when neither that thread nor one of an earlier start runs any
-    /// more, nor a request; a thread whose event can't be set goes on. On such a thread, from within
-    /// `SendEvent`, it waits for requests alone; the thread then ends without calling the host again. Always
-    /// 0.
+    /// Ends the notification thread and returns when neither that thread nor one of another start that is
+    /// over runs any more, nor a request; a thread whose event can't be set goes on. On such a thread, from
+    /// within `SendEvent`, it waits for requests alone; the thread then ends without calling the host again.
+    /// Always 0.
     ORVL_API LONG __cdecl DP_Uninitialize() noexcept;
 
     /// Carries out one request; the result code. Calls from several threads are served one after the other,
