@@ -135,6 +135,8 @@ TEST_P(DamagedFiles, ManyEntriesEndSoon)
     Trace::Clear();
     EXPECT_EQ(0, engine.DeletePwrScheme(42, L"alice"));
     EXPECT_GT(10000U, Trace::Count(CallClass::Profile));
+    EXPECT_EQ(-1, engine.AddtoUserScheme(L"name", L"alice", 42));
+    EXPECT_EQ("3000", seeding::GetKey(Users(), SidOf("alice"), "Number")) << "cut off";
 }
 
 TEST_P(DamagedFiles, ANegativeCountIsNone)

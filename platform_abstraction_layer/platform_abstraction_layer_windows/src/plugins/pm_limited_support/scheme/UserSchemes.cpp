@@ -166,7 +166,8 @@ void user_schemes::Remove(CORVLProfile& users, const wchar_t* section, int schem
 {
     const int count = CountSchemes(users, section, limit);
     const int removed = FindEntry(users, section, count, scheme, 0);
-    if (removed < 0)
+    // A number that counts fewer entries than there are would cut the others off.
+    if (removed < 0 || limit.WasReached())
     {
         return;
     }
@@ -201,6 +202,10 @@ int CSchemeEx::AddtoUserList(const wchar_t* user) noexcept
     EntryLimit limit;
     const int count = user_schemes::CountUsers(users, limit);
     DBGOUT(L"AddtoUserList: get number in userlist is %d", count);
+    if (limit.WasReached())
+    {
+        return -1;
+    }
     for (int entry = 0; entry < count; ++entry)
     {
         ShortText listed;
@@ -234,6 +239,10 @@ int CSchemeEx::AddtoUserScheme(const wchar_t* name, const wchar_t* user, int num
     EntryLimit limit;
     const int count = user_schemes::CountSchemes(users, section, limit);
     DBGOUT(L"Get number from %s is %d", section, count);
+    if (limit.WasReached())
+    {
+        return -1;
+    }
     // The count goes last: until then the new entry doesn't exist.
     users.PutInt(section, NumberedKey(user_schemes::kScheme, count).Text(), number);
     WriteName(users, section, count, name);
