@@ -27,7 +27,11 @@ set "list=%TEMP%\orvl-installed.lst"
 if exist "%list%" del "%list%"
 rem An installation over another one goes on with its list.
 if exist "%folder%\installed.lst" set first=no
-if %first%==no copy /y "%folder%\installed.lst" "%list%" >nul
+if %first%==no call :copy "%folder%\installed.lst" "%list%"
+rem It would be overwritten now and removed with the plug-in.
+if %first%==yes if exist "%folder%\uninstall.cmd" call :fail "%folder%\uninstall.cmd belongs to another program"
+if %failed%==yes goto refused
+if %first%==yes call :note_path "HKEY_LOCAL_MACHINE\Software\Kelvo\ORVL"
 
 for %%p in ("%folder%" "%folder%\Cfg" "%rows%") do call :make_folder "%%~p"
 rem The DLL comes first: while a host has it loaded, nothing is replaced.
@@ -44,8 +48,8 @@ if %failed%==yes goto failed
 for %%k in (Kelvo Kelvo\ORVL Kelvo\ORVA) do call :make_key "HKEY_LOCAL_MACHINE\Software\%%k"
 call :set_path "HKEY_LOCAL_MACHINE\Software\Kelvo\ORVL"
 if %failed%==yes goto failed
-copy /y "%list%" "%folder%\installed.lst" >nul
-if errorlevel 1 goto failed
+call :copy "%list%" "%folder%\installed.lst"
+if %failed%==yes goto failed
 del "%list%"
 echo Installed in %folder%
 echo Scheme rows in %rows%
@@ -57,11 +61,12 @@ echo   ACCOUNT is the account in which the host service runs: SYSTEM, LocalServi
 exit /b 2
 
 :no_account
-echo The local application data folder of %account% was not found: the account has never been logged on.
+echo The local application data folder of %account% was not found. A user must be logged on.
 exit /b 1
 
 :failed
 if exist "%list%" if exist "%folder%\" copy /y "%list%" "%folder%\installed.lst" >nul
+:refused
 if exist "%list%" del "%list%"
 echo The installation failed. Stop the host and whatever else uses the files, and run install.cmd as an
 echo administrator again; uninstall.cmd removes what was created.
@@ -102,6 +107,8 @@ exit /b 0
 if %failed%==yes exit /b 0
 copy /y "%~1" "%~2" >nul
 if errorlevel 1 call :fail "Can't copy %~1 to %~2"
+rem From a compact disc the attribute comes along.
+if %failed%==no attrib -r "%~2"
 exit /b 0
 
 :copy_file
@@ -110,9 +117,9 @@ goto copy
 
 rem The call lets a command file stand in for fc where there is no working one.
 :copy_settings
+if exist "%~2" if %first%==yes call :note kept "%~2"
 if %failed%==yes exit /b 0
 if not exist "%~2" goto copy_file
-if %first%==yes call :note kept "%~2"
 call fc /b "%~1" "%~2" >nul
 if errorlevel 1 goto copy_beside
 if exist "%~2.new" del "%~2.new"
@@ -141,13 +148,19 @@ if errorlevel 1 call :fail "Can't create %key%"
 call :note key "%~1"
 exit /b 0
 
+rem :note_path KEY: before anything can fail, for a second attempt finds a list and takes nothing for foreign.
+:note_path
+call :view "%~1"
+reg query "%key%" /v CfgPath >nul 2>nul
+if errorlevel 1 exit /b 0
+call :note kept_value "%~1" CfgPath
+echo Replacing CfgPath of %key%, which was there before
+exit /b 0
+
 :set_path
 call :view "%~1"
-set kind=kept_value
 reg query "%key%" /v CfgPath >nul 2>nul
-if errorlevel 1 set kind=value
-if %kind%==value call :note value "%~1" CfgPath
-if %kind%==kept_value if %first%==yes call :note kept_value "%~1" CfgPath
+if errorlevel 1 call :note value "%~1" CfgPath
 rem A backslash before a closing quote would escape it, so the final one is doubled.
 reg add "%key%" /v CfgPath /t REG_SZ /d "%folder%\Cfg\\" /f >nul
 if errorlevel 1 call :fail "Can't write CfgPath of %key%"

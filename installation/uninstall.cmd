@@ -5,6 +5,7 @@ rem Removes what install.cmd created, as noted in FOLDER\installed.lst, newest f
 rem there before the installation, and what others have put there since. When a file or a key can't be removed, the list
 rem and FOLDER\uninstall.cmd stay for another attempt.
 setlocal
+set "list=%TEMP%\orvl-uninstall.lst"
 set "folder=%~1"
 if "%folder%"=="" if exist "%~dp0installed.lst" set "folder=%~dp0"
 set "programs=%ProgramFiles%"
@@ -16,6 +17,7 @@ if not exist "%folder%\installed.lst" goto nothing
 if not exist "%~dp0installed.lst" goto remove
 rem The installed command file can't go on when it has deleted itself, so a copy takes over and doesn't return.
 copy /y "%~f0" "%TEMP%\orvl-uninstall.cmd" >nul
+if errorlevel 1 goto failed
 "%TEMP%\orvl-uninstall.cmd" "%folder%"
 
 :remove
@@ -23,8 +25,8 @@ rem A folder in which the prompt stands can't be removed.
 cd /d "%SystemRoot%"
 set left=no
 set failed=no
-set "list=%TEMP%\orvl-uninstall.lst"
 copy /y "%folder%\installed.lst" "%list%" >nul
+if errorlevel 1 goto failed
 for /f "usebackq tokens=1,2,3 delims=;" %%a in ("%list%") do if not "%%a"=="folder" call :remove_%%a "%%~b" "%%c"
 if %failed%==no call :remove_file "%folder%\uninstall.cmd"
 if %failed%==yes goto failed
@@ -40,7 +42,7 @@ echo Nothing is installed in %folder%.
 exit /b 1
 
 :failed
-del "%list%"
+if exist "%list%" del "%list%"
 echo Not everything could be removed. Stop the host and whatever else uses the files, and run uninstall.cmd as an
 echo administrator again.
 exit /b 1
@@ -66,7 +68,7 @@ exit /b 0
 
 :remove_folder
 rd "%~1" 2>nul
-if exist "%~1\" call :leave "%~1, which isn't empty"
+if exist "%~1\" call :leave "%~1, which isn't empty or is in use"
 exit /b 0
 
 rem :view KEY: sets `key` to the plug-in's key as this prompt sees it. The plug-in has the 32-bit view of the registry,
@@ -98,6 +100,8 @@ exit /b 0
 :remove_value
 call :view "%~1"
 reg delete "%key%" /v "%~2" /f >nul 2>nul
+reg query "%key%" /v "%~2" >nul 2>nul
+if not errorlevel 1 call :fail "Can't remove %key%, value %~2"
 exit /b 0
 
 :remove_kept_value
