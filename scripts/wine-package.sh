@@ -85,6 +85,14 @@ over_foreign_settings() {
   mkdir -p "$standard/Cfg"
   echo '; mine' >"$standard/Cfg/ORVLCfg.ini"
   cp "$standard/Cfg/ORVLCfg.ini" "$work/mine"
+  echo 'rem mine' >"$standard/uninstall.cmd"
+  ! install || fail "install.cmd replaced somebody's uninstall.cmd"
+  said 'uninstall.cmd belongs to another program' || fail "install.cmd doesn't say whose uninstall.cmd there is"
+  rm "$standard/uninstall.cmd"
+  # After an attempt that failed it is still somebody's.
+  mv "$package/cfg/PowerSetting.ini" "$work/"
+  ! install || fail "install.cmd claims success without the catalogue"
+  mv "$work/PowerSetting.ini" "$package/cfg/"
   install || fail "install.cmd failed over a settings file"
   said "Kept C:" || fail "install.cmd doesn't say what it kept"
   rows=$drive$(sed -n 's/^Scheme rows in C://p' "$work/said" | tr '\\' /)
@@ -109,8 +117,8 @@ install_deep() {
 
 # CfgPath is in the plug-in's view of the registry, whatever the prompt's.
 registered() {
-  in_time 60 "$prompt" reg query "$software\\Kelvo\\ORVL" /v CfgPath >"$work/said" 2>&1 || true
-  said ' C:\deep\orvl\Cfg\' || fail "CfgPath isn't where a 32-bit program looks for it"
+  in_time 60 "$prompt" reg query "$software\\Kelvo\\ORVL" /v CfgPath 2>&1 | tr -d '\r' >"$work/said" || true
+  grep -q ' C:\\deep\\orvl\\Cfg\\$' "$work/said" || fail "CfgPath isn't where a 32-bit program looks for it"
 }
 
 # The command that the package's README gives.
