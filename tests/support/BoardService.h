@@ -19,8 +19,8 @@ public:
     /// What becomes of a request; nothing for no answer at all.
     using Behaviour = std::function<std::optional<service::Answer>(const service::Request&)>;
 
-    /// Creates the boards and serves until the end of the object. Unless told otherwise each request is
-    /// answered with 0.
+    /// Creates the boards and serves until the end of the object. By default each request is answered
+    /// with 0.
     explicit BoardService(Behaviour behaviour = [](const service::Request&) -> std::optional<service::Answer>
                           {
                               return service::Answer{service_boards::kDone, 0};

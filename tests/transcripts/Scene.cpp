@@ -73,6 +73,19 @@ std::string OwnSchemeText(int number)
     return "{0F00000" + std::to_string(number) + "-0000-4000-8000-00000000C0DE}";
 }
 
+// Lets `change` edit the record in the value "Policies" of a key.
+template <class Record, class Change>
+void EditPolicies(const std::string& key, Change change)
+{
+    registry::Value value = RegistryEditor::Read(key, "Policies").value();
+    Record record;
+    ASSERT_EQ(sizeof record, value.bytes.size());
+    std::memcpy(&record, value.bytes.data(), sizeof record);
+    change(record);
+    value.bytes.assign(reinterpret_cast<const char*>(&record), sizeof record);
+    EXPECT_TRUE(RegistryEditor::Write(key, "Policies", value));
+}
+
 std::string Counts()
 {
     std::string text;
@@ -155,41 +168,29 @@ void Scene::SeedUsersPolicy() const
     const std::string power = hive + "\\Control Panel\\PowerCfg";
     EXPECT_TRUE(RegistryEditor::WriteText(power, "CurrentPowerPolicy", "4"));
 
-    const std::string userKey = power + "\\PowerPolicies\\4";
-    registry::Value user = RegistryEditor::Read(userKey, "Policies").value();
-    USER_POWER_POLICY policy;
-    ASSERT_EQ(sizeof policy, user.bytes.size());
-    std::memcpy(&policy, user.bytes.data(), sizeof policy);
-    policy.SpindownTimeoutAc = 1200;
-    policy.SpindownTimeoutDc = 600;
-    policy.IdleAc.Action = PowerActionSleep;
-    policy.IdleTimeoutAc = 1800;
-    policy.IdleDc.Action = PowerActionHibernate;
-    policy.IdleTimeoutDc = 900;
-    user.bytes.assign(reinterpret_cast<const char*>(&policy), sizeof policy);
-    EXPECT_TRUE(RegistryEditor::Write(userKey, "Policies", user));
-
-    const std::string machineKey =
-        "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls "
-        "Folder\\PowerCfg\\PowerPolicies\\4";
-    registry::Value machine = RegistryEditor::Read(machineKey, "Policies").value();
-    MACHINE_POWER_POLICY doze;
-    ASSERT_EQ(sizeof doze, machine.bytes.size());
-    std::memcpy(&doze, machine.bytes.data(), sizeof doze);
-    doze.DozeS4TimeoutAc = 5400;
-    doze.DozeS4TimeoutDc = 2400;
-    machine.bytes.assign(reinterpret_cast<const char*>(&doze), sizeof doze);
-    EXPECT_TRUE(RegistryEditor::Write(machineKey, "Policies", machine));
-
-    const std::string globalKey = power + "\\GlobalPowerPolicy";
-    registry::Value global = RegistryEditor::Read(globalKey, "Policies").value();
-    GLOBAL_USER_POWER_POLICY buttons;
-    ASSERT_EQ(sizeof buttons, global.bytes.size());
-    std::memcpy(&buttons, global.bytes.data(), sizeof buttons);
-    buttons.LidCloseAc.Action = PowerActionHibernate;
-    buttons.PowerButtonDc.Action = PowerActionShutdown;
-    global.bytes.assign(reinterpret_cast<const char*>(&buttons), sizeof buttons);
-    EXPECT_TRUE(RegistryEditor::Write(globalKey, "Policies", global));
+    EditPolicies<USER_POWER_POLICY>(power + "\\PowerPolicies\\4",
+                                    [](USER_POWER_POLICY& policy)
+                                    {
+                                        policy.SpindownTimeoutAc = 1200;
+                                        policy.SpindownTimeoutDc = 600;
+                                        policy.IdleAc.Action = PowerActionSleep;
+                                        policy.IdleTimeoutAc = 1800;
+                                        policy.IdleDc.Action = PowerActionHibernate;
+                                        policy.IdleTimeoutDc = 900;
+                                    });
+    EditPolicies<MACHINE_POWER_POLICY>("HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\"
+                                       "Controls Folder\\PowerCfg\\PowerPolicies\\4",
+                                       [](MACHINE_POWER_POLICY& policy)
+                                       {
+                                           policy.DozeS4TimeoutAc = 5400;
+                                           policy.DozeS4TimeoutDc = 2400;
+                                       });
+    EditPolicies<GLOBAL_USER_POWER_POLICY>(power + "\\GlobalPowerPolicy",
+                                           [](GLOBAL_USER_POWER_POLICY& policy)
+                                           {
+                                               policy.LidCloseAc.Action = PowerActionHibernate;
+                                               policy.PowerButtonDc.Action = PowerActionShutdown;
+                                           });
 }
 
 // Schemes 6 and 7 of the first user and 8 of the second, which is the active one.

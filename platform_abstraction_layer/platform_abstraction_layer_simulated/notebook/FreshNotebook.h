@@ -4,20 +4,11 @@
 // the same in all of one kind, so it is worked out once in a process.
 #pragma once
 
+#include "kernel32/SystemVersion.h"
 #include "notebook/HostFiles.h"
-
-#include <windef.h>
 
 namespace simulated
 {
-
-struct SystemVersion
-{
-    DWORD major;
-    DWORD minor;
-    DWORD build;
-    DWORD servicePack;
-};
 
 inline constexpr const char* kComputerName = "NOTEBOOK";
 

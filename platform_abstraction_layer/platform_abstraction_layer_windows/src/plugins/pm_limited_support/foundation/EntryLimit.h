@@ -5,8 +5,8 @@
 
 #include <algorithm>
 
-/// The looks at entries that walks through files have between them. A damaged count, or the product of two,
-/// would keep a request busy for hours; what a walk takes here is gone for the next one with the same limit.
+/// How many entries several walks through files may read in total. A damaged count, or the product of two,
+/// would keep a request busy for hours; what one walk takes is no longer there for the next.
 class EntryLimit
 {
 public:
@@ -15,7 +15,7 @@ public:
     {
     }
 
-    /// How many of `count` entries a walk may look at. A negative count is none.
+    /// How many of `count` entries a walk may read. A negative count is none.
     int Take(int count) noexcept
     {
         const int taken = std::clamp(count, 0, m_left);
@@ -25,7 +25,7 @@ public:
     }
 
     /// The same for a list without gaps: a count that only damage explains is believed as far as
-    /// `isThere(entry)` holds from the first entry on. Those entries are looked at twice.
+    /// `isThere(entry)` holds from the first entry on. Those entries are read twice.
     template <class IsThere>
     int Take(int count, IsThere isThere) noexcept
     {

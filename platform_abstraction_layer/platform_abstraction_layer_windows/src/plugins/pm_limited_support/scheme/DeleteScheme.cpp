@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr unsigned int kLastStandardNumber = 5;
-constexpr int kMostLooks = 10000; // at entries of all users together
+constexpr int kMostEntries = 10000; // read, of all users together
 
 // Power saver, high performance, balanced.
 constexpr GUID kStandardSchemes[] = {
@@ -98,7 +98,7 @@ int CSchemeEx::DeletePwrScheme(int index, const wchar_t*) noexcept
     }
     files::ShortText section;
     text::Copy(section, m_szSubKey);
-    EntryLimit limit(kMostLooks);
+    EntryLimit limit(kMostEntries);
     // A deletion that is refused leaves no file behind.
     CORVLProfile users;
     const bool isOpen = files::OpenPresentUsers(users);

@@ -161,12 +161,12 @@ public:
     /// scheme and stores its number in `set.schemeID`.
     int AddPwrScheme(PWRSET& set, const wchar_t* user) noexcept;
 
-    /// Enters the user of `m_szSubKey` in the list of users unless he stands there. 1, or -1 when the file
-    /// can't be opened. `user` is logged.
+    /// Enters the user of `m_szSubKey` in the list of users unless the user is listed already. 1, or -1 when
+    /// the file can't be opened or has too many entries. `user` is logged.
     int AddtoUserList(const wchar_t* user) noexcept;
 
-    /// Enters a scheme as the user's last. 1, or -1 when the file can't be opened and for a name with a line
-    /// break.
+    /// Enters a scheme as the user's last. 1, or -1 when the file can't be opened or has too many entries,
+    /// and for a name with a line break.
     int AddtoUserScheme(const wchar_t* name, const wchar_t* user, int number) noexcept;
 
     /// Renames a scheme in the operating system; the user scheme file keeps the old name. `index` or -1.

@@ -17,8 +17,7 @@ constexpr std::size_t kLongestVista = 127;
 
 bool HasLineBreak(const wchar_t* name) noexcept
 {
-    const auto isLineBreak = [](wchar_t character) { return character == L'\r' || character == L'\n'; };
-    return std::any_of(name, name + text::Length(name), isLineBreak);
+    return text::ContainsAny(name, L"\r\n");
 }
 
 bool SchemeName::Take(const wchar_t* name) noexcept

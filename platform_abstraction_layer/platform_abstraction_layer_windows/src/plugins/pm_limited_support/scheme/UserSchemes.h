@@ -34,7 +34,8 @@ int FindByName(CORVLProfile& users, const wchar_t* section, const wchar_t* name)
 /// True when the scheme stands in another listed user's section and not in `section`.
 bool BelongsToAnother(CORVLProfile& users, const wchar_t* section, int scheme, EntryLimit& limit) noexcept;
 
-/// Takes the scheme out of a section and closes the gap; a scheme that isn't there changes nothing.
+/// Takes the scheme out of a section and closes the gap; a scheme that isn't there, and a
+/// section with more entries than `limit` allows, change nothing.
 void Remove(CORVLProfile& users, const wchar_t* section, int scheme, EntryLimit& limit) noexcept;
 
 } // namespace user_schemes
