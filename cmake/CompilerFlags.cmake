@@ -49,6 +49,8 @@ target_compile_options(plugin_flags INTERFACE -fno-exceptions -fno-threadsafe-st
 if(NOT WIN32)
   # The trace tells the plug-in's calls by the address that they return to, so a call must not become a jump.
   target_compile_options(plugin_flags INTERFACE -fno-optimize-sibling-calls)
+  # The failure rows name each place of a call once, and inlining multiplies places.
+  target_compile_options(plugin_flags INTERFACE $<$<CONFIG:Debug>:-fno-inline>)
 else()
   # Nothing is thrown through the plug-in, and tables for unwinding it would be a seventh of the DLL.
   target_compile_options(plugin_flags INTERFACE -fno-asynchronous-unwind-tables)
