@@ -41,16 +41,14 @@ need_native_tools() {
   need ninja ninja-build
 }
 
-# build PRESET [TARGET...]: configures when needed and builds; prints the whole log only when it fails.
+# build PRESET [-DOPTION=VALUE...]: configures and builds; prints the whole log only when it fails.
 build() {
-  local preset=$1 log
-  shift
+  local preset=$1 log options=("${@:2}")
   log=build/$preset.log
   mkdir -p build
-  local options=()
   command -v ccache >/dev/null 2>&1 && options+=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
   if ! { cmake --preset "$preset" "${options[@]}" &&
-    cmake --build --preset "$preset" ${1:+--target "$@"}; } >"$log" 2>&1; then
+    cmake --build --preset "$preset"; } >"$log" 2>&1; then
     grep -E 'error|Error|FAILED' -A3 "$log" | head -80 >&2 || true
     die "The build '$preset' failed; the whole log is in $log"
   fi

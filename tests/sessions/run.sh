@@ -24,6 +24,7 @@ exec 9<>"$work/open" # an input that doesn't end
 
 # start_service [OPTION...]: returns when it serves.
 start_service() {
+  : >"$work/service"
   orvlservice "$@" >"$work/service" 2>&1 <&9 & # which would end with its input
   service=$!
   for _ in $(seq 200); do grep -q '^serving' "$work/service" && return; sleep 0.05; done

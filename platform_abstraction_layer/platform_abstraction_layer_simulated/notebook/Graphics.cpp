@@ -13,11 +13,11 @@ namespace simulated
 namespace
 {
 
-constexpr const char* kSection = "Graphics";
+constexpr const char* kGraphicsSection = "Graphics";
 
 DWORD ReadWord(const std::string& key)
 {
-    return static_cast<DWORD>(Machine::ReadNumber(kSection, key, 0));
+    return static_cast<DWORD>(Machine::ReadNumber(kGraphicsSection, key, 0));
 }
 
 } // namespace
@@ -29,7 +29,7 @@ bool Graphics::IsInstalled()
 
 void Graphics::SetInstalled(bool installed)
 {
-    Machine::WriteNumber(kSection, "Installed", installed);
+    Machine::WriteNumber(kGraphicsSection, "Installed", installed);
 }
 
 DWORD Graphics::Capabilities()
@@ -39,23 +39,23 @@ DWORD Graphics::Capabilities()
 
 void Graphics::SetCapabilities(DWORD capabilities)
 {
-    Machine::Write(kSection, "Capabilities", ToHex(capabilities, 8));
+    Machine::Write(kGraphicsSection, "Capabilities", ToHex(capabilities, 8));
 }
 
 std::optional<std::vector<DWORD>> Graphics::Policy(const std::string& policy)
 {
-    const std::optional<std::string> text = Machine::Read(kSection, policy);
+    const std::optional<std::string> text = Machine::Read(kGraphicsSection, policy);
     return text ? ParseWords(*text) : std::nullopt;
 }
 
 void Graphics::SetPolicy(const std::string& policy, std::span<const DWORD> record)
 {
-    Machine::Write(kSection, policy, ToWords(record));
+    Machine::Write(kGraphicsSection, policy, ToWords(record));
 }
 
 void Graphics::RemovePolicy(const std::string& policy)
 {
-    Machine::Remove(kSection, policy);
+    Machine::Remove(kGraphicsSection, policy);
 }
 
 Graphics::Refusal Graphics::RefusalOf(const std::string& method)
@@ -65,7 +65,7 @@ Graphics::Refusal Graphics::RefusalOf(const std::string& method)
 
 void Graphics::Refuse(const std::string& method, const Refusal& refusal)
 {
-    Machine::Write(kSection, {{method + ".Result", ToHex(static_cast<DWORD>(refusal.result), 8)},
+    Machine::Write(kGraphicsSection, {{method + ".Result", ToHex(static_cast<DWORD>(refusal.result), 8)},
                               {method + ".Error", std::to_string(refusal.driverError)}});
 }
 

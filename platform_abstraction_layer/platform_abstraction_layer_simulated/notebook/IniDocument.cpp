@@ -201,29 +201,45 @@ void IniDocument::Walk(std::size_t begin, std::size_t end, Visit visit) const
     }
 }
 
+// The first header whose line begins at `begin` or behind it. Only lines with a bracket are looked at.
+std::optional<IniDocument::Header> IniDocument::NextHeader(std::size_t begin) const noexcept
+{
+    const std::size_t end = End();
+    for (std::size_t place = Find('[', {begin, end}); place < end; place = Find('[', {place + m_width, end}))
+    {
+        std::size_t lineBegin = place;
+        while (lineBegin > begin && IsBlank(UnitAt(lineBegin - m_width)))
+        {
+            lineBegin -= m_width;
+        }
+        if (lineBegin > begin && !IsLineEnd(UnitAt(lineBegin - m_width)))
+        {
+            continue;
+        }
+        const Line line = LineAt(lineBegin);
+        if (const Parsed parsed = Parse(line.text); parsed.kind == Kind::Header)
+        {
+            return Header{line, parsed.name};
+        }
+    }
+    return std::nullopt;
+}
+
 std::optional<IniDocument::Section> IniDocument::FindSection(std::string_view name) const
 {
     const std::string_view wanted = TrimName(name);
-    std::optional<Section> found;
-    Walk(Start(), End(),
-         [&](const Line& line, const Parsed& parsed)
-         {
-             if (parsed.kind != Kind::Header)
-             {
-                 return true;
-             }
-             if (found)
-             {
-                 found->end = line.text.begin;
-                 return false;
-             }
-             if (IsName(parsed.name, wanted))
-             {
-                 found = {line.text.begin, line.next, End()};
-             }
-             return true;
-         });
-    return found;
+    std::optional<Header> header = NextHeader(Start());
+    while (header && !IsName(header->name, wanted))
+    {
+        header = NextHeader(header->line.next);
+    }
+    if (!header)
+    {
+        return std::nullopt;
+    }
+    const std::optional<Header> following = NextHeader(header->line.next);
+    return Section{header->line.text.begin, header->line.next,
+                   following ? following->line.text.begin : End()};
 }
 
 std::optional<IniDocument::Line> IniDocument::FindKey(const Section& section, std::string_view key) const

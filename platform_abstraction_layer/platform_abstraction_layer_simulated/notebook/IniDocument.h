@@ -64,6 +64,11 @@ private:
         Span text;
         std::size_t next; ///< behind the line's end
     };
+    struct Header
+    {
+        Line line;
+        Span name;
+    };
     enum class Kind
     {
         Header,
@@ -89,6 +94,7 @@ private:
     unsigned UnitAt(std::size_t place) const noexcept;
     Line LineAt(std::size_t begin) const noexcept;
     Parsed Parse(Span line) const noexcept;
+    std::optional<Header> NextHeader(std::size_t begin) const noexcept;
     std::size_t Find(char character, Span span) const noexcept;
     Span Trim(Span span) const noexcept;
     std::string Text(Span span) const;

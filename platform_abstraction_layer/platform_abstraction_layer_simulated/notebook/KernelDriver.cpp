@@ -20,7 +20,7 @@ namespace simulated
 namespace
 {
 
-constexpr const char* kSection = "Driver";
+constexpr const char* kDriverSection = "Driver";
 constexpr std::size_t kMostRequests = 1000;
 
 struct State
@@ -41,39 +41,39 @@ State& TheState()
 
 DWORD ReadError(const char* key)
 {
-    return static_cast<DWORD>(Machine::ReadNumber(kSection, key, ERROR_SUCCESS));
+    return static_cast<DWORD>(Machine::ReadNumber(kDriverSection, key, ERROR_SUCCESS));
 }
 
 } // namespace
 
 bool KernelDriver::IsPresent()
 {
-    return Machine::ReadNumber(kSection, "Present", 0) != 0;
+    return Machine::ReadNumber(kDriverSection, "Present", 0) != 0;
 }
 
 void KernelDriver::SetPresent(bool present)
 {
-    Machine::WriteNumber(kSection, "Present", present);
+    Machine::WriteNumber(kDriverSection, "Present", present);
 }
 
 bool KernelDriver::IsBusy()
 {
-    return Machine::ReadNumber(kSection, "Busy", 0) != 0;
+    return Machine::ReadNumber(kDriverSection, "Busy", 0) != 0;
 }
 
 void KernelDriver::SetBusy(bool busy)
 {
-    Machine::WriteNumber(kSection, "Busy", busy);
+    Machine::WriteNumber(kDriverSection, "Busy", busy);
 }
 
 void KernelDriver::RefuseRequests(DWORD error)
 {
-    Machine::WriteNumber(kSection, "RequestError", error);
+    Machine::WriteNumber(kDriverSection, "RequestError", error);
 }
 
 void KernelDriver::RefuseOpening(DWORD error)
 {
-    Machine::WriteNumber(kSection, "OpenError", error);
+    Machine::WriteNumber(kDriverSection, "OpenError", error);
 }
 
 std::vector<KernelDriver::Request> KernelDriver::Requests()

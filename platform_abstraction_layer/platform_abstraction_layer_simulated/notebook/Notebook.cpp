@@ -25,7 +25,7 @@ namespace simulated
 namespace
 {
 
-constexpr const char* kSection = "Machine";
+constexpr const char* kMachineSection = "Machine";
 constexpr const char* kInstallationFiles = ".ini";
 constexpr const char* kPowerSchemesFile = "PowerSchemes.ini";
 
@@ -49,13 +49,13 @@ const SystemVersion* FindVersion(DWORD major, DWORD minor)
 
 DWORD MajorVersion()
 {
-    return static_cast<DWORD>(Machine::ReadNumber(kSection, "Major", kVersions[0].major));
+    return static_cast<DWORD>(Machine::ReadNumber(kMachineSection, "Major", kVersions[0].major));
 }
 
 // The generation that the folders were made for.
 DWORD FoldersVersion()
 {
-    return static_cast<DWORD>(Machine::ReadNumber(kSection, "FoldersOf", MajorVersion()));
+    return static_cast<DWORD>(Machine::ReadNumber(kMachineSection, "FoldersOf", MajorVersion()));
 }
 
 std::string ProfileListKey(const Account& account)
@@ -121,7 +121,7 @@ bool Notebook::IsReplaceable(const std::string& folder)
 
 bool Notebook::Exists()
 {
-    return Machine::Read(kSection, "Major").has_value();
+    return Machine::Read(kMachineSection, "Major").has_value();
 }
 
 bool Notebook::Install(const std::string& hostFolder)
@@ -212,7 +212,7 @@ bool Notebook::SetVersion(DWORD major, DWORD minor)
 {
     const SystemVersion* const version = FindVersion(major, minor);
     return version != nullptr &&
-           Machine::Write(kSection, {{"Major", std::to_string(version->major)},
+           Machine::Write(kMachineSection, {{"Major", std::to_string(version->major)},
                                      {"Minor", std::to_string(version->minor)},
                                      {"Build", std::to_string(version->build)},
                                      {"ServicePack", std::to_string(version->servicePack)}});
@@ -220,7 +220,7 @@ bool Notebook::SetVersion(DWORD major, DWORD minor)
 
 bool Notebook::SetCodePage(unsigned codePage)
 {
-    return IsAnsiCodePage(codePage) && Machine::WriteNumber(kSection, "AnsiCodePage", codePage);
+    return IsAnsiCodePage(codePage) && Machine::WriteNumber(kMachineSection, "AnsiCodePage", codePage);
 }
 
 bool Notebook::SetModule(const std::string& name, bool isPresent)

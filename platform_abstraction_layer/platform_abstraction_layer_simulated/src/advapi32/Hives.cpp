@@ -22,7 +22,7 @@ namespace
 using registry::Hive;
 
 constexpr std::string_view kFileBegin = "hive=";
-constexpr std::string_view kSection = "Hives";
+constexpr std::string_view kHivesSection = "Hives";
 
 // Each hive that this process has looked at. Never destroyed: threads may outlive the library's teardown.
 CachedFile<Hive>& Cached(std::string_view hive)
@@ -39,7 +39,7 @@ CachedFile<Hive>& Cached(std::string_view hive)
 Hive Users()
 {
     Hive users("HKEY_USERS");
-    for (const std::string& subKey : Machine::Keys(kSection))
+    for (const std::string& subKey : Machine::Keys(kHivesSection))
     {
         users.Make(subKey);
     }
@@ -124,22 +124,22 @@ std::optional<std::string> ParseFileText(std::string_view text)
 
 bool Load(std::string_view subKey, std::string_view hive)
 {
-    return Machine::Write(kSection, subKey, hive);
+    return Machine::Write(kHivesSection, subKey, hive);
 }
 
 bool Unload(std::string_view subKey)
 {
-    return Machine::Remove(kSection, subKey);
+    return Machine::Remove(kHivesSection, subKey);
 }
 
 std::string Loaded(std::string_view subKey)
 {
-    return Machine::Read(kSection, subKey, "");
+    return Machine::Read(kHivesSection, subKey, "");
 }
 
 bool IsLoaded(std::string_view hive)
 {
-    const std::vector<std::string> subKeys = Machine::Keys(kSection);
+    const std::vector<std::string> subKeys = Machine::Keys(kHivesSection);
     return std::any_of(subKeys.begin(), subKeys.end(),
                        [hive](const std::string& subKey) { return EqualIgnoringCase(Loaded(subKey), hive); });
 }

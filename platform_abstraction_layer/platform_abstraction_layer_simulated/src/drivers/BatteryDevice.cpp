@@ -238,7 +238,7 @@ Outcome<std::shared_ptr<Object>> OpenBattery(std::string_view path, DWORD, DWORD
     return {nullptr, ERROR_FILE_NOT_FOUND};
 }
 
-const devices::Registration kRegistration(&OpenBattery);
+const devices::Registration kBattery(&OpenBattery);
 
 } // namespace
 

@@ -129,7 +129,7 @@ Outcome<std::shared_ptr<Object>> OpenKernelDriver(std::string_view path, DWORD, 
     return {std::make_shared<KernelDriverDevice>(call.IsObserved())};
 }
 
-const devices::Registration kRegistration(&OpenKernelDriver);
+const devices::Registration kKernelDriver(&OpenKernelDriver);
 
 } // namespace
 

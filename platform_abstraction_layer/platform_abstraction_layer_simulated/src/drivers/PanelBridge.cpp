@@ -356,7 +356,7 @@ HRESULT CreateBridge(REFIID interfaceId, void** object, const PlatformCall& call
 }
 
 constexpr com::Class kClass = {"Pixlink.PanelBridge", kClassId, &Graphics::IsInstalled, &CreateBridge};
-const com::Registration kRegistration(kClass);
+const com::Registration kPanelBridge(kClass);
 
 } // namespace
 

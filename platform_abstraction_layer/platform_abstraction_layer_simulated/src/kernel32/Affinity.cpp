@@ -17,7 +17,7 @@ namespace simulated
 namespace
 {
 
-constexpr const char* kSection = "Processor";
+constexpr const char* kProcessorSection = "Processor";
 constexpr unsigned kDefaultCores = 4;
 constexpr unsigned kMostCores = 32;
 
@@ -25,7 +25,7 @@ constexpr unsigned kMostCores = 32;
 
 unsigned CoreCount()
 {
-    const std::uint64_t cores = Machine::ReadNumber(kSection, "Cores", kDefaultCores);
+    const std::uint64_t cores = Machine::ReadNumber(kProcessorSection, "Cores", kDefaultCores);
     return static_cast<unsigned>(std::clamp<std::uint64_t>(cores, 1, kMostCores));
 }
 
@@ -37,7 +37,7 @@ DWORD_PTR SystemMask()
 DWORD_PTR ProcessMask()
 {
     const DWORD_PTR all = SystemMask();
-    const auto share = static_cast<DWORD_PTR>(Machine::ReadNumber(kSection, "ProcessMask", all)) & all;
+    const auto share = static_cast<DWORD_PTR>(Machine::ReadNumber(kProcessorSection, "ProcessMask", all)) & all;
     return share == 0 ? all : share;
 }
 

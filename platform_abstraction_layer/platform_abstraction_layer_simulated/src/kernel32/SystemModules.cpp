@@ -22,7 +22,7 @@ namespace
 {
 
 constexpr std::string_view kSystemFolder = "C:\\WINDOWS\\system32\\";
-constexpr const char* kSection = "Modules";
+constexpr const char* kModulesSection = "Modules";
 constexpr std::string_view kAbsent = "absent";
 
 struct SystemModule
@@ -107,7 +107,7 @@ bool Matches(const modules::Export& entry, const char* nameOrOrdinal) noexcept
 
 bool IsTakenAway(const std::string& key)
 {
-    return EqualIgnoringCase(Machine::Read(kSection, key, ""), kAbsent);
+    return EqualIgnoringCase(Machine::Read(kModulesSection, key, ""), kAbsent);
 }
 
 bool IsTakenAway(const SystemModule& module, const modules::Export& entry)
@@ -130,7 +130,7 @@ system_modules::Found system_modules::Find(const std::string& name)
     {
         return {};
     }
-    const std::string choice = Machine::Read(kSection, file, "");
+    const std::string choice = Machine::Read(kModulesSection, file, "");
     SystemModule* module = FindNamed(file);
     if (EqualIgnoringCase(choice, kAbsent))
     {

@@ -22,11 +22,11 @@ namespace simulated
 namespace
 {
 
-constexpr const char* kSection = "Machine";
+constexpr const char* kMachineSection = "Machine";
 
 DWORD ReadPart(const char* key, DWORD otherwise)
 {
-    return static_cast<DWORD>(Machine::ReadNumber(kSection, key, otherwise));
+    return static_cast<DWORD>(Machine::ReadNumber(kMachineSection, key, otherwise));
 }
 
 DWORD Fill(OSVERSIONINFOW* information)

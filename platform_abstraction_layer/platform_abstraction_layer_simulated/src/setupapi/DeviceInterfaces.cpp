@@ -17,14 +17,14 @@ namespace
 {
 
 // Where a caller wants an interface's path.
-struct Target
+struct DetailTarget
 {
     SP_DEVICE_INTERFACE_DETAIL_DATA_W* detail;
     DWORD size;
     PDWORD required;
 };
 
-DWORD GetDetail(const DeviceList& list, const SP_DEVICE_INTERFACE_DATA* data, const Target& target)
+DWORD GetDetail(const DeviceList& list, const SP_DEVICE_INTERFACE_DATA* data, const DetailTarget& target)
 {
     DeviceList::Interface found;
     if (const DWORD error = list.Resolve(data, found); error != ERROR_SUCCESS)
