@@ -3,12 +3,13 @@
 // A host with many threads: requests of several users, events from outside, starts and stops, all at once.
 // What the requests do is told by other tests; here nothing may break, get lost or stay open.
 
+#include "CommandCatalogue.h"
 #include "acceptance/AcceptanceTest.h"
-#include "acceptance/CommandShapes.h"
 #include "acceptance/HostThread.h"
-#include "acceptance/SampleRequests.h"
-#include "acceptance/Schemes.h"
+#include "acceptance/RequestWords.h"
+#include "transcripts/Samples.h"
 
+#include <algorithm>
 #include <atomic>
 #include <deque>
 #include <random>
@@ -19,7 +20,6 @@ namespace
 constexpr unsigned kSeed = 19830512;
 constexpr int kClients = 4;
 constexpr int kRequestsOfEach = 60;
-constexpr int kFirstAdded = 6;
 
 // Two whom the machine knows, and nobodies.
 const std::string kUsers[] = {environment::UserName(), environment::OtherUserName(), "nobody", ""};
@@ -32,12 +32,10 @@ thread_local bool isClient = false;
 class Client
 {
 public:
-    Client(Host& host, unsigned number) : m_host(host), m_random(kSeed + number)
+    Client(Host& host, unsigned number)
+        : m_host(host), m_random(kSeed + number),
+          m_mark("type=profile file=sample.ini section=Clients item=Client" + std::to_string(number))
     {
-        schemes::SetText(m_mark.file, "sample.ini");
-        schemes::SetText(m_mark.section, "Clients");
-        schemes::SetText(m_mark.item, "Client" + std::to_string(number));
-        m_mark.fileType = 1;
     }
 
     void Run()
@@ -48,8 +46,8 @@ public:
             SendAny();
             if (round % 10 == 0)
             {
-                m_mark.value = round;
-                EXPECT_EQ(0, m_host.SendFor(kUsers[0], "PUT_INT_INTO_CONFIG", Payload(m_mark)).code);
+                const std::string mark = m_mark + " value=" + std::to_string(round);
+                EXPECT_EQ(0, m_host.Send("PUT_INT_INTO_CONFIG", PayloadOf("PUT_INT_INTO_CONFIG", mark)).code);
             }
         }
     }
@@ -57,7 +55,7 @@ public:
     // What the shared file says of this client.
     LONG LastMark() const
     {
-        return m_host.SendFor(kUsers[0], "GET_INT_FROM_CONFIG", Payload(m_mark)).Number();
+        return m_host.Send("GET_INT_FROM_CONFIG", PayloadOf("GET_INT_FROM_CONFIG", m_mark)).Number();
     }
 
 private:
@@ -69,20 +67,23 @@ private:
 
     void SendAny()
     {
-        if (m_random() % 3 == 0)
+        if (m_random() % 3 != 0)
         {
-            const CommandShape& shape = AnyOf(kCommandShapes);
-            std::vector<std::byte> payload(shape.payload);
-            const bool isText = m_random() % 2 == 0;
-            for (std::byte& byte : payload)
-            {
-                byte = static_cast<std::byte>(isText ? 'A' + m_random() % 26 : 1 + m_random() % 3);
-            }
-            Send(shape.name, payload);
+            // The samples are about the schemes of another machine.
+            const Sample& sample = AnyOf(Samples());
+            std::string fields = sample.fields;
+            std::replace(fields.begin(), fields.end(), '7', '1');
+            Send(sample.command, PayloadOf(sample.command, fields));
             return;
         }
-        const SampleRequest& request = AnyOf(m_samples);
-        Send(request.command, request.payload);
+        const host::CommandEntry& command = AnyOf(host::Commands());
+        std::vector<std::byte> payload(command.payload.size);
+        const bool isText = m_random() % 2 == 0;
+        for (std::byte& byte : payload)
+        {
+            byte = static_cast<std::byte>(isText ? 'A' + m_random() % 26 : 1 + m_random() % 3);
+        }
+        Send(command.name, payload);
     }
 
     void Send(const std::string& command, const std::vector<std::byte>& payload)
@@ -93,8 +94,7 @@ private:
 
     Host& m_host;
     std::mt19937 m_random;
-    std::vector<SampleRequest> m_samples = SampleRequests(kFirstAdded);
-    PM_Config_Data m_mark{};
+    std::string m_mark;
 };
 
 class ManyThreads : public GenerationTest
@@ -128,11 +128,13 @@ protected:
     // What was stored in between must still carry a scheme's values.
     void CheckThatSchemesWorkFor(const std::string& user)
     {
-        for (const PM_Variable_Data& data :
-             {schemes::Variable(1, 1, "MonitorOffTimeOut", 300), schemes::Variable(1, 1, "Wifi", 1)})
+        host->user = user;
+        for (const std::string variable : {"name=MonitorOffTimeOut value=300", "name=Wifi value=1"})
         {
-            EXPECT_EQ(0, host->SendFor(user, "EDIT_SCHEME", Payload(data)).code) << user << data.valName;
-            EXPECT_EQ(data.val, host->SendFor(user, "QUERY_SCHEME", Payload(data)).Number()) << user;
+            EXPECT_EQ("0 answer=1", Ask(*host, "EDIT_SCHEME", "scheme=1 " + variable)) << user;
+            EXPECT_EQ("0 answer=" + variable.substr(variable.rfind('=') + 1),
+                      Ask(*host, "QUERY_SCHEME", "scheme=1 " + variable))
+                << user;
         }
     }
 
@@ -179,7 +181,7 @@ TEST_P(ManyThreads, BreakNothing)
         EXPECT_EQ(kRequestsOfEach, client.LastMark());
     }
     // A full clearing takes away what the installation knows of the standard schemes.
-    seeding::WriteBytes(ProfileFile("PowerSchemes.ini"), installed);
+    EXPECT_TRUE(seeding::WriteBytes(ProfileFile("PowerSchemes.ini"), installed));
     CheckThatSchemesWorkFor(kUsers[0]);
     CheckThatSchemesWorkFor(kUsers[1]);
     CheckFiles();

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstring>
 
 namespace
 {
@@ -40,27 +41,10 @@ LONG NumberIn(std::span<const std::byte> bytes)
 
 } // namespace
 
-void Answer::CheckSize(std::size_t size) const
-{
-    EXPECT_TRUE(reply.has_value()) << "no reply";
-    EXPECT_EQ(size, reply.value_or(std::vector<std::byte>()).size());
-}
-
 LONG Answer::Number() const
 {
-    return As<LONG>();
-}
-
-std::string Answer::Text() const
-{
-    EXPECT_TRUE(reply.has_value() && !reply->empty()) << "no reply";
-    if (!reply.has_value() || reply->empty())
-    {
-        return {};
-    }
-    const std::string text(reinterpret_cast<const char*>(reply->data()), reply->size());
-    EXPECT_EQ(text.size() - 1, text.find('\0'));
-    return text.substr(0, text.size() - 1);
+    EXPECT_TRUE(reply.has_value()) << "no reply";
+    return NumberIn(reply.value_or(std::vector<std::byte>()));
 }
 
 LONG Event::Number() const

@@ -4,20 +4,17 @@
 // over requests and takes events.
 //
 //     Host host;
-//     const Answer answer = host.Send("GET_INT_FROM_CONFIG", record);
-//     EXPECT_EQ(7, answer.Number());
+//     EXPECT_EQ(1, host.Send("SET_LAN_STATUS", Payload(LONG{0})).code);
 #pragma once
 
 #include "plugin/HostRecords.h"
 
 #include <cstddef>
-#include <cstring>
 #include <deque>
 #include <functional>
 #include <optional>
 #include <span>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 /// What came back from a request.
@@ -30,25 +27,6 @@ struct Answer
 
     /// The 4-byte reply; a test fails where there is none.
     LONG Number() const;
-
-    /// The reply as text; a test fails where it doesn't end in its only terminator.
-    std::string Text() const;
-
-    /// The reply as a record; a test fails where its size is another.
-    template <class Record>
-    Record As() const
-    {
-        Record record{};
-        CheckSize(sizeof record);
-        if (reply.has_value() && reply->size() == sizeof record)
-        {
-            std::memcpy(&record, reply->data(), sizeof record);
-        }
-        return record;
-    }
-
-private:
-    void CheckSize(std::size_t size) const;
 };
 
 /// An event as it came.
@@ -87,14 +65,6 @@ public:
 
     /// Sends a request with buffers at odd addresses between guards; a test fails when a guard was touched.
     Answer Send(const std::string& command, std::span<const std::byte> payload = {});
-
-    /// The same with a record, or a number, as the payload.
-    template <class Record>
-    requires(!std::is_convertible_v<const Record&, std::span<const std::byte>>) Answer
-        Send(const std::string& command, const Record& record)
-    {
-        return Send(command, Payload(record));
-    }
 
     /// The same for another user than `user`. Threads may send at once.
     Answer SendFor(const std::string& userId, const std::string& command,

@@ -164,7 +164,7 @@ TEST_F(LifeCycleFaults, RestartsFromWithinAnEventDontPileUp)
 // read next.
 TEST_F(LifeCycleFaults, TheEventIsResetBeforeTheNumberIsRead)
 {
-    seeding::SetNumber(HKEY_LOCAL_MACHINE, "Software\\Kelvo\\ORVA", "CurrentPwrSchemeID", 3);
+    ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, "Software\\Kelvo\\ORVA", "CurrentPwrSchemeID", 3));
     Trace::Clear();
     SignalApplied();
     EXPECT_EQ(3, host.WaitForEvent().value().Number());

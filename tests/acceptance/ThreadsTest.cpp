@@ -42,7 +42,7 @@ TEST_F(Threads, RequestsRunOneAfterTheOther)
     {
         for (int round = 0; round < 10; ++round)
         {
-            EXPECT_EQ(0, host.Send(kRequestWithEvent, speed).code);
+            EXPECT_EQ(0, host.Send(kRequestWithEvent, Payload(speed)).code);
             EXPECT_EQ(0, host.Send("GET_ACTIVE_SCHEME").code);
         }
     };
@@ -66,7 +66,7 @@ TEST_F(Threads, AnEventMaySendAnotherRequest)
             codes.push_back(host.Send("GET_ACTIVE_SCHEME").code);
         }
     };
-    EXPECT_EQ(0, host.Send(kRequestWithEvent, LONG{2}).code);
+    EXPECT_EQ(0, host.Send(kRequestWithEvent, Payload(LONG{2})).code);
     EXPECT_EQ((std::vector<LONG>{0, 0}), codes);
 }
 
@@ -90,7 +90,7 @@ TEST_F(Threads, ARequestsEventMayStopThePlugIn)
             EXPECT_EQ(0, innerCode) << "the thread has ended, so its request has too";
         }
     };
-    EXPECT_EQ(0, host.Send(kRequestWithEvent, LONG{2}).code);
+    EXPECT_EQ(0, host.Send(kRequestWithEvent, Payload(LONG{2})).code);
     EXPECT_EQ(0, host.Send("GET_CPU_SPEED").code);
 }
 
@@ -108,7 +108,7 @@ TEST_F(Threads, AStopWaitsForTheRequestsThatRun)
             EXPECT_FALSE(isStopped);
         }
     };
-    HostThread requester([&] { host.Send(kRequestWithEvent, LONG{2}); });
+    HostThread requester([&] { host.Send(kRequestWithEvent, Payload(LONG{2})); });
     WaitUntil([&] { return isInside.load(); });
     host.Uninitialize();
     isStopped = true;

@@ -3,6 +3,7 @@
 // For whom a request is: the table of sixteen users.
 
 #include "acceptance/AcceptanceTest.h"
+#include "acceptance/RequestWords.h"
 #include "notebook/Notebook.h"
 #include "notebook/Trace.h"
 
@@ -22,95 +23,90 @@ protected:
     }
 
     // The result code of a request that does nothing but find its user, and what the log says of the slot.
-    std::pair<LONG, std::string> Find(const std::string& user)
+    std::string Find(const std::string& user)
     {
         seeding::Remove("C:\\temp1234567890\\trxpm.log");
         host.user = user;
-        const LONG code = host.Send("INIT_CFG_FILE").code;
-        std::string said;
+        std::string said = std::to_string(host.Send("INIT_CFG_FILE").code);
         for (const std::string& line : seeding::LogLines("trxpm.log"))
         {
             if (line.find("find") != std::string::npos || line.find("at pos") != std::string::npos)
             {
-                said += line + '\n';
+                said += ", " + line;
             }
         }
-        return {code, said};
+        return said;
+    }
+
+    static std::string NewIn(int slot, LONG code = 0)
+    {
+        const std::string place = std::to_string(slot);
+        return std::to_string(code) + ", can't find subkey&path, find an empty one " + place +
+               ", set subkey&path at pos" + place + (code == 0 ? " succeed" : " failed");
+    }
+    static std::string KnownIn(int slot)
+    {
+        return "0, find the subkey&path " + std::to_string(slot);
+    }
+
+    static void Make(const std::string& name)
+    {
+        ASSERT_TRUE(Notebook::AddUser(name));
+        ASSERT_TRUE(Notebook::LogOn(name));
     }
 
     Host host;
 };
 
-std::string NewUser(int number)
-{
-    std::string name = "user" + std::to_string(number);
-    Notebook::AddUser(name);
-    Notebook::LogOn(name);
-    return name;
-}
-
 TEST_F(Users, AKnownUserKeepsHisSlotWhateverTheCase)
 {
-    EXPECT_EQ(std::pair(LONG{0}, std::string("can't find subkey&path, find an empty one 0\n"
-                                             "set subkey&path at pos0 succeed\n")),
-              Find("alice"));
+    EXPECT_EQ(NewIn(0), Find("alice"));
     Trace::Clear();
-    EXPECT_EQ(std::pair(LONG{0}, std::string("find the subkey&path 0\n")), Find("ALICE"));
+    EXPECT_EQ(KnownIn(0), Find("ALICE"));
     EXPECT_EQ(0U, Trace::Count(simulated::CallClass::Account)) << "a known user isn't looked up again";
+    EXPECT_EQ("0 \"ALICE\"", Ask(host, "GET_USERID"));
 
     // Stop and start leave the table as it is; so does a logoff.
     host.Initialize();
     host.Uninitialize();
-    Notebook::LogOff("alice");
-    EXPECT_EQ(std::pair(LONG{0}, std::string("find the subkey&path 0\n")), Find("alice"));
+    ASSERT_TRUE(Notebook::LogOff("alice"));
+    EXPECT_EQ(KnownIn(0), Find("alice"));
 }
 
 TEST_F(Users, AFailedResolutionLeavesTheSlotFree)
 {
-    const std::pair failed(LONG{6}, std::string("can't find subkey&path, find an empty one 0\n"
-                                                "set subkey&path at pos0 failed\n"));
-    EXPECT_EQ(failed, Find("nobody"));
-    EXPECT_EQ(failed, Find("carol")); // has no hive while he isn't logged on
+    EXPECT_EQ(NewIn(0, 6), Find("nobody"));
+    EXPECT_EQ(NewIn(0, 6), Find(""));
+    EXPECT_EQ(NewIn(0, 6), Find("carol")); // has no hive while he isn't logged on
     EXPECT_EQ("get user infor index failed", seeding::LogLines("trxpm.log").back());
-    EXPECT_EQ(0, Find("alice").first);
+    EXPECT_EQ(NewIn(0), Find("alice"));
 }
 
 TEST_F(Users, TheSeventeenthUserTakesSlotTwo)
 {
     for (int number = 0; number < 16; ++number)
     {
-        ASSERT_EQ(0, Find(NewUser(number)).first) << number;
+        const std::string name = "user" + std::to_string(number);
+        Make(name);
+        ASSERT_EQ(NewIn(number), Find(name));
     }
-    const std::pair replaced(
-        LONG{0}, std::string("can't find empty one, replace 2\nset subkey&path at pos2 succeed\n"));
+    const std::string replaced = "0, can't find empty one, replace 2, set subkey&path at pos2 succeed";
     EXPECT_EQ(replaced, Find("alice"));
     EXPECT_EQ(replaced, Find("user2")); // was there before alice
-    EXPECT_EQ(std::pair(LONG{0}, std::string("find the subkey&path 15\n")), Find("user15"));
+    EXPECT_EQ(KnownIn(15), Find("user15"));
 
     // A failure in the replaced slot frees it.
-    EXPECT_EQ(6, Find("nobody").first);
-    EXPECT_EQ(std::pair(LONG{0}, std::string("can't find subkey&path, find an empty one 2\n"
-                                             "set subkey&path at pos2 succeed\n")),
-              Find("alice"));
-}
-
-TEST_F(Users, TheNameComesBackAsItWasGiven)
-{
-    for (const std::string user : {"alice", "ALICE"})
-    {
-        host.user = user;
-        EXPECT_EQ(user, host.Send("GET_USERID").Text());
-    }
+    EXPECT_EQ("6, can't find empty one, replace 2, set subkey&path at pos2 failed", Find("nobody"));
+    EXPECT_EQ(NewIn(2), Find("alice"));
 }
 
 TEST_F(Users, NamesAreInTheAnsiCodePage)
 {
-    Notebook::AddUser("J\u00F6rg");
-    Notebook::LogOn("J\u00F6rg");
-    EXPECT_EQ(0, Find("J\xF6rg").first);
-    EXPECT_EQ("J\xF6rg", host.Send("GET_USERID").Text());
+    Make("J\u00F6rg");
+    EXPECT_EQ(NewIn(0), Find("J\xF6rg"));
+    EXPECT_EQ("0 \"J\xF6rg\"", Ask(host, "GET_USERID"));
     Notebook::SetCodePage(65001);
-    EXPECT_EQ(std::pair(LONG{0}, std::string("find the subkey&path 0\n")), Find("J\u00D6RG"));
+    EXPECT_EQ(KnownIn(0), Find("J\u00D6RG"));
 }
 
 // The system's comparison takes these names for one; they are accounts of their own all the same.
@@ -120,13 +116,19 @@ TEST_F(Users, NamesThatReadTheSameAreDifferentUsers)
     for (const auto& [name, wire] :
          {std::pair("strasse", "strasse"), {"stra\u00DFe", "stra\xDF\x65"}, {"stra\u00ADsse", "stra\xADsse"}})
     {
-        Notebook::AddUser(name);
-        Notebook::LogOn(name);
-        EXPECT_EQ(std::pair(LONG{0}, "can't find subkey&path, find an empty one " + std::to_string(slot) +
-                                         "\nset subkey&path at pos" + std::to_string(slot) + " succeed\n"),
-                  Find(wire));
-        ++slot;
+        Make(name);
+        EXPECT_EQ(NewIn(slot++), Find(wire));
     }
+}
+
+// Nobody is looked up, and nobody loses his slot, for a name that no account can have.
+TEST_F(Users, ANameHas256CharactersAtMost)
+{
+    for (const std::size_t length : {257U, 1023U, 1500U})
+    {
+        EXPECT_EQ("6", Find(std::string(length, 'u'))) << length;
+    }
+    EXPECT_EQ(NewIn(0, 6), Find(std::string(256, 'u')));
 }
 
 } // namespace

@@ -4,9 +4,7 @@
 
 #include "transcripts/Scene.h"
 
-#include "CommandCatalogue.h"
-#include "Payload.h"
-#include "TextTools.h"
+#include "acceptance/RequestWords.h"
 #include "acceptance/Seeding.h"
 #include "notebook/Accounts.h"
 #include "notebook/Adapters.h"
@@ -102,15 +100,6 @@ std::string Counts()
 }
 
 } // namespace
-
-std::vector<std::byte> PayloadOf(const std::string& command, const std::string& fields)
-{
-    const host::CommandEntry* const entry = host::FindCommand(command);
-    EXPECT_NE(nullptr, entry) << command;
-    const host::Payload payload = host::BuildPayload(entry->payload, host::SplitWords(fields).value());
-    EXPECT_EQ("", payload.error) << command << ' ' << fields;
-    return payload.bytes;
-}
 
 Scene::Scene(DWORD major) : m_major(major)
 {

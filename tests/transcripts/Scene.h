@@ -60,6 +60,3 @@ private:
     std::optional<Snapshot> m_snapshot;
     State m_state;
 };
-
-/// The payload that `fields` describe for `command`.
-std::vector<std::byte> PayloadOf(const std::string& command, const std::string& fields);

@@ -4,7 +4,7 @@
 
 #include "transcripts/Transcript.h"
 
-#include "CommandCatalogue.h"
+#include "acceptance/RequestWords.h"
 #include "acceptance/Seeding.h"
 #include "notebook/Accounts.h"
 
@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <sstream>
 
@@ -21,53 +20,14 @@ namespace
 
 constexpr std::size_t kHeading = 10;
 
-std::string Hex(std::span<const std::byte> bytes)
-{
-    std::string hex;
-    for (const std::byte byte : bytes)
-    {
-        constexpr char kDigits[] = "0123456789abcdef";
-        hex += kDigits[static_cast<unsigned>(byte) >> 4];
-        hex += kDigits[static_cast<unsigned>(byte) & 15];
-    }
-    return hex;
-}
-
-std::string ShowField(const host::Field& field, std::span<const std::byte> bytes)
-{
-    if (field.kind == host::FieldKind::Number)
-    {
-        std::int32_t number = 0;
-        std::memcpy(&number, bytes.data() + field.offset, sizeof number);
-        return std::string(field.name) + '=' + std::to_string(number);
-    }
-    const auto* const begin = reinterpret_cast<const char*>(bytes.data()) + field.offset;
-    return std::string(field.name) + "=\"" + std::string(begin, std::find(begin, begin + field.size, '\0')) +
-           '"';
-}
-
 std::string ShowReply(const std::string& command, const Answer& answer)
 {
     if (!answer.reply.has_value())
     {
         return "none";
     }
-    const std::vector<std::byte>& bytes = *answer.reply;
-    const host::RecordShape& shape = host::FindCommand(command)->reply;
-    std::string text = std::to_string(bytes.size()) + " bytes";
-    if (&shape == &host::kTextReply)
-    {
-        return text + ": \"" + answer.Text() + '"';
-    }
-    if (bytes.size() != shape.size || shape.fields.empty())
-    {
-        return text + (bytes.empty() ? "" : ": " + Hex(bytes));
-    }
-    for (const host::Field& field : shape.fields)
-    {
-        text += (&field == shape.fields.data() ? ": " : " ") + ShowField(field, bytes);
-    }
-    return text;
+    const std::string size = std::to_string(answer.reply->size()) + " bytes";
+    return answer.reply->empty() ? size : size + ": " + ReplyInWords(command, *answer.reply);
 }
 
 // Accounts by their names instead of their SIDs.

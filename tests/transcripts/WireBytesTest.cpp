@@ -3,6 +3,7 @@
 // The seven records of the wire, byte for byte beside the values of their fields. Nothing here comes from the
 // headers of the plug-in or the host: a field that changes its place on both sides is noticed.
 
+#include "acceptance/RequestWords.h"
 #include "transcripts/Scene.h"
 
 #include <gtest/gtest.h>
