@@ -2,7 +2,6 @@
 //
 // Which hive is whose, and the rules for loading and unloading them.
 
-#include "support/ChildProcess.h"
 #include "support/NotebookTest.h"
 #include "support/WideText.h"
 
@@ -84,24 +83,6 @@ TEST_F(HivesTest, LoadingAndUnloadingNeedBothPrivileges)
     EXPECT_EQ(ERROR_PRIVILEGE_NOT_HELD, Unload(sid));
 }
 
-TEST_F(HivesTest, WhatIsChangedInALoadedHiveStays)
-{
-    EnableBoth();
-    const std::string key = "HKU\\" + SidOf("carol") + "\\Software\\Kelvo";
-    EXPECT_FALSE(RegistryEditor::HasKey(key));
-    ASSERT_EQ(ERROR_SUCCESS, Load(SidOf("carol"), FileOf("carol")));
-    EXPECT_TRUE(RegistryEditor::WriteNumber(key, "N", 7));
-    ASSERT_EQ(ERROR_SUCCESS, Unload(SidOf("carol")));
-    EXPECT_FALSE(RegistryEditor::HasKey(key));
-
-    // The same hive under another name, and in its owner's hands.
-    ASSERT_EQ(ERROR_SUCCESS, Load("elsewhere", FileOf("carol")));
-    EXPECT_EQ(7U, RegistryEditor::ReadNumber("HKU\\elsewhere\\Software\\Kelvo", "N"));
-    ASSERT_EQ(ERROR_SUCCESS, Unload("ELSEWHERE"));
-    ASSERT_TRUE(Notebook::LogOn("carol"));
-    EXPECT_EQ(7U, RegistryEditor::ReadNumber(key, "N"));
-}
-
 TEST_F(HivesTest, WhatCannotBeLoaded)
 {
     EnableBoth();
@@ -147,44 +128,6 @@ TEST_F(HivesTest, AHiveWithAnOpenKeyStays)
     EXPECT_EQ(ERROR_ACCESS_DENIED, Unload(sid));
     EXPECT_EQ(ERROR_SUCCESS, RegCloseKey(below));
     EXPECT_EQ(ERROR_SUCCESS, Unload(sid));
-}
-
-// The same when the key is open in another process, until that is killed.
-TEST_F(HivesTest, AHiveInUseElsewhereStaysUntilItsUserDies)
-{
-    EnableBoth();
-    const std::string sid = SidOf("carol");
-    ASSERT_EQ(ERROR_SUCCESS, Load(sid, FileOf("carol")));
-    int ready[2] = {};
-    ASSERT_EQ(0, pipe(ready));
-    ChildProcess user(
-        [&]
-        {
-            HKEY key = nullptr;
-            const LONG opened = RegOpenKeyExW(HKEY_USERS, Wide(sid).data(), 0, KEY_READ, &key);
-            return write(ready[1], &opened, sizeof opened) == sizeof opened && pause() == 0;
-        });
-    LONG opened = -1;
-    EXPECT_EQ(ssize_t{sizeof opened}, read(ready[0], &opened, sizeof opened));
-    EXPECT_EQ(ERROR_SUCCESS, opened);
-    EXPECT_EQ(ERROR_ACCESS_DENIED, Unload(sid));
-    user.Kill();
-    EXPECT_EQ(ERROR_SUCCESS, Unload(sid));
-    close(ready[0]);
-    close(ready[1]);
-}
-
-TEST_F(HivesTest, TheRootsHoldHivesAlone)
-{
-    HKEY key = nullptr;
-    for (const HKEY root : {HKEY_USERS, HKEY_LOCAL_MACHINE})
-    {
-        EXPECT_EQ(ERROR_INVALID_PARAMETER,
-                  RegCreateKeyExW(root, L"New", 0, nullptr, 0, KEY_READ, nullptr, &key, nullptr));
-    }
-    EXPECT_EQ(ERROR_ACCESS_DENIED, RegDeleteKeyW(HKEY_USERS, Wide(SidOf("alice")).data()));
-    EXPECT_EQ(ERROR_ACCESS_DENIED, RegDeleteKeyW(HKEY_CURRENT_USER, L""));
-    EXPECT_TRUE(RegistryEditor::HasKey("HKCU\\Software"));
 }
 
 } // namespace

@@ -51,13 +51,10 @@ const std::map<std::string, REGSAM> kAccesses = {
     {"read", KEY_READ},
     {"write", KEY_WRITE},
     {"all", KEY_ALL_ACCESS},
-    {"maximum", MAXIMUM_ALLOWED},
     {"query", KEY_QUERY_VALUE},
     {"set", KEY_SET_VALUE},
     {"enumerate", KEY_ENUMERATE_SUB_KEYS},
     {"create", KEY_CREATE_SUB_KEY},
-    {"generic-read", GENERIC_READ},
-    {"generic-write", GENERIC_WRITE},
     {"generic-all", GENERIC_ALL},
 };
 
@@ -163,20 +160,6 @@ std::string Keys(State& state)
     }
 }
 
-/// Keys, longest key, values, longest value name, longest data.
-std::string Sums(State& state)
-{
-    DWORD sums[5] = {};
-    const LONG status = RegQueryInfoKeyW(state.target, nullptr, nullptr, nullptr, &sums[0], &sums[1], nullptr,
-                                         &sums[2], &sums[3], &sums[4], nullptr, nullptr);
-    std::string shown;
-    for (const DWORD sum : sums)
-    {
-        shown += (shown.empty() ? "" : ":") + std::to_string(sum);
-    }
-    return Outcome(status, shown);
-}
-
 using Word = std::string (*)(State& state);
 
 // A closed handle stays in `held`, for what is done with closed ones.
@@ -197,7 +180,6 @@ const std::map<std::string, Word> kWords = {
     {"keysimply", &KeyAtSimply},
     {"value", &ValueAt},
     {"keys", &Keys},
-    {"sums", &Sums},
 };
 
 std::string RunStep(State& state)

@@ -9,4 +9,3 @@
 SIM_API BOOL WINAPI ConvertSidToStringSidW(PSID sid, LPWSTR* text);
 
 /// The other way round, also to be given back with LocalFree. ERROR_INVALID_SID for a text that is none.
-SIM_API BOOL WINAPI ConvertStringSidToSidW(LPCWSTR text, PSID* sid);

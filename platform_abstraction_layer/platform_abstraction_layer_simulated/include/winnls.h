@@ -18,5 +18,4 @@ SIM_API int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH source
                                        LPBOOL usedDefaultChar);
 
 SIM_API int WINAPI lstrlenW(LPCWSTR text);
-SIM_API int WINAPI lstrcmpW(LPCWSTR left, LPCWSTR right);
 SIM_API int WINAPI lstrcmpiW(LPCWSTR left, LPCWSTR right);

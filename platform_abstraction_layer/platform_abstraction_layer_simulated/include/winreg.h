@@ -50,13 +50,6 @@ SIM_API LSTATUS WINAPI RegEnumKeyW(HKEY key, DWORD index, LPWSTR name, DWORD nam
 SIM_API LSTATUS WINAPI RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD nameSize, LPDWORD reserved,
                                      LPDWORD type, LPBYTE data, LPDWORD size);
 
-/// Counts and longest sizes of subkeys and values; any pointer may be null. Longest names are in characters
-/// without the terminator.
-SIM_API LSTATUS WINAPI RegQueryInfoKeyW(HKEY key, LPWSTR keyClass, LPDWORD classSize, LPDWORD reserved,
-                                        LPDWORD subKeys, LPDWORD longestSubKey, LPDWORD longestClass,
-                                        LPDWORD values, LPDWORD longestValueName, LPDWORD longestValue,
-                                        LPDWORD securitySize, PFILETIME lastWrite);
-
 /// Deletes a subkey with its values. ERROR_ACCESS_DENIED when it has subkeys of its own.
 SIM_API LSTATUS WINAPI RegDeleteKeyW(HKEY key, LPCWSTR subKey);
 SIM_API LSTATUS WINAPI RegDeleteValueW(HKEY key, LPCWSTR name);

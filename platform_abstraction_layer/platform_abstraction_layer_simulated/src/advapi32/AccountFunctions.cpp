@@ -92,27 +92,6 @@ DWORD SidToText(PSID sid, LPWSTR* text, const PlatformCall& call)
     return ERROR_SUCCESS;
 }
 
-DWORD TextToSid(LPCWSTR text, PSID* sid, const PlatformCall& call)
-{
-    if (text == nullptr || sid == nullptr)
-    {
-        return ERROR_INVALID_PARAMETER;
-    }
-    const std::optional<std::string> bytes = sids::Parse(ToUtf8(text));
-    if (!bytes)
-    {
-        return ERROR_INVALID_SID;
-    }
-    void* const block = AllocateLocal(bytes->size(), call);
-    if (block == nullptr)
-    {
-        return ERROR_NOT_ENOUGH_MEMORY;
-    }
-    std::memcpy(block, bytes->data(), bytes->size());
-    *sid = block;
-    return ERROR_SUCCESS;
-}
-
 } // namespace
 
 } // namespace simulated
@@ -137,11 +116,4 @@ SIM_API BOOL WINAPI ConvertSidToStringSidW(PSID sid, LPWSTR* text)
 {
     PlatformCall call(CallClass::Account, "ConvertSidToStringSidW", SIM_CALLER);
     return call.Boolean([&] { return SidToText(sid, text, call); });
-}
-
-SIM_API BOOL WINAPI ConvertStringSidToSidW(LPCWSTR text, PSID* sid)
-{
-    PlatformCall call(CallClass::Account, "ConvertStringSidToSidW", SIM_CALLER);
-    call.Arguments(text);
-    return call.Boolean([&] { return TextToSid(text, sid, call); });
 }

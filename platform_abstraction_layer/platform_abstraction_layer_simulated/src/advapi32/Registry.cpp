@@ -130,11 +130,15 @@ DWORD EnumerateKey(HKEY key, DWORD index, LPWSTR name, LPDWORD nameSize, PFILETI
 
 using namespace simulated;
 
-SIM_API LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD, REGSAM access, PHKEY result)
+SIM_API LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved, REGSAM access, PHKEY result)
 {
     PlatformCall call(CallClass::Registry, "RegOpenKeyExW", SIM_CALLER);
     registry::NoteArguments(call, key, subKey, access);
-    return call.Status([&] { return registry::OpenKey(key, subKey, access, result, call); });
+    return call.Status(
+        [&]() -> DWORD {
+            return reserved != 0 ? ERROR_INVALID_PARAMETER
+                                 : registry::OpenKey(key, subKey, access, result, call);
+        });
 }
 
 SIM_API LSTATUS WINAPI RegOpenKeyW(HKEY key, LPCWSTR subKey, PHKEY result)

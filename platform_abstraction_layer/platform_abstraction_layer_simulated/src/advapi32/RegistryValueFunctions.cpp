@@ -76,52 +76,6 @@ DWORD EnumerateValue(HKEY key, DWORD index, LPWSTR name, LPDWORD nameSize, LPDWO
     return error == ERROR_SUCCESS ? CopyValue(value, type, data, size) : error;
 }
 
-struct Summary
-{
-    DWORD count = 0;
-    DWORD longestName = 0; ///< in characters
-    DWORD longestData = 0; ///< in bytes
-};
-
-void Count(Summary& summary, const std::string& name, std::size_t dataSize)
-{
-    ++summary.count;
-    summary.longestName = std::max(summary.longestName, static_cast<DWORD>(ToUtf16(name).size()));
-    summary.longestData = std::max(summary.longestData, static_cast<DWORD>(dataSize));
-}
-
-DWORD Summarize(const Base& base, Summary& keys, Summary& values)
-{
-    std::vector<std::string> names;
-    if (const DWORD error = ListNames(base, EntryKind::Key, names); error != ERROR_SUCCESS)
-    {
-        return error;
-    }
-    for (const std::string& name : names)
-    {
-        Count(keys, name, 0);
-    }
-    names.clear();
-    const DWORD error = ListNames(base, EntryKind::Value, names);
-    for (const std::string& name : names)
-    {
-        Value value;
-        if (ReadValue(base, name, value) == ERROR_SUCCESS) // else it has just been deleted
-        {
-            Count(values, name, value.bytes.size());
-        }
-    }
-    return error;
-}
-
-void Store(LPDWORD target, DWORD number)
-{
-    if (target != nullptr)
-    {
-        *target = number;
-    }
-}
-
 } // namespace
 
 } // namespace simulated::registry
@@ -166,43 +120,5 @@ SIM_API LSTATUS WINAPI RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD
             return reserved != nullptr
                        ? ERROR_INVALID_PARAMETER
                        : registry::EnumerateValue(key, index, name, nameSize, type, data, size);
-        });
-}
-
-SIM_API LSTATUS WINAPI RegQueryInfoKeyW(HKEY key, LPWSTR keyClass, LPDWORD classSize, LPDWORD reserved,
-                                        LPDWORD subKeys, LPDWORD longestSubKey, LPDWORD longestClass,
-                                        LPDWORD values, LPDWORD longestValueName, LPDWORD longestValue,
-                                        LPDWORD securitySize, PFILETIME lastWrite)
-{
-    PlatformCall call(CallClass::Registry, "RegQueryInfoKeyW", SIM_CALLER);
-    registry::NoteArguments(call, key);
-    return call.Status(
-        [&]() -> DWORD
-        {
-            if (reserved != nullptr || (keyClass != nullptr && classSize == nullptr))
-            {
-                return ERROR_INVALID_PARAMETER;
-            }
-            registry::Base base;
-            registry::Summary keys;
-            registry::Summary held;
-            DWORD error = registry::BaseFor(key, KEY_QUERY_VALUE, base);
-            error = error == ERROR_SUCCESS ? registry::Summarize(base, keys, held) : error;
-            if (error != ERROR_SUCCESS)
-            {
-                return error;
-            }
-            if (lastWrite != nullptr)
-            {
-                *lastWrite = hives::LastWrite(base.place.hive);
-            }
-            registry::Store(subKeys, keys.count);
-            registry::Store(longestSubKey, keys.longestName);
-            registry::Store(longestClass, 0);
-            registry::Store(values, held.count);
-            registry::Store(longestValueName, held.longestName);
-            registry::Store(longestValue, held.longestData);
-            registry::Store(securitySize, 0);
-            return registry::CopyNoClass(keyClass, classSize);
         });
 }

@@ -7,7 +7,7 @@
 // letter of the Latin code pages is the letter followed by the accent.
 //
 // Known differences from Windows: any other character is equal to itself alone; texts are ordered by
-// character numbers, not by a language's alphabet; lstrcmpW compares character for character.
+// character numbers, not by a language's alphabet.
 
 #include "notebook/PlatformCall.h"
 #include "notebook/Text.h"
@@ -84,19 +84,14 @@ std::u16string Words(LPCWSTR text)
     return words;
 }
 
-std::u16string Characters(LPCWSTR text)
-{
-    return {text, text + Length(text)};
-}
-
 // A null text comes before every other.
-int Compare(LPCWSTR left, LPCWSTR right, std::u16string (*key)(LPCWSTR))
+int Compare(LPCWSTR left, LPCWSTR right)
 {
     if (left == nullptr || right == nullptr)
     {
         return (left != nullptr) - (right != nullptr);
     }
-    const int order = key(left).compare(key(right));
+    const int order = Words(left).compare(Words(right));
     return (order > 0) - (order < 0);
 }
 
@@ -109,16 +104,9 @@ SIM_API int WINAPI lstrlenW(LPCWSTR text)
     return call.Answer(text == nullptr ? 0 : static_cast<int>(Length(text)));
 }
 
-SIM_API int WINAPI lstrcmpW(LPCWSTR left, LPCWSTR right)
-{
-    PlatformCall call(CallClass::Text, "lstrcmpW", SIM_CALLER);
-    call.Arguments(left, right);
-    return call.Answer(Compare(left, right, Characters));
-}
-
 SIM_API int WINAPI lstrcmpiW(LPCWSTR left, LPCWSTR right)
 {
     PlatformCall call(CallClass::Text, "lstrcmpiW", SIM_CALLER);
     call.Arguments(left, right);
-    return call.Answer(Compare(left, right, Words));
+    return call.Answer(Compare(left, right));
 }

@@ -1,0 +1,333 @@
+// tests/kernel32/ProfileConformanceTest.cpp
+//
+// What the profile functions make of every kind of file, in plain Win32: the simulated platform and Windows
+// itself are held to the same tables.
+//
+// Wine, on which the Windows build runs in the tests, differs in these ways; a row that meets one of them has
+// a last column with what Wine does, and holds it to that:
+//  - It writes the whole file anew, with CRLF behind every line and without blank lines; Windows touches only
+//    what is changed.
+//  - A line that begins with ";" is a key of that name to it, when it is asked for, and one without "=" a key
+//    without a value, found before a later line that has one.
+//  - It also knows the mark of UTF-8.
+//  - It ignores the case of the letters A to Z alone.
+//  - It drops the blanks before a value that it writes, and takes a name to be removed with its blanks.
+//  - Deleting in a missing file answers TRUE and makes no file.
+
+#include "kernel32/OwnedHandle.h"
+#include "support/LastError.h"
+#include "support/Wine.h"
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iterator>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace
+{
+
+using namespace std::string_literals;
+
+constexpr const wchar_t* kFile = L"C:\\conformance.ini";
+
+class ProfileConformance : public testing::Test
+{
+protected:
+    void TearDown() override
+    {
+        DeleteFileW(kFile);
+    }
+};
+
+// The text of a row, in which "/" stands for CRLF, as it stands in an ANSI file.
+std::string Ansi(const std::string& text)
+{
+    std::string bytes;
+    for (const char character : text)
+    {
+        bytes += character == '/' ? "\r\n" : std::string(1, character);
+    }
+    return bytes;
+}
+
+// The same in a UTF-16 file, with its mark.
+std::string Utf16(const std::string& text)
+{
+    std::string bytes = "\xFF\xFE";
+    for (const char character : Ansi(text))
+    {
+        bytes += {character, '\0'};
+    }
+    return bytes;
+}
+
+void Put(const std::string& text)
+{
+    const std::string bytes = Ansi(text);
+    const OwnedHandle file(
+        CreateFileW(kFile, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    DWORD written = 0;
+    ASSERT_TRUE(WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr));
+}
+
+std::string Get()
+{
+    if (GetFileAttributesW(kFile) == INVALID_FILE_ATTRIBUTES)
+    {
+        return "no file";
+    }
+    const OwnedHandle file(CreateFileW(kFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                       FILE_ATTRIBUTE_NORMAL, nullptr));
+    std::string bytes(GetFileSize(file.get(), nullptr), '\0');
+    DWORD read = 0;
+    EXPECT_TRUE(ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr));
+    return bytes;
+}
+
+// ASCII as it is, "|" for a zero, others by number.
+std::string Shown(const wchar_t* units, std::size_t count)
+{
+    std::string shown;
+    for (std::size_t index = 0; index < count; ++index)
+    {
+        const auto unit = static_cast<unsigned>(units[index]);
+        const std::string other = '<' + std::to_string(unit) + '>';
+        shown += unit == 0 ? "|" : unit < 0x7F ? std::string(1, static_cast<char>(unit)) : other;
+    }
+    return shown;
+}
+
+// What is read, as `Shown`. Checks the terminator, and that nothing is written behind the buffer's end.
+std::string Read(const wchar_t* section, const wchar_t* key, const wchar_t* otherwise = L"none",
+                 DWORD size = 40)
+{
+    wchar_t buffer[64];
+    std::fill(std::begin(buffer), std::end(buffer), L'#');
+    const DWORD length = GetPrivateProfileStringW(section, key, otherwise, buffer, size, kFile);
+    EXPECT_TRUE(size == 0 || buffer[length] == 0);
+    EXPECT_EQ("##", Shown(buffer + size, 2));
+    return Shown(buffer, length);
+}
+
+struct ReadCase
+{
+    const char* name;
+    std::string file;
+    const wchar_t* section;
+    const wchar_t* key;
+    const char* expected;
+    const char* onWine = nullptr;
+};
+
+TEST_F(ProfileConformance, Values)
+{
+    const std::string simple = "[s]/k=v/";
+    const ReadCase rows[] = {
+        {"plain", simple, L"s", L"k", "v"},
+        {"key missing", simple, L"s", L"x", "none"},
+        {"section missing", simple, L"t", L"k", "none"},
+        {"names ignore case", "[SeC]/KeY=1/", L"sEc", L"kEy", "1"},
+        {"names beyond ASCII ignore case", "[s]/\xE4=1/", L"s", L"\x00C4", "1", "none"},
+        {"blanks around names and value", " [ s ] /  k  =  v w  /", L"s", L"k", "v w"},
+        {"blanks in what is asked for", simple, L" s ", L" k ", "v"},
+        {"comment", "[s]/;k=1/k=2/", L"s", L"k", "2"},
+        {"comment asked for", "[s]/;k=1/", L"s", L";k", "none", "1"},
+        {"no =, then with =", "[s]/k/k=2/", L"s", L"k", "2", "none"},
+        {"first of two keys", "[s]/k=1/k=2/", L"s", L"k", "1"},
+        {"first of two sections", "[s]/a=1/[t]/[S]/k=2/", L"s", L"k", "none"},
+        {"LF", "[s]\nk=1\nj=2\n", L"s", L"j", "2"},
+        {"UTF-16", Utf16("[s]/k=v/"), L"S", L"K", "v"},
+        {"mark of UTF-8", "\xEF\xBB\xBF[s]/k=v/", L"s", L"k", "none", "v"},
+        {"zero in a value", "[s]/k=a\0b/j=2/"s, L"s", L"k", "a"},
+        {"empty file", "", L"s", L"k", "none"},
+    };
+    for (const ReadCase& row : rows)
+    {
+        Put(row.file);
+        EXPECT_EQ(row.onWine != nullptr && IsWine() ? row.onWine : row.expected, Read(row.section, row.key))
+            << row.name;
+    }
+    const std::pair<const char*, std::vector<const char*>> texts[] = {
+        {"", {"", "   ", "\"\""}},     {"v", {"\"v\"", "'v'"}},
+        {" v ", {"\" v \""}},          {"\"v\"", {"\"\"v\"\""}},
+        {"<8364><228>", {"\x80\xE4"}}, {"unchanged", {"a=b", "1 ; c", "a\x1Az", "\"v'", "\"", "\"v\" x"}},
+    };
+    for (const auto& [expected, values] : texts)
+    {
+        for (const std::string value : values)
+        {
+            Put("[s]/k=" + value + "/");
+            EXPECT_EQ(expected == "unchanged"s ? value : expected, Read(L"s", L"k"));
+        }
+    }
+}
+
+TEST_F(ProfileConformance, BuffersAndDefaults)
+{
+    Put("[s]/k=12345/");
+    for (const auto& [size, expected] : {std::pair(6U, "12345"), {5U, "1234"}, {2U, "1"}, {1U, ""}, {0U, ""}})
+    {
+        EXPECT_EQ(expected, Read(L"s", L"k", L"", size));
+    }
+    EXPECT_EQ("abc", Read(L"s", L"x", L"abcdef", 4));
+    EXPECT_EQ("", Read(L"s", L"x", nullptr));
+    EXPECT_EQ("  d", Read(L"s", L"x", L"  d   "));
+    for (const auto& [file, error] : {std::pair(L"C:\\missing.ini", ERROR_FILE_NOT_FOUND),
+                                      {L"C:\\missing\\missing.ini", ERROR_PATH_NOT_FOUND}})
+    {
+        wchar_t buffer[8];
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_EQ(4U, GetPrivateProfileStringW(L"s", L"k", L"none", buffer, 8, file));
+        EXPECT_EQ(error, ErrorOf(false));
+        EXPECT_EQ("none|", Shown(buffer, 5));
+    }
+}
+
+TEST_F(ProfileConformance, Numbers)
+{
+    const std::pair<UINT, std::vector<const char*>> rows[] = {
+        {0, {"0", "B", "-", "--1", "+ 1", "4294967296", "0X1f", "0x", "0b2"}},
+        {1, {"+1", "1 2", "1.5", "4294967297"}},
+        {5, {"0b101"}},
+        {7, {" 7 ", "\"7\""}},
+        {10, {"010"}},
+        {15, {"0o17"}},
+        {42, {"42", "42A"}},
+        {99, {"", "\"\""}},
+        {255, {"0xfF"}},
+        {276447231, {"99999999999999"}},
+        {2147483647, {"-2147483649"}},
+        {4294967291, {"'-5'"}},
+        {4294967295, {"4294967295", "-1", "0x1FFFFFFFF"}},
+    };
+    for (const auto& [expected, texts] : rows)
+    {
+        for (const char* const text : texts)
+        {
+            Put("[s]/k=" + std::string(text) + "/");
+            EXPECT_EQ(expected, GetPrivateProfileIntW(L"s", L"k", 99, kFile)) << text;
+        }
+    }
+    EXPECT_EQ(4294967291U, GetPrivateProfileIntW(L"s", L"x", -5, kFile));
+    EXPECT_EQ(4294967291U, GetPrivateProfileIntW(L"s", L"k", -5, L"C:\\missing\\missing.ini"));
+}
+
+struct WriteCase
+{
+    const char* name;
+    std::string before;
+    const wchar_t* section;
+    const wchar_t* key;
+    const wchar_t* value; ///< null to remove
+    std::string expected;
+    const char* onWine = nullptr;
+};
+
+TEST_F(ProfileConformance, WritingAndRemoving)
+{
+    const std::string one = "[s]/k=1/";
+    const std::string two = "[s]/k=1/j=2/";
+    const std::string all = "pre//; hi/[s]/;c//k=1/word//[t]/";
+    const std::string changed = "pre//; hi/[s]/;c//k=v/word//[t]/";
+    const std::string wide = Utf16("[s]/k=") + "\x00\x4E"s + Utf16("/").substr(2);
+    const WriteCase rows[] = {
+        {"longer than the file", one, L"S", L"K", L"longer than the file", "[s]/k=longer than the file/"},
+        {"by an empty one", two, L"s", L"k", L"", "[s]/k=/j=2/"},
+        {"quotes are written", two, L"s", L"k", L"\"q\"", "[s]/k=\"q\"/j=2/"},
+        {"blanks are written", two, L"s", L"k", L" v ", "[s]/k= v /j=2/", "[s]/k=v /j=2/"},
+        {"spelling stays", "[ S ]/  K  =  1  /", L"s", L"k", L"new", "[ S ]/  K  =new/", "[S]/K=new/"},
+        {"first of two keys", "[s]/k=1/k=2/", L"s", L"k", L"v", "[s]/k=v/k=2/"},
+        {"LF stays", "[s]\nk=1\nj=2\n", L"s", L"k", L"new", "[s]\nk=new\nj=2\n", "[s]/k=new/j=2/"},
+        {"last line without end", "[s]/k=1", L"s", L"k", L"new", "[s]/k=new", "[s]/k=new/"},
+        {"everything else stays", all, L"s", L"k", L"v", changed, "pre/; hi/[s]/;c/k=v/word/[t]/"},
+        {"what ANSI lacks", two, L"s", L"k", L"\x00E4\x20AC\x4E00", "[s]/k=\xE4\x80?/j=2/"},
+        {"UTF-16 stays", Utf16(one), L"s", L"k", L"\x4E00", wide},
+
+        {"new key", one, L"s", L"j", L"v", "[s]/k=1/j=v/"},
+        {"new key in the middle", "[s]/k=1/[t]/", L"s", L"j", L"v", "[s]/k=1/j=v/[t]/"},
+        {"new key before blank lines", "[s]/k=1///[t]/", L"s", L"j", L"v", "[s]/k=1/j=v///[t]/",
+         "[s]/k=1/j=v/[t]/"},
+        {"new key behind a line without end", "[s]/k=1", L"s", L"j", L"v", "[s]/k=1/j=v/"},
+        {"blanks before a new key", one, L"s", L"  j", L"v", "[s]/k=1/j=v/"},
+        {"new section", one, L"t", L"j", L"v", "[s]/k=1/[t]/j=v/"},
+        {"new section in an empty file", "", L"t", L"j", L"v", "[t]/j=v/"},
+        {"new section behind blank lines", "[s]//", L"t", L"j", L"v", "[s]//[t]/j=v/", "[s]/[t]/j=v/"},
+        {"new section in UTF-16", Utf16(one), L"t", L"j", L"v", Utf16("[s]/k=1/[t]/j=v/")},
+
+        {"no key", two, L"s", L"k", nullptr, "[s]/j=2/"},
+        {"no key with blanks around", two, L" s ", L" k ", nullptr, "[s]/j=2/", "[s]/k=1/j=2/"},
+        {"no last key, header stays", "[s]/k=1/[t]/", L"s", L"k", nullptr, "[s]/[t]/"},
+        {"no missing key", two, L"s", L"x", nullptr, two},
+        {"no section", "[s]/k=1/;c/[t]/x=1/", L"S", nullptr, nullptr, "[t]/x=1/"},
+        {"no first of two sections", "[s]/k=1/[t]/[s]/j=2/", L"s", nullptr, nullptr, "[t]/[s]/j=2/"},
+        {"no missing section", two, L"x", nullptr, nullptr, two},
+    };
+    for (const WriteCase& row : rows)
+    {
+        Put(row.before);
+        EXPECT_TRUE(WritePrivateProfileStringW(row.section, row.key, row.value, kFile));
+        EXPECT_EQ(Ansi(row.onWine != nullptr && IsWine() ? row.onWine : row.expected), Get()) << row.name;
+    }
+}
+
+TEST_F(ProfileConformance, FilesThatAreMissingOrCantBeWritten)
+{
+    for (const wchar_t* key : {L"k", static_cast<const wchar_t*>(nullptr)})
+    {
+        DeleteFileW(kFile);
+        EXPECT_TRUE(WritePrivateProfileStringW(L"", key, nullptr, kFile));
+        EXPECT_EQ(IsWine() ? "no file" : "", Get());
+    }
+    DeleteFileW(kFile);
+    EXPECT_TRUE(WritePrivateProfileStringW(L"s", L"k", L"\x00E4", kFile));
+    EXPECT_EQ(Ansi("[s]/k=\xE4/"), Get());
+    EXPECT_TRUE(WritePrivateProfileStringW(L"s", L"k", L"7", L"conformance-bare.ini"));
+    EXPECT_EQ(7U, GetPrivateProfileIntW(L"s", L"k", 0, L"C:\\WINDOWS\\CONFORMANCE-BARE.INI"));
+    EXPECT_TRUE(DeleteFileW(L"C:\\WINDOWS\\conformance-bare.ini"));
+
+    using Text = const wchar_t*;
+    const std::tuple<Text, Text, long> rows[] = {
+        {nullptr, kFile, ERROR_FILE_NOT_FOUND},
+        {L"s", L"", ERROR_ACCESS_DENIED},
+        {L"s", L"C:\\missing\\a.ini", ERROR_PATH_NOT_FOUND},
+        {L"s", L"C:\\WINDOWS", ERROR_ACCESS_DENIED},
+        {L"s", L"C:\\a?b.ini", ERROR_INVALID_NAME},
+    };
+    for (const auto& [section, file, error] : rows)
+    {
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_EQ(error, ErrorOf(WritePrivateProfileStringW(section, L"k", L"v", file))) << error;
+    }
+    EXPECT_EQ(Ansi("[s]/k=\xE4/"), Get());
+}
+
+TEST_F(ProfileConformance, HeldFiles)
+{
+    const std::tuple<const char*, DWORD, DWORD, UINT, bool> rows[] = {
+        {"reader that shares nothing", GENERIC_READ, 0, 99, false},
+        {"reader that shares reading", GENERIC_READ, FILE_SHARE_READ, 1, false},
+        {"reader that shares both", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, 1, true},
+        {"writer that shares nothing", GENERIC_WRITE, 0, 99, false},
+    };
+    for (const auto& [name, access, share, read, written] : rows)
+    {
+        SCOPED_TRACE(name);
+        Put("[s]/k=1/");
+        OwnedHandle file(
+            CreateFileW(kFile, access, share, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        EXPECT_EQ(read, GetPrivateProfileIntW(L"s", L"k", 99, kFile));
+        SetLastError(ERROR_SUCCESS);
+        EXPECT_EQ(written ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION,
+                  ErrorOf(WritePrivateProfileStringW(L"s", L"k", L"2", kFile)));
+        file.reset();
+        EXPECT_EQ(written ? 2U : 1U, GetPrivateProfileIntW(L"s", L"k", 99, kFile));
+    }
+}
+
+} // namespace
