@@ -56,16 +56,6 @@ protected:
         EXPECT_TRUE(condition());
     }
 
-    /// Fails the test when a file that the plug-in writes isn't a whole configuration file.
-    static void CheckFiles()
-    {
-        for (const char* const name : {"PowerSchemes.ini", "UserSchemes.ini", "OrvProfile.ini", "sample.ini"})
-        {
-            EXPECT_TRUE(seeding::IsWellFormed(ProfileFile(name))) << name;
-        }
-        EXPECT_TRUE(seeding::IsWellFormed(InstallationFile("ORVLCfg.ini")));
-    }
-
     environment::Machine machine;
 };
 

@@ -5,7 +5,6 @@
 #include "acceptance/AcceptanceTest.h"
 #include "notebook/Trace.h"
 
-#include <atomic>
 #include <utility>
 
 using simulated::Faults;
@@ -87,35 +86,6 @@ TEST_F(LifeCycleFaults, AThreadNeedsNoEventToStopItself)
         EXPECT_TRUE(SignalApplied());
         EXPECT_TRUE(host.WaitForEvent().has_value());
     }
-}
-
-// The first thread, for which the stop waits, starts and stops another one within its event.
-TEST_F(LifeCycleFaults, AStopWaitsAlsoForWhatIsStoppedMeanwhile)
-{
-    std::atomic<int> entered = 0;
-    std::atomic<bool> isInside = false;
-    const auto hold = [] { std::this_thread::sleep_for(std::chrono::milliseconds(200)); };
-    host.onEvent = [&](const Event&)
-    {
-        if (++entered == 2)
-        {
-            isInside = true;
-            hold();
-            isInside = false;
-            return;
-        }
-        WaitUntil([] { return !Trace::CallsOf("SetEvent").empty(); }); // the stop has set its event
-        EXPECT_EQ(0, host.Initialize());
-        EXPECT_TRUE(SignalApplied());
-        WaitUntil([&] { return entered == 2; });
-        EXPECT_EQ(0, host.Uninitialize());
-    };
-    ASSERT_TRUE(SignalApplied());
-    WaitUntil([&] { return entered == 1; });
-    Trace::Clear();
-    EXPECT_EQ(0, host.Uninitialize());
-    EXPECT_EQ(2, entered);
-    EXPECT_FALSE(isInside);
 }
 
 // A user's first request looks the user up; none of its calls may leave half of an entry.

@@ -4,6 +4,8 @@
 
 #include "acceptance/Seeding.h"
 
+#include "foundation/Owners.h"
+
 #include <shlobj.h>
 #include <shlwapi.h>
 
@@ -22,59 +24,32 @@ std::string LogFile(std::string_view log)
     return std::string(kLogFolder) + "\\" + std::string(log);
 }
 
-// A registry key for the length of a scope.
-class Key
+owners::Key Opened(HKEY root, std::string_view path)
 {
-public:
-    Key(HKEY root, std::string_view path, bool create)
-    {
-        const std::vector<wchar_t> name = Wide(path);
-        if (create)
-        {
-            RegCreateKeyExW(root, name.data(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &m_key, nullptr);
-        }
-        else
-        {
-            RegOpenKeyExW(root, name.data(), 0, KEY_ALL_ACCESS, &m_key);
-        }
-    }
-    ~Key()
-    {
-        if (m_key != nullptr)
-        {
-            RegCloseKey(m_key);
-        }
-    }
-    Key(const Key&) = delete;
-    Key& operator=(const Key&) = delete;
-
-    HKEY Get() const
-    {
-        return m_key;
-    }
-
-private:
-    HKEY m_key = nullptr;
-};
-
-bool SetValue(HKEY root, std::string_view key, std::string_view name, DWORD type, const void* data,
-              DWORD size)
-{
-    const Key opened(root, key, true);
-    return RegSetValueExW(opened.Get(), Wide(name).data(), 0, type, static_cast<const BYTE*>(data), size) ==
-           ERROR_SUCCESS;
+    owners::Key key;
+    RegOpenKeyExW(root, Wide(path).data(), 0, KEY_ALL_ACCESS, key.Receive());
+    return key;
 }
 
-std::vector<std::string> LinesOf(const std::string& bytes)
+owners::Key Made(HKEY root, std::string_view path)
 {
-    std::vector<std::string> lines;
-    for (std::size_t begin = 0; begin < bytes.size();)
-    {
-        const std::size_t end = std::min(bytes.find("\r\n", begin), bytes.size());
-        lines.push_back(bytes.substr(begin, end - begin));
-        begin = end + 2;
-    }
-    return lines;
+    owners::Key key;
+    RegCreateKeyExW(root, Wide(path).data(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.Receive(), nullptr);
+    return key;
+}
+
+bool SetValue(HKEY root, std::string_view key, std::string_view name, DWORD type, const void* data,
+              std::size_t size)
+{
+    return RegSetValueExW(Made(root, key).Get(), Wide(name).data(), 0, type, static_cast<const BYTE*>(data),
+                          static_cast<DWORD>(size)) == ERROR_SUCCESS;
+}
+
+// What `RegQueryValueExW` answers.
+bool GetValue(HKEY root, std::string_view key, std::string_view name, void* data, DWORD size)
+{
+    return RegQueryValueExW(Opened(root, key).Get(), Wide(name).data(), nullptr, nullptr,
+                            static_cast<LPBYTE>(data), &size) == ERROR_SUCCESS;
 }
 
 } // namespace
@@ -103,15 +78,14 @@ std::string Utf8(const wchar_t* text)
 
 bool MakeKey(HKEY root, std::string_view key)
 {
-    return Key(root, key, true).Get() != nullptr;
+    return static_cast<bool>(Made(root, key));
 }
 
 bool SetText(HKEY root, std::string_view key, std::string_view name, std::string_view text)
 {
     const std::vector<wchar_t> wide = Wide(text);
-    const auto size =
-        static_cast<DWORD>((static_cast<std::size_t>(lstrlenW(wide.data())) + 1) * sizeof(wchar_t));
-    return SetValue(root, key, name, REG_SZ, wide.data(), size);
+    return SetValue(root, key, name, REG_SZ, wide.data(),
+                    (static_cast<std::size_t>(lstrlenW(wide.data())) + 1) * sizeof(wchar_t));
 }
 
 bool SetNumber(HKEY root, std::string_view key, std::string_view name, DWORD number)
@@ -121,28 +95,20 @@ bool SetNumber(HKEY root, std::string_view key, std::string_view name, DWORD num
 
 bool RemoveValue(HKEY root, std::string_view key, std::string_view name)
 {
-    const Key opened(root, key, false);
-    return RegDeleteValueW(opened.Get(), Wide(name).data()) == ERROR_SUCCESS;
+    return RegDeleteValueW(Opened(root, key).Get(), Wide(name).data()) == ERROR_SUCCESS;
 }
 
 std::optional<DWORD> GetNumber(HKEY root, std::string_view key, std::string_view name)
 {
-    const Key opened(root, key, false);
     DWORD number = 0;
-    DWORD size = sizeof number;
-    const LSTATUS read = RegQueryValueExW(opened.Get(), Wide(name).data(), nullptr, nullptr,
-                                          reinterpret_cast<LPBYTE>(&number), &size);
-    return read == ERROR_SUCCESS ? std::optional(number) : std::nullopt;
+    return GetValue(root, key, name, &number, sizeof number) ? std::optional(number) : std::nullopt;
 }
 
 std::optional<std::string> GetText(HKEY root, std::string_view key, std::string_view name)
 {
-    const Key opened(root, key, false);
-    std::vector<wchar_t> text(1024);
-    auto size = static_cast<DWORD>((text.size() - 1) * sizeof(wchar_t));
-    const LSTATUS read = RegQueryValueExW(opened.Get(), Wide(name).data(), nullptr, nullptr,
-                                          reinterpret_cast<LPBYTE>(text.data()), &size);
-    return read == ERROR_SUCCESS ? std::optional(Utf8(text.data())) : std::nullopt;
+    wchar_t text[1024] = {};
+    return GetValue(root, key, name, text, sizeof text - sizeof *text) ? std::optional(Utf8(text))
+                                                                       : std::nullopt;
 }
 
 bool SetKey(std::string_view file, std::string_view section, std::string_view key, std::string_view value)
@@ -161,52 +127,27 @@ std::string GetKey(std::string_view file, std::string_view section, std::string_
 
 bool WriteBytes(std::string_view file, std::string_view bytes)
 {
-    const auto nameBegin = file.find_last_of('\\');
-    if (nameBegin != std::string_view::npos)
-    {
-        MakeFolder(file.substr(0, nameBegin));
-    }
-    const HANDLE opened = CreateFileW(Wide(file).data(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                      FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (opened == INVALID_HANDLE_VALUE)
-    {
-        return false;
-    }
+    MakeFolder(file.substr(0, file.find_last_of('\\')));
+    const owners::File opened(CreateFileW(Wide(file).data(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                          FILE_ATTRIBUTE_NORMAL, nullptr));
     DWORD written = 0;
-    const bool done =
-        WriteFile(opened, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != 0 &&
-        written == bytes.size();
-    CloseHandle(opened);
-    return done;
+    return WriteFile(opened.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != 0 &&
+           written == bytes.size();
 }
 
 std::optional<std::string> ReadBytes(std::string_view file)
 {
-    const HANDLE opened = CreateFileW(Wide(file).data(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (opened == INVALID_HANDLE_VALUE)
+    const owners::File opened(CreateFileW(Wide(file).data(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                          nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!opened)
     {
         return std::nullopt;
     }
-    std::string bytes(GetFileSize(opened, nullptr), '\0');
+    std::string bytes(GetFileSize(opened.Get(), nullptr), '\0');
     DWORD read = 0;
-    ReadFile(opened, bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
-    CloseHandle(opened);
+    ReadFile(opened.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
     bytes.resize(read);
     return bytes;
-}
-
-bool IsWellFormed(std::string_view file)
-{
-    const std::vector<std::string> lines = LinesOf(ReadBytes(file).value_or(""));
-    return std::all_of(lines.begin(), lines.end(),
-                       [](const std::string& line)
-                       {
-                           const bool isHeader = line.starts_with('[') && line.ends_with(']');
-                           const bool isKey = line.find('=') != std::string::npos;
-                           return line.find('\0') == std::string::npos &&
-                                  (line.empty() || line[0] == ';' || isHeader || isKey);
-                       });
 }
 
 bool Exists(std::string_view path)
@@ -246,7 +187,15 @@ void SwitchLogsOff()
 
 std::vector<std::string> LogLines(std::string_view log)
 {
-    return LinesOf(ReadBytes(LogFile(log)).value_or(""));
+    const std::string bytes = ReadBytes(LogFile(log)).value_or("");
+    std::vector<std::string> lines;
+    for (std::size_t begin = 0; begin < bytes.size();)
+    {
+        const std::size_t end = std::min(bytes.find("\r\n", begin), bytes.size());
+        lines.push_back(bytes.substr(begin, end - begin));
+        begin = end + 2;
+    }
+    return lines;
 }
 
 } // namespace seeding

@@ -33,8 +33,6 @@ std::string GetKey(std::string_view file, std::string_view section, std::string_
 /// Whole files. `WriteBytes` makes the folder of the file, too.
 bool WriteBytes(std::string_view file, std::string_view bytes);
 std::optional<std::string> ReadBytes(std::string_view file);
-/// True when each line is a section, a key, a comment or empty; also when there is no such file.
-bool IsWellFormed(std::string_view file);
 bool Exists(std::string_view path);
 void Remove(std::string_view file);
 bool MakeFolder(std::string_view folder);

@@ -55,21 +55,6 @@ TEST_F(Threads, RequestsRunOneAfterTheOther)
     EXPECT_TRUE(host.WaitForEvent().has_value());
 }
 
-TEST_F(Threads, AnEventMaySendAnotherRequest)
-{
-    std::vector<LONG> codes;
-    host.onEvent = [&](const Event& event)
-    {
-        if (IsFromRequest(event))
-        {
-            codes.push_back(host.Send("GET_CPU_SPEED").code);
-            codes.push_back(host.Send("GET_ACTIVE_SCHEME").code);
-        }
-    };
-    EXPECT_EQ(0, host.Send(kRequestWithEvent, Payload(LONG{2})).code);
-    EXPECT_EQ((std::vector<LONG>{0, 0}), codes);
-}
-
 // The request gives its lock up whole while the plug-in stops: here the notification thread waits for it.
 TEST_F(Threads, ARequestsEventMayStopThePlugIn)
 {
@@ -148,23 +133,6 @@ TEST_F(Threads, EachStopWaitsForAllNotificationThreads)
         HostThread first(stop);
         HostThread second(stop);
     }
-}
-
-TEST_F(Threads, AStopWaitsForAThreadThatTheHostStopped)
-{
-    std::atomic<bool> isStopped = false;
-    std::atomic<bool> isOver = false;
-    host.onEvent = [&](const Event&)
-    {
-        EXPECT_EQ(0, host.Uninitialize());
-        isStopped = true;
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        isOver = true;
-    };
-    SignalApplied();
-    WaitUntil([&] { return isStopped.load(); });
-    host.Uninitialize();
-    EXPECT_TRUE(isOver);
 }
 
 // Two threads of the plug-in's are in the host's function, and each waits for what the other does.
