@@ -111,7 +111,7 @@ protected:
     // Fails the test when a file has a line that is neither a section nor a key.
     static void CheckFile(const std::string& file)
     {
-        std::istringstream lines(seeding::ReadBytes(file).value_or("none"));
+        std::istringstream lines(seeding::ReadBytes(file).value_or(""));
         for (std::string line; std::getline(lines, line);)
         {
             EXPECT_TRUE(line == "\r" || line[0] == ';' || line[0] == '[' || line.find('=') != line.npos)

@@ -100,15 +100,6 @@ TEST_F(Users, TheSeventeenthUserTakesSlotTwo)
     EXPECT_EQ(NewIn(2), Find("alice"));
 }
 
-TEST_F(Users, NamesAreInTheAnsiCodePage)
-{
-    Make("J\u00F6rg");
-    EXPECT_EQ(NewIn(0), Find("J\xF6rg"));
-    EXPECT_EQ("0 \"J\xF6rg\"", Ask(host, "GET_USERID"));
-    Notebook::SetCodePage(65001);
-    EXPECT_EQ(KnownIn(0), Find("J\u00D6RG"));
-}
-
 // The system's comparison takes these names for one; they are accounts of their own all the same.
 TEST_F(Users, NamesThatReadTheSameAreDifferentUsers)
 {
