@@ -36,6 +36,10 @@ protected:
         CloseHandle(event);
         return signalled;
     }
+    static bool SignalArrives(Host& host)
+    {
+        return SignalApplied() && host.WaitForEvent().has_value();
+    }
     static bool IsListenedFor()
     {
         const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, L"ApplySchemeEvent");

@@ -39,8 +39,7 @@ TEST_F(LifeCycleFaults, AStartThatFailsLeavesNothing)
     }
     EXPECT_TRUE(seeding::LogLines("trxpm.log").empty());
     EXPECT_EQ(0, host.Initialize());
-    EXPECT_TRUE(SignalApplied());
-    EXPECT_TRUE(host.WaitForEvent().has_value());
+    EXPECT_TRUE(SignalArrives(host));
     host.Unload();
     EXPECT_EQ(nullptr, GetModuleHandleW(L"pm_limited_support.dll")) << "a failed start took a reference";
 }
@@ -52,8 +51,7 @@ TEST_F(LifeCycleFaults, AWaitThatFailsEndsTheStart)
     WaitUntil([] { return !IsListenedFor(); });
     host.TakeEvents();
     EXPECT_EQ(0, host.Initialize());
-    EXPECT_TRUE(SignalApplied());
-    EXPECT_TRUE(host.WaitForEvent().has_value());
+    EXPECT_TRUE(SignalArrives(host));
 }
 
 // Waiting for a thread that doesn't know that it is to end would never return.
@@ -62,8 +60,7 @@ TEST_F(LifeCycleFaults, AThreadThatCantBeStoppedGoesOnListening)
     Faults::Inject("SetEvent", 1, ERROR_INVALID_HANDLE);
     EXPECT_EQ(0, host.Uninitialize());
     EXPECT_TRUE(Faults::AllHit());
-    EXPECT_TRUE(SignalApplied());
-    EXPECT_TRUE(host.WaitForEvent().has_value());
+    EXPECT_TRUE(SignalArrives(host));
     EXPECT_EQ(0, host.Uninitialize());
     EXPECT_FALSE(IsListenedFor());
 }
@@ -83,8 +80,7 @@ TEST_F(LifeCycleFaults, AThreadNeedsNoEventToStopItself)
     };
     for (int start = 0; start < 2; ++start)
     {
-        EXPECT_TRUE(SignalApplied());
-        EXPECT_TRUE(host.WaitForEvent().has_value());
+        EXPECT_TRUE(SignalArrives(host));
     }
 }
 
@@ -122,8 +118,7 @@ TEST_F(LifeCycleFaults, RestartsFromWithinAnEventDontPileUp)
     };
     for (unsigned restart = 0; restart < kRestarts; ++restart)
     {
-        ASSERT_TRUE(SignalApplied());
-        ASSERT_TRUE(host.WaitForEvent().has_value());
+        ASSERT_TRUE(SignalArrives(host));
     }
     EXPECT_LE(Leaks::Count(), kNotYetEnded * running) << Leaks::Describe();
     host.Uninitialize();

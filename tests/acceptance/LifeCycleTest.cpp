@@ -1,11 +1,17 @@
 // tests/acceptance/LifeCycleTest.cpp
 //
-// Load, start, stop, unload, in every order that a host may choose.
+// Load, start, stop, unload, in every order that a host may choose, and the event of an applied scheme:
+// another party signals, the host is told.
 
 #include "acceptance/AcceptanceTest.h"
 
+#include <algorithm>
+
 namespace
 {
+
+constexpr const char* kKey = "Software\\Kelvo\\ORVA";
+constexpr const char* kValue = "CurrentPwrSchemeID";
 
 constexpr int kManyCycles = 1000;
 constexpr int kWarmUpCycles = 20; // what the system itself keeps is there after these
@@ -17,6 +23,14 @@ protected:
     static void WaitUntilUnloaded()
     {
         WaitUntil([] { return GetModuleHandleW(L"pm_limited_support.dll") == nullptr; });
+    }
+
+    // The scheme of the event that a signal gives.
+    LONG SignalledScheme()
+    {
+        EXPECT_TRUE(SignalApplied());
+        const std::optional<Event> event = host.WaitForEvent();
+        return event.has_value() ? event->Number() : -100;
     }
 
     Host host;
@@ -46,8 +60,7 @@ TEST_F(LifeCycle, StopTwiceAndStartAgain)
     EXPECT_FALSE(IsListenedFor());
     EXPECT_EQ(0, host.Uninitialize());
     EXPECT_EQ(0, host.Initialize());
-    SignalApplied();
-    EXPECT_TRUE(host.WaitForEvent().has_value());
+    EXPECT_TRUE(SignalArrives(host));
 }
 
 TEST_F(LifeCycle, ASecondStartTakesTheNewHostAndLeavesOneThread)
@@ -97,8 +110,7 @@ TEST_F(LifeCycle, AHostThatStoppedWhenNotifiedMayStartAtOnceAndAgain)
     };
     for (int round = 0; round < 2; ++round)
     {
-        SignalApplied();
-        EXPECT_TRUE(host.WaitForEvent().has_value());
+        EXPECT_TRUE(SignalArrives(host));
     }
     host.Unload();
     WaitUntilUnloaded();
@@ -108,8 +120,7 @@ TEST_F(LifeCycle, AHostThatStoppedWhenNotifiedMayStartAtOnceAndAgain)
 TEST_F(LifeCycle, ANotifiedHostMayUnloadThePlugIn)
 {
     host.onEvent = [&](const Event&) { host.Unload(); };
-    SignalApplied();
-    ASSERT_TRUE(host.WaitForEvent().has_value());
+    ASSERT_TRUE(SignalArrives(host));
     host.onEvent = nullptr;
     WaitUntilUnloaded();
     ASSERT_TRUE(host.Load());
@@ -122,8 +133,7 @@ TEST_F(LifeCycle, UnloadingWithoutAStopTakesNothingFromUnderTheThread)
     const HMODULE library = GetModuleHandleW(L"pm_limited_support.dll");
     ASSERT_NE(nullptr, library);
     FreeLibrary(library);
-    SignalApplied();
-    EXPECT_TRUE(host.WaitForEvent().has_value());
+    EXPECT_TRUE(SignalArrives(host));
     ASSERT_TRUE(host.Load());
 }
 
@@ -151,6 +161,69 @@ TEST_F(LifeCycle, ManyCyclesLeaveNothing)
     const environment::Holdings now = environment::Held();
     EXPECT_EQ(held.handles, now.handles);
     EXPECT_EQ(held.heapBytes, now.heapBytes);
+}
+
+TEST_F(LifeCycle, OneSignalGivesOneEvent)
+{
+    const HANDLE applied = OpenEventW(EVENT_ALL_ACCESS, FALSE, L"ApplySchemeEvent");
+    for (const DWORD scheme : {3U, 0U, 0xFFFFFFFFU})
+    {
+        ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, kKey, kValue, scheme));
+        EXPECT_TRUE(SignalApplied());
+        const std::optional<Event> event = host.WaitForEvent();
+        ASSERT_TRUE(event.has_value());
+        EXPECT_EQ("Kelvo Power Manager", event->module);
+        EXPECT_EQ("SCHEME_APPLIED", event->name);
+        EXPECT_EQ(static_cast<LONG>(scheme), event->Number());
+        EXPECT_NE(GetCurrentThreadId(), event->thread);
+        EXPECT_EQ(DWORD{WAIT_TIMEOUT}, WaitForSingleObject(applied, 0));
+    }
+    CloseHandle(applied);
+    host.Uninitialize();
+    EXPECT_TRUE(host.TakeEvents().empty());
+}
+
+TEST_F(LifeCycle, TheLogTellsOfEachStartAndOfEachRound)
+{
+    ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, kKey, kValue, 3));
+    host.Uninitialize();
+    seeding::SwitchLogsOn();
+    EXPECT_EQ(0, host.Initialize());
+    EXPECT_EQ(3, SignalledScheme());
+    ASSERT_TRUE(seeding::RemoveValue(HKEY_LOCAL_MACHINE, kKey, kValue));
+    EXPECT_EQ(0, SignalledScheme());
+    ASSERT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_LOCAL_MACHINE, seeding::Wide(kKey).data()));
+    EXPECT_EQ(0, SignalledScheme());
+    EXPECT_EQ(0, host.Initialize());
+    host.Uninitialize();
+    std::vector<std::string> lines = seeding::LogLines("trxpm.log");
+    std::sort(lines.begin(), lines.end()); // the host's thread and the plug-in's write at once
+    EXPECT_EQ((std::vector<std::string>{
+                  "Create Event APPLY_SCHEME_EVENT", "Create Event APPLY_SCHEME_EVENT",
+                  "PMNotifyHandler: Query CurrentSchemeID at 2 failed", "PMNotifyHandler: open key failed 2 ",
+                  "Wait PM_APPLY_SCHEME and send back event", "Wait PM_APPLY_SCHEME and send back event",
+                  "Wait PM_APPLY_SCHEME and send back event", "enter PMNotifyHandler",
+                  "return PMNotifyHandler", "send event PM_SCHEME_APPLIED back with 0",
+                  "send event PM_SCHEME_APPLIED back with 0", "send event PM_SCHEME_APPLIED back with 3"}),
+              lines);
+}
+
+// A signal that comes while the host is being told of the last one makes another round.
+TEST_F(LifeCycle, ASignalDuringAnEventIsntLost)
+{
+    ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, kKey, kValue, 3));
+    int rounds = 0;
+    host.onEvent = [&](const Event&)
+    {
+        if (++rounds == 1)
+        {
+            EXPECT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, kKey, kValue, 4));
+            EXPECT_TRUE(SignalApplied());
+        }
+    };
+    EXPECT_TRUE(SignalApplied());
+    EXPECT_EQ(3, host.WaitForEvent()->Number());
+    EXPECT_EQ(4, host.WaitForEvent()->Number());
 }
 
 } // namespace

@@ -157,8 +157,7 @@ TEST_F(Threads, AStopOnANotificationThreadWaitsForNone)
             WaitUntil([&] { return isStopped.load(); });
         }
     };
-    SignalApplied();
-    EXPECT_TRUE(host.WaitForEvent().has_value());
+    EXPECT_TRUE(SignalArrives(host));
     host.Uninitialize();
     EXPECT_EQ(2, inside);
 }

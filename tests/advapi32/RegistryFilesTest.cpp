@@ -57,13 +57,9 @@ TEST_F(RegistryFilesTest, EachValueHasAReadableFormThatGivesItBack)
         {registry::TextValue("a\nb\xC3\xA4=\"[x]\n@=", REG_SZ), "\"a\nb\xC3\xA4=\\\"[x]\n@=\""},
         {registry::TextValue("a", REG_EXPAND_SZ), "hex(2):61,00,00,00"},
         {{REG_BINARY, bytes}, shown},
-        {{REG_BINARY, std::string("\x00\xFF\x0A", 3)}, "hex:00,ff,0a"},
         {{REG_BINARY, ""}, "hex:"},
-        {{REG_SZ, std::string("a\0", 2)}, "hex(1):61,00"},
         {{REG_SZ, std::string("a\0\0\0\0\0", 6)}, "hex(1):61,00,00,00,00,00"},
         {{REG_SZ, std::string("\0\xD8\0\0", 4)}, "hex(1):00,d8,00,00"},
-        {{REG_SZ, "abc"}, "hex(1):61,62,63"},
-        {{REG_DWORD, "\x01"}, "hex(4):01"},
         {{0x12345, ""}, "hex(12345):"},
     };
     for (const auto& [value, text] : rows)

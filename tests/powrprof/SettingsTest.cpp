@@ -75,12 +75,6 @@ TEST_F(SettingsTest, TheExistenceOfASchemeIsSeenByItsName)
     EXPECT_EQ(kDone, readName(nullptr, &kBalanced, nullptr, nullptr, nullptr, &size));
     EXPECT_EQ(9 * sizeof(wchar_t), size);
 
-    UCHAR buffer[64] = {0x77};
-    size = 9 * sizeof(wchar_t) - 1;
-    EXPECT_EQ(DWORD{ERROR_MORE_DATA}, readName(nullptr, &kBalanced, nullptr, nullptr, buffer, &size));
-    EXPECT_EQ(9 * sizeof(wchar_t), size);
-    EXPECT_EQ(0x77, buffer[0]);
-
     size = 0;
     EXPECT_EQ(DWORD{ERROR_FILE_NOT_FOUND}, readName(nullptr, &kUnknown, nullptr, nullptr, nullptr, &size));
 }

@@ -158,12 +158,8 @@ TEST_F(ServiceTest, MalformedRequestsGetAFailureNoticeAndHarmNothing)
     ServiceProcess service(Folder(), {});
     ASSERT_TRUE(service.IsServing());
     const std::tuple<DWORD, DWORD, wchar_t, LONG> rows[] = {
-        {3, 0, 0, kBadArgument},          {3, 1, 0, kBadArgument},
-        {3, 3, 0, kBadArgument},          {3, 1014, 0, kBadArgument},
-        {3, 0xFFFFFFFF, 0, kBadArgument}, {3, 0x80000000, L'x', kBadArgument},
-        {3, 8, L'x', kBadArgument},       {3, 1012, L'x', kBadArgument},
-        {2, 1012, 0xD800, kBadArgument},  {0, 2, 0, kNotSupported},
-        {4, 2, 0, kNotSupported},         {0xFFFFFFFF, 1012, 0xFFFF, kNotSupported},
+        {3, 0, 0, kBadArgument},       {3, 3, 0, kBadArgument},  {3, 0xFFFFFFFF, 0, kBadArgument},
+        {3, 1012, L'x', kBadArgument}, {4, 2, 0, kNotSupported},
     };
     for (const auto& [code, size, fill, reason] : rows)
     {
