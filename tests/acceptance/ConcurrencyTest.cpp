@@ -18,7 +18,7 @@ namespace
 {
 
 constexpr unsigned kSeed = 19830512;
-constexpr int kClients = 4;
+constexpr unsigned kClients = 4;
 constexpr int kRequestsOfEach = 60;
 
 // Two whom the machine knows, and nobodies.
@@ -27,58 +27,30 @@ const std::string kUsers[] = {environment::UserName(), environment::OtherUserNam
 // Set on the threads on which requests are sent.
 thread_local bool isClient = false;
 
-// One thread of the host: requests, and every so often a number in a file that all clients share.
-class Client
+// The number in a file that all clients share, of which each has its own.
+std::string MarkOf(unsigned client)
 {
-public:
-    Client(Host& host, unsigned number)
-        : m_host(host), m_random(kSeed + number),
-          m_mark("type=profile file=sample.ini section=Clients item=Client" + std::to_string(number))
-    {
-    }
+    return "type=profile file=sample.ini section=Clients item=Client" + std::to_string(client);
+}
 
-    void Run()
+// One thread of the host: requests of any user, and after each its mark. The samples are about schemes of
+// another machine; other values do no harm.
+void RunClient(Host& host, unsigned client)
+{
+    isClient = true;
+    std::mt19937 random(kSeed + client);
+    for (int round = 1; round <= kRequestsOfEach; ++round)
     {
-        isClient = true;
-        for (int round = 1; round <= kRequestsOfEach; ++round)
-        {
-            SendAny();
-            if (round % 10 == 0)
-            {
-                const std::string mark = m_mark + " value=" + std::to_string(round);
-                EXPECT_EQ(0, m_host.Send("PUT_INT_INTO_CONFIG", PayloadOf("PUT_INT_INTO_CONFIG", mark)).code);
-            }
-        }
-    }
-
-    // What the shared file says of this client.
-    LONG LastMark() const
-    {
-        return m_host.Send("GET_INT_FROM_CONFIG", PayloadOf("GET_INT_FROM_CONFIG", m_mark)).Number();
-    }
-
-private:
-    template <class Table>
-    const auto& AnyOf(const Table& table)
-    {
-        return table[std::uniform_int_distribution<std::size_t>(0, std::size(table) - 1)(m_random)];
-    }
-
-    // The samples are about schemes of another machine; other values do no harm.
-    void SendAny()
-    {
-        const Sample& sample = AnyOf(Samples());
+        const Sample& sample = Samples()[random() % Samples().size()];
         std::string fields = sample.fields;
         std::replace(fields.begin(), fields.end(), '7', '1');
-        const LONG code =
-            m_host.SendFor(AnyOf(kUsers), sample.command, PayloadOf(sample.command, fields)).code;
+        const std::string& user = kUsers[random() % std::size(kUsers)];
+        const LONG code = host.SendFor(user, sample.command, PayloadOf(sample.command, fields)).code;
         EXPECT_TRUE(code == 0 || code == 1 || code == 5 || code == 6) << sample.command << ' ' << code;
+        const std::string mark = MarkOf(client) + " value=" + std::to_string(round);
+        EXPECT_EQ(0, host.Send("PUT_INT_INTO_CONFIG", PayloadOf("PUT_INT_INTO_CONFIG", mark)).code);
     }
-
-    Host& m_host;
-    std::mt19937 m_random;
-    std::string m_mark;
-};
+}
 
 class ManyThreads : public GenerationTest
 {
@@ -136,16 +108,11 @@ TEST_P(ManyThreads, BreakNothing)
         });
     const HostThread others[] = {HostThread(startAndStop), HostThread(startAndStop),
                                  HostThread(Repeating(SignalApplied))};
-    std::vector<Client> clients;
-    for (unsigned number = 0; number < kClients; ++number)
     {
-        clients.emplace_back(*host, number);
-    }
-    {
-        std::deque<HostThread> threads;
-        for (Client& client : clients)
+        std::deque<HostThread> clients;
+        for (unsigned client = 0; client < kClients; ++client)
         {
-            threads.emplace_back([&client] { client.Run(); });
+            clients.emplace_back([this, client] { RunClient(*host, client); });
         }
     }
     m_over = true;
@@ -156,9 +123,10 @@ TEST_P(ManyThreads, BreakNothing)
     host->Uninitialize();
 
     EXPECT_FALSE(host->TakeEvents().empty());
-    for (const Client& client : clients)
+    for (unsigned client = 0; client < kClients; ++client)
     {
-        EXPECT_EQ(kRequestsOfEach, client.LastMark());
+        EXPECT_EQ("0 answer=" + std::to_string(kRequestsOfEach),
+                  Ask(*host, "GET_INT_FROM_CONFIG", MarkOf(client)));
     }
     CheckFile(ProfileFile("PowerSchemes.ini"));
     CheckFile(ProfileFile("sample.ini"));

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <tuple>
 
 namespace
 {
@@ -126,16 +127,18 @@ TEST_P(SchemeCommands, SchemesAreAddedNamedAndDeleted)
 TEST_P(SchemeCommands, NamesFromOutsideAreCutByTheDescription)
 {
     const char* const key = "Control Panel\\PowerCfg\\PowerPolicies\\2";
-    const std::string longest(40, 'n');
-    const std::pair<std::string, std::string> rows[] = {
-        {"J\u00F6rg", "\u20AC"}, {longest, ""}, {longest, "d"}};
-    const std::pair<std::string, std::string> fields[] = {
-        {"J\xF6rg", "\x80"}, {longest.substr(0, 32), ""}, {longest.substr(0, 32), "d"}};
-    for (std::size_t place = 0; IsXp() && place < std::size(rows); ++place)
+    const std::tuple<std::string, const char*, const char*, const char*> rows[] = {
+        {"J\u00F6rg", "\u20AC", "J\xF6rg", "\x80"},
+        {"A name of thirty-two characters, and more", "", "A name of thirty-two characters,", ""},
+        {"A name of thirty-two characters, and more", "d", "A name of thirty-two characters,", "d"},
+    };
+    for (const auto& [name, description, shownName, shownDescription] : rows)
     {
-        ASSERT_TRUE(seeding::SetText(HKEY_CURRENT_USER, key, "Name", rows[place].first));
-        ASSERT_TRUE(seeding::SetText(HKEY_CURRENT_USER, key, "Description", rows[place].second));
-        EXPECT_EQ("0 name=\"" + fields[place].first + "\" desc=\"" + fields[place].second + "\" scheme=0",
+        EXPECT_TRUE(seeding::SetText(HKEY_CURRENT_USER, key, "Name", name));
+        EXPECT_TRUE(seeding::SetText(HKEY_CURRENT_USER, key, "Description", description));
+        const std::string reply =
+            std::string("0 name=\"") + shownName + "\" desc=\"" + shownDescription + "\" scheme=0";
+        EXPECT_EQ(IsXp() ? reply : "6 name=\"\" desc=\"\" scheme=0",
                   Ask(*host, "GET_SCHEME_NAME", "scheme=2"));
     }
 }

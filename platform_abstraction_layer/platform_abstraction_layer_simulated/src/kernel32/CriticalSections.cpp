@@ -48,7 +48,11 @@ SIM_API void WINAPI InitializeCriticalSection(LPCRITICAL_SECTION section)
 
 SIM_API void WINAPI EnterCriticalSection(LPCRITICAL_SECTION section)
 {
-    Require(pthread_mutex_lock(MutexOf(section)), "EnterCriticalSection");
+    pthread_mutex_t* const mutex = MutexOf(section);
+    Require(pthread_mutex_lock(mutex), "EnterCriticalSection");
+    // Zeros that nobody has initialised pass for a plain mutex, which even its owner can't lock twice.
+    Require(pthread_mutex_trylock(mutex), "EnterCriticalSection");
+    pthread_mutex_unlock(mutex);
 }
 
 SIM_API BOOL WINAPI TryEnterCriticalSection(LPCRITICAL_SECTION section)
