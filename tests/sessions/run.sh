@@ -27,7 +27,7 @@ start_service() {
   : >"$work/service"
   orvlservice "$@" >"$work/service" 2>&1 <&9 & # which would end with its input
   service=$!
-  for _ in $(seq 200); do grep -q '^serving' "$work/service" && return; sleep 0.05; done
+  for _ in $(seq 200); do grep -qs '^serving' "$work/service" && return; sleep 0.05; done
   echo "the service doesn't serve"
 }
 
