@@ -32,7 +32,7 @@ set(public_headers
   foundation/PowerProfile.h
   foundation/Results.h
   foundation/Text.h
-  plugin/CommandNumbers.h
+  plugin/Commands.h
   plugin/HostRecords.h
   plugin/PluginExports.h
   plugin/PluginHelper.h

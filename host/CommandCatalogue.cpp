@@ -15,61 +15,63 @@ namespace host
 namespace
 {
 
-constexpr bool kUser = true;
-constexpr bool kNoUser = false;
+// Doesn't compile for a name that is none.
+consteval const CommandInfo& Named(std::string_view name)
+{
+    return *std::ranges::find(commands::kAll, name, &CommandInfo::name);
+}
 
 const CommandEntry kCommands[] = {
-    {"GET_MAX_LCD_BRIGHTNESS", kNoRecord, kBacklightLevel, kNoUser, "highest backlight level"},
-    {"GET_LCD_BRIGHTNESS", kNoRecord, kBacklightLevel, kNoUser, "present backlight level"},
-    {"SET_LCD_BRIGHTNESS", kBacklightLevel, kNoRecord, kNoUser, "set the backlight; LCD_BRIGHTNESS_CHANGED"},
-    {"GET_LUMS_LEVEL", kNoRecord, kNoRecord, kNoUser, "not carried out (1)"},
-    {"SET_LUMS_LEVEL", kBacklightLevel, kNoRecord, kNoUser, "not carried out (1)"},
-    {"GET_WIRELESS_STATUS", kNoRecord, kSwitchStatus, kNoUser, "wireless radio"},
-    {"SET_WIRELESS_STATUS", kSwitch, kNoRecord, kNoUser, "switch the wireless radio; WLAN_CHANGED"},
-    {"GET_WIRELESS_ENABLED_STATUS", kNoRecord, kSwitchStatus, kNoUser,
+    {Named("GET_MAX_LCD_BRIGHTNESS"), kNoRecord, kBacklightLevel, "highest backlight level"},
+    {Named("GET_LCD_BRIGHTNESS"), kNoRecord, kBacklightLevel, "present backlight level"},
+    {Named("SET_LCD_BRIGHTNESS"), kBacklightLevel, kNoRecord, "set the backlight; LCD_BRIGHTNESS_CHANGED"},
+    {Named("GET_LUMS_LEVEL"), kNoRecord, kNoRecord, "not carried out (1)"},
+    {Named("SET_LUMS_LEVEL"), kBacklightLevel, kNoRecord, "not carried out (1)"},
+    {Named("GET_WIRELESS_STATUS"), kNoRecord, kSwitchStatus, "wireless radio"},
+    {Named("SET_WIRELESS_STATUS"), kSwitch, kNoRecord, "switch the wireless radio; WLAN_CHANGED"},
+    {Named("GET_WIRELESS_ENABLED_STATUS"), kNoRecord, kSwitchStatus,
      "whether the wireless adapter is enabled"},
-    {"GET_BLUETOOTH_STATUS", kNoRecord, kSwitchStatus, kNoUser, "Bluetooth radio"},
-    {"SET_BLUETOOTH_STATUS", kSwitch, kNoRecord, kNoUser, "switch the Bluetooth radio"},
-    {"GET_3G_STATUS", kNoRecord, kSwitchStatus, kNoUser, "3G radio"},
-    {"SET_3G_STATUS", kSwitch, kNoRecord, kNoUser, "switch the 3G radio; 3G_CHANGED"},
-    {"GET_LAN_STATUS", kNoRecord, kSwitchStatus, kNoUser, "LAN port"},
-    {"SET_LAN_STATUS", kSwitch, kNoRecord, kNoUser,
-     "switch the LAN port on (off is refused, 1); LAN_CHANGED"},
-    {"GET_LAN_ENABLED_STATUS", kNoRecord, kSwitchStatus, kNoUser, "whether the LAN adapter is enabled"},
-    {"GET_LAN_SPEED", kNoRecord, kLanSpeed, kNoUser, "LAN link speed, 0 to 4"},
-    {"SET_LAN_SPEED", kLanSpeed, kNoRecord, kNoUser, "set the LAN link speed, 0 to 4; LAN_CHANGED"},
-    {"GET_BATTERY_COUNT", kNoRecord, kCount, kNoUser, "how many batteries"},
-    {"GET_BATTERY_INFO", kBatteryIndex, kBatteryInfo, kNoUser, "one battery"},
-    {"GET_POWER_INFO", kNoRecord, kPowerInfo, kNoUser, "power state of the machine"},
+    {Named("GET_BLUETOOTH_STATUS"), kNoRecord, kSwitchStatus, "Bluetooth radio"},
+    {Named("SET_BLUETOOTH_STATUS"), kSwitch, kNoRecord, "switch the Bluetooth radio"},
+    {Named("GET_3G_STATUS"), kNoRecord, kSwitchStatus, "3G radio"},
+    {Named("SET_3G_STATUS"), kSwitch, kNoRecord, "switch the 3G radio; 3G_CHANGED"},
+    {Named("GET_LAN_STATUS"), kNoRecord, kSwitchStatus, "LAN port"},
+    {Named("SET_LAN_STATUS"), kSwitch, kNoRecord, "switch the LAN port on (off is refused, 1); LAN_CHANGED"},
+    {Named("GET_LAN_ENABLED_STATUS"), kNoRecord, kSwitchStatus, "whether the LAN adapter is enabled"},
+    {Named("GET_LAN_SPEED"), kNoRecord, kLanSpeed, "LAN link speed, 0 to 4"},
+    {Named("SET_LAN_SPEED"), kLanSpeed, kNoRecord, "set the LAN link speed, 0 to 4; LAN_CHANGED"},
+    {Named("GET_BATTERY_COUNT"), kNoRecord, kCount, "how many batteries"},
+    {Named("GET_BATTERY_INFO"), kBatteryIndex, kBatteryInfo, "one battery"},
+    {Named("GET_POWER_INFO"), kNoRecord, kPowerInfo, "power state of the machine"},
 
-    {"ADD_SCHEME", kSchemeIdentity, kSchemeNumber, kUser, "add a copy of a scheme"},
-    {"ADD_SCHEME_ALL", kWholeScheme, kSchemeNumber, kUser, "add a scheme with all its values"},
-    {"EDIT_SCHEME", kVariableData, kAnswer, kUser, "write one variable"},
-    {"EDIT_SCHEME_ALL", kWholeScheme, kAnswer, kUser, "write a whole scheme"},
-    {"QUERY_SCHEME", kVariableData, kAnswer, kUser, "read one variable"},
-    {"QUERY_SCHEME_ALL", kSchemeNumber, kWholeScheme, kUser, "read a whole scheme"},
-    {"DELETE_SCHEME", kSchemeNumber, kAnswer, kUser, "delete a scheme"},
-    {"GET_SCHEME_NAME", kSchemeNumber, kSchemeIdentity, kUser, "name and description of a scheme"},
-    {"GET_ACTIVE_SCHEME", kNoRecord, kSchemeNumber, kUser, "the active scheme"},
-    {"APPLY_SCHEME", kSchemeNumber, kAnswer, kUser, "make a scheme the active one"},
-    {"GET_CPU_SPEED", kNoRecord, kCpuSpeed, kUser, "CPU speed of the active scheme"},
-    {"SET_CPU_SPEED", kCpuSpeed, kNoRecord, kUser,
+    {Named("ADD_SCHEME"), kSchemeIdentity, kSchemeNumber, "add a copy of a scheme"},
+    {Named("ADD_SCHEME_ALL"), kWholeScheme, kSchemeNumber, "add a scheme with all its values"},
+    {Named("EDIT_SCHEME"), kVariableData, kAnswer, "write one variable"},
+    {Named("EDIT_SCHEME_ALL"), kWholeScheme, kAnswer, "write a whole scheme"},
+    {Named("QUERY_SCHEME"), kVariableData, kAnswer, "read one variable"},
+    {Named("QUERY_SCHEME_ALL"), kSchemeNumber, kWholeScheme, "read a whole scheme"},
+    {Named("DELETE_SCHEME"), kSchemeNumber, kAnswer, "delete a scheme"},
+    {Named("GET_SCHEME_NAME"), kSchemeNumber, kSchemeIdentity, "name and description of a scheme"},
+    {Named("GET_ACTIVE_SCHEME"), kNoRecord, kSchemeNumber, "the active scheme"},
+    {Named("APPLY_SCHEME"), kSchemeNumber, kAnswer, "make a scheme the active one"},
+    {Named("GET_CPU_SPEED"), kNoRecord, kCpuSpeed, "CPU speed of the active scheme"},
+    {Named("SET_CPU_SPEED"), kCpuSpeed, kNoRecord,
      "set the CPU speed of the active scheme; CPU_SPEED_CHANGED"},
-    {"GET_SCHEME_VAR_COUNT", kVariableData, kCount, kUser, "how many options a variable has"},
-    {"GET_SCHEME_VAR_OPT_VALUE", kVariableData, kAnswer, kUser, "the value of option number `value`"},
-    {"GET_USERID", kNoRecord, kTextReply, kUser, "the requesting account's name"},
-    {"INIT_CFG_FILE", kNoRecord, kNoRecord, kUser, "resolve the requesting account"},
+    {Named("GET_SCHEME_VAR_COUNT"), kVariableData, kCount, "how many options a variable has"},
+    {Named("GET_SCHEME_VAR_OPT_VALUE"), kVariableData, kAnswer, "the value of option number `value`"},
+    {Named("GET_USERID"), kNoRecord, kTextReply, "the requesting account's name"},
+    {Named("INIT_CFG_FILE"), kNoRecord, kNoRecord, "resolve the requesting account"},
 
-    {"GET_INT_FROM_CONFIG", kConfigData, kAnswer, kNoUser, "read a number from a configuration file"},
-    {"GET_STR_FROM_CONFIG", kConfigData, kTextReply, kNoUser, "read a text from a configuration file"},
-    {"PUT_INT_INTO_CONFIG", kConfigData, kNoRecord, kNoUser, "write a number into a configuration file"},
-    {"PUT_STR_INTO_CONFIG", kConfigData, kNoRecord, kNoUser, "write a text into a configuration file"},
+    {Named("GET_INT_FROM_CONFIG"), kConfigData, kAnswer, "read a number from a configuration file"},
+    {Named("GET_STR_FROM_CONFIG"), kConfigData, kTextReply, "read a text from a configuration file"},
+    {Named("PUT_INT_INTO_CONFIG"), kConfigData, kNoRecord, "write a number into a configuration file"},
+    {Named("PUT_STR_INTO_CONFIG"), kConfigData, kNoRecord, "write a text into a configuration file"},
 
-    {"CLEAR_SCHEMES", kClearSelector, kNoRecord, kUser, "remove schemes and settings"},
-    {"AUTORUN_ORVA", kAutoRun, kNoRecord, kNoUser, "enter the companion application for auto-run"},
-    {"POST_DOWN_INTERFACE", kNoRecord, kNoRecord, kNoUser, "known and not served (5)"},
+    {Named("CLEAR_SCHEMES"), kClearSelector, kNoRecord, "remove schemes and settings"},
+    {Named("AUTORUN_ORVA"), kAutoRun, kNoRecord, "enter the companion application for auto-run"},
+    {Named("POST_DOWN_INTERFACE"), kNoRecord, kNoRecord, "known and not served (5)"},
 };
-static_assert(std::size(kCommands) == 43);
+static_assert(std::size(kCommands) == std::size(commands::kAll));
 
 } // namespace
 
@@ -82,7 +84,7 @@ const CommandEntry* FindCommand(std::string_view name) noexcept
 {
     const auto* found =
         std::find_if(std::begin(kCommands), std::end(kCommands),
-                     [name](const CommandEntry& entry) { return EqualIgnoringCase(entry.name, name); });
+                     [name](const CommandEntry& entry) { return EqualIgnoringCase(entry.info.name, name); });
     return found == std::end(kCommands) ? nullptr : found;
 }
 

@@ -1,10 +1,10 @@
 // host/CommandCatalogue.h
 //
-// What the host knows of each command: its payload, its reply and what it is for. The plug-in has a table of
-// its own; this one is the client's view.
+// What the host shows of each command: the fields of its payload and of its reply, and what it is for.
 #pragma once
 
 #include "RecordShapes.h"
+#include "plugin/Commands.h"
 
 #include <span>
 #include <string_view>
@@ -14,10 +14,9 @@ namespace host
 
 struct CommandEntry
 {
-    const char* name;
+    const CommandInfo& info;
     const RecordShape& payload;
     const RecordShape& reply;
-    bool needsUser; ///< the request must name an account
     const char* summary;
 };
 

@@ -97,7 +97,7 @@ int Console::Run(const Words& words)
         Fail(words.front() + ": " + payload.error);
         return -1;
     }
-    const std::string command = entry == nullptr ? words.front() : entry->name;
+    const std::string command = entry == nullptr ? words.front() : entry->info.name;
     const Answer answer = m_session.Send(command, ToWire(m_user), payload.bytes);
     Print(Show(command, entry, answer, m_style));
     return static_cast<int>(answer.code);

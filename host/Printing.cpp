@@ -235,7 +235,7 @@ std::string ShowCatalogue(Style style)
         if (style == Style::Json)
         {
             JsonObject object;
-            object.Add("command", entry.name)
+            object.Add("command", entry.info.name)
                 .Add("payload", entry.payload.name)
                 .Add("payloadSize", static_cast<long long>(entry.payload.size))
                 .Add("reply", entry.reply.name)
@@ -244,9 +244,9 @@ std::string ShowCatalogue(Style style)
             lines += object.Text() + '\n';
             continue;
         }
-        lines += std::string(entry.name) + (entry.needsUser ? "  [--user]" : "") + "\n    " + entry.summary +
-                 "\n    payload: " + ShapeAsWords(entry.payload) + " (" + std::to_string(entry.payload.size) +
-                 " bytes)\n    reply:   " + ShapeAsWords(entry.reply);
+        lines += std::string(entry.info.name) + (entry.info.needsUser ? "  [--user]" : "") + "\n    " +
+                 entry.summary + "\n    payload: " + ShapeAsWords(entry.payload) + " (" +
+                 std::to_string(entry.payload.size) + " bytes)\n    reply:   " + ShapeAsWords(entry.reply);
         lines += &entry.reply == &kTextReply ? "\n" : " (" + std::to_string(entry.reply.size) + " bytes)\n";
     }
     return lines;

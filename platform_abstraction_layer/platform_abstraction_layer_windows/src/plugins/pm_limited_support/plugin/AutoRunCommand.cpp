@@ -5,18 +5,16 @@
 
 #include "foundation/PmLog.h"
 #include "foundation/Text.h"
+#include "plugin/CommandTable.h"
 #include "plugin/Exchange.h"
-#include "plugin/Handlers.h"
-#include "plugin/WireRecords.h"
 #include "scheme/SchemeEx.h"
 
 #include <iterator>
 
-LONG ProcessORVARequest(const PM_Request& request, LONG number) noexcept
+LONG ProcessORVARequest(CPluginHelper&, const PM_Request& request, const Command& command) noexcept
 {
-    PmLog(L"enter ProcessORVARequest %d", number);
-    const exchange::Terms terms{exchange::Length::Unchecked, sizeof(PM_AutoRun_Data), exchange::Reply::None};
-    if (!exchange::ArePointersRight(request, terms))
+    PmLog(L"enter ProcessORVARequest %d", command.info.number);
+    if (!exchange::HasRequiredPointers(request, command.info))
     {
         return TRX_OPERATION_FAIL;
     }

@@ -1,84 +1,108 @@
 // plugin/CommandTable.cpp
 //
-// Name, number and handler of each command.
+// One row for each command, in the order of their numbers.
 
 #include "plugin/CommandTable.h"
 
-#include "plugin/CommandNumbers.h"
-#include "plugin/Handlers.h"
-
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <iterator>
 
 namespace
 {
 
-struct Command
-{
-    const char* name;
-    LONG number;
-    CommandHandler handler; // null for a command that is known and not served
-};
+using namespace config_commands;
+using namespace device_commands;
+using namespace scheme_commands;
 
-// Handlers that need nothing of the context.
-
-LONG HandleConfig(CPluginHelper&, const PM_Request& request, LONG number) noexcept
+consteval CommandInfo InfoOf(PmCommand number)
 {
-    return ProcessConfigFunc(request, number);
+    return *std::ranges::find(commands::kAll, number, &CommandInfo::number);
 }
 
-LONG HandleOrva(CPluginHelper&, const PM_Request& request, LONG number) noexcept
+consteval Command Device(PmCommand number, device_commands::Function run, const wchar_t* entryLog = nullptr)
 {
-    return ProcessORVARequest(request, number);
+    return {.info = InfoOf(number), .handler = ProcessDeviceFunc, .entryLog = entryLog, .device = run};
+}
+
+consteval Command Config(PmCommand number, config_commands::Function run)
+{
+    return {.info = InfoOf(number), .handler = ProcessConfigFunc, .config = run};
+}
+
+consteval Command Scheme(PmCommand number, scheme_commands::Function run, const wchar_t* entryLog = nullptr,
+                         const wchar_t* lengthLog = nullptr)
+{
+    return {.info = InfoOf(number),
+            .handler = ProcessPwrSchemeFunc,
+            .entryLog = entryLog,
+            .lengthLog = lengthLog,
+            .scheme = run};
 }
 
 constexpr Command kCommands[] = {
-    {"GET_CPU_SPEED", PM_GET_CPU_SPEED, ProcessPwrSchemeFunc},
-    {"SET_CPU_SPEED", PM_SET_CPU_SPEED, ProcessPwrSchemeFunc},
-    {"GET_MAX_LCD_BRIGHTNESS", PM_GET_MAX_LCD_BRIGHTNESS, ProcessDeviceFunc},
-    {"GET_LCD_BRIGHTNESS", PM_GET_LCD_BRIGHTNESS, ProcessDeviceFunc},
-    {"SET_LCD_BRIGHTNESS", PM_SET_LCD_BRIGHTNESS, ProcessDeviceFunc},
-    {"GET_LAN_STATUS", PM_GET_LAN_STATUS, ProcessDeviceFunc},
-    {"SET_LAN_STATUS", PM_SET_LAN_STATUS, ProcessDeviceFunc},
-    {"GET_LAN_ENABLED_STATUS", PM_GET_LAN_ENABLED_STATUS, ProcessDeviceFunc},
-    {"GET_WIRELESS_STATUS", PM_GET_WIRELESS_STATUS, ProcessDeviceFunc},
-    {"SET_WIRELESS_STATUS", PM_SET_WIRELESS_STATUS, ProcessDeviceFunc},
-    {"GET_WIRELESS_ENABLED_STATUS", PM_GET_WIRELESS_ENABLED_STATUS, ProcessDeviceFunc},
-    {"GET_BLUETOOTH_STATUS", PM_GET_BLUETOOTH_STATUS, ProcessDeviceFunc},
-    {"SET_BLUETOOTH_STATUS", PM_SET_BLUETOOTH_STATUS, ProcessDeviceFunc},
-    {"GET_LAN_SPEED", PM_GET_LAN_SPEED, ProcessDeviceFunc},
-    {"SET_LAN_SPEED", PM_SET_LAN_SPEED, ProcessDeviceFunc},
-    {"GET_3G_STATUS", PM_GET_3G_STATUS, ProcessDeviceFunc},
-    {"SET_3G_STATUS", PM_SET_3G_STATUS, ProcessDeviceFunc},
-    {"GET_LUMS_LEVEL", PM_GET_LUMS_LEVEL, ProcessDeviceFunc},
-    {"SET_LUMS_LEVEL", PM_SET_LUMS_LEVEL, ProcessDeviceFunc},
-    {"GET_BATTERY_INFO", PM_GET_BATTERY_INFO, ProcessDeviceFunc},
-    {"ADD_SCHEME", PM_ADD_SCHEME, ProcessPwrSchemeFunc},
-    {"EDIT_SCHEME", PM_EDIT_SCHEME, ProcessPwrSchemeFunc},
-    {"DELETE_SCHEME", PM_DELETE_SCHEME, ProcessPwrSchemeFunc},
-    {"QUERY_SCHEME", PM_QUERY_SCHEME, ProcessPwrSchemeFunc},
-    {"GET_BATTERY_COUNT", PM_GET_BATTERY_COUNT, ProcessDeviceFunc},
-    {"GET_SCHEME_NAME", PM_GET_SCHEME_NAME, ProcessPwrSchemeFunc},
-    {"GET_ACTIVE_SCHEME", PM_GET_ACTIVE_SCHEME, ProcessPwrSchemeFunc},
-    {"POST_DOWN_INTERFACE", PM_POST_DOWN_INTERFACE, nullptr},
-    {"GET_USERID", PM_GET_USERID, ProcessPwrSchemeFunc},
-    {"GET_POWER_INFO", PM_GET_POWER_INFO, ProcessDeviceFunc},
-    {"GET_SCHEME_VAR_COUNT", PM_GET_SCHEME_VAR_COUNT, ProcessPwrSchemeFunc},
-    {"GET_SCHEME_VAR_OPT_VALUE", PM_GET_SCHEME_VAR_OPT_VALUE, ProcessPwrSchemeFunc},
-    {"INIT_CFG_FILE", PM_INIT_CFG_FILE, ProcessPwrSchemeFunc},
-    {"GET_INT_FROM_CONFIG", PM_GET_INT_FROM_CONFIG, HandleConfig},
-    {"GET_STR_FROM_CONFIG", PM_GET_STR_FROM_CONFIG, HandleConfig},
-    {"PUT_INT_INTO_CONFIG", PM_PUT_INT_INTO_CONFIG, HandleConfig},
-    {"PUT_STR_INTO_CONFIG", PM_PUT_STR_INTO_CONFIG, HandleConfig},
-    {"ADD_SCHEME_ALL", PM_ADD_SCHEME_ALL, ProcessPwrSchemeFunc},
-    {"QUERY_SCHEME_ALL", PM_QUERY_SCHEME_ALL, ProcessPwrSchemeFunc},
-    {"EDIT_SCHEME_ALL", PM_EDIT_SCHEME_ALL, ProcessPwrSchemeFunc},
-    {"APPLY_SCHEME", PM_APPLY_SCHEME, ProcessPwrSchemeFunc},
-    {"CLEAR_SCHEMES", PM_CLEAR_SCHEMES, ProcessPwrSchemeFunc},
-    {"AUTORUN_ORVA", PM_AUTORUN_ORVA, HandleOrva},
+    Scheme(PM_GET_CPU_SPEED, GetCpuSpeed),
+    Scheme(PM_SET_CPU_SPEED, SetCpuSpeed),
+    Device(PM_GET_MAX_LCD_BRIGHTNESS, GetMaxLcdBrightness),
+    Device(PM_GET_LCD_BRIGHTNESS, GetLcdBrightness, L"Get brightness level.\n"),
+    Device(PM_SET_LCD_BRIGHTNESS, SetLcdBrightness, L"Set brightness level.\n"),
+    Device(PM_GET_LAN_STATUS, GetLanStatus, L"Get LAN status.\n"),
+    Device(PM_SET_LAN_STATUS, SetLanStatus, L"Set LAN status.\n"),
+    Device(PM_GET_LAN_ENABLED_STATUS, GetLanEnabledStatus),
+    Device(PM_GET_WIRELESS_STATUS, GetWirelessStatus),
+    Device(PM_SET_WIRELESS_STATUS, SetWirelessStatus),
+    Device(PM_GET_WIRELESS_ENABLED_STATUS, GetWirelessEnabledStatus),
+    Device(PM_GET_BLUETOOTH_STATUS, GetBluetoothStatus),
+    Device(PM_SET_BLUETOOTH_STATUS, SetBluetoothStatus),
+    Device(PM_GET_LAN_SPEED, GetLanSpeed, L"Get LAN speed.\n"),
+    Device(PM_SET_LAN_SPEED, SetLanSpeed),
+    Device(PM_GET_3G_STATUS, Get3GStatus),
+    Device(PM_SET_3G_STATUS, Set3GStatus),
+    Device(PM_GET_LUMS_LEVEL, Refuse, L"Get LUMS level.\n"),
+    Device(PM_SET_LUMS_LEVEL, Refuse, L"Set LUMS level.\n"),
+    Device(PM_GET_BATTERY_INFO, GetBatteryInfo, L"Get battery information.\n"),
+    Scheme(PM_ADD_SCHEME, AddScheme),
+    Scheme(PM_EDIT_SCHEME, EditScheme),
+    Scheme(PM_DELETE_SCHEME, DeleteScheme),
+    Scheme(PM_QUERY_SCHEME, QueryScheme, L"paramLen=%d\n",
+           L"pRequest->paramsLen != sizeof(PM_Variable_Data)"),
+    Device(PM_GET_BATTERY_COUNT, GetBatteryCount, L"Get battery count.\n"),
+    Scheme(PM_GET_SCHEME_NAME, GetSchemeName, L"Get Scheme name.\n"),
+    Scheme(PM_GET_ACTIVE_SCHEME, GetActiveScheme),
+    Command{.info = InfoOf(PM_POST_DOWN_INTERFACE)},
+    Scheme(PM_GET_USERID, GetUserId),
+    Device(PM_GET_POWER_INFO, GetPowerInfo, L"Get power information.\n"),
+    Scheme(PM_GET_SCHEME_VAR_COUNT, GetSchemeVarCount),
+    Scheme(PM_GET_SCHEME_VAR_OPT_VALUE, GetSchemeVarOptValue),
+    Scheme(PM_INIT_CFG_FILE, InitCfgFile),
+    Config(PM_GET_INT_FROM_CONFIG, GetInt),
+    Config(PM_GET_STR_FROM_CONFIG, GetString),
+    Config(PM_PUT_INT_INTO_CONFIG, PutInt),
+    Config(PM_PUT_STR_INTO_CONFIG, PutString),
+    Scheme(PM_ADD_SCHEME_ALL, AddSchemeAll, nullptr, L"the len check failed in  PM_ADD_SCHEME_ALL\n"),
+    Scheme(PM_QUERY_SCHEME_ALL, QuerySchemeAll),
+    Scheme(PM_EDIT_SCHEME_ALL, EditSchemeAll, L"enter PM_EDIT_SCHEME_ALL",
+           L"the len check failed in  PM_EDIT_SCHEME_ALL\n"),
+    Scheme(PM_APPLY_SCHEME, ApplyScheme, L"enter PM_APPLY_SCHEME\n", L"result = TRX_OPERATION_FAIL"),
+    Scheme(PM_CLEAR_SCHEMES, ClearSchemes, L"PM_CLEAR_SCHEMES"),
+    Command{.info = InfoOf(PM_AUTORUN_ORVA), .handler = ProcessORVARequest},
 };
-static_assert(std::size(kCommands) == 43);
+static_assert(std::ranges::equal(
+                  kCommands, commands::kAll, {}, [](const Command& row) { return row.info.number; },
+                  &CommandInfo::number),
+              "a command of the list has no row here, or stands in another place");
+
+// The place of each number's row.
+constexpr auto kPlaces = []
+{
+    std::array<unsigned char, kCommands[std::size(kCommands) - 1].info.number + 1> places{};
+    for (std::size_t place = 0; place < std::size(kCommands); ++place)
+    {
+        places[static_cast<std::size_t>(kCommands[place].info.number)] = static_cast<unsigned char>(place);
+    }
+    return places;
+}();
 
 } // namespace
 
@@ -86,18 +110,16 @@ int CommandNumberFromName(const char* name, LONG* number) noexcept
 {
     for (const Command& command : kCommands)
     {
-        if (std::strncmp(name, command.name, kCommandNameSize) == 0)
+        if (std::strncmp(name, command.info.name, kCommandNameSize) == 0)
         {
-            *number = command.number;
+            *number = command.info.number;
             return 1;
         }
     }
     return 0;
 }
 
-CommandHandler FindHandler(LONG number) noexcept
+const Command& CommandWithNumber(LONG number) noexcept
 {
-    const auto* const found = std::find_if(std::begin(kCommands), std::end(kCommands),
-                                           [number](const Command& row) { return row.number == number; });
-    return found == std::end(kCommands) ? nullptr : found->handler;
+    return kCommands[kPlaces[static_cast<std::size_t>(number)]];
 }

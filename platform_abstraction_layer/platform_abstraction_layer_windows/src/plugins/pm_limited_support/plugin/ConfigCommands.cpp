@@ -1,40 +1,21 @@
 // plugin/ConfigCommands.cpp
 //
-// The commands on one key of a configuration file. They give access by file name, not by path: where the
-// files lie is the business of CORVLCfg and CORVLProfile.
+// The commands on one key of a configuration file. They give access by file name, not by path: CORVLCfg
+// and CORVLProfile know where the files lie.
 
 #include "plugin/ConfigCommands.h"
 
 #include "foundation/OrvlProfile.h"
 #include "foundation/PmLog.h"
-#include "plugin/CommandNumbers.h"
+#include "plugin/CommandTable.h"
 #include "plugin/Exchange.h"
 #include "plugin/FileName.h"
-#include "plugin/Handlers.h"
 
 #include <algorithm>
 #include <iterator>
 
 namespace
 {
-
-using exchange::Reply;
-
-// What a command stores.
-enum class Stores
-{
-    Nothing,
-    Number,
-    Text,
-};
-
-// An opened file with what the command needs of it.
-struct Access
-{
-    const PM_Request& request;
-    const ConfigData& data;
-    CORVLCfg& file;
-};
 
 bool HoldsLineBreak(const wchar_t* text) noexcept
 {
@@ -57,19 +38,17 @@ bool CanExist(const ConfigData& data) noexcept
 
 // Whether what the command stores stays what it is in the file. Anything else would write lines of the
 // caller's own making.
-bool IsStorable(const ConfigData& data, Stores stores) noexcept
+bool IsStorable(const ConfigData& data, PmCommand command) noexcept
 {
-    return stores == Stores::Nothing ||
-           (CanExist(data) && (stores == Stores::Number || !HoldsLineBreak(data.stringValue)));
-}
-
-LONG GetInt(const Access& access) noexcept
-{
-    const ConfigData& data = access.data;
-    const LONG number =
-        CanExist(data) ? access.file.GetInt(data.section, data.item, data.defaultValue) : data.defaultValue;
-    exchange::WriteReply(access.request, number);
-    return TRX_OPERATION_OK;
+    switch (command)
+    {
+    case PM_PUT_INT_INTO_CONFIG:
+        return CanExist(data);
+    case PM_PUT_STR_INTO_CONFIG:
+        return CanExist(data) && !HoldsLineBreak(data.stringValue);
+    default:
+        return true;
+    }
 }
 
 // Converts the text of an installation file, which ends after as many bytes as it has characters: in a code
@@ -79,6 +58,47 @@ std::size_t ConvertInstallationText(const wchar_t* text, char (&narrow)[256]) no
     const std::size_t size = std::min(text::ToNarrow(text, narrow, std::size(narrow)), text::Length(text));
     narrow[size] = '\0';
     return size;
+}
+
+LONG RunOnInstallationFile(const Command& command, const PM_Request& request, const ConfigData& data) noexcept
+{
+    CORVLCfg file;
+    if (!IsFileName(data.file) || file.Initialize(data.file) == 0)
+    {
+        PmLog(L"Initialize public configure file %sfailed.", data.file);
+        return TRX_OPERATION_FAIL;
+    }
+    if (!IsStorable(data, command.info.number))
+    {
+        return TRX_OPERATION_FAIL;
+    }
+    return command.config({request, data, file});
+}
+
+LONG RunOnProfileFile(const Command& command, const PM_Request& request, const ConfigData& data) noexcept
+{
+    CORVLProfile file;
+    // A request that is refused doesn't create the file.
+    if (!IsFileName(data.file) || !IsStorable(data, command.info.number) ||
+        file.Initialize(data.file, nullptr, 0) == 0)
+    {
+        return TRX_OPERATION_FAIL;
+    }
+    return command.config({request, data, file});
+}
+
+} // namespace
+
+namespace config_commands
+{
+
+LONG GetInt(const Access& access) noexcept
+{
+    const ConfigData& data = access.data;
+    const LONG number =
+        CanExist(data) ? access.file.GetInt(data.section, data.item, data.defaultValue) : data.defaultValue;
+    exchange::WriteReply(access.request, number);
+    return TRX_OPERATION_OK;
 }
 
 LONG GetString(const Access& access) noexcept
@@ -116,53 +136,9 @@ LONG PutString(const Access& access) noexcept
     return written != 0 ? TRX_OPERATION_OK : TRX_OPERATION_FAIL;
 }
 
-struct ConfigCommand
-{
-    LONG number;
-    Stores stores;
-    Reply reply;
-    LONG (*run)(const Access&) noexcept;
-};
+} // namespace config_commands
 
-constexpr ConfigCommand kCommands[] = {
-    {PM_GET_INT_FROM_CONFIG, Stores::Nothing, Reply::Required, GetInt},
-    {PM_GET_STR_FROM_CONFIG, Stores::Nothing, Reply::Required, GetString},
-    {PM_PUT_INT_INTO_CONFIG, Stores::Number, Reply::None, PutInt},
-    {PM_PUT_STR_INTO_CONFIG, Stores::Text, Reply::None, PutString},
-};
-
-LONG RunOnInstallationFile(const ConfigCommand& command, const PM_Request& request,
-                           const ConfigData& data) noexcept
-{
-    CORVLCfg file;
-    if (!IsFileName(data.file) || file.Initialize(data.file) == 0)
-    {
-        PmLog(L"Initialize public configure file %sfailed.", data.file);
-        return TRX_OPERATION_FAIL;
-    }
-    if (!IsStorable(data, command.stores))
-    {
-        return TRX_OPERATION_FAIL;
-    }
-    return command.run({request, data, file});
-}
-
-LONG RunOnProfileFile(const ConfigCommand& command, const PM_Request& request,
-                      const ConfigData& data) noexcept
-{
-    CORVLProfile file;
-    // A request that is refused doesn't create the file.
-    if (!IsFileName(data.file) || !IsStorable(data, command.stores) ||
-        file.Initialize(data.file, nullptr, 0) == 0)
-    {
-        return TRX_OPERATION_FAIL;
-    }
-    return command.run({request, data, file});
-}
-
-} // namespace
-
-int ConvertConfigData(const PM_Config_Data& wire, ConfigData& local) noexcept
+void ConvertConfigData(const PM_Config_Data& wire, ConfigData& local) noexcept
 {
     struct Field
     {
@@ -182,37 +158,25 @@ int ConvertConfigData(const PM_Config_Data& wire, ConfigData& local) noexcept
     local.fileType = wire.fileType;
     local.defaultValue = wire.defaultValue;
     local.value = wire.value;
-    return 1;
 }
 
-LONG ProcessConfigFunc(const PM_Request& request, LONG number) noexcept
+LONG ProcessConfigFunc(CPluginHelper&, const PM_Request& request, const Command& command) noexcept
 {
-    const auto* const command =
-        std::find_if(std::begin(kCommands), std::end(kCommands),
-                     [number](const ConfigCommand& row) { return row.number == number; });
-    if (command == std::end(kCommands))
-    {
-        return TRX_UNKNOWN_COMMAND;
-    }
-    const exchange::Terms terms{exchange::Length::Exact, sizeof(PM_Config_Data), command->reply};
-    if (!exchange::IsLengthRight(request, terms) || !exchange::ArePointersRight(request, terms))
+    if (!exchange::IsLengthRight(request, command.info) ||
+        !exchange::HasRequiredPointers(request, command.info))
     {
         return TRX_OPERATION_FAIL;
     }
 
     ConfigData data;
-    if (ConvertConfigData(exchange::ReadPayload<PM_Config_Data>(request), data) == 0)
-    {
-        PmLog(L"ConvertConfigData failed\n");
-        return TRX_OPERATION_FAIL;
-    }
+    ConvertConfigData(exchange::ReadPayload<PM_Config_Data>(request), data);
     PmLog(L"File=%s, Sec=%s, Item=%s, val=%d \n", data.file, data.section, data.item, data.value);
     switch (data.fileType)
     {
     case kInstallationFile:
-        return RunOnInstallationFile(*command, request, data);
+        return RunOnInstallationFile(command, request, data);
     case kProfileFile:
-        return RunOnProfileFile(*command, request, data);
+        return RunOnProfileFile(command, request, data);
     default:
         return TRX_OPERATION_FAIL;
     }

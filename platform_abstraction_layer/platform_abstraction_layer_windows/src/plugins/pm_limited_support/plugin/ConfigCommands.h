@@ -1,8 +1,10 @@
 // plugin/ConfigCommands.h
 //
-// The wide form of an access to a configuration file.
+// The commands on one key of a configuration file, one function each, and the wide form of their payload.
 #pragma once
 
+#include "foundation/OrvlCfg.h"
+#include "plugin/HostRecords.h"
 #include "plugin/WireRecords.h"
 
 constexpr LONG kInstallationFile = 0;
@@ -20,5 +22,26 @@ struct ConfigData
     LONG value;
 };
 
-/// Converts the record; a text that doesn't end within its field is cut at 255 bytes. Always 1.
-int ConvertConfigData(const PM_Config_Data& wire, ConfigData& local) noexcept;
+namespace config_commands
+{
+
+/// An opened file and what a request wants of it.
+struct Access
+{
+    const PM_Request& request;
+    const ConfigData& data;
+    CORVLCfg& file;
+};
+
+/// Carries the request out and gives the result code.
+using Function = LONG (*)(const Access& access) noexcept;
+
+LONG GetInt(const Access& access) noexcept;
+LONG GetString(const Access& access) noexcept;
+LONG PutInt(const Access& access) noexcept;
+LONG PutString(const Access& access) noexcept;
+
+} // namespace config_commands
+
+/// Converts the record; a text that doesn't end within its field is cut at 255 bytes.
+void ConvertConfigData(const PM_Config_Data& wire, ConfigData& local) noexcept;

@@ -37,4 +37,7 @@ LONG GetBatteryCount(CPluginHelper& context, const PM_Request& request) noexcept
 LONG GetBatteryInfo(CPluginHelper& context, const PM_Request& request) noexcept;
 LONG GetPowerInfo(CPluginHelper& context, const PM_Request& request) noexcept;
 
+// The brightness of the LUMS display.
+LONG Refuse(CPluginHelper& context, const PM_Request& request) noexcept;
+
 } // namespace device_commands

@@ -10,29 +10,31 @@
 namespace exchange
 {
 
-bool IsLengthRight(const PM_Request& request, const Terms& terms) noexcept
+bool IsLengthRight(const PM_Request& request, const CommandInfo& command) noexcept
 {
-    switch (terms.length)
+    switch (command.payload.length)
     {
-    case Length::Exact:
-        return request.paramsLen == terms.size;
-    case Length::AtLeast:
-        return request.paramsLen >= terms.size;
-    case Length::Any:
-    case Length::Unchecked:
+    case PayloadLength::Exact:
+        return request.paramsLen == command.payload.size;
+    case PayloadLength::AtLeast:
+        return request.paramsLen >= command.payload.size;
+    case PayloadLength::None:
+    case PayloadLength::Unchecked:
         break;
     }
     return true;
 }
 
-bool ArePointersRight(const PM_Request& request, const Terms& terms) noexcept
+bool HasRequiredPointers(const PM_Request& request, const CommandInfo& command) noexcept
 {
-    const bool readsPayload = terms.length != Length::Any && IsLengthRight(request, terms);
+    const bool readsPayload =
+        command.payload.length != PayloadLength::None && IsLengthRight(request, command);
     if (readsPayload && request.params == nullptr)
     {
         return false;
     }
-    return terms.reply != Reply::Required || (request.result != nullptr && request.resultLen != nullptr);
+    return command.reply.kind != ReplyKind::Required ||
+           (request.result != nullptr && request.resultLen != nullptr);
 }
 
 void WriteReply(const PM_Request& request, const void* data, DWORD size) noexcept

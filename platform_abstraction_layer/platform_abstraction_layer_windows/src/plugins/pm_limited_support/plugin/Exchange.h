@@ -1,9 +1,10 @@
 // plugin/Exchange.h
 //
-// The host's two buffers, as the handlers use them: what each command wants of payload and reply, and the
-// copies in and out. Host buffers may lie at any address.
+// The host's two buffers, as the handlers use them: checks against what a command wants, and the copies in
+// and out. Host buffers may lie at any address.
 #pragma once
 
+#include "plugin/Commands.h"
 #include "plugin/HostRecords.h"
 
 #include <cstring>
@@ -11,37 +12,12 @@
 namespace exchange
 {
 
-/// What a command wants of `paramsLen`.
-enum class Length
-{
-    Any,       ///< no payload
-    Exact,     ///< this many bytes
-    AtLeast,   ///< this many bytes or more
-    Unchecked, ///< the host always gives this many bytes and the length isn't looked at
-};
-
-/// Whether a command writes a reply.
-enum class Reply
-{
-    None,     ///< nothing goes into `result`; a handler may set `resultLen`
-    Optional, ///< written when the host gives both pointers
-    Required,
-};
-
-/// A command's side of the exchange.
-struct Terms
-{
-    Length length = Length::Any;
-    DWORD size = 0;
-    Reply reply = Reply::None;
-};
-
 /// True when `paramsLen` is as the command wants it.
-bool IsLengthRight(const PM_Request& request, const Terms& terms) noexcept;
+bool IsLengthRight(const PM_Request& request, const CommandInfo& command) noexcept;
 
 /// True when every pointer that the command will use is there: the payload's when its length is right, both
 /// of a required reply.
-bool ArePointersRight(const PM_Request& request, const Terms& terms) noexcept;
+bool HasRequiredPointers(const PM_Request& request, const CommandInfo& command) noexcept;
 
 /// The payload as a record; its length and pointer have been checked.
 template <class Record>

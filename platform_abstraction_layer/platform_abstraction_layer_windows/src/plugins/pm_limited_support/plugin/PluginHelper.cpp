@@ -1,6 +1,6 @@
 // plugin/PluginHelper.cpp
 //
-// The context: start and stop, the way of a request to its handler, the user table.
+// The context: start and stop, the dispatch of requests, the user table.
 
 #include "plugin/PluginHelper.h"
 
@@ -16,7 +16,7 @@
 namespace
 {
 
-// Who gives way when the table is full.
+// The slot that a new user takes when the table is full.
 constexpr int kReplacedSlot = 2;
 
 CPluginHelper theInstance;
@@ -72,13 +72,13 @@ LONG CPluginHelper::HandleRequest(const PM_Request* request) noexcept
     {
         return TRX_UNKNOWN_COMMAND;
     }
-    const CommandHandler handler = FindHandler(number);
-    if (handler == nullptr)
+    const Command& command = CommandWithNumber(number);
+    if (command.handler == nullptr)
     {
         return TRX_UNKNOWN_COMMAND;
     }
     const request_lock::Scope lock;
-    return handler(*this, local, number);
+    return command.handler(*this, local, command);
 }
 
 int CPluginHelper::GetUserInfoIndex(const wchar_t* userName) noexcept

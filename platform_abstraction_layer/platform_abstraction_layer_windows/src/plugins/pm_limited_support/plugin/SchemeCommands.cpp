@@ -1,93 +1,31 @@
 // plugin/SchemeCommands.cpp
 //
-// The frame of the scheme commands: for whom the request is, what each command wants of it, and the way to
-// its function.
+// The common steps of the commands on schemes, above all: for whom the request is made.
 
 #include "plugin/SchemeCommands.h"
 
 #include "foundation/PmLog.h"
-#include "plugin/CommandNumbers.h"
+#include "plugin/CommandTable.h"
 #include "plugin/Exchange.h"
-#include "plugin/Handlers.h"
 #include "plugin/PluginHelper.h"
-#include "plugin/WireRecords.h"
 
-#include <algorithm>
 #include <cstring>
 #include <iterator>
 
 namespace
 {
 
-using namespace scheme_commands;
-using exchange::Length;
-using exchange::Reply;
-using exchange::Terms;
+using scheme_commands::Call;
 
-// Room of an account name on the wire, in bytes with the terminator, and the longest name in characters.
-constexpr std::size_t kUserIdSize = 1024;
+// The longest account name in characters.
 constexpr std::size_t kLongestUserName = 256;
-
-constexpr Terms kNothing{};
-constexpr Terms kNumberOut{Length::Any, 0, Reply::Required};
-constexpr Terms kNumberIn{Length::AtLeast, sizeof(LONG), Reply::None};
-constexpr Terms kNumberInReplyOut{Length::AtLeast, sizeof(LONG), Reply::Required};
-constexpr Terms kNumberInReplyIfWanted{Length::AtLeast, sizeof(LONG), Reply::Optional};
-constexpr Terms kSelector{Length::Unchecked, sizeof(LONG), Reply::None};
-
-template <class Record>
-constexpr Terms kRecordInReplyOut{Length::Exact, sizeof(Record), Reply::Required};
-template <class Record>
-constexpr Terms kRecordInReplyIfWanted{Length::Exact, sizeof(Record), Reply::Optional};
-
-struct SchemeCommand
-{
-    LONG number;
-    Terms terms;
-    const wchar_t* enterLog;  ///< null where the command has none; may show `paramsLen`
-    const wchar_t* lengthLog; ///< what is said of a wrong length; null where the command has nothing
-    Function run;
-};
-
-constexpr SchemeCommand kCommands[] = {
-    {PM_GET_CPU_SPEED, kNumberOut, nullptr, nullptr, GetCpuSpeed},
-    {PM_SET_CPU_SPEED, kNumberIn, nullptr, nullptr, SetCpuSpeed},
-    {PM_ADD_SCHEME, kRecordInReplyOut<PM_Power_Scheme_Data>, nullptr, nullptr, AddScheme},
-    {PM_EDIT_SCHEME, kRecordInReplyIfWanted<PM_Variable_Data>, nullptr, nullptr, EditScheme},
-    {PM_DELETE_SCHEME, kNumberInReplyIfWanted, nullptr, nullptr, DeleteScheme},
-    {PM_QUERY_SCHEME, kRecordInReplyOut<PM_Variable_Data>, L"paramLen=%d\n",
-     L"pRequest->paramsLen != sizeof(PM_Variable_Data)", QueryScheme},
-    {PM_GET_SCHEME_NAME, kNumberInReplyOut, L"Get Scheme name.\n", nullptr, GetSchemeName},
-    {PM_GET_ACTIVE_SCHEME, kNumberOut, nullptr, nullptr, GetActiveScheme},
-    {PM_GET_USERID, kNumberOut, nullptr, nullptr, GetUserId},
-    {PM_GET_SCHEME_VAR_COUNT, kRecordInReplyOut<PM_Variable_Data>, nullptr, nullptr, GetSchemeVarCount},
-    {PM_GET_SCHEME_VAR_OPT_VALUE, kRecordInReplyOut<PM_Variable_Data>, nullptr, nullptr,
-     GetSchemeVarOptValue},
-    {PM_INIT_CFG_FILE, kNothing, nullptr, nullptr, InitCfgFile},
-    {PM_ADD_SCHEME_ALL, kRecordInReplyOut<PM_Power_Scheme_Data_ALL>, nullptr,
-     L"the len check failed in  PM_ADD_SCHEME_ALL\n", AddSchemeAll},
-    {PM_QUERY_SCHEME_ALL, kNumberInReplyOut, nullptr, nullptr, QuerySchemeAll},
-    {PM_EDIT_SCHEME_ALL, kRecordInReplyIfWanted<PM_Power_Scheme_Data_ALL>, L"enter PM_EDIT_SCHEME_ALL",
-     L"the len check failed in  PM_EDIT_SCHEME_ALL\n", EditSchemeAll},
-    {PM_APPLY_SCHEME, kNumberInReplyIfWanted, L"enter PM_APPLY_SCHEME\n", L"result = TRX_OPERATION_FAIL",
-     ApplyScheme},
-    {PM_CLEAR_SCHEMES, kSelector, L"PM_CLEAR_SCHEMES", nullptr, ClearSchemes},
-};
-
-const SchemeCommand* Find(LONG number) noexcept
-{
-    const auto* const found =
-        std::find_if(std::begin(kCommands), std::end(kCommands),
-                     [number](const SchemeCommand& row) { return row.number == number; });
-    return found == std::end(kCommands) ? nullptr : found;
-}
 
 // The account name of a request, in both forms.
 struct User
 {
-    char id[kUserIdSize];
+    char id[commands::kUserIdSize];
     // No byte becomes more than one character.
-    wchar_t name[kUserIdSize];
+    wchar_t name[commands::kUserIdSize];
 };
 
 // False when there is no name or a name that no account can have.
@@ -97,35 +35,35 @@ bool ReadUser(const PM_Request& request, User& user) noexcept
     {
         return false;
     }
-    const std::size_t size = text::Length(request.userId, kUserIdSize - 1);
+    const std::size_t size = text::Length(request.userId, commands::kUserIdSize - 1);
     std::memcpy(user.id, request.userId, size);
     user.id[size] = '\0';
     return text::ToWide(user.id, size, user.name, std::size(user.name)) <= kLongestUserName;
 }
 
 // The slot of the requesting user, whose name comes back in both forms; -1 when he can't be resolved.
-int FindSlot(CPluginHelper& context, const PM_Request& request, LONG number, User& user) noexcept
+int FindSlot(CPluginHelper& context, const PM_Request& request, const Command& command, User& user) noexcept
 {
     if (!ReadUser(request, user))
     {
         return -1;
     }
-    PmLog(L"%s: CPluginHelper::HandleRequest %d\n", user.name, number);
+    PmLog(L"%s: CPluginHelper::HandleRequest %d\n", user.name, command.info.number);
     return context.GetUserInfoIndex(user.name);
 }
 
 // The command's own part, for a user whose slot is known.
-LONG Run(const SchemeCommand& command, CPluginHelper& context, const PM_Request& request, const User& user,
+LONG Run(const Command& command, CPluginHelper& context, const PM_Request& request, const User& user,
          const UserInfo& slot) noexcept
 {
     CSchemeEx engine;
     engine.Initialize();
     engine.SetSubKeyProfilePath(slot.userName, slot.subKey, slot.profilePath);
-    if (command.enterLog != nullptr)
+    if (command.entryLog != nullptr)
     {
-        PmLog(command.enterLog, request.paramsLen);
+        PmLog(command.entryLog, request.paramsLen);
     }
-    if (!exchange::IsLengthRight(request, command.terms))
+    if (!exchange::IsLengthRight(request, command.info))
     {
         if (command.lengthLog != nullptr)
         {
@@ -133,7 +71,7 @@ LONG Run(const SchemeCommand& command, CPluginHelper& context, const PM_Request&
         }
         return TRX_OPERATION_FAIL;
     }
-    return command.run({context, request, engine, user.id, user.name});
+    return command.scheme({context, request, engine, user.id, user.name});
 }
 
 } // namespace
@@ -143,24 +81,19 @@ void scheme_commands::ReplyNumber(const Call& call, LONG number) noexcept
     exchange::WriteReply(call.request, number);
 }
 
-LONG ProcessPwrSchemeFunc(CPluginHelper& context, const PM_Request& request, LONG number) noexcept
+LONG ProcessPwrSchemeFunc(CPluginHelper& context, const PM_Request& request, const Command& command) noexcept
 {
-    PmLog(L"enter ProcessPwrSchemeFunc %d", number);
-    const SchemeCommand* const command = Find(number);
-    if (command == nullptr)
-    {
-        return TRX_UNKNOWN_COMMAND;
-    }
-    if (!exchange::ArePointersRight(request, command->terms))
+    PmLog(L"enter ProcessPwrSchemeFunc %d", command.info.number);
+    if (!exchange::HasRequiredPointers(request, command.info))
     {
         return TRX_OPERATION_FAIL;
     }
     User user;
-    const int slot = FindSlot(context, request, number, user);
+    const int slot = FindSlot(context, request, command, user);
     if (slot < 0)
     {
         PmLog(L"get user infor index failed");
         return TRX_OPERATION_FAIL;
     }
-    return Run(*command, context, request, user, context.users[slot]);
+    return Run(command, context, request, user, context.users[slot]);
 }

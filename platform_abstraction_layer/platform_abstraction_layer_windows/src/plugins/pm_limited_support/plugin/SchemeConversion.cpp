@@ -73,7 +73,7 @@ void ConvertSchemeTexts(const void* wire, wchar_t (&name)[256], wchar_t (&descri
                  std::size(description));
 }
 
-int ConvertPwrSchemeData(const PM_Power_Scheme_Data_ALL& wire, PWRSET& setting) noexcept
+void ConvertPwrSchemeData(const PM_Power_Scheme_Data_ALL& wire, PWRSET& setting) noexcept
 {
     PmLog(L"enter ConvertPwrSchemeData");
     ConvertSchemeTexts(&wire, setting.name, setting.desc);
@@ -83,7 +83,6 @@ int ConvertPwrSchemeData(const PM_Power_Scheme_Data_ALL& wire, PWRSET& setting) 
         CopyNumber(&setting, pair.engine, &wire, pair.wire);
     }
     PmLog(L"wifi AC=%d DC=%d", setting.ac.wifi, setting.dc.wifi);
-    return 1;
 }
 
 void ConvertPwrSet(const PWRSET& setting, PM_Power_Scheme_Data_ALL& wire) noexcept

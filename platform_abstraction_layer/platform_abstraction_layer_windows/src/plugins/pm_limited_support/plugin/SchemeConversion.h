@@ -8,8 +8,8 @@
 #include "scheme/PwrSet.h"
 
 /// Fills `setting` from the record. A text ends at its terminator or after 255 bytes; a name without one in
-/// its own 32 bytes runs on into the description. Always 1.
-int ConvertPwrSchemeData(const PM_Power_Scheme_Data_ALL& wire, PWRSET& setting) noexcept;
+/// its own 32 bytes runs on into the description.
+void ConvertPwrSchemeData(const PM_Power_Scheme_Data_ALL& wire, PWRSET& setting) noexcept;
 
 /// The record of a scheme's settings. Name and description stay empty, and the battery half's `LUMS` level is
 /// the mains half's: there is one for both.

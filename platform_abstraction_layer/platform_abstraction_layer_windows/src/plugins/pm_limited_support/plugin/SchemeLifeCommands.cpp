@@ -125,11 +125,7 @@ LONG AddScheme(const Call& call) noexcept
 LONG AddSchemeAll(const Call& call) noexcept
 {
     PWRSET setting{};
-    if (ConvertPwrSchemeData(exchange::ReadPayload<PM_Power_Scheme_Data_ALL>(call.request), setting) == 0)
-    {
-        PmLog(L"Convert from PM_Power_Scheme_Data_ALL to ORVL_PWRSCHEME_SETTING failed\n");
-        return TRX_OPERATION_FAIL;
-    }
+    ConvertPwrSchemeData(exchange::ReadPayload<PM_Power_Scheme_Data_ALL>(call.request), setting);
     const LONG added = call.engine.AddPwrScheme(setting, call.userName);
     if (added < 0)
     {

@@ -87,11 +87,7 @@ LONG EditScheme(const Call& call) noexcept
 LONG EditSchemeAll(const Call& call) noexcept
 {
     PWRSET setting{};
-    if (ConvertPwrSchemeData(exchange::ReadPayload<PM_Power_Scheme_Data_ALL>(call.request), setting) == 0)
-    {
-        PmLog(L"Convert from PM_Power_Scheme_Data_ALL to ORVL_PWRSCHEME_SETTING failed\n");
-        return TRX_OPERATION_FAIL;
-    }
+    ConvertPwrSchemeData(exchange::ReadPayload<PM_Power_Scheme_Data_ALL>(call.request), setting);
     return JudgeAndReply(call, call.engine.SetPwrVariable(setting));
 }
 
