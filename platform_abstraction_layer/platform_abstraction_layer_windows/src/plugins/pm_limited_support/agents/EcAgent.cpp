@@ -27,34 +27,37 @@ constexpr FieldRows kFieldRows[] = {{2, 3}, {0, 1}, {4, 5}, {6, 7}};
 
 constexpr int kOn = 1;
 
-} // namespace
+// From the switching of the radio until its adapter can be reached.
+constexpr DWORD kWifiSettlingTime = 1000;
 
-// A radio or port of the controller and the adapter that the operating system has for it.
-struct CEcAgent::NetworkSwitch
+void EnableWirelessAdapterIfDisabled() noexcept
 {
-    ULONG CEcAgent::*readItem;
-    ULONG CEcAgent::*writeItem;
-    int (CLanAgent::*getStatus)() noexcept;
-    int (CLanAgent::*setStatus)(int) noexcept;
-    DWORD settlingTime;   ///< milliseconds from the switch until the adapter can be reached
-    bool enablesUntested; ///< after a switch the adapter is enabled whatever its state
+    CLanAgent adapters;
+    adapters.Initialize();
+    if (adapters.GetWLANConnectStatus() == 0)
+    {
+        adapters.SetWLANConnectStatus(1);
+    }
+}
 
-    static const NetworkSwitch kWifi;
-    static const NetworkSwitch kLan;
-};
+void EnableWiredAdapter() noexcept
+{
+    CLanAgent adapters;
+    adapters.Initialize();
+    adapters.SetLANConnectStatus(1);
+}
 
-constexpr CEcAgent::NetworkSwitch CEcAgent::NetworkSwitch::kWifi = {&CEcAgent::m_nWifiReadItem,
-                                                                    &CEcAgent::m_nWifiWriteItem,
-                                                                    &CLanAgent::GetWLANConnectStatus,
-                                                                    &CLanAgent::SetWLANConnectStatus,
-                                                                    1000,
-                                                                    false};
-constexpr CEcAgent::NetworkSwitch CEcAgent::NetworkSwitch::kLan = {&CEcAgent::m_nLANReadItem,
-                                                                   &CEcAgent::m_nLANWriteItem,
-                                                                   &CLanAgent::GetLANConnectStatus,
-                                                                   &CLanAgent::SetLANConnectStatus,
-                                                                   0,
-                                                                   true};
+void EnableWiredAdapterIfDisabled() noexcept
+{
+    CLanAgent adapters;
+    adapters.Initialize();
+    if (adapters.GetLANConnectStatus() == 0)
+    {
+        adapters.SetLANConnectStatus(1);
+    }
+}
+
+} // namespace
 
 CEcAgent::CEcAgent() noexcept
     : m_bDriverSetUp(false), m_nBacklightReadItem(0), m_nBacklightWriteItem(0), m_nWifiReadItem(0),
@@ -196,7 +199,23 @@ int CEcAgent::GetWifiStatus() noexcept
 
 int CEcAgent::SetWifiStatus(int status) noexcept
 {
-    return SwitchNetwork(NetworkSwitch::kWifi, status);
+    if (status == kOn && GetWifiStatus() == kOn)
+    {
+        // The controller needs no change, but the adapter may have been disabled by hand.
+        EnableWirelessAdapterIfDisabled();
+        return kOn;
+    }
+    ULONG word = 0;
+    if (GeneralWrite(m_nWifiWriteItem, static_cast<ULONG>(status), &word) < 0)
+    {
+        return -1;
+    }
+    if (status == kOn)
+    {
+        Sleep(kWifiSettlingTime);
+        EnableWirelessAdapterIfDisabled();
+    }
+    return static_cast<int>(word);
 }
 
 int CEcAgent::GetLANStatus() noexcept
@@ -206,7 +225,21 @@ int CEcAgent::GetLANStatus() noexcept
 
 int CEcAgent::SetLANStatus(int status) noexcept
 {
-    return SwitchNetwork(NetworkSwitch::kLan, status);
+    if (status == kOn && GetLANStatus() == kOn)
+    {
+        EnableWiredAdapterIfDisabled();
+        return kOn;
+    }
+    ULONG word = 0;
+    if (GeneralWrite(m_nLANWriteItem, static_cast<ULONG>(status), &word) < 0)
+    {
+        return -1;
+    }
+    if (status == kOn)
+    {
+        EnableWiredAdapter();
+    }
+    return static_cast<int>(word);
 }
 
 int CEcAgent::Get3GStatus() noexcept
@@ -252,40 +285,6 @@ int CEcAgent::GetBatteryTemp() noexcept
 int CEcAgent::GetHotkeyIndex() noexcept
 {
     return kGeneralFailure;
-}
-
-int CEcAgent::SwitchNetwork(const NetworkSwitch& network, int status) noexcept
-{
-    const auto enableAdapter = [&network](bool untested)
-    {
-        CLanAgent adapters;
-        adapters.Initialize();
-        if (untested || (adapters.*network.getStatus)() == 0)
-        {
-            (adapters.*network.setStatus)(1);
-        }
-    };
-
-    if (status == kOn && ReadItem(this->*network.readItem) == kOn)
-    {
-        // The controller needs no change, but the adapter may have been disabled by hand.
-        enableAdapter(false);
-        return kOn;
-    }
-    ULONG word = 0;
-    if (GeneralWrite(this->*network.writeItem, static_cast<ULONG>(status), &word) < 0)
-    {
-        return -1;
-    }
-    if (status == kOn)
-    {
-        if (network.settlingTime != 0)
-        {
-            Sleep(network.settlingTime);
-        }
-        enableAdapter(network.enablesUntested);
-    }
-    return static_cast<int>(word);
 }
 
 LONG CEcAgent::GetBatteryExtends(_BATTERY_EXTEND_FIELDS* fields, ULONG selector) noexcept

@@ -104,9 +104,6 @@ protected:
     ULONG m_nBluetoothWriteItem;
 
 private:
-    struct NetworkSwitch;
-
-    int SwitchNetwork(const NetworkSwitch& network, int status) noexcept;
     int ReadItem(ULONG item) noexcept;
     int WriteItem(ULONG item, int value) noexcept;
 };

@@ -29,13 +29,9 @@ bool IsSwitchable(ULONG status, ULONG problem) noexcept
     return (status & DN_DISABLEABLE) != 0 && problem != CM_PROB_HARDWARE_DISABLED;
 }
 
-} // namespace
-
-// The wired or the wireless network: the words of its adapters and what its status query logs.
-struct CLanAgent::Network
+// What the status query of a network logs.
+struct StatusTexts
 {
-    wchar_t (CLanAgent::*firstWord)[text::kPathCapacity];
-    wchar_t (CLanAgent::*secondWord)[text::kPathCapacity];
     const wchar_t* listFailed;
     const wchar_t* endReached;
     const wchar_t* readFailed;
@@ -43,14 +39,9 @@ struct CLanAgent::Network
     const wchar_t* statusRead;
     const wchar_t* disabled;
     const wchar_t* enabled;
-
-    static const Network kWired;
-    static const Network kWireless;
 };
 
-constexpr CLanAgent::Network CLanAgent::Network::kWired = {
-    &CLanAgent::m_szLanDesc1,
-    &CLanAgent::m_szLanDesc2,
+constexpr StatusTexts kWired = {
     L"GetLANConnectStatus: SetupDiGetClassDevs failed %x",
     L"GetLANConnectStatus: SetupDiEnumDeviceInfo failed!\n",
     L"GetLANConnectStatus: SetupDiGetDeviceRegistryProperty failed %d!\n",
@@ -58,9 +49,7 @@ constexpr CLanAgent::Network CLanAgent::Network::kWired = {
     L"GetLANConnectStatus: Status=%d, Problem=%d!\n",
     L"GetLANConnectStatus: !((Status & DN_HAS_PROBLEM) && (CM_PROB_DISABLED == Problem))",
     L"GetLANConnectStatus: !((Status & DN_DISABLEABLE) && (CM_PROB_HARDWARE_DISABLED != Problem))"};
-constexpr CLanAgent::Network CLanAgent::Network::kWireless = {
-    &CLanAgent::m_szWlanDesc1,
-    &CLanAgent::m_szWlanDesc2,
+constexpr StatusTexts kWireless = {
     L"GetWLANConnectStatus: SetupDiGetClassDevs failed %x",
     L"GetWLANConnectStatus: SetupDiEnumDeviceInfo failed %d!\n",
     L"GetWLANConnectStatus: SetupDiGetDeviceRegistryProperty failed %d!\n",
@@ -68,6 +57,89 @@ constexpr CLanAgent::Network CLanAgent::Network::kWireless = {
     L"GetWLANConnectStatus: Status=0x%x, Problem=0x%x!\n",
     L"GetWLANConnectStatus: !((Status & DN_HAS_PROBLEM) && (CM_PROB_DISABLED == Problem))",
     L"GetWLANConnectStatus: !((Status & DN_DISABLEABLE) && (CM_PROB_HARDWARE_DISABLED != Problem))"};
+
+int ConnectStatus(const wchar_t* firstWord, const wchar_t* secondWord, const StatusTexts& texts) noexcept
+{
+    const AdapterSearch search = {firstWord,        secondWord,       ContainsIgnoringCase,
+                                  texts.listFailed, texts.endReached, texts.readFailed};
+    FoundAdapter adapter;
+    if (!FindAdapter(search, adapter))
+    {
+        return -1;
+    }
+    ULONG status = 0;
+    ULONG problem = 0;
+    if (CM_Get_DevNode_Status(&status, &problem, adapter.device.DevInst, 0) != CR_SUCCESS)
+    {
+        CORVLBase::DBGOUT(texts.statusFailed);
+        return -1;
+    }
+    CORVLBase::DBGOUT(texts.statusRead, status, problem);
+    if (IsDisabled(status, problem))
+    {
+        CORVLBase::DBGOUT(texts.disabled);
+        return 0;
+    }
+    if (!IsSwitchable(status, problem))
+    {
+        return -1;
+    }
+    CORVLBase::DBGOUT(texts.enabled);
+    return 1;
+}
+
+int SetConnectStatus(const wchar_t* firstWord, const wchar_t* secondWord, int enable) noexcept
+{
+    const AdapterSearch search = {
+        firstWord, secondWord, ContainsIgnoringCase, L"SetupDiGetClassDevs failed %x", nullptr, nullptr};
+    FoundAdapter adapter;
+    if (!FindAdapter(search, adapter))
+    {
+        return -1;
+    }
+    ULONG status = 0;
+    ULONG problem = 0;
+    if (CM_Get_DevNode_Status(&status, &problem, adapter.device.DevInst, 0) != CR_SUCCESS)
+    {
+        CORVLBase::DBGOUT(L"CM_Get_DevNode_Status failed!\n");
+        return -1;
+    }
+    if (enable != 0 && !IsDisabled(status, problem))
+    {
+        CORVLBase::DBGOUT(L"!((Status & DN_HAS_PROBLEM) && (CM_PROB_DISABLED == Problem))");
+        return -1;
+    }
+    if (enable == 0 && IsDisabled(status, problem))
+    {
+        CORVLBase::DBGOUT(L"(Status & DN_HAS_PROBLEM) && (CM_PROB_DISABLED == Problem)");
+        return -1;
+    }
+    if (enable == 0 && !IsSwitchable(status, problem))
+    {
+        CORVLBase::DBGOUT(L"!((Status & DN_DISABLEABLE) && (CM_PROB_HARDWARE_DISABLED != Problem))");
+        return -1;
+    }
+
+    // Asked for in all profiles first and then in the present one; the installer runs once, for the latter.
+    const DWORD state = enable != 0 ? DICS_ENABLE : DICS_DISABLE;
+    SP_PROPCHANGE_PARAMS change = PropertyChange(state, DICS_FLAG_GLOBAL);
+    if (!SetPropertyChange(adapter.list.Get(), adapter.device, change))
+    {
+        CORVLBase::DBGOUT(L"SetupDiSetClassInstallParams_DICS_FLAG_GLOBAL failed for last error %d",
+                          GetLastError());
+        return -1;
+    }
+    change = PropertyChange(state, DICS_FLAG_CONFIGSPECIFIC);
+    if (SetPropertyChange(adapter.list.Get(), adapter.device, change) &&
+        !SetupDiCallClassInstaller(DIF_PROPERTYCHANGE, adapter.list.Get(), &adapter.device))
+    {
+        CORVLBase::DBGOUT(L"SetupDiChangeState failed for last error %x.", GetLastError());
+        return -1;
+    }
+    return 1;
+}
+
+} // namespace
 
 CLanAgent::CLanAgent() noexcept
     : m_nSupportStatus(0), m_szLanDesc1(), m_szLanDesc2(), m_szWlanDesc1(), m_szWlanDesc2(), m_szSpeedValue()
@@ -132,104 +204,20 @@ int CLanAgent::ApplySettings() noexcept
 
 int CLanAgent::GetLANConnectStatus() noexcept
 {
-    return ConnectStatus(Network::kWired);
+    return ConnectStatus(m_szLanDesc1, m_szLanDesc2, kWired);
 }
 
 int CLanAgent::GetWLANConnectStatus() noexcept
 {
-    return ConnectStatus(Network::kWireless);
+    return ConnectStatus(m_szWlanDesc1, m_szWlanDesc2, kWireless);
 }
 
 int CLanAgent::SetLANConnectStatus(int enable) noexcept
 {
-    return SetConnectStatus(Network::kWired, enable);
+    return SetConnectStatus(m_szLanDesc1, m_szLanDesc2, enable);
 }
 
 int CLanAgent::SetWLANConnectStatus(int enable) noexcept
 {
-    return SetConnectStatus(Network::kWireless, enable);
-}
-
-int CLanAgent::ConnectStatus(const Network& network) noexcept
-{
-    const AdapterSearch search = {this->*network.firstWord, this->*network.secondWord, ContainsIgnoringCase,
-                                  network.listFailed,       network.endReached,        network.readFailed};
-    FoundAdapter adapter;
-    if (!FindAdapter(search, adapter))
-    {
-        return -1;
-    }
-    ULONG status = 0;
-    ULONG problem = 0;
-    if (CM_Get_DevNode_Status(&status, &problem, adapter.device.DevInst, 0) != CR_SUCCESS)
-    {
-        DBGOUT(network.statusFailed);
-        return -1;
-    }
-    DBGOUT(network.statusRead, status, problem);
-    if (IsDisabled(status, problem))
-    {
-        DBGOUT(network.disabled);
-        return 0;
-    }
-    if (!IsSwitchable(status, problem))
-    {
-        return -1;
-    }
-    DBGOUT(network.enabled);
-    return 1;
-}
-
-int CLanAgent::SetConnectStatus(const Network& network, int enable) noexcept
-{
-    const AdapterSearch search = {this->*network.firstWord,
-                                  this->*network.secondWord,
-                                  ContainsIgnoringCase,
-                                  L"SetupDiGetClassDevs failed %x",
-                                  nullptr,
-                                  nullptr};
-    FoundAdapter adapter;
-    if (!FindAdapter(search, adapter))
-    {
-        return -1;
-    }
-    ULONG status = 0;
-    ULONG problem = 0;
-    if (CM_Get_DevNode_Status(&status, &problem, adapter.device.DevInst, 0) != CR_SUCCESS)
-    {
-        DBGOUT(L"CM_Get_DevNode_Status failed!\n");
-        return -1;
-    }
-    if (enable != 0 && !IsDisabled(status, problem))
-    {
-        DBGOUT(L"!((Status & DN_HAS_PROBLEM) && (CM_PROB_DISABLED == Problem))");
-        return -1;
-    }
-    if (enable == 0 && IsDisabled(status, problem))
-    {
-        DBGOUT(L"(Status & DN_HAS_PROBLEM) && (CM_PROB_DISABLED == Problem)");
-        return -1;
-    }
-    if (enable == 0 && !IsSwitchable(status, problem))
-    {
-        DBGOUT(L"!((Status & DN_DISABLEABLE) && (CM_PROB_HARDWARE_DISABLED != Problem))");
-        return -1;
-    }
-
-    // Asked for in all profiles first and then in the present one; the installer runs once, for the latter.
-    const DWORD state = enable != 0 ? DICS_ENABLE : DICS_DISABLE;
-    SP_PROPCHANGE_PARAMS change = PropertyChange(state, DICS_FLAG_GLOBAL);
-    if (!SetPropertyChange(adapter.list.Get(), adapter.device, change))
-    {
-        DBGOUT(L"SetupDiSetClassInstallParams_DICS_FLAG_GLOBAL failed for last error %d", GetLastError());
-        return -1;
-    }
-    change = PropertyChange(state, DICS_FLAG_CONFIGSPECIFIC);
-    if (SetPropertyChange(adapter.list.Get(), adapter.device, change) &&
-        !SetupDiCallClassInstaller(DIF_PROPERTYCHANGE, adapter.list.Get(), &adapter.device))
-    {
-        DBGOUT(L"SetupDiChangeState failed for last error %x.", GetLastError());
-        return -1;
-    }
-    return 1;
+    return SetConnectStatus(m_szWlanDesc1, m_szWlanDesc2, enable);
 }

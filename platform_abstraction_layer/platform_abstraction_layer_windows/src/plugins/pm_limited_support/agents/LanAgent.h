@@ -58,10 +58,6 @@ protected:
     wchar_t m_szSpeedValue[text::kPathCapacity];
 
 private:
-    struct Network;
-
-    int ConnectStatus(const Network& network) noexcept;
-    int SetConnectStatus(const Network& network, int enable) noexcept;
     bool TakesSpeedFrom(HKEY adapter) noexcept;
     bool StoreSpeed(HKEY adapter, int level) noexcept;
     bool LoadSpeed(HKEY adapter, int& level) noexcept;

@@ -3,7 +3,7 @@
 // The commands on what the embedded controller owns: backlight, radios, LAN port. A value that the command
 // can't take costs no call of the driver; a setter reads back what it set and tells the host.
 
-#include "agents/EcAgent.h"
+#include "agents/Radio.h"
 #include "foundation/PmLog.h"
 #include "plugin/DeviceCommands.h"
 #include "plugin/Exchange.h"
@@ -46,97 +46,88 @@ constexpr LONG WireStatus(int status) noexcept
     return IsSwitch(status) ? status : 2;
 }
 
-// A radio: its two operations, its log lines (null where it has none) and its event.
-struct Radio
+// How the commands on a radio speak of it.
+struct RadioCommands
 {
-    int (CEcAgent::*get)() noexcept;
-    int (CEcAgent::*set)(int status) noexcept;
-    const wchar_t* readLog;
+    Radio radio;
     const wchar_t* enterSetLog;
     const wchar_t* unchangedLog;
-    const wchar_t* failedLog;
-    const char* event;
-    bool mayBeMissing; ///< `kNotFitted` says that there is no such radio
+    const wchar_t* readLog = nullptr;   ///< null: nothing is logged
+    const wchar_t* failedLog = nullptr; ///< null: nothing is logged
+    const char* event = nullptr;        ///< null: no event is sent
+    bool mayBeMissing = false;          ///< `kNotFitted` says that there is no such radio
 };
 
 constexpr int kNotFitted = 255;
 
-constexpr Radio k3G{&CEcAgent::Get3GStatus,
-                    &CEcAgent::Set3GStatus,
-                    nullptr,
-                    L"enter set 3G Status %d",
-                    L"3G Status isn't changed",
-                    nullptr,
-                    "3G_CHANGED",
-                    true};
-constexpr Radio kWireless{&CEcAgent::GetWifiStatus,
-                          &CEcAgent::SetWifiStatus,
-                          L"Get WLAN status %d.\n",
-                          L"enter Set WLAN %d.\n",
-                          L"WLAN power status isn't changed\n",
-                          L"set WLAN power status failed\n",
-                          "WLAN_CHANGED",
-                          false};
-constexpr Radio kBluetooth{&CEcAgent::GetBluetoothStatus,
-                           &CEcAgent::SetBluetoothStatus,
-                           L"Get Bluetooth status %d.\n",
-                           L"enter Set Bluetooth %d.\n",
-                           L"Bluetooth power status isn't changed\n",
-                           L"set Bluetooth power status failed\n",
-                           nullptr,
-                           false};
+constexpr RadioCommands k3G{.radio = Radio::ThreeG,
+                            .enterSetLog = L"enter set 3G Status %d",
+                            .unchangedLog = L"3G Status isn't changed",
+                            .event = "3G_CHANGED",
+                            .mayBeMissing = true};
+constexpr RadioCommands kWireless{.radio = Radio::Wifi,
+                                  .enterSetLog = L"enter Set WLAN %d.\n",
+                                  .unchangedLog = L"WLAN power status isn't changed\n",
+                                  .readLog = L"Get WLAN status %d.\n",
+                                  .failedLog = L"set WLAN power status failed\n",
+                                  .event = "WLAN_CHANGED"};
+constexpr RadioCommands kBluetooth{.radio = Radio::Bluetooth,
+                                   .enterSetLog = L"enter Set Bluetooth %d.\n",
+                                   .unchangedLog = L"Bluetooth power status isn't changed\n",
+                                   .readLog = L"Get Bluetooth status %d.\n",
+                                   .failedLog = L"set Bluetooth power status failed\n"};
 
-LONG GetRadio(const Radio& radio, const PM_Request& request) noexcept
+LONG ReplyRadio(const RadioCommands& commands, const PM_Request& request) noexcept
 {
     return WithController(
         [&](CEcAgent& agent) noexcept
         {
-            const int status = (agent.*radio.get)();
-            if (radio.readLog != nullptr)
+            const int status = GetRadio(agent, commands.radio);
+            if (commands.readLog != nullptr)
             {
-                PmLog(radio.readLog, status);
+                PmLog(commands.readLog, status);
             }
             return ReplyNumber(request, WireStatus(status));
         });
 }
 
-LONG SwitchRadio(const Radio& radio, CPluginHelper& context, CEcAgent& agent, LONG value) noexcept
+LONG SwitchRadio(const RadioCommands& commands, CPluginHelper& context, CEcAgent& agent, LONG value) noexcept
 {
-    const int status = (agent.*radio.get)();
-    if (radio.mayBeMissing && status == kNotFitted)
+    const int status = GetRadio(agent, commands.radio);
+    if (commands.mayBeMissing && status == kNotFitted)
     {
         return TRX_OPERATION_FAIL;
     }
     if (status == value)
     {
-        PmLog(radio.unchangedLog);
+        PmLog(commands.unchangedLog);
         return TRX_OPERATION_OK;
     }
-    if ((agent.*radio.set)(static_cast<int>(value)) == -1)
+    if (SetRadio(agent, commands.radio, static_cast<int>(value)) == -1)
     {
-        if (radio.failedLog != nullptr)
+        if (commands.failedLog != nullptr)
         {
-            PmLog(radio.failedLog);
+            PmLog(commands.failedLog);
         }
         return TRX_OPERATION_FAIL;
     }
-    if (radio.event != nullptr)
+    if (commands.event != nullptr)
     {
-        context.SendHostEvent(radio.event, WireStatus((agent.*radio.get)()));
+        context.SendHostEvent(commands.event, WireStatus(GetRadio(agent, commands.radio)));
     }
     return TRX_OPERATION_OK;
 }
 
-LONG SetRadio(const Radio& radio, CPluginHelper& context, const PM_Request& request) noexcept
+LONG SwitchRadio(const RadioCommands& commands, CPluginHelper& context, const PM_Request& request) noexcept
 {
     const auto value = exchange::ReadPayload<LONG>(request);
     if (!IsSwitch(value))
     {
         return TRX_OPERATION_FAIL;
     }
-    PmLog(radio.enterSetLog, value);
+    PmLog(commands.enterSetLog, value);
     return WithController([&](CEcAgent& agent) noexcept
-                          { return SwitchRadio(radio, context, agent, value); });
+                          { return SwitchRadio(commands, context, agent, value); });
 }
 
 } // namespace
@@ -160,21 +151,24 @@ LONG GetLcdBrightness(CPluginHelper&, const PM_Request& request) noexcept
 LONG SetLcdBrightness(CPluginHelper& context, const PM_Request& request) noexcept
 {
     const auto level = exchange::ReadPayload<LONG>(request);
-    const bool isLevel = level >= 0; // anything else ends without a call of the driver
+    if (level < 0)
+    {
+        PmLog(L"set LCD level %d ", level);
+        return TRX_OPERATION_FAIL;
+    }
     CEcAgent agent;
-    if (isLevel && agent.Setup() < 0)
+    if (agent.Setup() < 0)
     {
         PmLog(L"set brightness level, ec setup failed");
         return TRX_OPERATION_FAIL;
     }
     PmLog(L"set LCD level %d ", level);
-    if (!isLevel || agent.SetBacklightLevel(static_cast<int>(level)) == -1)
+    if (agent.SetBacklightLevel(static_cast<int>(level)) == -1)
     {
         return TRX_OPERATION_FAIL;
     }
     PmLog(L"send LCD level change event to TRX");
     context.SendHostEvent("LCD_BRIGHTNESS_CHANGED", agent.GetBacklightLevel());
-    agent.Cleanup();
     return TRX_OPERATION_OK;
 }
 
@@ -217,32 +211,32 @@ LONG SetLanStatus(CPluginHelper& context, const PM_Request& request) noexcept
 
 LONG Get3GStatus(CPluginHelper&, const PM_Request& request) noexcept
 {
-    return GetRadio(k3G, request);
+    return ReplyRadio(k3G, request);
 }
 
 LONG Set3GStatus(CPluginHelper& context, const PM_Request& request) noexcept
 {
-    return SetRadio(k3G, context, request);
+    return SwitchRadio(k3G, context, request);
 }
 
 LONG GetWirelessStatus(CPluginHelper&, const PM_Request& request) noexcept
 {
-    return GetRadio(kWireless, request);
+    return ReplyRadio(kWireless, request);
 }
 
 LONG SetWirelessStatus(CPluginHelper& context, const PM_Request& request) noexcept
 {
-    return SetRadio(kWireless, context, request);
+    return SwitchRadio(kWireless, context, request);
 }
 
 LONG GetBluetoothStatus(CPluginHelper&, const PM_Request& request) noexcept
 {
-    return GetRadio(kBluetooth, request);
+    return ReplyRadio(kBluetooth, request);
 }
 
 LONG SetBluetoothStatus(CPluginHelper& context, const PM_Request& request) noexcept
 {
-    return SetRadio(kBluetooth, context, request);
+    return SwitchRadio(kBluetooth, context, request);
 }
 
 } // namespace device_commands

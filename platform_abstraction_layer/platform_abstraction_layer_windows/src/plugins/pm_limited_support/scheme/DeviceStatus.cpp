@@ -4,23 +4,14 @@
 // functions through its registers. Each call sets up an agent of its own; below major version 6 that opens
 // the driver's channel and closes it again, from 6 on the channel stays open.
 
-#include "agents/EcAgent.h"
 #include "agents/HwSBX.h"
+#include "agents/Radio.h"
 #include "foundation/Results.h"
 #include "scheme/SchemeEx.h"
 #include "scheme/VariableTable.h"
 
 namespace
 {
-
-// How the embedded controller reads and switches a radio.
-struct Radio
-{
-    int (CEcAgent::*read)() noexcept;
-    int (CEcAgent::*write)(int) noexcept;
-};
-constexpr Radio kBluetooth{&CEcAgent::GetBluetoothStatus, &CEcAgent::SetBluetoothStatus};
-constexpr Radio kWifiRadio{&CEcAgent::GetWifiStatus, &CEcAgent::SetWifiStatus};
 
 constexpr const wchar_t* kReadFailed = L"Get %s device status failed for HRESULT: 0x%x";
 constexpr const wchar_t* kWriteFailed = L"Set %s device status failed for HRESULT: 0x%x";
@@ -31,14 +22,14 @@ int ReportFailure(const wchar_t* format, const wchar_t* name, LONG code) noexcep
     return -1;
 }
 
-int ReadRadio(const Radio& radio, const wchar_t* name, int* status) noexcept
+int ReadRadio(Radio radio, const wchar_t* name, int* status) noexcept
 {
     CEcAgent agent;
     if (const LONG opened = agent.Setup(); opened < 0)
     {
         return ReportFailure(kReadFailed, name, opened);
     }
-    const int value = (agent.*radio.read)();
+    const int value = GetRadio(agent, radio);
     if (value >= 0)
     {
         *status = value != 0 ? 1 : 0;
@@ -46,11 +37,11 @@ int ReadRadio(const Radio& radio, const wchar_t* name, int* status) noexcept
     return value;
 }
 
-int WriteRadio(const Radio& radio, const wchar_t* name, int value) noexcept
+int WriteRadio(Radio radio, const wchar_t* name, int value) noexcept
 {
     CEcAgent agent;
     const LONG opened = agent.Setup();
-    return opened < 0 ? ReportFailure(kWriteFailed, name, opened) : (agent.*radio.write)(value);
+    return opened < 0 ? ReportFailure(kWriteFailed, name, opened) : SetRadio(agent, radio, value);
 }
 
 int ReadFunction(const wchar_t* name, int* status) noexcept
@@ -92,9 +83,9 @@ int CSchemeEx::GetDeviceStatus(wchar_t const* name, int* status) noexcept
     switch (variable.device)
     {
     case LiveDevice::Bluetooth:
-        return ReadRadio(kBluetooth, name, status);
+        return ReadRadio(Radio::Bluetooth, name, status);
     case LiveDevice::Wifi:
-        return ReadRadio(kWifiRadio, name, status);
+        return ReadRadio(Radio::Wifi, name, status);
     case LiveDevice::ChipsetFunction:
         return ReadFunction(variable.name, status);
     default:
@@ -112,9 +103,9 @@ int CSchemeEx::SetDeviceStatus(wchar_t const* name, int value) noexcept
     switch (VariableOf(number).device)
     {
     case LiveDevice::Bluetooth:
-        return WriteRadio(kBluetooth, name, value);
+        return WriteRadio(Radio::Bluetooth, name, value);
     case LiveDevice::Wifi:
-        return WriteRadio(kWifiRadio, name, value);
+        return WriteRadio(Radio::Wifi, name, value);
     case LiveDevice::ChipsetFunction:
         return WriteFunction(VariableOf(number).name, value);
     default:
