@@ -82,7 +82,7 @@ TEST_P(BadInput, WrongLengthsFail)
     {
         const std::size_t whole = command.payload.size;
         std::vector<std::size_t> wrong;
-        if (whole != 0 && !kOfAnyLength.contains(command.name))
+        if (whole != 0 && !kOfAnyLength.contains(command.info.name))
         {
             wrong = {0, 1, 3};
         }
@@ -92,15 +92,15 @@ TEST_P(BadInput, WrongLengthsFail)
         }
         for (const std::size_t size : wrong)
         {
-            const Answer answer = host->Send(command.name, std::vector<std::byte>(size));
-            EXPECT_EQ(6, answer.code) << command.name << ' ' << size;
-            EXPECT_FALSE(answer.reply.has_value()) << command.name << ' ' << size;
+            const Answer answer = host->Send(command.info.name, std::vector<std::byte>(size));
+            EXPECT_EQ(6, answer.code) << command.info.name << ' ' << size;
+            EXPECT_FALSE(answer.reply.has_value()) << command.info.name << ' ' << size;
         }
         for (const auto& [name, line] : said)
         {
             std::vector<std::string> lines = seeding::LogLines("trxpm.log");
             std::erase(lines, "");
-            EXPECT_TRUE(name != command.name || lines.back() == line) << name << lines.back();
+            EXPECT_TRUE(name != command.info.name || lines.back() == line) << name << lines.back();
         }
     }
 }
@@ -112,7 +112,7 @@ TEST_P(BadInput, NullPointersFailBeforeAnythingIsDone)
         std::vector<std::byte> payload(command.payload.size);
         std::vector<std::byte> reply(1024);
         auto size = static_cast<DWORD>(reply.size());
-        PM_Request whole = Named(command.name);
+        PM_Request whole = Named(command.info.name);
         whole.userId = host->user.c_str();
         whole.params = payload.data();
         whole.paramsLen = static_cast<DWORD>(payload.size());
@@ -120,19 +120,19 @@ TEST_P(BadInput, NullPointersFailBeforeAnythingIsDone)
         whole.resultLen = &size;
 
         std::vector<PM_Request> requests;
-        if (!payload.empty() && std::strcmp(command.name, "SET_LUMS_LEVEL") != 0)
+        if (!payload.empty() && std::strcmp(command.info.name, "SET_LUMS_LEVEL") != 0)
         {
             requests.push_back(whole);
             requests.back().params = nullptr;
         }
         const bool replies = command.reply.size != 0 || &command.reply == &host::kTextReply;
-        if (replies && !kReplyIfWanted.contains(command.name))
+        if (replies && !kReplyIfWanted.contains(command.info.name))
         {
             requests.insert(requests.end(), {whole, whole});
             requests.end()[-1].result = nullptr;
             requests.end()[-2].resultLen = nullptr;
         }
-        if (command.needsUser)
+        if (command.info.needsUser)
         {
             requests.push_back(whole);
             requests.back().userId = nullptr;
@@ -140,10 +140,10 @@ TEST_P(BadInput, NullPointersFailBeforeAnythingIsDone)
         for (PM_Request& request : requests)
         {
             environment::ForgetCalls();
-            EXPECT_EQ(6, host->Send(&request)) << command.name;
-            EXPECT_EQ(reply.size(), size) << command.name;
+            EXPECT_EQ(6, host->Send(&request)) << command.info.name;
+            EXPECT_EQ(reply.size(), size) << command.info.name;
             EXPECT_TRUE(environment::HasOnlyLogged())
-                << command.name << " asked more of the platform than a log line";
+                << command.info.name << " asked more of the platform than a log line";
         }
     }
 }
@@ -156,7 +156,7 @@ TEST_P(BadInput, RandomBytesNeverLeaveTheBuffers)
     { return std::uniform_int_distribution<unsigned>(0, limit)(random); };
     for (const host::CommandEntry& command : host::Commands())
     {
-        SCOPED_TRACE(command.name);
+        SCOPED_TRACE(command.info.name);
         // So that a full reply shows as one.
         host->room = &command.reply == &host::kTextReply ? 1025 : std::max(command.reply.size, kNumber) + 1;
         for (int round = 0; round < kRounds; ++round)
@@ -170,9 +170,9 @@ TEST_P(BadInput, RandomBytesNeverLeaveTheBuffers)
             }
             host->user = upTo(3) == 0 ? std::string(upTo(300), static_cast<char>(1 + upTo(254)))
                                       : environment::UserName();
-            const LONG code = host->Send(command.name, payload).code;
+            const LONG code = host->Send(command.info.name, payload).code;
             EXPECT_TRUE(code == 0 || code == 1 || code == 6 ||
-                        std::string(command.name) == "POST_DOWN_INTERFACE")
+                        std::string(command.info.name) == "POST_DOWN_INTERFACE")
                 << code;
         }
     }
