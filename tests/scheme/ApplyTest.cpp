@@ -1,140 +1,112 @@
 // tests/scheme/ApplyTest.cpp
 //
-// Applying a scheme: what is asked of the platform, in which order, and what a failure leaves behind.
+// Applying a scheme: the order of the steps, what a failure leaves behind, and the user's own policies as
+// they may stand in the registry. What a request changes is pinned by the transcripts.
 
 #include "scheme/SchemeTest.h"
-#include "service/ServiceProcess.h"
+#include "support/BoardService.h"
+#include "support/Snapshot.h"
 
-#include "foundation/Owners.h"
 #include "notebook/Clock.h"
+#include "notebook/RegistryEditor.h"
 
 #include <gmock/gmock.h>
 
 using namespace simulated;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::Not;
+using testing::StartsWith;
 
 namespace
 {
-
-std::string Times(int count, const std::string& steps)
-{
-    return count == 1 ? steps : Times(count - 1, steps) + steps;
-}
-
-// What the power manager is asked, and what is written anywhere, in order, each followed by a blank. What
-// lies between, the opening of files and the look for schemes, is counted by the acceptance tests.
-std::string StepsOf(const std::vector<std::string>& calls)
-{
-    std::string steps;
-    for (const std::string& name : calls)
-    {
-        // The first event is the result board's; with it the exchange with the service begins.
-        if (name == "OpenEventW")
-        {
-            break;
-        }
-        if (name.find("Pwr") != std::string::npos || name.starts_with("Power") || name.starts_with("Write"))
-        {
-            steps += name + ' ';
-        }
-    }
-    return steps;
-}
 
 class XpApply : public SchemeTest
 {
 protected:
     using SchemeTest::SchemeTest;
 
-    void SetUp() override
-    {
-        SchemeTest::SetUp();
-        // Two processes keep time together only in real time.
-        Clock::SetInstant(false);
-    }
-
     static std::string CurrentScheme()
     {
         return seeding::GetKey(Values(), "ORVLCfg", "CurrentScheme");
-    }
-
-    /// Stores a value below a key that exists.
-    static void SetValue(HKEY root, const std::string& path, const wchar_t* name, const void* data,
-                         DWORD size, DWORD type)
-    {
-        owners::Key opened;
-        RegOpenKeyExW(root, seeding::Wide(path).data(), 0, KEY_ALL_ACCESS, opened.Receive());
-        EXPECT_EQ(ERROR_SUCCESS,
-                  RegSetValueExW(opened.Get(), name, 0, type, static_cast<const BYTE*>(data), size));
-    }
-
-    /// Stores a record below alice's power key; `size` bytes of it.
-    static void SetPolicies(const std::string& key, const void* data, DWORD size, DWORD type = REG_BINARY)
-    {
-        SetValue(HKEY_USERS, SidOf("alice") + "\\Control Panel\\PowerCfg\\" + key, L"Policies", data, size,
-                 type);
     }
 
     static std::string ActiveOf(const std::string& user)
     {
         return seeding::GetKey(Users(), SidOf(user), "ActiveSchemeID");
     }
+
+    /// What the power manager is asked from the global policy on, and what is written to files.
+    Lines LastSteps(int scheme)
+    {
+        Trace::Clear();
+        engine.SetActivePwrScheme(scheme, L"alice");
+        Lines steps;
+        for (const TracedCall& call : Trace::Calls())
+        {
+            if (call.function == "WriteGlobalPwrPolicy")
+            {
+                steps.clear();
+            }
+            else if (call.function == "WritePrivateProfileStringW")
+            {
+                const std::string rest = call.arguments.substr(call.arguments.find(", ") + 2);
+                steps.push_back(rest.substr(0, rest.find(',')));
+            }
+            else if (call.callClass == CallClass::Power && call.function != "PowerReadFriendlyName")
+            {
+                steps.push_back(call.function);
+            }
+        }
+        return steps;
+    }
 };
 using VistaApply = OnVista<XpApply>;
 
-TEST_F(XpApply, TellsTheServiceAndRecordsTheChoice)
+TEST_F(XpApply, TheServiceIsToldWhateverCanBeRead)
 {
-    ServiceProcess service(Folder(), {});
-    ASSERT_TRUE(service.IsServing());
-    const int before = engine.GetActivePwrScheme(0);
-    EXPECT_EQ(before, engine.SetActivePwrScheme(4, L"alice"));
-    EXPECT_EQ(4, engine.GetActivePwrScheme(0));
-    EXPECT_EQ("4", CurrentScheme());
-    EXPECT_EQ("4", ActiveOf("alice"));
-    EXPECT_TRUE(service.WaitFor("request 3 (scheme applied), value 4"));
-    EXPECT_THAT(service.Printed(), testing::HasSubstr("\\Kelvo\\ORVL\\Cfg\""));
-
-    // The bare operation keeps no user's record and reads its own back.
-    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(4, engine.SetActivePwrScheme(2)); }),
-                Contains("get current scheme in set avtive is 2"));
-    EXPECT_EQ("2", CurrentScheme());
-    EXPECT_EQ("4", ActiveOf("alice"));
-
-    // Without a configured time it is a second, like that of the boards' own waits.
-    for (const char* none : {"", "-1", "-2147483648"})
+    // Two threads keep time together only in real time.
+    Clock::SetInstant(false);
+    BoardService service;
+    for (const auto& [configured, wait] :
+         {std::pair{"", "1000"}, {"-1", "1000"}, {"-2147483648", "1000"}, {"700", "700"}})
     {
-        ASSERT_TRUE(seeding::SetKey(Root(), "OrvlDevMgr", "TimeoutMS", none));
+        ASSERT_TRUE(seeding::SetKey(Root(), "OrvlDevMgr", "TimeoutMS", configured));
         Trace::Clear();
-        EXPECT_EQ(2, engine.SetActivePwrScheme(2));
-        for (const TracedCall& call : Trace::CallsOf("WaitForSingleObject"))
-        {
-            EXPECT_THAT(call.arguments, testing::EndsWith(", 1000"));
-        }
+        EXPECT_EQ(1, engine.SetActivePwrScheme(1));
+        const auto waits = Trace::CallsOf("WaitForSingleObject");
+        EXPECT_EQ(*wait == '1' ? waits.size() : 1,
+                  std::count_if(waits.begin(), waits.end(),
+                                [&, ends = std::string(", ") + wait](const TracedCall& call)
+                                { return call.arguments.ends_with(ends); }));
     }
+    service.TakeRequests();
+    seeding::Remove(Root());
+    const auto lines = LinesOf([&] { EXPECT_EQ(1, engine.SetActivePwrScheme(4)); });
+    EXPECT_EQ("SetActivePwrScheme 4: initialize ORVLCfg.ini failed", lines.front());
+    EXPECT_EQ("1", CurrentScheme());
+    Faults::Inject("SHGetFolderPathW", 1, ERROR_FILE_NOT_FOUND, true);
+    EXPECT_EQ(4, engine.SetActivePwrScheme(3));
+    const auto requests = service.TakeRequests();
+    ASSERT_EQ(2U, requests.size());
+    EXPECT_EQ(4U, requests[0].value);
+    EXPECT_EQ(3U, requests[1].value);
+    EXPECT_EQ("", seeding::Utf8(requests[1].text));
 }
 
 // Without a service the scheme is active and recorded all the same.
-TEST_F(XpApply, TheStepsOfTheRoadComeInTheirOrder)
+TEST_F(XpApply, TheStepsComeInTheirOrder)
 {
-    const std::string read = "ReadPwrScheme ReadProcessorPwrScheme ";
-    const std::string allowed = "IsPwrHibernateAllowed ";
-    const std::string write = "WriteProcessorPwrScheme WritePwrScheme ";
-    // On battery the target's standby time has overtaken the user's hibernate time, so a later one is sought.
-    const std::string expected =
-        Times(2, read + write) + Times(2, read) + read + allowed + write + allowed + read + allowed + write +
-        "ReadGlobalPwrPolicy WriteGlobalPwrPolicy GetActivePwrScheme SetActivePwrScheme "
-        "WritePrivateProfileStringW WritePrivateProfileStringW ";
     ASSERT_EQ(1, engine.AddtoUserList(L"alice"));
-    EXPECT_EQ(expected, StepsOf(CallsOf([&] { EXPECT_EQ(-1, engine.SetActivePwrScheme(2, L"alice")); })));
+    EXPECT_THAT(LastSteps(2), ElementsAre("GetActivePwrScheme", "SetActivePwrScheme", "\"ActiveSchemeID\"",
+                                          "\"CurrentScheme\""));
     EXPECT_EQ(2, engine.GetActivePwrScheme(0));
     EXPECT_EQ("2", CurrentScheme());
     EXPECT_EQ("2", ActiveOf("alice"));
 }
 
-TEST_F(VistaApply, TheStepsOfTheRoadComeInTheirOrder)
+TEST_F(VistaApply, TheStepsComeInTheirOrder)
 {
+    ASSERT_EQ(1, engine.AddtoUserList(L"alice"));
     // Not adaptive on battery: that source's range is left alone.
     ASSERT_EQ(0, engine.SetPwrVariable(2, 0, L"CpuAdaptive", 0));
     ASSERT_EQ(1, engine.SetPwrVariable(2, 1, L"CpuAdaptive", 1));
@@ -142,18 +114,13 @@ TEST_F(VistaApply, TheStepsOfTheRoadComeInTheirOrder)
     {
         ASSERT_GE(engine.GetPwrVariable(2, 1, name), 0);
     }
-    ASSERT_EQ(1, engine.AddtoUserList(L"alice"));
-    const std::string steps = StepsOf(CallsOf([&] { engine.SetActivePwrScheme(2, L"alice"); }));
-
-    const std::string known = "PowerReadFriendlyName ";
-    const std::string readLimit = Times(2, known) + "PowerReadDCValueIndex PowerReadACValueIndex ";
-    const std::string read = Times(2, known) + Times(2, readLimit);
-    const std::string write = Times(2, known) + "WritePrivateProfileStringW PowerWriteACValueIndex ";
-    EXPECT_EQ("WriteGlobalPwrPolicy " + known + "PowerGetActiveScheme " + read + Times(2, write) + read +
-                  "PowerSetActiveScheme " + Times(2, "WritePrivateProfileStringW "),
-              steps.substr(steps.find("WriteGlobalPwrPolicy")));
-    EXPECT_EQ("2", CurrentScheme());
-    EXPECT_EQ("2", ActiveOf("alice"));
+    const std::string dc = "PowerReadDCValueIndex";
+    const std::string ac = "PowerReadACValueIndex";
+    const std::string write = "PowerWriteACValueIndex";
+    EXPECT_THAT(LastSteps(2), ElementsAre("PowerGetActiveScheme", dc, ac, dc, ac, "\"CpuSpeedMax\"", write,
+                                          "\"CpuSpeedMin\"", write, dc, ac, dc, ac, "PowerSetActiveScheme",
+                                          "\"ActiveSchemeID\"", "\"CurrentScheme\""));
+    EXPECT_EQ(2, engine.GetActivePwrScheme(0));
 }
 
 TEST_F(XpApply, NothingIsRecordedForASchemeThatIsNotActivated)
@@ -165,7 +132,6 @@ TEST_F(XpApply, NothingIsRecordedForASchemeThatIsNotActivated)
         const char* bareLine;
         const char* userLine; ///< null for none
     };
-    const int before = engine.GetActivePwrScheme(0);
     for (const Row& row :
          {Row{-1, false, "SetActivePwrScheme -1 failed at nIndex<0",
               "SetActivePwrScheme -1 failed at nIndex<0 "},
@@ -182,154 +148,188 @@ TEST_F(XpApply, NothingIsRecordedForASchemeThatIsNotActivated)
         const auto lines = LinesOf([&] { EXPECT_EQ(-1, engine.SetActivePwrScheme(row.scheme, L"alice")); });
         EXPECT_THAT(lines, Contains("Success! fn_PWRDL_WriteGlobalPwrPolicy"));
         EXPECT_EQ(row.userLine != nullptr ? row.userLine : "Start recording log information:", lines.back());
-        EXPECT_EQ(before, engine.GetActivePwrScheme(0));
+        EXPECT_EQ(1, engine.GetActivePwrScheme(0));
         EXPECT_EQ(kAbsent, CurrentScheme());
         EXPECT_EQ(kAbsent, ActiveOf("alice"));
     }
 }
 
-TEST_F(XpApply, WithoutConfigurationTheServiceIsStillTold)
-{
-    ServiceProcess service(Folder(), {});
-    ASSERT_TRUE(service.IsServing());
-    seeding::Remove(Root());
-    const auto lines = LinesOf([&] { EXPECT_GE(engine.SetActivePwrScheme(4), 0); });
-    EXPECT_EQ("SetActivePwrScheme 4: initialize ORVLCfg.ini failed", lines.front());
-    EXPECT_TRUE(service.WaitFor("value 4"));
-    EXPECT_EQ(kAbsent, CurrentScheme());
-    Faults::Inject("SHGetFolderPathW", 1, ERROR_FILE_NOT_FOUND, true);
-    EXPECT_GE(engine.SetActivePwrScheme(3), 0);
-    EXPECT_TRUE(service.WaitFor("value 3, text \"\""));
-}
-
 TEST_F(VistaApply, ARefusedSchemeStaysInactiveAndUnrecorded)
 {
-    ASSERT_EQ(1, engine.GetActivePwrScheme(0));
     Faults::Inject("PowerSetActiveScheme", 1, ERROR_ACCESS_DENIED);
-    EXPECT_TRUE(LinesOf([&] { EXPECT_EQ(-1, engine.SetActivePwrScheme(2)); }).empty());
-    EXPECT_EQ(-1, engine.SetActivePwrScheme(-1));
-    EXPECT_EQ(1, engine.GetActivePwrScheme(0));
-    EXPECT_EQ(kAbsent, CurrentScheme());
-    EXPECT_EQ(-1, engine.SetActivePwrScheme(2));
-    EXPECT_EQ("2", CurrentScheme());
+    for (const int scheme : {2, -1, 77})
+    {
+        EXPECT_TRUE(LinesOf([&] { EXPECT_EQ(-1, engine.SetActivePwrScheme(scheme)); }).empty());
+        EXPECT_EQ(1, engine.GetActivePwrScheme(0));
+        EXPECT_EQ(kAbsent, CurrentScheme());
+    }
 }
 
-// The user's settings come from his own hive, by way of the scheme that is active there.
-TEST_F(XpApply, TheUsersOwnSettingsAreTakenOver)
+/// The user's policies, which are those of scheme 5 there, and scheme 2 as the target of the times.
+class UsersPolicy : public XpApply
 {
-    ASSERT_TRUE(seeding::SetText(HKEY_USERS, SidOf("alice") + "\\Control Panel\\PowerCfg",
-                                 "CurrentPowerPolicy", "5"));
-    USER_POWER_POLICY user = Policy(5).user;
-    user.SpindownTimeoutAc = 1500;
-    user.SpindownTimeoutDc = 600;
-    user.IdleAc.Action = PowerActionHibernate;
-    user.IdleTimeoutAc = 1800;
-    user.IdleDc.Action = PowerActionNone;
-    SetPolicies("PowerPolicies\\5", &user, sizeof user);
-    ASSERT_EQ(1, engine.SetPwrVariable(2, 1, L"HibernateTimeOut", 0));
-    ASSERT_EQ(1, engine.SetPwrVariable(2, 1, L"StandbyTimeOut", 1800));
+protected:
+    static constexpr const char* kMachine =
+        "HKEY_LOCAL_MACHINE\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\"
+        "Controls Folder\\PowerCfg\\PowerPolicies\\5";
 
-    engine.SetGolbalPwrPolicyFromCurrentUser(2);
-    EXPECT_EQ(1500, engine.GetPwrVariable(2, 1, L"DiskOffTimeOut"));
-    EXPECT_EQ(600, engine.GetPwrVariable(2, 0, L"DiskOffTimeOut"));
-    // His 1800 has been overtaken by the target's standby time.
-    EXPECT_EQ(2700, engine.GetPwrVariable(2, 1, L"HibernateTimeOut"));
-    EXPECT_EQ(0, engine.GetPwrVariable(2, 0, L"HibernateTimeOut"));
+    void SetUp() override
+    {
+        XpApply::SetUp();
+        m_power = "HKEY_USERS\\" + SidOf("alice") + "\\Control Panel\\PowerCfg";
+        ASSERT_TRUE(RegistryEditor::WriteText(m_power, "CurrentPowerPolicy", "5"));
+        m_user = Policy(5).user;
+        m_machine = Policy(5).mach;
+        Store(PowerActionSleep, 1200, 2400);
+    }
+
+    void Store(POWER_ACTION action, ULONG idle, ULONG doze)
+    {
+        m_user.SpindownTimeoutAc = 1500;
+        m_user.SpindownTimeoutDc = 600;
+        m_user.IdleAc.Action = action;
+        m_user.IdleTimeoutAc = idle;
+        m_machine.DozeS4TimeoutAc = doze;
+        ASSERT_TRUE(
+            RegistryEditor::Write(m_power + "\\PowerPolicies\\5", "Policies", {REG_BINARY, BytesOf(m_user)}));
+        ASSERT_TRUE(RegistryEditor::Write(kMachine, "Policies", {REG_BINARY, BytesOf(m_machine)}));
+    }
+
+    std::string m_power;
+    USER_POWER_POLICY m_user{};
+    MACHINE_POWER_POLICY m_machine{};
+};
+
+TEST_F(UsersPolicy, AHibernateTimeThatTheTargetHasOvertakenGivesWayToALaterOne)
+{
+    struct Row
+    {
+        POWER_ACTION action;
+        ULONG idle;
+        ULONG doze;
+        int standby; ///< of the target
+        int expected;
+    };
+    for (const Row& row :
+         {Row{PowerActionSleep, 600, 1200, 900, 1800}, Row{PowerActionSleep, 600, 1200, 1800, 2700},
+          Row{PowerActionSleep, 600, 1200, 2700, 3600}, Row{PowerActionSleep, 600, 0, 900, 0},
+          Row{PowerActionHibernate, 1800, 0, 900, 1800}, Row{PowerActionNone, 1800, 600, 0, 0}})
+    {
+        Store(row.action, row.idle, row.doze);
+        ASSERT_EQ(1, engine.SetPwrVariable(2, 1, L"HibernateTimeOut", 0));
+        ASSERT_EQ(1, engine.SetPwrVariable(2, 1, L"StandbyTimeOut", row.standby));
+        engine.SetGolbalPwrPolicyFromCurrentUser(2);
+        EXPECT_EQ(row.expected, engine.GetPwrVariable(2, 1, L"HibernateTimeOut"))
+            << row.idle << ' ' << row.standby;
+    }
 }
 
-TEST_F(XpApply, TheGlobalPolicyIsTheUsersButForTheMachinesPart)
+// Each damage skips what depends on it, says so, and leaves the rest alone.
+TEST_F(UsersPolicy, WhatCantBeReadIsSkipped)
+{
+    enum Damage
+    {
+        NoKey,
+        NoValue,
+        TooLong,
+        TooShort,
+        OtherType
+    };
+    struct Record
+    {
+        std::string key;
+        std::size_t size;
+        std::string reader;
+        std::string follows; ///< another line, where there is one
+        int disk;            ///< the times that scheme 2 has then
+        int hibernate;
+    };
+    const int disk = engine.GetPwrVariable(2, 1, L"DiskOffTimeOut");
+    const int hibernate = engine.GetPwrVariable(2, 1, L"HibernateTimeOut");
+    const std::string global = m_power + "\\GlobalPowerPolicy";
+    const std::string cant = "SetGolbalPwrPolicyFromCurrentUser: Can't read ";
+    const Record records[] = {
+        {m_power + "\\PowerPolicies\\5", 80, "ReadUser", cant + "user power policy: 2", disk, hibernate},
+        {kMachine, 64, "ReadMachine", cant + "machine power policy: 2", 1500, hibernate},
+        {global, 176, "ReadUser", "", 1500, 3600},
+    };
+    Snapshot sound(Folder());
+    for (const Record& record : records)
+    {
+        for (const Damage damage : {NoKey, NoValue, TooLong, TooShort, OtherType})
+        {
+            SCOPED_TRACE(record.key + ' ' + std::to_string(damage));
+            sound.Restore();
+            const std::size_t size =
+                damage == TooLong ? record.size + 1 : record.size - (damage == TooShort ? 1 : 0);
+            const DWORD type = damage == OtherType ? REG_SZ : REG_BINARY;
+            ASSERT_TRUE(damage == NoKey ? RegistryEditor::RemoveKey(record.key)
+                        : damage == NoValue
+                            ? RegistryEditor::RemoveValue(record.key, "Policies")
+                            : RegistryEditor::Write(record.key, "Policies", {type, std::string(size, '\1')}));
+            const auto lines = LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); });
+            const bool isGlobal = record.key == global;
+            std::string line = record.reader + "PowerPolicy: " +
+                               (damage == NoKey ? "Open key " : "Query value Policies at Key ") +
+                               record.key.substr(record.key.find('\\') + 1) + " failed, ";
+            line += isGlobal && damage > NoValue ? "nsize=" + std::to_string(size) + ',' : "";
+            line += damage > TooLong ? "error=13" : "";
+            EXPECT_THAT(lines, Contains(StartsWith(line)));
+            EXPECT_TRUE(isGlobal || std::count(lines.begin(), lines.end(), record.follows) == 1);
+            EXPECT_EQ(isGlobal, lines.back() != "Start recording log information:");
+            EXPECT_EQ(record.disk, engine.GetPwrVariable(2, 1, L"DiskOffTimeOut"));
+            EXPECT_EQ(record.hibernate, engine.GetPwrVariable(2, 1, L"HibernateTimeOut"));
+        }
+    }
+    sound.Restore();
+}
+
+TEST_F(UsersPolicy, WithoutANumberTheTimesAreThoseOfScheme0)
+{
+    const int times = static_cast<int>(Policy(0).user.SpindownTimeoutDc);
+    for (const DWORD type : {DWORD{REG_BINARY}, DWORD{REG_DWORD}, DWORD{REG_NONE}})
+    {
+        ASSERT_TRUE(type == REG_NONE ? RegistryEditor::RemoveValue(m_power, "CurrentPowerPolicy")
+                                     : RegistryEditor::Write(m_power, "CurrentPowerPolicy",
+                                                             {type, std::string("5\0\0\0", 4)}));
+        ASSERT_EQ(1, engine.SetPwrVariable(2, 0, L"DiskOffTimeOut", 600));
+        EXPECT_THAT(LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); }),
+                    Contains("ReadUserActivePowerScheme: Query CurrentPowerPolicy at Key " +
+                             m_power.substr(m_power.find('\\') + 1) + " failed"));
+        EXPECT_EQ(times, engine.GetPwrVariable(2, 0, L"DiskOffTimeOut"));
+    }
+}
+
+TEST_F(UsersPolicy, OfAUserWhoIsNotLoggedOnChangesNothing)
+{
+    ASSERT_TRUE(Notebook::LogOff("alice"));
+    const POWER_POLICY before = Policy(2);
+    const auto calls = CallsOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); });
+    EXPECT_THAT(calls, testing::Each(testing::Not(testing::HasSubstr("Write"))));
+    const POWER_POLICY after = Policy(2);
+    EXPECT_EQ(BytesOf(before), BytesOf(after));
+}
+
+// The machine's part stays, and without the function that gives it nothing is written and nothing claimed.
+TEST_F(UsersPolicy, TheGlobalPolicyIsTheUsersButForTheMachinesPart)
 {
     GLOBAL_POWER_POLICY before{};
     ASSERT_TRUE(ReadGlobalPwrPolicy(&before));
     GLOBAL_USER_POWER_POLICY user = before.user;
-    user.GlobalFlags ^= EnablePasswordLogon;
     user.LidCloseAc.Action = PowerActionHibernate;
-    SetPolicies("GlobalPowerPolicy", &user, sizeof user);
-
-    // Without the one function there is no machine part to keep, so nothing is written and nothing claimed.
-    ASSERT_TRUE(Notebook::SetModule("PowrProf.dll.ReadGlobalPwrPolicy", false));
-    const auto lines = LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); });
-    EXPECT_THAT(lines, Contains("Error! Can't get ReadGlobalPwrPolicy"));
-    EXPECT_THAT(lines, Not(Contains("Success! fn_PWRDL_WriteGlobalPwrPolicy")));
-    ASSERT_TRUE(Notebook::SetModule("PowrProf.dll.ReadGlobalPwrPolicy", true));
-    GLOBAL_POWER_POLICY after{};
-    ASSERT_TRUE(ReadGlobalPwrPolicy(&after));
-    EXPECT_EQ(BytesOf(before), BytesOf(after));
-
-    engine.SetGolbalPwrPolicyFromCurrentUser(2);
-    ASSERT_TRUE(ReadGlobalPwrPolicy(&after));
-    EXPECT_EQ(BytesOf(user), BytesOf(after.user));
-    EXPECT_EQ(BytesOf(before.mach), BytesOf(after.mach));
-
-    const BYTE other[177] = {};
-    for (const auto& [type, size] :
-         {std::pair{REG_BINARY, 177U}, {REG_BINARY, 175U}, {REG_BINARY, 0U}, {REG_SZ, 10U}, {REG_SZ, 176U}})
+    ASSERT_TRUE(
+        RegistryEditor::Write(m_power + "\\GlobalPowerPolicy", "Policies", {REG_BINARY, BytesOf(user)}));
+    for (const bool isPresent : {false, true})
     {
-        SetPolicies("GlobalPowerPolicy", other, size, static_cast<DWORD>(type));
-        const std::string line = LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); }).back();
-        EXPECT_THAT(line,
-                    testing::HasSubstr("ReadUserPowerPolicy: Query value Policies at Key " + SidOf("alice") +
-                                       "\\Control Panel\\PowerCfg\\GlobalPowerPolicy " +
-                                       "failed, nsize=" + std::to_string(size) + ",error="));
-        EXPECT_EQ(size <= 176, line.ends_with("error=13")) << "the query itself succeeded";
-        GLOBAL_POWER_POLICY still{};
-        ASSERT_TRUE(ReadGlobalPwrPolicy(&still));
-        EXPECT_EQ(BytesOf(after), BytesOf(still)) << size;
-    }
-}
-
-TEST_F(XpApply, ARecordOfAnotherTypeOrTooShortIsUnreadable)
-{
-    const std::string machine =
-        "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg\\PowerPolicies\\5";
-    const std::string user = SidOf("alice") + "\\Control Panel\\PowerCfg";
-    const std::string schemes = user + "\\PowerPolicies";
-    BYTE bytes[100] = {};
-    const auto readUser = [&](ULONG room)
-    { return engine.ReadUserPowerPolicy(5, seeding::Wide(schemes).data(), bytes, &room); };
-    const auto readMachine = [&](ULONG room) { return engine.ReadMachinePowerPolicy(5, bytes, &room); };
-    struct Row
-    {
-        DWORD type;
-        int more; ///< bytes than the record's
-        int result;
-    };
-    for (const Row& row : {Row{REG_BINARY, 0, 1}, Row{REG_BINARY, -1, 0}, Row{REG_BINARY, 1, 0},
-                           Row{REG_SZ, 0, 0}, Row{REG_DWORD, 0, 0}})
-    {
-        const BYTE value[81] = {};
-        SetPolicies("PowerPolicies\\5", value, static_cast<DWORD>(80 + row.more), row.type);
-        SetValue(HKEY_LOCAL_MACHINE, machine, L"Policies", value, static_cast<DWORD>(64 + row.more),
-                 row.type);
-        const auto lines = LinesOf(
-            [&]
-            {
-                EXPECT_EQ(row.result, readUser(80)) << row.type << ' ' << row.more;
-                EXPECT_EQ(row.result, readMachine(64)) << row.type << ' ' << row.more;
-            });
-        const std::string error = row.more > 0 ? "" : "13";
-        EXPECT_EQ(row.result == 0 ? 2U : 0U, lines.size());
-        for (const std::string& line : lines)
-        {
-            const bool isUser = &line == &lines.front();
-            EXPECT_THAT(line,
-                        testing::StartsWith(
-                            (isUser ? "ReadUserPowerPolicy: Query value Policies at Key " + schemes + "\\5"
-                                    : "ReadMachinePowerPolicy: Query value Policies at Key " + machine) +
-                            " failed, error=" + error));
-        }
-        // Room for more than the record doesn't make the record too short.
-        EXPECT_EQ(row.type == REG_BINARY && row.more >= 0 ? 1 : 0, readUser(100));
-    }
-
-    const auto readActive = [&] { return engine.ReadUserActivePowerScheme(seeding::Wide(user).data()); };
-    for (const auto& [type, result] : {std::pair{REG_SZ, 5}, {REG_BINARY, 0}, {REG_DWORD, 0}})
-    {
-        SetValue(HKEY_USERS, user, L"CurrentPowerPolicy", L"5", 4, static_cast<DWORD>(type));
-        EXPECT_THAT(LinesOf([&, wanted = result] { EXPECT_EQ(wanted, readActive()) << type; }),
-                    ElementsAre(result != 0 ? "ReadUserActivePowerScheme: Query current ID is 5"
-                                            : "ReadUserActivePowerScheme: Query CurrentPowerPolicy at Key " +
-                                                  user + " failed"));
+        ASSERT_TRUE(Notebook::SetModule("PowrProf.dll.ReadGlobalPwrPolicy", isPresent));
+        const auto lines = LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); });
+        EXPECT_EQ(isPresent ? 1 : 0,
+                  std::count(lines.begin(), lines.end(), "Success! fn_PWRDL_WriteGlobalPwrPolicy"));
+        ASSERT_TRUE(Notebook::SetModule("PowrProf.dll.ReadGlobalPwrPolicy", true));
+        GLOBAL_POWER_POLICY after{};
+        ASSERT_TRUE(ReadGlobalPwrPolicy(&after));
+        EXPECT_EQ(BytesOf(isPresent ? user : before.user), BytesOf(after.user));
+        EXPECT_EQ(BytesOf(before.mach), BytesOf(after.mach));
     }
 }
 

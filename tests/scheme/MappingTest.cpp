@@ -4,6 +4,8 @@
 
 #include "scheme/SchemeTest.h"
 
+#include "notebook/RegistryEditor.h"
+
 #include <gmock/gmock.h>
 
 using namespace simulated;
@@ -35,32 +37,71 @@ TEST_F(VistaMapping, AFailedStartLeavesThePathAsItWas)
 {
     Engine fresh;
     Faults::Inject("GetVersionExW", 1, ERROR_INVALID_PARAMETER, true);
-    EXPECT_THAT(LinesOf([&] { engine.Initialize(); }),
-                ElementsAre("CSchemeEx::Initialize GetVersionEx failed"));
+    engine.Initialize();
     fresh.Initialize();
     EXPECT_EQ(1, engine.m_bVista);
     EXPECT_EQ(0, fresh.m_bVista);
     Faults::Clear();
-
     ASSERT_TRUE(Notebook::SetModule("PowrProf.dll", false));
-    EXPECT_THAT(LinesOf([&] { fresh.Initialize(); }), ElementsAre("CSchemeEx::Initialize hModule==NULL"));
+    fresh.Initialize();
     EXPECT_EQ(0, fresh.m_bVista);
+}
+
+// Without a function what needs it fails, whatever the others could do, and no row is taken for stale.
+TEST_F(VistaMapping, AMissingFunctionFailsWhatNeedsIt)
+{
+    struct Row
+    {
+        const char* function;
+        int result;
+        std::function<int()> work;
+    };
+    GUID own = kUnknown;
+    GUID* copy = &own;
+    ASSERT_EQ(0U, PowerDuplicateScheme(nullptr, &kBalanced, &copy));
+    ASSERT_TRUE(Store(5, "GUID", "{01234567-89AB-CDEF-0123-456789ABCDEF}"));
+    const Row rows[] = {
+        {"PowerGetActiveScheme", -1, [&] { return engine.GetActivePwrScheme(0); }},
+        {"PowerSetActiveScheme", -1, [&] { return engine.SetActivePwrScheme(2); }},
+        {"PowerReadFriendlyName", 0, [&] { return engine.FindPwrScheme(1); }},
+        {"PowerReadACValueIndex", -1, [&] { return engine.GetPwrVariable(1, 0, L"DiskOffTimeOut"); }},
+        {"PowerReadDCValueIndex", -1, [&] { return engine.GetPwrVariable(1, 1, L"DiskOffTimeOut"); }},
+        {"PowerWriteACValueIndex", -1, [&] { return engine.SetPwrVariable(1, 0, L"Wifi", 1); }},
+        {"PowerWriteDCValueIndex", -1, [&] { return engine.SetPwrVariable(1, 1, L"Wifi", 1); }},
+        {"PowerDeleteScheme", 0, [&] { return engine.DeletePwrScheme(5, L"alice"); }},
+    };
+    const auto before = seeding::ReadBytes(Values());
+    for (const Row& row : rows)
+    {
+        const std::string function = std::string("PowrProf.dll.") + row.function;
+        ASSERT_TRUE(Notebook::SetModule(function, false));
+        engine.Initialize();
+        EXPECT_EQ(row.result, row.work()) << row.function;
+        EXPECT_EQ(before, seeding::ReadBytes(Values())) << row.function;
+        ASSERT_TRUE(Notebook::SetModule(function, true));
+    }
+    engine.Initialize();
+    EXPECT_EQ(1, engine.DeletePwrScheme(5, L"alice"));
+    EXPECT_EQ(kAbsent, Stored(5, "GUID"));
 }
 
 TEST_F(XpMapping, SchemesAreTheSubkeysOfTheStores)
 {
+    const std::string own = "HKEY_CURRENT_USER\\Control Panel\\PowerCfg\\PowerPolicies\\";
     EXPECT_EQ(1, engine.FindPwrScheme(5));
     EXPECT_EQ(0, engine.FindPwrScheme(6));
     EXPECT_EQ(5, engine.GetPwrSchemeMaxIndex());
-    ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE,
-                                   "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls "
-                                   "Folder\\PowerCfg\\PowerPolicies\\17",
-                                   "x", 0));
+    ASSERT_TRUE(seeding::MakeKey(HKEY_LOCAL_MACHINE, "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls "
+                                                     "Folder\\PowerCfg\\PowerPolicies\\17"));
     EXPECT_EQ(17, engine.GetPwrSchemeMaxIndex());
     EXPECT_EQ(0, engine.FindPwrScheme(17));
-    // A name without digits counts as number 0.
-    ASSERT_TRUE(seeding::SetNumber(HKEY_CURRENT_USER, "Control Panel\\PowerCfg\\PowerPolicies\\12x", "x", 0));
+    // A name counts as the number that it begins with, and as 0 without one.
+    ASSERT_TRUE(RegistryEditor::RemoveKey(own + '0'));
+    EXPECT_EQ(0, engine.FindPwrScheme(0));
+    ASSERT_TRUE(RegistryEditor::WriteNumber(own + "12x", "x", 0));
+    EXPECT_EQ(0, engine.FindPwrScheme(0));
     EXPECT_EQ(1, engine.FindPwrScheme(12));
+    ASSERT_TRUE(RegistryEditor::WriteNumber(own + "x12", "x", 0));
     EXPECT_EQ(1, engine.FindPwrScheme(0));
 }
 
@@ -72,6 +113,7 @@ TEST_F(VistaMapping, RowsAndGuidsLeadToEachOther)
     EXPECT_EQ(1, engine.SchemeGuidToIndex(&guid));
     EXPECT_EQ(3, engine.GetPwrSchemeMaxIndex());
     EXPECT_EQ(-1, engine.SchemeGuidToIndex(&kUnknown));
+    EXPECT_EQ(-1, engine.SchemeGuidToIndex(nullptr));
     EXPECT_EQ(0, engine.SchemeIndexToGuid(-1, &guid));
     EXPECT_EQ(0, engine.SchemeIndexToGuid(1, nullptr));
     EXPECT_EQ(0, engine.FindPwrScheme(7));
@@ -87,11 +129,6 @@ TEST_F(VistaMapping, AStaleRowGoesWithAllThatItHolds)
     EXPECT_EQ(3, engine.GetPwrSchemeMaxIndex());
     Faults::Inject("PowerReadFriendlyName", 1, ERROR_MORE_DATA);
     EXPECT_EQ(1, engine.FindPwrScheme(1));
-    // Without the one function that knows, no row may be taken for stale.
-    ASSERT_TRUE(Notebook::SetModule("PowrProf.dll.PowerReadFriendlyName", false));
-    engine.Initialize();
-    EXPECT_EQ(0, engine.FindPwrScheme(1));
-    EXPECT_NE(kAbsent, Stored(1, "GUID"));
 }
 
 TEST_F(VistaMapping, TheSearchSkipsGapsAndEndsAtABrokenRow)
@@ -110,16 +147,19 @@ TEST_F(VistaMapping, TheSearchSkipsGapsAndEndsAtABrokenRow)
 
 TEST_F(VistaMapping, AnUnknownActiveSchemeGetsTheNextRow)
 {
-    GUID* copy = nullptr;
+    GUID unknown = kUnknown;
+    GUID* copy = &unknown;
     ASSERT_EQ(0U, PowerDuplicateScheme(nullptr, &kBalanced, &copy));
     ASSERT_EQ(0U, PowerSetActiveScheme(nullptr, copy));
-    EXPECT_EQ(3, engine.GetActivePwrScheme(0));
-    EXPECT_EQ(4, engine.GetPwrSchemeMaxIndex());
-    GUID guid{};
-    EXPECT_EQ(1, engine.SchemeIndexToGuid(3, &guid));
-    EXPECT_EQ(BytesOf(*copy), BytesOf(guid));
-    EXPECT_EQ(3, engine.GetActivePwrScheme(0));
-    LocalFree(copy);
+    Faults::Inject("WritePrivateProfileStringW", 1, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(-1, engine.GetActivePwrScheme(0));
+    EXPECT_EQ(3, engine.GetPwrSchemeMaxIndex());
+    for (int request = 0; request < 2; ++request)
+    {
+        EXPECT_EQ(3, engine.GetActivePwrScheme(0));
+        EXPECT_EQ(4, engine.GetPwrSchemeMaxIndex());
+        EXPECT_EQ("{01234567-89AB-cdef-0123-456789ABCDEF}", Stored(3, "GUID"));
+    }
 }
 
 // The active scheme's own row stands behind one that ends the search.

@@ -60,13 +60,6 @@ TEST_F(XpMissingFiles, CountAsFilesThatCantBeOpened)
     set.schemeID = 6;
     set.IfShow = 1;
     ASSERT_EQ(1, engine.SetPwrCfgVariable(set));
-    // Every root is tried with a scheme in the operating system that is still to be deleted.
-    const auto create = [](UINT number)
-    {
-        POWER_POLICY policy = Policy(3);
-        EXPECT_TRUE(WritePwrScheme(&number, seeding::Wide("x").data(), seeding::Wide("").data(), &policy));
-        return static_cast<int>(number);
-    };
     Expect({
         {"GetPwrVariable", -1, [&] { return engine.GetPwrVariable(6, 1, L"Wifi"); }},
         {"GetPwrVariableAll", 0,
@@ -79,13 +72,8 @@ TEST_F(XpMissingFiles, CountAsFilesThatCantBeOpened)
         {"AddtoUserList", -1, [&] { return engine.AddtoUserList(L"alice"); }},
         {"AddtoUserScheme", -1, [&] { return engine.AddtoUserScheme(L"x", L"alice", 9); }},
         {"AddPwrScheme", 1,
-         [&]
-         {
-             const int added = engine.AddPwrScheme(L"Mine", L"", 3, L"alice");
-             return engine.FindPwrScheme(added);
-         }},
-        {"DeletePwrScheme", 0, [&] { return engine.DeletePwrScheme(create(20)); }},
-        {"DeletePwrScheme of a user", 0, [&] { return engine.DeletePwrScheme(create(20), L"alice"); }},
+         [&] { return engine.FindPwrScheme(engine.AddPwrScheme(L"Mine", L"", 3, L"alice")); }},
+        {"DeletePwrScheme", 0, [&] { return engine.DeletePwrScheme(engine.GetPwrSchemeMaxIndex()); }},
         {"ClearCurrentUserSettings", -1, [&] { return engine.ClearCurrentUserSettings(); }},
         {"ClearPwrSchemes", -1, [&] { return engine.ClearPwrSchemes(); }},
     });

@@ -7,10 +7,9 @@
 #include "scheme/VariableTable.h"
 
 #include "notebook/PowerSource.h"
+#include "notebook/RegistryEditor.h"
 
 #include <gmock/gmock.h>
-
-#include <cmath>
 
 using namespace simulated;
 using testing::ElementsAre;
@@ -24,84 +23,75 @@ constexpr const char* kApplicationKey = "SOFTWARE\\Kelvo\\ORVA";
 
 using PresentState = SchemeTest;
 
-void SetLine(BYTE line)
+// The text of a value that ends with its terminator.
+std::string TextOf(const registry::Value& value)
 {
-    PowerAnswers answers = PowerSource::Get();
-    answers.status.ACLineStatus = line;
-    ASSERT_TRUE(PowerSource::Set(answers));
+    std::string text;
+    for (std::size_t place = 0; place < value.bytes.size(); place += sizeof(wchar_t))
+    {
+        text += value.bytes[place];
+    }
+    return text.ends_with('\0') ? text.substr(0, text.size() - 1) : text + "...";
 }
 
 TEST_F(PresentState, SpeedBelongsToTheSourceThatFeedsTheMachine)
 {
-    const int active = engine.GetActivePwrScheme(0);
-    const int battery = engine.GetPwrVariable(active, 0, L"CpuSpeed");
-    SetLine(AC_LINE_ONLINE);
-    const int before = engine.GetCPUSpeed();
-    EXPECT_EQ(before, engine.SetCPUSpeed(75));
-    EXPECT_EQ(75, engine.SetCPUSpeed(75));
-    EXPECT_EQ(75, engine.GetCPUSpeed());
-    EXPECT_EQ(battery, engine.GetPwrVariable(active, 0, L"CpuSpeed"));
-    // Whatever isn't mains for certain counts as battery.
-    SetLine(AC_LINE_UNKNOWN);
-    EXPECT_EQ(0, engine.GetIfAC());
-    EXPECT_EQ(battery, engine.SetCPUSpeed(50));
-    EXPECT_EQ(75, engine.GetPwrVariable(active, 1, L"CpuSpeed"));
-    EXPECT_EQ(50, engine.GetPwrVariable(active, 0, L"CpuSpeed"));
-}
-
-TEST_F(PresentState, ARefusedSpeedStillAppliesTheScheme)
-{
-    const int speed = engine.GetCPUSpeed();
-    const auto calls = CallsOf([&] { EXPECT_EQ(speed, engine.SetCPUSpeed(33)); });
-    EXPECT_THAT(calls, testing::Contains("SetActivePwrScheme"));
-    EXPECT_EQ(speed, engine.GetCPUSpeed());
-    Faults::Inject("GetActivePwrScheme", 1, ERROR_FILE_NOT_FOUND);
+    struct Row
+    {
+        BYTE line;
+        int ifAC;
+        int before;
+        int speed; ///< 33 isn't offered
+        int after;
+    };
+    ASSERT_EQ(1, engine.SetPwrVariable(1, 1, L"CpuSpeed", 100));
+    ASSERT_EQ(1, engine.SetPwrVariable(1, 0, L"CpuSpeed", 50));
+    for (const Row& row : {Row{AC_LINE_ONLINE, 1, 100, 75, 75}, Row{AC_LINE_ONLINE, 1, 75, 33, 75},
+                           Row{AC_LINE_OFFLINE, 0, 50, 100, 100}, Row{AC_LINE_UNKNOWN, 0, 100, 50, 50}})
+    {
+        PowerAnswers answers = PowerSource::Get();
+        answers.status.ACLineStatus = row.line;
+        ASSERT_TRUE(PowerSource::Set(answers));
+        EXPECT_EQ(row.ifAC, engine.GetIfAC());
+        EXPECT_EQ(row.before, engine.GetCPUSpeed());
+        const int other = engine.GetPwrVariable(1, 1 - row.ifAC, L"CpuSpeed");
+        // Also a refused speed applies the scheme.
+        EXPECT_THAT(CallsOf([&] { EXPECT_EQ(row.before, engine.SetCPUSpeed(row.speed)); }),
+                    testing::Contains("SetActivePwrScheme"));
+        EXPECT_EQ(row.after, engine.GetPwrVariable(1, row.ifAC, L"CpuSpeed"));
+        EXPECT_EQ(other, engine.GetPwrVariable(1, 1 - row.ifAC, L"CpuSpeed"));
+    }
+    Faults::Inject("GetActivePwrScheme", 1, ERROR_FILE_NOT_FOUND, true);
+    EXPECT_EQ(-1, engine.GetCPUSpeed());
     EXPECT_THAT(CallsOf([&] { EXPECT_EQ(-1, engine.SetCPUSpeed(50)); }), ElementsAre("GetActivePwrScheme"));
 }
 
-TEST_F(PresentState, AutoRunTakesTheOldEntryOutAndRecordsAnyFlag)
-{
-    ASSERT_TRUE(seeding::SetText(HKEY_LOCAL_MACHINE, kRunKey, "ORVA.exe", "old"));
-    ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag", 9));
-    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.SetAutoRunORVA(0, nullptr, 0)); }),
-                ElementsAre("WriteAutoRunSettings: flag = 0 delete Key failed at 2"));
-    EXPECT_FALSE(seeding::GetText(HKEY_LOCAL_MACHINE, kRunKey, "ORVA.exe").has_value());
-    EXPECT_EQ("0", seeding::GetKey(Root(), "ORVACfg", "AutoRun"));
-    EXPECT_EQ(1, engine.SetAutoRunORVA(2, nullptr, 0));
-    EXPECT_EQ("2", seeding::GetKey(Root(), "ORVACfg", "AutoRun"));
-    EXPECT_EQ(2U, seeding::GetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag"));
-    EXPECT_EQ(0, engine.SetAutoRunORVA(1, nullptr, 0));
-}
-
-TEST_F(PresentState, AutoRunFailuresLeaveWhatWasDoneBefore)
+TEST_F(PresentState, AutoRunTakesBothEntriesOutAndRecordsAnyFlag)
 {
     struct Row
     {
-        const char* function;
-        unsigned nth;
+        int flag;
+        const wchar_t* path;
+        ULONG size;
         int result;
-        const char* line;
-        bool entered;
-        const char* recorded;
+        const char* entry; ///< in the key "Run"
+        int recorded;
     };
+    ASSERT_TRUE(seeding::SetText(HKEY_LOCAL_MACHINE, kRunKey, "ORVA.exe", "old"));
     ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag", 9));
-    for (const Row& row :
-         {Row{"RegOpenKeyExW", 1, 0,
-              "WriteAutoRunSettings: Open Key Software\\Microsoft\\Windows\\CurrentVersion\\Run failed at 5!",
-              false, "0"},
-          Row{"RegSetValueExW", 1, 0, "WriteAutoRunSettings: Write ORVA path into Run failed at 5", false,
-              "0"},
-          Row{"RegOpenKeyExW", 2, 0, "SetAutoRunORVA: Open Key SOFTWARE\\Kelvo\\ORVA failed at 5!", true,
-              "0"},
-          Row{"RegSetValueExW", 2, 1, "SetAutoRunORVA: Write value AutoRunFlag failed at 5", true, "1"}})
+    for (const Row& row : {Row{1, L"C:\\ORVA.exe", 260, 1, "C:\\ORVA.exe", 1},
+                           Row{1, nullptr, 0, 0, "C:\\ORVA.exe", 1}, Row{2, nullptr, 0, 1, "C:\\ORVA.exe", 2},
+                           Row{0, nullptr, 0, 1, kAbsent, 0}, Row{1, L"C:\\cut", 5, 1, "C:\\cu...", 1},
+                           Row{0, nullptr, 0, 1, kAbsent, 0}, Row{0, nullptr, 0, 0, kAbsent, 0}})
     {
-        Faults::Inject(row.function, row.nth, ERROR_ACCESS_DENIED);
-        EXPECT_THAT(LinesOf([&] { EXPECT_EQ(row.result, engine.SetAutoRunORVA(1, L"C:\\ORVA.exe", 260)); }),
-                    ElementsAre(row.line));
-        EXPECT_EQ(row.entered, seeding::RemoveValue(HKEY_LOCAL_MACHINE, kRunKey, "ORVA"));
-        EXPECT_EQ(row.recorded, seeding::GetKey(Root(), "ORVACfg", "AutoRun"));
-        EXPECT_EQ(9U, seeding::GetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag"));
+        EXPECT_EQ(row.result, engine.SetAutoRunORVA(row.flag, row.path, row.size));
+        const auto entry = RegistryEditor::Read(std::string("HKEY_LOCAL_MACHINE\\") + kRunKey, "ORVA");
+        EXPECT_EQ(row.entry, entry ? TextOf(*entry) : kAbsent);
+        EXPECT_EQ(std::to_string(row.recorded), seeding::GetKey(Root(), "ORVACfg", "AutoRun"));
+        EXPECT_EQ(static_cast<DWORD>(row.recorded),
+                  seeding::GetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag"));
     }
+    EXPECT_FALSE(seeding::GetText(HKEY_LOCAL_MACHINE, kRunKey, "ORVA.exe").has_value());
 }
 
 TEST_F(PresentState, BatteryItemsAreFoundByTheirConfiguredPlace)
@@ -167,6 +157,7 @@ TEST_F(PresentState, LiveDevicesGoByTheirVariablesName)
 {
     int status = 77;
     EXPECT_EQ(-1, engine.GetDeviceStatus(L"Nothing", &status));
+    EXPECT_EQ(-1, engine.SetDeviceStatus(L"Nothing", 1));
     EXPECT_TRUE(CallsOf(
                     [&]
                     {
@@ -177,27 +168,35 @@ TEST_F(PresentState, LiveDevicesGoByTheirVariablesName)
                     })
                     .empty());
     EXPECT_EQ(77, status);
-    EXPECT_GE(engine.SetDeviceStatus(L"BTStatus", 0), 0);
-    EXPECT_GE(engine.SetDeviceStatus(L"wifi", 1), 0);
-    EXPECT_EQ(0, engine.GetDeviceStatus(L"btstatus", &status));
-    EXPECT_EQ(0, status);
-    EXPECT_EQ(1, engine.GetDeviceStatus(L"Wifi", &status));
-    EXPECT_EQ(1, status);
+    for (const auto& [radio, value] :
+         {std::pair{L"btstatus", 0}, {L"btstatus", 1}, {L"Wifi", 0}, {L"Wifi", 1}})
+    {
+        EXPECT_EQ(1, engine.SetDeviceStatus(radio, value));
+        EXPECT_EQ(value, engine.GetDeviceStatus(radio, &status));
+        EXPECT_EQ(value, status);
+    }
+    ASSERT_EQ(1, engine.SetDeviceStatus(L"BTStatus", 0));
+    EXPECT_EQ(1, engine.GetDeviceStatus(L"Wifi", &status)) << "switched by the other's name";
     for (int number = kFirstChipsetFunction; number < kFirstUsbPort; ++number)
     {
         const wchar_t* name = VariableOf(number).name;
+        SCOPED_TRACE(seeding::Utf8(name));
         for (const int disabled : {1, 0})
         {
-            status = 77;
-            // A function that this chipset doesn't have is refused.
-            EXPECT_TRUE(engine.SetDeviceStatus(name, disabled) == -1 ||
-                        (engine.GetDeviceStatus(name, &status) == 0 && status == disabled))
-                << seeding::Utf8(name);
+            EXPECT_EQ(0, engine.SetDeviceStatus(name, disabled));
+            EXPECT_EQ(0, engine.GetDeviceStatus(name, &status));
+            EXPECT_EQ(disabled, status);
         }
     }
     Faults::Inject("CreateFileW", 1, ERROR_FILE_NOT_FOUND, true);
-    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, engine.GetDeviceStatus(L"Wifi", &status)); }).back(),
-                testing::StartsWith("Get Wifi device status failed for HRESULT: 0x8"));
+    for (const wchar_t* const name : {L"Wifi", L"HD Audio"})
+    {
+        const std::string device = seeding::Utf8(name) + " device status failed for HRESULT: 0x80";
+        EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, engine.GetDeviceStatus(name, &status)); }).back(),
+                    testing::StartsWith("Get " + device));
+        EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, engine.SetDeviceStatus(name, 1)); }).back(),
+                    testing::StartsWith("Set " + device));
+    }
 }
 
 } // namespace

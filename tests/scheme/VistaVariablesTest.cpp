@@ -84,34 +84,88 @@ TEST_F(VistaVariables, AFirstReadStoresTheDefault)
     }
 }
 
-TEST_F(VistaVariables, TheAdaptivePolicySetsTheProcessor)
+TEST_F(VistaVariables, TheAdaptivePolicySetsTheProcessorUpToTheFirstRefusal)
 {
-    for (const auto& [ifAC, value, policy, fixesRange] :
-         {std::tuple{1, 0, 4, true}, {0, 0, 5, true}, {1, 3, 2, false}, {0, 1, 3, false}})
+    struct Row
     {
-        const bool ac = ifAC != 0;
-        ASSERT_EQ(50, engine.SetPwrVariable(kScheme, ifAC, L"CpuSpeedMin", 50));
-        ASSERT_EQ(70, engine.SetPwrVariable(kScheme, ifAC, L"CpuSpeedMax", 70));
-        ASSERT_EQ(value, engine.SetPwrVariable(kScheme, ifAC, L"CpuAdaptive", value));
-        EXPECT_EQ(policy, ProcessorSetting(ac, kFirstPolicy));
-        EXPECT_EQ(policy, ProcessorSetting(ac, kSecondPolicy));
-        EXPECT_EQ(fixesRange ? 100 : 50, ProcessorSetting(ac, kThrottleMinimum));
-        EXPECT_EQ(fixesRange ? 100 : 70, ProcessorSetting(ac, kThrottleMaximum));
+        int ifAC;
+        int value;
+        unsigned refused; ///< the write that fails; 0 for none
+        int first;
+        int second;
+        int minimum;
+        int maximum;
+    };
+    for (const Row& row :
+         {Row{1, 0, 0, 4, 4, 100, 100}, Row{0, 0, 0, 5, 5, 100, 100}, Row{1, 3, 0, 2, 2, 50, 70},
+          Row{0, 1, 0, 3, 3, 50, 70}, Row{1, 0, 1, 9, 9, 50, 70}, Row{1, 0, 2, 4, 9, 50, 70},
+          Row{0, 0, 3, 5, 5, 50, 70}, Row{0, 0, 4, 5, 5, 100, 70}})
+    {
+        SCOPED_TRACE(testing::Message() << row.ifAC << row.value << row.refused);
+        const bool ac = row.ifAC != 0;
+        ASSERT_EQ(50, engine.SetPwrVariable(kScheme, row.ifAC, L"CpuSpeedMin", 50));
+        ASSERT_EQ(70, engine.SetPwrVariable(kScheme, row.ifAC, L"CpuSpeedMax", 70));
+        for (const GUID* const policy : {&kFirstPolicy, &kSecondPolicy})
+        {
+            const auto write = ac ? PowerWriteACValueIndex : PowerWriteDCValueIndex;
+            ASSERT_EQ(0U, write(nullptr, &kBalanced, &kProcessor, policy, 9));
+        }
+        if (row.refused != 0)
+        {
+            Faults::Inject(ac ? "PowerWriteACValueIndex" : "PowerWriteDCValueIndex", row.refused,
+                           ERROR_ACCESS_DENIED);
+        }
+        EXPECT_EQ(row.refused != 0 ? -1 : row.value,
+                  engine.SetPwrVariable(kScheme, row.ifAC, L"CpuAdaptive", row.value));
+        EXPECT_EQ(row.value, engine.GetPwrVariable(kScheme, row.ifAC, L"CpuAdaptive"));
+        EXPECT_EQ(row.first, ProcessorSetting(ac, kFirstPolicy));
+        EXPECT_EQ(row.second, ProcessorSetting(ac, kSecondPolicy));
+        EXPECT_EQ(row.minimum, ProcessorSetting(ac, kThrottleMinimum));
+        EXPECT_EQ(row.maximum, ProcessorSetting(ac, kThrottleMaximum));
     }
-    // A refusal leaves what was written before it.
-    Faults::Inject("PowerWriteACValueIndex", 3, ERROR_ACCESS_DENIED);
-    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"CpuAdaptive", 0));
-    EXPECT_EQ(4, ProcessorSetting(true, kSecondPolicy));
-    EXPECT_EQ(50, ProcessorSetting(true, kThrottleMinimum));
-    EXPECT_EQ(0, engine.GetPwrVariable(kScheme, 1, L"CpuAdaptive"));
-
     // Speed 0 turns the policy on for its source, and another speed leaves it on.
-    for (const int speed : {0, 50})
+    for (const int ifAC : {1, 0})
     {
-        EXPECT_EQ(speed, engine.SetPwrVariable(kScheme, 1, L"CpuSpeed", speed));
-        EXPECT_EQ(3, engine.GetPwrVariable(kScheme, 1, L"CpuAdaptive"));
-        EXPECT_EQ(2, ProcessorSetting(true, kFirstPolicy));
-        EXPECT_EQ(1, engine.GetPwrVariable(kScheme, 0, L"CpuAdaptive"));
+        for (const int speed : {0, 50})
+        {
+            EXPECT_EQ(speed, engine.SetPwrVariable(kScheme, ifAC, L"CpuSpeed", speed));
+            EXPECT_EQ(3, engine.GetPwrVariable(kScheme, ifAC, L"CpuAdaptive"));
+            EXPECT_EQ(ifAC != 0 ? 2 : 3, ProcessorSetting(ifAC != 0, kFirstPolicy));
+            EXPECT_EQ(ifAC != 0 ? 0 : 3, engine.GetPwrVariable(kScheme, 0, L"CpuAdaptive"));
+        }
+    }
+}
+
+TEST_F(VistaVariables, ARefusedReadOrWriteFails)
+{
+    struct Row
+    {
+        const wchar_t* name;
+        int ac;
+        int dc;
+        int more; ///< what a refused write would store
+    };
+    for (const Row& row :
+         {Row{L"MonitorOffTimeOut", 60, 120, 180}, Row{L"DiskOffTimeOut", 60, 120, 180},
+          Row{L"StandbyTimeOut", 60, 120, 180}, Row{L"HibernateTimeOut", 60, 120, 180},
+          Row{L"CpuSpeedMin", 50, 60, 70}, Row{L"CpuSpeedMax", 80, 90, 100}, Row{L"BacklightLevel", 3, 5, 7}})
+    {
+        SCOPED_TRACE(seeding::Utf8(row.name));
+        for (const int ifAC : {1, 0})
+        {
+            ASSERT_LE(0, engine.SetPwrVariable(kScheme, ifAC, row.name, ifAC != 0 ? row.ac : row.dc));
+        }
+        for (const int ifAC : {1, 0})
+        {
+            const std::string source = ifAC != 0 ? "AC" : "DC";
+            Faults::Inject("PowerWrite" + source + "ValueIndex", 1, ERROR_ACCESS_DENIED);
+            EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, ifAC, row.name, row.more));
+            Faults::Inject("PowerRead" + source + "ValueIndex", 1, ERROR_ACCESS_DENIED);
+            EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, ifAC, row.name));
+            EXPECT_TRUE(Faults::AllHit());
+            Faults::Clear();
+            EXPECT_EQ(ifAC != 0 ? row.ac : row.dc, engine.GetPwrVariable(kScheme, ifAC, row.name));
+        }
     }
 }
 
@@ -123,11 +177,10 @@ TEST_F(VistaVariables, TheProcessorRangeIsTheOperatingSystems)
     EXPECT_EQ("3932240", Stored(kScheme, "CpuSpeedMax"));
     ASSERT_EQ(0U, PowerWriteDCValueIndex(nullptr, &kBalanced, &kProcessor, &kThrottleMaximum, 30));
     EXPECT_EQ(30, engine.GetPwrVariable(kScheme, 0, L"CpuSpeedMax"));
+    EXPECT_EQ("3932240", Stored(kScheme, "CpuSpeedMax"));
     ASSERT_TRUE(Store(kScheme, "CpuSpeedMax", "-1"));
     EXPECT_EQ(80, engine.GetPwrVariable(kScheme, 1, L"CpuSpeedMax"));
     EXPECT_EQ("1966160", Stored(kScheme, "CpuSpeedMax"));
-    Faults::Inject("PowerReadDCValueIndex", 1, ERROR_FILE_NOT_FOUND);
-    EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"CpuSpeedMax"));
 }
 
 TEST_F(VistaVariables, BacklightLevelsBecomePercentages)
@@ -156,27 +209,25 @@ TEST_F(VistaVariables, BacklightLevelsBecomePercentages)
     }
 }
 
-TEST_F(VistaVariables, ABrokenSettingOrAMissingFunctionReachesNoPowerFunction)
+TEST_F(VistaVariables, ABrokenSettingReachesNoPowerFunction)
 {
-    for (const char* text : {"", "nonsense", "{3C0BC021-C8A8-4E07-A973-6B14CBCB2B7", "{}"})
+    for (const char* const key : {"Guid", "SubGroupGuid"})
     {
-        ASSERT_TRUE(seeding::SetKey(Catalogue(), "MonitorOffTimeOut", "Guid", text));
-        const auto calls = CallsOf(
-            [&]
-            {
-                EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"MonitorOffTimeOut"));
-                EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"MonitorOffTimeOut", 60));
-            });
-        EXPECT_THAT(calls, Not(Contains("PowerReadACValueIndex")));
-        EXPECT_THAT(calls, Not(Contains("PowerWriteACValueIndex")));
+        const std::string sound = seeding::GetKey(Catalogue(), "MonitorOffTimeOut", key);
+        for (const char* text : {"", "nonsense", "{3C0BC021-C8A8-4E07-A973-6B14CBCB2B7", "{}"})
+        {
+            ASSERT_TRUE(seeding::SetKey(Catalogue(), "MonitorOffTimeOut", key, text));
+            const auto calls = CallsOf(
+                [&]
+                {
+                    EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"MonitorOffTimeOut"));
+                    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"MonitorOffTimeOut", 60));
+                });
+            EXPECT_THAT(calls, Not(Contains("PowerReadACValueIndex")));
+            EXPECT_THAT(calls, Not(Contains("PowerWriteACValueIndex")));
+        }
+        ASSERT_TRUE(seeding::SetKey(Catalogue(), "MonitorOffTimeOut", key, sound));
     }
-    ASSERT_TRUE(Notebook::SetModule("PowrProf.dll.PowerWriteDCValueIndex", false));
-    engine.Initialize();
-    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"Wifi", 1));
-    EXPECT_EQ(100, engine.GetPwrVariable(kScheme, 1, L"CpuSpeed"));
-    ASSERT_TRUE(Notebook::SetModule("PowrProf.dll.PowerReadDCValueIndex", false));
-    engine.Initialize();
-    EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"CpuSpeed"));
 }
 
 TEST_F(VistaVariables, NamesWithSettingsNeedTheCatalogueAndOthersDont)
@@ -185,6 +236,7 @@ TEST_F(VistaVariables, NamesWithSettingsNeedTheCatalogueAndOthersDont)
     GUID setting{};
     const auto calls = CallsOf([&] { EXPECT_EQ(7, engine.ParseVarName(L"CPUSPEED", &group, &setting)); });
     EXPECT_TRUE(calls.empty());
+    EXPECT_EQ(0, engine.ParseVarName(L"MonitorOffTimeOut", &group, &setting));
     EXPECT_EQ(8, engine.ParseVarName(L"BacklightLevel", &group, &setting));
     EXPECT_EQ(0xADED5E82U, setting.Data1);
     EXPECT_EQ(-1, engine.ParseVarName(L"BacklightLevel", nullptr, &setting));

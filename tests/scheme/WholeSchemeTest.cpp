@@ -4,10 +4,14 @@
 
 #include "scheme/SchemeTest.h"
 
+#include "notebook/Trace.h"
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
 
+using simulated::Trace;
+using simulated::TracedCall;
 using testing::Each;
 
 namespace
@@ -46,17 +50,42 @@ TEST_F(WholeScheme, AMissingSchemeReadsAsNothing)
 TEST_F(WholeScheme, ReadingChangingAndWritingLeavesTheRestAlone)
 {
     ASSERT_EQ(1, engine.SetPwrVariable(3, 1, L"Wifi", 1));
-    const POWER_POLICY before = Policy(3);
+    ASSERT_EQ(1, engine.SetPwrVariable(3, 1, L"StandbyTimeOut", 600)); // no action without a time
     PWRSET set{};
     ASSERT_EQ(1, engine.GetPwrVariableAll(set, 3));
     EXPECT_EQ(-1, set.ac.backlightLevel);
     set.ac.lanSpeed = 5;
-    engine.SetPwrVariable(set);
-    const POWER_POLICY after = Policy(3);
-    EXPECT_EQ(0, memcmp(&before.user.VideoTimeoutAc, &after.user.VideoTimeoutAc, 16));
-    EXPECT_EQ("-1", Stored(3, "BacklightLevel"));
-    EXPECT_EQ(1, engine.GetPwrVariable(3, 1, L"Wifi"));
+    const auto state = []
+    {
+        const POWER_POLICY power = Policy(3);
+        const MACHINE_PROCESSOR_POWER_POLICY processor = Processor(3);
+        return BytesOf(power) + BytesOf(processor) + seeding::ReadBytes(Values()).value_or("");
+    };
+    const std::string before = state();
+    EXPECT_EQ(3, engine.SetPwrVariable(set));
     EXPECT_EQ(5, engine.GetPwrVariable(3, 1, L"LanSpeed"));
+    ASSERT_TRUE(Store(3, "LanSpeed", "-1"));
+    EXPECT_EQ(before, state());
+}
+
+TEST_F(WholeScheme, TheStepsComeInTheirOrder)
+{
+    PWRSET set{};
+    set.schemeID = 3;
+    Trace::Clear();
+    engine.SetPwrVariable(set);
+    std::string order;
+    for (const TracedCall& call : Trace::CallsOf("GetPrivateProfileIntW"))
+    {
+        // Each write looks for its value in the catalogue.
+        if (call.arguments.find("OptionNumber") != std::string::npos)
+        {
+            order += call.arguments.substr(1, call.arguments.find('"', 1) - 1) + ' ';
+        }
+    }
+    EXPECT_EQ("CpuSpeed CpuSpeed StandbyTimeOut StandbyTimeOut MonitorOffTimeOut MonitorOffTimeOut "
+              "BacklightLevel BacklightLevel LANStatus LANStatus LanSpeed LanSpeed LUMS Wifi Wifi 3G 3G ",
+              order);
 }
 
 } // namespace

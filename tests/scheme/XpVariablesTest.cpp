@@ -9,6 +9,8 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
+
 using namespace simulated;
 using testing::Contains;
 using testing::ElementsAre;
@@ -18,22 +20,21 @@ namespace
 
 constexpr int kScheme = 3;
 
-using XpVariables = SchemeTest;
-
-TEST_F(XpVariables, PlainTimesLieInTheOperatingSystemBySource)
+class XpVariables : public SchemeTest
 {
-    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"MonitorOffTimeOut", 1200));
-    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 0, L"MonitorOffTimeOut", 60));
-    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"DiskOffTimeOut", 1800));
-    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 0, L"DiskOffTimeOut", 180));
-    const POWER_POLICY policy = Policy(kScheme);
-    EXPECT_EQ(1200U, policy.user.VideoTimeoutAc);
-    EXPECT_EQ(60U, policy.user.VideoTimeoutDc);
-    EXPECT_EQ(1800U, policy.user.SpindownTimeoutAc);
-    EXPECT_EQ(180U, policy.user.SpindownTimeoutDc);
-    EXPECT_EQ(1800, engine.GetPwrVariable(kScheme, 5, L"DiskOffTimeOut"));
-    EXPECT_EQ(60, engine.GetPwrVariable(kScheme, 0, L"monitorofftimeout"));
-}
+protected:
+    /// The same for both power sources.
+    static void SetIdle(POWER_ACTION action, ULONG idle, ULONG doze)
+    {
+        POWER_POLICY policy = Policy(kScheme);
+        memcpy(&policy.user.IdleAc.Action, &action, sizeof action);
+        memcpy(&policy.user.IdleDc.Action, &action, sizeof action);
+        policy.user.IdleTimeoutAc = policy.user.IdleTimeoutDc = idle;
+        policy.mach.DozeS4TimeoutAc = policy.mach.DozeS4TimeoutDc = doze;
+        UINT scheme = kScheme;
+        ASSERT_TRUE(WritePwrScheme(&scheme, nullptr, nullptr, &policy));
+    }
+};
 
 TEST_F(XpVariables, StandbyAndHibernationShareTheirFields)
 {
@@ -57,7 +58,19 @@ TEST_F(XpVariables, StandbyAndHibernationShareTheirFields)
     ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 0, L"StandbyTimeOut", 300));
     EXPECT_TRUE(
         LinesOf([&] { EXPECT_EQ(300, engine.GetPwrVariable(kScheme, 0, L"StandbyTimeOut")); }).empty());
-    EXPECT_EQ(2700, engine.GetPwrVariable(kScheme, 1, L"HibernateTimeOut"));
+    EXPECT_EQ(2700, engine.GetPwrVariable(kScheme, 5, L"hibernatetimeout"));
+
+    // A hibernate time at the standby time is refused on mains and means none on battery.
+    for (const int ifAC : {1, 0})
+    {
+        ASSERT_EQ(1, engine.SetPwrVariable(kScheme, ifAC, L"HibernateTimeOut", 0));
+        ASSERT_EQ(1, engine.SetPwrVariable(kScheme, ifAC, L"StandbyTimeOut", 600));
+        EXPECT_EQ(ifAC != 0 ? -2 : 1, engine.SetPwrVariable(kScheme, ifAC, L"HibernateTimeOut", 600));
+        EXPECT_EQ(0, engine.GetPwrVariable(kScheme, ifAC, L"HibernateTimeOut"));
+    }
+    SetIdle(PowerActionSleep, 3600, static_cast<ULONG>(-1800));
+    EXPECT_EQ(-2, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", 2700));
+    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 0, L"StandbyTimeOut", 2700));
 
     for (const bool allowed : {true, false})
     {
@@ -73,34 +86,48 @@ TEST_F(XpVariables, StandbyAndHibernationShareTheirFields)
 // A damaged store may hold any number in the place of an action.
 TEST_F(XpVariables, AnUnknownIdleActionIsNeitherSleepNorHibernation)
 {
-    POWER_POLICY policy = Policy(kScheme);
-    const ULONG absurd = 0xFFFFFFFF;
-    memcpy(&policy.user.IdleDc.Action, &absurd, sizeof absurd);
-    policy.user.IdleTimeoutDc = absurd;
-    policy.mach.DozeS4TimeoutDc = absurd;
-    UINT scheme = kScheme;
-    ASSERT_TRUE(WritePwrScheme(&scheme, nullptr, nullptr, &policy));
-    EXPECT_EQ(0, engine.GetPwrVariable(kScheme, 0, L"StandbyTimeOut"));
-    EXPECT_EQ(0, engine.GetPwrVariable(kScheme, 0, L"HibernateTimeOut"));
-    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 0, L"StandbyTimeOut", 600));
-    EXPECT_EQ(600, engine.GetPwrVariable(kScheme, 0, L"StandbyTimeOut"));
+    SetIdle(static_cast<POWER_ACTION>(0x7FFFFFFF), 0xFFFFFFFF, 0xFFFFFFFF);
+    for (const int ifAC : {1, 0})
+    {
+        EXPECT_EQ(0, engine.GetPwrVariable(kScheme, ifAC, L"StandbyTimeOut"));
+        EXPECT_EQ(0, engine.GetPwrVariable(kScheme, ifAC, L"HibernateTimeOut"));
+        EXPECT_EQ(1, engine.SetPwrVariable(kScheme, ifAC, L"StandbyTimeOut", 600));
+        EXPECT_EQ(600, engine.GetPwrVariable(kScheme, ifAC, L"StandbyTimeOut"));
+    }
 }
 
 TEST_F(XpVariables, SpeedAndAdaptivePolicyChangeThreeFieldsTogether)
 {
-    for (const auto& [name, value, policy, forced, speedRead] : {std::tuple{L"CpuSpeed", 75, 0, 75, 75},
-                                                                 {L"CpuSpeed", 0, 3, 100, 0},
-                                                                 {L"CpuAdaptive", 2, 2, 100, 0},
-                                                                 {L"CpuAdaptive", 0, 0, 100, 100}})
+    struct Row
     {
-        const UCHAR batteryBefore = Policy(kScheme).user.ForcedThrottleDc;
-        ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, name, value));
-        EXPECT_EQ(policy, Policy(kScheme).user.ThrottlePolicyAc);
-        EXPECT_EQ(policy, Processor(kScheme).ProcessorPolicyAc.DynamicThrottle);
-        EXPECT_EQ(forced, Policy(kScheme).user.ForcedThrottleAc);
-        EXPECT_EQ(speedRead, engine.GetPwrVariable(kScheme, 1, L"CpuSpeed"));
-        EXPECT_EQ(policy, engine.GetPwrVariable(kScheme, 1, L"CpuAdaptive"));
-        EXPECT_EQ(batteryBefore, Policy(kScheme).user.ForcedThrottleDc);
+        int ifAC;
+        const wchar_t* name;
+        int value;
+        int policy;
+        int forced;
+        int speed; ///< as it is read
+    };
+    for (const Row& row : {Row{1, L"CpuSpeed", 75, 0, 75, 75}, Row{1, L"CpuSpeed", 0, 3, 100, 0},
+                           Row{0, L"CpuSpeed", 0, 3, 100, 0}, Row{0, L"CpuSpeed", 50, 0, 50, 50},
+                           Row{1, L"CpuAdaptive", 2, 2, 100, 0}, Row{1, L"CpuAdaptive", 0, 0, 100, 100},
+                           Row{0, L"CpuAdaptive", 1, 1, 100, 0}})
+    {
+        const auto fields = [](bool ac)
+        {
+            const USER_POWER_POLICY user = Policy(kScheme).user;
+            const MACHINE_PROCESSOR_POWER_POLICY machine = Processor(kScheme);
+            return ac ? std::array<int, 3>{user.ThrottlePolicyAc, user.ForcedThrottleAc,
+                                           machine.ProcessorPolicyAc.DynamicThrottle}
+                      : std::array<int, 3>{user.ThrottlePolicyDc, user.ForcedThrottleDc,
+                                           machine.ProcessorPolicyDc.DynamicThrottle};
+        };
+        const bool ac = row.ifAC != 0;
+        const auto other = fields(!ac);
+        ASSERT_EQ(1, engine.SetPwrVariable(kScheme, row.ifAC, row.name, row.value));
+        EXPECT_EQ((std::array{row.policy, row.forced, row.policy}), fields(ac));
+        EXPECT_EQ(other, fields(!ac));
+        EXPECT_EQ(row.speed, engine.GetPwrVariable(kScheme, row.ifAC, L"CpuSpeed"));
+        EXPECT_EQ(row.policy, engine.GetPwrVariable(kScheme, row.ifAC, L"CpuAdaptive"));
     }
     // Adaptive takes both fields.
     POWER_POLICY policy = Policy(kScheme);
@@ -141,56 +168,48 @@ TEST_F(XpVariables, StoredVariablesKeepTheirHalvesApart)
     }
 }
 
-TEST_F(XpVariables, RefusalsSayWhyAndChangeNothing)
+TEST_F(XpVariables, RefusalsSayWhyAndChangeNothingButTheProcessorsRecord)
 {
     struct Row
     {
         int scheme;
         const wchar_t* name;
         int value;
-        const char* line; ///< null for none
+        const char* refused; ///< the call that fails; null for none
+        const char* line;    ///< null for none
+        int throttle;        ///< the processor's record goes first
     };
+    ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"CpuSpeed", 50));
     const auto before = Policy(kScheme);
     for (const Row& row :
-         {Row{77, L"Wifi", 1, "FindPwrScheme error"}, Row{-1, L"Wifi", 1, "FindPwrScheme error"},
-          Row{kScheme, L"Wif", 1, "ParseVarName error"}, Row{kScheme, L"", 1, "ParseVarName error"},
-          Row{kScheme, L"MonitorOffTimeOut", 61, "ValidateData error"}, Row{kScheme, L"Wifi", 2, nullptr}})
+         {Row{77, L"Wifi", 1, nullptr, "FindPwrScheme error", 0},
+          Row{-1, L"Wifi", 1, nullptr, "FindPwrScheme error", 0},
+          Row{kScheme, L"Wif", 1, nullptr, "ParseVarName error", 0},
+          Row{kScheme, L"", 1, nullptr, "ParseVarName error", 0},
+          Row{kScheme, L"MonitorOffTimeOut", 61, nullptr, "ValidateData error", 0},
+          Row{kScheme, L"Wifi", 2, nullptr, nullptr, 0}, Row{kScheme, L"LUMS", 6, nullptr, nullptr, 0},
+          Row{kScheme, L"CpuSpeed", 0, "ReadPwrScheme", "CSchemeEx::GetPwrVariable: Can't read pwr scheme: 3",
+              0},
+          Row{kScheme, L"CpuSpeed", 0, "ReadProcessorPwrScheme",
+              "CSchemeEx::GetPwrVariable: Can't read cpu scheme: 3", 0},
+          Row{kScheme, L"CpuSpeed", 0, "WriteProcessorPwrScheme", "::WriteProcessorPwrScheme error", 0},
+          Row{kScheme, L"CpuSpeed", 0, "WritePwrScheme", "::WritePwrScheme error", 3}})
     {
+        if (row.refused != nullptr)
+        {
+            Faults::Inject(row.refused, 1, ERROR_ACCESS_DENIED);
+        }
         const auto lines =
             LinesOf([&] { EXPECT_EQ(-1, engine.SetPwrVariable(row.scheme, 1, row.name, row.value)); });
         EXPECT_EQ(row.line == nullptr ? Lines{} : Lines{row.line}, lines);
+        const auto after = Policy(kScheme);
+        EXPECT_EQ(BytesOf(before), BytesOf(after));
+        EXPECT_EQ(row.throttle, Processor(kScheme).ProcessorPolicyAc.DynamicThrottle);
     }
     EXPECT_EQ(kAbsent, Stored(kScheme, "Wifi"));
-    const auto after = Policy(kScheme);
-    EXPECT_EQ(BytesOf(before), BytesOf(after));
+    EXPECT_EQ(kAbsent, Stored(kScheme, "LUMS"));
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"Wif")); }),
                 ElementsAre("ParseVarName(Wif) error", ""));
-}
-
-// The processor's record goes first and stays when the other can't follow.
-TEST_F(XpVariables, RefusedRecordsLeaveWhatWasWrittenBefore)
-{
-    struct Row
-    {
-        const char* function;
-        const char* line;
-        int processorAfter;
-    };
-    ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"CpuSpeed", 50));
-    for (const Row& row :
-         {Row{"ReadPwrScheme", "CSchemeEx::GetPwrVariable: Can't read pwr scheme: 3", 0},
-          Row{"ReadProcessorPwrScheme", "CSchemeEx::GetPwrVariable: Can't read cpu scheme: 3", 0},
-          Row{"WriteProcessorPwrScheme", "::WriteProcessorPwrScheme error", 0},
-          Row{"WritePwrScheme", "::WritePwrScheme error", 3}})
-    {
-        Faults::Inject(row.function, 1, ERROR_ACCESS_DENIED);
-        EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"CpuSpeed", 0)); }),
-                    ElementsAre(row.line));
-        EXPECT_TRUE(Faults::AllHit());
-        Faults::Clear();
-        EXPECT_EQ(50, Policy(kScheme).user.ForcedThrottleAc);
-        EXPECT_EQ(row.processorAfter, Processor(kScheme).ProcessorPolicyAc.DynamicThrottle);
-    }
 }
 
 // A catalogue or a root file that is missing refuses every write; reads treat the key as absent.
