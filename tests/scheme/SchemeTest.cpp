@@ -103,6 +103,23 @@ MACHINE_PROCESSOR_POWER_POLICY SchemeTest::Processor(int scheme)
     return policy;
 }
 
+void SchemeTest::Run(const std::vector<Step>& steps)
+{
+    for (const auto& [work, result] : steps)
+    {
+        const int scheme = std::stoi(work);
+        const int ifAC = work.find(" ac ") != std::string::npos ? 1 : 0;
+        const std::size_t begin = work.find("c ") + 2;
+        const std::size_t equals = work.find(" = ");
+        const auto name = seeding::Wide(work.substr(begin, equals - begin));
+        EXPECT_EQ(result,
+                  equals == std::string::npos
+                      ? engine.GetPwrVariable(scheme, ifAC, name.data())
+                      : engine.SetPwrVariable(scheme, ifAC, name.data(), std::stoi(work.substr(equals + 3))))
+            << work;
+    }
+}
+
 SchemeTest::Lines SchemeTest::LinesOf(const Work& work)
 {
     seeding::SwitchLogsOn();

@@ -71,6 +71,14 @@ protected:
     /// The names of the platform functions that the engine calls while `work` runs, in order.
     static Lines CallsOf(const Work& work);
 
+    /// One variable and the result: "3 ac CpuSpeed" reads it, "3 dc CpuSpeed = 75" writes it.
+    struct Step
+    {
+        std::string work;
+        int result;
+    };
+    void Run(const std::vector<Step>& steps);
+
     static POWER_POLICY Policy(int scheme);
     static MACHINE_PROCESSOR_POWER_POLICY Processor(int scheme);
 

@@ -8,8 +8,12 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <array>
+
 using namespace simulated;
-using testing::Contains;
+using testing::AnyOf;
+using testing::Each;
 using testing::Not;
 
 namespace
@@ -38,48 +42,43 @@ using VistaVariables = OnVista<SchemeTest>;
 TEST_F(VistaVariables, TimesAreWholeMinutesWhateverTheCatalogueOffers)
 {
     ASSERT_TRUE(seeding::SetKey(Catalogue(), "StandbyTimeOut", "OptionNumber", "0"));
-    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", 120));
-    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 0, L"StandbyTimeOut", 0));
-    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", 90));
-    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", -60));
-    EXPECT_EQ(120, engine.GetPwrVariable(kScheme, 1, L"StandbyTimeOut"));
-    EXPECT_EQ(0, engine.GetPwrVariable(kScheme, 0, L"StandbyTimeOut"));
     // Only the names as the table has them are exempt from the catalogue.
-    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"standbytimeout", 120));
+    Run({{"1 ac StandbyTimeOut = 120", 1},
+         {"1 dc StandbyTimeOut = 0", 1},
+         {"1 ac StandbyTimeOut = 90", -1},
+         {"1 ac StandbyTimeOut = -60", -1},
+         {"1 ac standbytimeout = 120", -1},
+         {"1 ac StandbyTimeOut", 120},
+         {"1 dc StandbyTimeOut", 0}});
 }
 
 TEST_F(VistaVariables, EveryOtherVariableComesBackAsItWasWritten)
 {
     for (int number = kCpuAdaptive; number < kVariableCount; ++number)
     {
-        const wchar_t* name = VariableOf(number).name;
-        SCOPED_TRACE(seeding::Utf8(name));
-        if (number == kBacklightLevel)
-        {
-            continue;
-        }
-        const int first = engine.GetPwrVariableOptValue(name, 0);
-        const int second = engine.GetPwrVariableOptValue(name, 1);
-        ASSERT_EQ(first, engine.SetPwrVariable(kScheme, 1, name, first));
-        ASSERT_EQ(second, engine.SetPwrVariable(kScheme, 0, name, second));
-        EXPECT_EQ(number == kLums ? second : first, engine.GetPwrVariable(kScheme, 1, name));
-        EXPECT_EQ(second, engine.GetPwrVariable(kScheme, 0, name));
+        const std::string name = seeding::Utf8(VariableOf(number).name);
+        const int first = engine.GetPwrVariableOptValue(VariableOf(number).name, 0);
+        const int second = engine.GetPwrVariableOptValue(VariableOf(number).name, 1);
+        const int percentage = number == kBacklightLevel ? 14 : second;
+        Run({{"1 ac " + name + " = " + std::to_string(first), first},
+             {"1 dc " + name + " = " + std::to_string(second), percentage},
+             {"1 ac " + name, number == kLums ? second : first},
+             {"1 dc " + name, second}});
     }
 }
 
 TEST_F(VistaVariables, AFirstReadStoresTheDefault)
 {
-    for (const auto& [name, value, stored] : {std::tuple{L"CpuAdaptive", 3, "196611"},
-                                              {L"CpuSpeed", 100, "6553700"},
-                                              {L"LANStatus", -1, "-1"},
-                                              {L"LUMS", -1, "-1"},
-                                              {L"USBPort 3", -1, "-1"}})
+    for (const auto& [name, value, stored] : {std::tuple{"CpuAdaptive", 3, "196611"},
+                                              {"CpuSpeed", 100, "6553700"},
+                                              {"LANStatus", -1, "-1"},
+                                              {"LUMS", -1, "-1"},
+                                              {"USBPort 3", -1, "-1"}})
     {
-        const std::string key = seeding::Utf8(name);
-        for (const int ifAC : {1, 0})
+        for (const char* const source : {"1 ac ", "1 dc "})
         {
-            EXPECT_EQ(value, engine.GetPwrVariable(kScheme, ifAC, name)) << key;
-            EXPECT_EQ(stored, Stored(kScheme, key));
+            Run({{source + std::string(name), value}});
+            EXPECT_EQ(stored, Stored(kScheme, name));
         }
     }
 }
@@ -88,83 +87,73 @@ TEST_F(VistaVariables, TheAdaptivePolicySetsTheProcessorUpToTheFirstRefusal)
 {
     struct Row
     {
-        int ifAC;
+        std::string source;
         int value;
         unsigned refused; ///< the write that fails; 0 for none
-        int first;
-        int second;
-        int minimum;
-        int maximum;
+        std::array<int, 4> settings;
     };
-    for (const Row& row :
-         {Row{1, 0, 0, 4, 4, 100, 100}, Row{0, 0, 0, 5, 5, 100, 100}, Row{1, 3, 0, 2, 2, 50, 70},
-          Row{0, 1, 0, 3, 3, 50, 70}, Row{1, 0, 1, 9, 9, 50, 70}, Row{1, 0, 2, 4, 9, 50, 70},
-          Row{0, 0, 3, 5, 5, 50, 70}, Row{0, 0, 4, 5, 5, 100, 70}})
+    for (const auto& [source, value, refused, settings] :
+         {Row{"1 ac ", 0, 0, {4, 4, 100, 100}}, Row{"1 dc ", 0, 0, {5, 5, 100, 100}},
+          Row{"1 ac ", 3, 0, {2, 2, 50, 70}}, Row{"1 dc ", 1, 0, {3, 3, 50, 70}},
+          Row{"1 ac ", 0, 1, {9, 9, 50, 70}}, Row{"1 ac ", 0, 2, {4, 9, 50, 70}},
+          Row{"1 dc ", 0, 3, {5, 5, 50, 70}}, Row{"1 dc ", 0, 4, {5, 5, 100, 70}}})
     {
-        SCOPED_TRACE(testing::Message() << row.ifAC << row.value << row.refused);
-        const bool ac = row.ifAC != 0;
-        ASSERT_EQ(50, engine.SetPwrVariable(kScheme, row.ifAC, L"CpuSpeedMin", 50));
-        ASSERT_EQ(70, engine.SetPwrVariable(kScheme, row.ifAC, L"CpuSpeedMax", 70));
+        const bool ac = source == "1 ac ";
+        Run({{source + "CpuSpeedMin = 50", 50}, {source + "CpuSpeedMax = 70", 70}});
         for (const GUID* const policy : {&kFirstPolicy, &kSecondPolicy})
         {
             const auto write = ac ? PowerWriteACValueIndex : PowerWriteDCValueIndex;
             ASSERT_EQ(0U, write(nullptr, &kBalanced, &kProcessor, policy, 9));
         }
-        if (row.refused != 0)
+        if (refused != 0)
         {
-            Faults::Inject(ac ? "PowerWriteACValueIndex" : "PowerWriteDCValueIndex", row.refused,
+            Faults::Inject(ac ? "PowerWriteACValueIndex" : "PowerWriteDCValueIndex", refused,
                            ERROR_ACCESS_DENIED);
         }
-        EXPECT_EQ(row.refused != 0 ? -1 : row.value,
-                  engine.SetPwrVariable(kScheme, row.ifAC, L"CpuAdaptive", row.value));
-        EXPECT_EQ(row.value, engine.GetPwrVariable(kScheme, row.ifAC, L"CpuAdaptive"));
-        EXPECT_EQ(row.first, ProcessorSetting(ac, kFirstPolicy));
-        EXPECT_EQ(row.second, ProcessorSetting(ac, kSecondPolicy));
-        EXPECT_EQ(row.minimum, ProcessorSetting(ac, kThrottleMinimum));
-        EXPECT_EQ(row.maximum, ProcessorSetting(ac, kThrottleMaximum));
+        Run({{source + "CpuAdaptive = " + std::to_string(value), refused != 0 ? -1 : value},
+             {source + "CpuAdaptive", value}});
+        EXPECT_EQ(
+            settings,
+            (std::array{ProcessorSetting(ac, kFirstPolicy), ProcessorSetting(ac, kSecondPolicy),
+                        ProcessorSetting(ac, kThrottleMinimum), ProcessorSetting(ac, kThrottleMaximum)}))
+            << source << value << refused;
     }
     // Speed 0 turns the policy on for its source, and another speed leaves it on.
-    for (const int ifAC : {1, 0})
-    {
-        for (const int speed : {0, 50})
-        {
-            EXPECT_EQ(speed, engine.SetPwrVariable(kScheme, ifAC, L"CpuSpeed", speed));
-            EXPECT_EQ(3, engine.GetPwrVariable(kScheme, ifAC, L"CpuAdaptive"));
-            EXPECT_EQ(ifAC != 0 ? 2 : 3, ProcessorSetting(ifAC != 0, kFirstPolicy));
-            EXPECT_EQ(ifAC != 0 ? 0 : 3, engine.GetPwrVariable(kScheme, 0, L"CpuAdaptive"));
-        }
-    }
+    Run({{"1 ac CpuAdaptive = 0", 0},
+         {"1 dc CpuSpeed = 0", 0},
+         {"1 ac CpuAdaptive", 0},
+         {"1 dc CpuAdaptive", 3},
+         {"1 dc CpuAdaptive = 1", 1},
+         {"1 ac CpuSpeed = 0", 0},
+         {"1 ac CpuAdaptive", 3},
+         {"1 ac CpuSpeed = 50", 50},
+         {"1 ac CpuAdaptive", 3},
+         {"1 dc CpuAdaptive", 1}});
+    EXPECT_EQ(2, ProcessorSetting(true, kFirstPolicy));
 }
 
 TEST_F(VistaVariables, ARefusedReadOrWriteFails)
 {
-    struct Row
+    for (const auto& [name, values] : {std::pair{"MonitorOffTimeOut", std::array{60, 120}},
+                                       {"DiskOffTimeOut", {60, 120}},
+                                       {"StandbyTimeOut", {60, 120}},
+                                       {"HibernateTimeOut", {60, 120}},
+                                       {"CpuSpeedMin", {50, 60}},
+                                       {"CpuSpeedMax", {80, 90}},
+                                       {"BacklightLevel", {3, 5}}})
     {
-        const wchar_t* name;
-        int ac;
-        int dc;
-        int more; ///< what a refused write would store
-    };
-    for (const Row& row :
-         {Row{L"MonitorOffTimeOut", 60, 120, 180}, Row{L"DiskOffTimeOut", 60, 120, 180},
-          Row{L"StandbyTimeOut", 60, 120, 180}, Row{L"HibernateTimeOut", 60, 120, 180},
-          Row{L"CpuSpeedMin", 50, 60, 70}, Row{L"CpuSpeedMax", 80, 90, 100}, Row{L"BacklightLevel", 3, 5, 7}})
-    {
-        SCOPED_TRACE(seeding::Utf8(row.name));
-        for (const int ifAC : {1, 0})
+        const auto write = [name = name](std::string source, int value)
+        { return "1 " + source + ' ' + name + " = " + std::to_string(value); };
+        for (const auto& [source, value, calls] :
+             {std::tuple{"ac", values[0], "ACValueIndex"}, {"dc", values[1], "DCValueIndex"}})
         {
-            ASSERT_LE(0, engine.SetPwrVariable(kScheme, ifAC, row.name, ifAC != 0 ? row.ac : row.dc));
-        }
-        for (const int ifAC : {1, 0})
-        {
-            const std::string source = ifAC != 0 ? "AC" : "DC";
-            Faults::Inject("PowerWrite" + source + "ValueIndex", 1, ERROR_ACCESS_DENIED);
-            EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, ifAC, row.name, row.more));
-            Faults::Inject("PowerRead" + source + "ValueIndex", 1, ERROR_ACCESS_DENIED);
-            EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, ifAC, row.name));
-            EXPECT_TRUE(Faults::AllHit());
-            Faults::Clear();
-            EXPECT_EQ(ifAC != 0 ? row.ac : row.dc, engine.GetPwrVariable(kScheme, ifAC, row.name));
+            const std::string read = std::string("1 ") + source + ' ' + name;
+            EXPECT_LE(0, engine.SetPwrVariable(kScheme, source[0] == 'a' ? 1 : 0, seeding::Wide(name).data(),
+                                               value));
+            Faults::Inject(std::string("PowerWrite") + calls, 1, ERROR_ACCESS_DENIED);
+            Run({{write(source, values[0] + values[1] - value), -1}});
+            Faults::Inject(std::string("PowerRead") + calls, 1, ERROR_ACCESS_DENIED);
+            Run({{read, -1}, {read, value}});
         }
     }
 }
@@ -172,40 +161,33 @@ TEST_F(VistaVariables, ARefusedReadOrWriteFails)
 // The copy in the file is made where it is missing; the operating system is what counts.
 TEST_F(VistaVariables, TheProcessorRangeIsTheOperatingSystems)
 {
-    ASSERT_EQ(80, engine.SetPwrVariable(kScheme, 1, L"CpuSpeedMax", 80));
-    ASSERT_EQ(60, engine.SetPwrVariable(kScheme, 0, L"CpuSpeedMax", 60));
-    EXPECT_EQ("3932240", Stored(kScheme, "CpuSpeedMax"));
+    Run({{"1 ac CpuSpeedMax = 80", 80}, {"1 dc CpuSpeedMax = 60", 60}});
     ASSERT_EQ(0U, PowerWriteDCValueIndex(nullptr, &kBalanced, &kProcessor, &kThrottleMaximum, 30));
-    EXPECT_EQ(30, engine.GetPwrVariable(kScheme, 0, L"CpuSpeedMax"));
+    Run({{"1 dc CpuSpeedMax", 30}});
     EXPECT_EQ("3932240", Stored(kScheme, "CpuSpeedMax"));
     ASSERT_TRUE(Store(kScheme, "CpuSpeedMax", "-1"));
-    EXPECT_EQ(80, engine.GetPwrVariable(kScheme, 1, L"CpuSpeedMax"));
+    Run({{"1 ac CpuSpeedMax", 80}});
     EXPECT_EQ("1966160", Stored(kScheme, "CpuSpeedMax"));
 }
 
 TEST_F(VistaVariables, BacklightLevelsBecomePercentages)
 {
-    struct Row
+    // How many levels there are, the level that is written, its percentage or -1, and what is read.
+    for (const auto& [levels, level, percentage, readBack] : {std::tuple{"8", "3", 42, 3},
+                                                              {"8", "7", 100, 7},
+                                                              {"7", "7", 116, 7},
+                                                              {"8", "0", 0, 0},
+                                                              {"5", "7", -1, 0},
+                                                              {"1", "0", -1, 0},
+                                                              {"0", "0", -1, -1},
+                                                              {"-3", "0", -1, -1}})
     {
-        const char* levels;
-        int level;
-        int percentage; ///< -1: refused
-        int readBack;
-    };
-    for (const Row& row : {Row{"8", 3, 42, 3}, Row{"8", 7, 100, 7}, Row{"7", 7, 116, 7}, Row{"8", 0, 0, 0},
-                           Row{"5", 7, -1, 0}, Row{"1", 0, -1, 0}, Row{"0", 0, -1, -1}, Row{"-3", 0, -1, -1}})
-    {
-        SCOPED_TRACE(testing::Message() << row.levels << " levels, " << row.level);
-        ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "MaxBrightLevel", row.levels));
-        EXPECT_EQ(row.percentage, engine.SetPwrVariable(kScheme, 1, L"BacklightLevel", row.level));
+        ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "MaxBrightLevel", levels));
+        Run({{std::string("1 ac BacklightLevel = ") + level, percentage}});
         // The copy is merged before the conversion can fail.
-        EXPECT_EQ(std::to_string(row.level), Stored(kScheme, "BacklightLevel"));
-        const auto calls =
-            CallsOf([&] { EXPECT_EQ(row.readBack, engine.GetPwrVariable(kScheme, 1, L"BacklightLevel")); });
-        if (row.readBack < 0)
-        {
-            EXPECT_THAT(calls, Not(Contains("PowerReadACValueIndex")));
-        }
+        EXPECT_EQ(level, Stored(kScheme, "BacklightLevel"));
+        const auto calls = CallsOf([&, wanted = readBack] { Run({{"1 ac BacklightLevel", wanted}}); });
+        EXPECT_EQ(readBack < 0 ? 0 : 1, std::count(calls.begin(), calls.end(), "PowerReadACValueIndex"));
     }
 }
 
@@ -217,14 +199,11 @@ TEST_F(VistaVariables, ABrokenSettingReachesNoPowerFunction)
         for (const char* text : {"", "nonsense", "{3C0BC021-C8A8-4E07-A973-6B14CBCB2B7", "{}"})
         {
             ASSERT_TRUE(seeding::SetKey(Catalogue(), "MonitorOffTimeOut", key, text));
-            const auto calls = CallsOf(
-                [&]
-                {
-                    EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"MonitorOffTimeOut"));
-                    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"MonitorOffTimeOut", 60));
-                });
-            EXPECT_THAT(calls, Not(Contains("PowerReadACValueIndex")));
-            EXPECT_THAT(calls, Not(Contains("PowerWriteACValueIndex")));
+            EXPECT_THAT(CallsOf(
+                            [&] {
+                                Run({{"1 ac MonitorOffTimeOut", -1}, {"1 ac MonitorOffTimeOut = 60", -1}});
+                            }),
+                        Each(Not(AnyOf("PowerReadACValueIndex", "PowerWriteACValueIndex"))));
         }
         ASSERT_TRUE(seeding::SetKey(Catalogue(), "MonitorOffTimeOut", key, sound));
     }

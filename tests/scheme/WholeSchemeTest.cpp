@@ -49,8 +49,8 @@ TEST_F(WholeScheme, AMissingSchemeReadsAsNothing)
 // A value of -1 is refused, so a record that was read leaves what it couldn't read alone.
 TEST_F(WholeScheme, ReadingChangingAndWritingLeavesTheRestAlone)
 {
-    ASSERT_EQ(1, engine.SetPwrVariable(3, 1, L"Wifi", 1));
-    ASSERT_EQ(1, engine.SetPwrVariable(3, 1, L"StandbyTimeOut", 600)); // no action without a time
+    // Without a time there would be no action.
+    Run({{"3 ac Wifi = 1", 1}, {"3 ac StandbyTimeOut = 600", 1}, {"3 dc StandbyTimeOut = 600", 1}});
     PWRSET set{};
     ASSERT_EQ(1, engine.GetPwrVariableAll(set, 3));
     EXPECT_EQ(-1, set.ac.backlightLevel);
@@ -63,7 +63,7 @@ TEST_F(WholeScheme, ReadingChangingAndWritingLeavesTheRestAlone)
     };
     const std::string before = state();
     EXPECT_EQ(3, engine.SetPwrVariable(set));
-    EXPECT_EQ(5, engine.GetPwrVariable(3, 1, L"LanSpeed"));
+    Run({{"3 ac LanSpeed", 5}});
     ASSERT_TRUE(Store(3, "LanSpeed", "-1"));
     EXPECT_EQ(before, state());
 }

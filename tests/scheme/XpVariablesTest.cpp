@@ -12,7 +12,6 @@
 #include <array>
 
 using namespace simulated;
-using testing::Contains;
 using testing::ElementsAre;
 
 namespace
@@ -23,54 +22,65 @@ constexpr int kScheme = 3;
 class XpVariables : public SchemeTest
 {
 protected:
-    /// The same for both power sources.
-    static void SetIdle(POWER_ACTION action, ULONG idle, ULONG doze)
+    /// Lets `change` edit the record of scheme 3.
+    template <class Change>
+    static void Edit(Change change)
     {
         POWER_POLICY policy = Policy(kScheme);
-        memcpy(&policy.user.IdleAc.Action, &action, sizeof action);
-        memcpy(&policy.user.IdleDc.Action, &action, sizeof action);
-        policy.user.IdleTimeoutAc = policy.user.IdleTimeoutDc = idle;
-        policy.mach.DozeS4TimeoutAc = policy.mach.DozeS4TimeoutDc = doze;
+        change(policy);
         UINT scheme = kScheme;
         ASSERT_TRUE(WritePwrScheme(&scheme, nullptr, nullptr, &policy));
+    }
+
+    /// The same for both power sources.
+    static void SetIdle(int action, ULONG idle, ULONG doze)
+    {
+        Edit(
+            [&](POWER_POLICY& policy)
+            {
+                memcpy(&policy.user.IdleAc.Action, &action, sizeof action);
+                memcpy(&policy.user.IdleDc.Action, &action, sizeof action);
+                policy.user.IdleTimeoutAc = policy.user.IdleTimeoutDc = idle;
+                policy.mach.DozeS4TimeoutAc = policy.mach.DozeS4TimeoutDc = doze;
+            });
     }
 };
 
 TEST_F(XpVariables, StandbyAndHibernationShareTheirFields)
 {
-    ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"HibernateTimeOut", 0));
-    ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", 600));
-    ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"HibernateTimeOut", 1800));
-    EXPECT_EQ(1200U, Policy(kScheme).mach.DozeS4TimeoutAc);
-    EXPECT_EQ(1800, engine.GetPwrVariable(kScheme, 1, L"HibernateTimeOut"));
-
     // The catalogue's next time behind 1800 is 2700.
-    ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", 1800));
+    Run({{"3 ac HibernateTimeOut = 0", 1},
+         {"3 ac StandbyTimeOut = 600", 1},
+         {"3 ac HibernateTimeOut = 1800", 1},
+         {"3 ac HibernateTimeOut", 1800},
+         {"3 ac StandbyTimeOut = 1800", 1},
+         {"3 ac hibernatetimeout", 2700}});
     EXPECT_EQ(900U, Policy(kScheme).mach.DozeS4TimeoutAc);
     const POWER_POLICY before = Policy(kScheme);
-    EXPECT_EQ(-2, engine.SetPwrVariable(kScheme, 1, L"HibernateTimeOut", 300));
+    Run({{"3 ac HibernateTimeOut = 300", -2}});
     const POWER_POLICY after = Policy(kScheme);
     EXPECT_EQ(BytesOf(before), BytesOf(after));
-
-    ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", 0));
-    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.GetPwrVariable(kScheme, 1, L"StandbyTimeOut")); }),
+    Run({{"3 ac StandbyTimeOut = 0", 1}, {"3 dc StandbyTimeOut = 300", 1}});
+    EXPECT_THAT(LinesOf(
+                    [&] {
+                        Run({{"3 ac StandbyTimeOut", 0}, {"3 dc StandbyTimeOut", 300}});
+                    }),
                 ElementsAre("pwrPolicy.user.IdleAc.Action!=PowerActionSleep", ""));
-    ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 0, L"StandbyTimeOut", 300));
-    EXPECT_TRUE(
-        LinesOf([&] { EXPECT_EQ(300, engine.GetPwrVariable(kScheme, 0, L"StandbyTimeOut")); }).empty());
-    EXPECT_EQ(2700, engine.GetPwrVariable(kScheme, 5, L"hibernatetimeout"));
+    EXPECT_EQ(2700, engine.GetPwrVariable(kScheme, 5, L"HibernateTimeOut")) << "any number but 0 is mains";
 
-    // A hibernate time at the standby time is refused on mains and means none on battery.
-    for (const int ifAC : {1, 0})
-    {
-        ASSERT_EQ(1, engine.SetPwrVariable(kScheme, ifAC, L"HibernateTimeOut", 0));
-        ASSERT_EQ(1, engine.SetPwrVariable(kScheme, ifAC, L"StandbyTimeOut", 600));
-        EXPECT_EQ(ifAC != 0 ? -2 : 1, engine.SetPwrVariable(kScheme, ifAC, L"HibernateTimeOut", 600));
-        EXPECT_EQ(0, engine.GetPwrVariable(kScheme, ifAC, L"HibernateTimeOut"));
-    }
+    // At the standby time a hibernate time is refused on mains and means none on battery.
+    SetIdle(PowerActionSleep, 600, 0);
+    Run({{"3 ac HibernateTimeOut = 600", -2},
+         {"3 dc HibernateTimeOut = 600", 1},
+         {"3 dc HibernateTimeOut", 0}});
     SetIdle(PowerActionSleep, 3600, static_cast<ULONG>(-1800));
-    EXPECT_EQ(-2, engine.SetPwrVariable(kScheme, 1, L"StandbyTimeOut", 2700));
-    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 0, L"StandbyTimeOut", 2700));
+    Run({{"3 ac StandbyTimeOut = 2700", -2}, {"3 dc StandbyTimeOut = 2700", 1}});
+    // A damaged store may hold any number in the place of an action.
+    SetIdle(-1, 0xFFFFFFFF, 0xFFFFFFFF);
+    Run({{"3 dc StandbyTimeOut", 0},
+         {"3 dc HibernateTimeOut", 0},
+         {"3 dc StandbyTimeOut = 600", 1},
+         {"3 dc StandbyTimeOut", 600}});
 
     for (const bool allowed : {true, false})
     {
@@ -83,62 +93,40 @@ TEST_F(XpVariables, StandbyAndHibernationShareTheirFields)
     }
 }
 
-// A damaged store may hold any number in the place of an action.
-TEST_F(XpVariables, AnUnknownIdleActionIsNeitherSleepNorHibernation)
-{
-    SetIdle(static_cast<POWER_ACTION>(0x7FFFFFFF), 0xFFFFFFFF, 0xFFFFFFFF);
-    for (const int ifAC : {1, 0})
-    {
-        EXPECT_EQ(0, engine.GetPwrVariable(kScheme, ifAC, L"StandbyTimeOut"));
-        EXPECT_EQ(0, engine.GetPwrVariable(kScheme, ifAC, L"HibernateTimeOut"));
-        EXPECT_EQ(1, engine.SetPwrVariable(kScheme, ifAC, L"StandbyTimeOut", 600));
-        EXPECT_EQ(600, engine.GetPwrVariable(kScheme, ifAC, L"StandbyTimeOut"));
-    }
-}
-
 TEST_F(XpVariables, SpeedAndAdaptivePolicyChangeThreeFieldsTogether)
 {
-    struct Row
+    const auto fields = [](bool ac)
     {
-        int ifAC;
-        const wchar_t* name;
-        int value;
-        int policy;
-        int forced;
-        int speed; ///< as it is read
+        const USER_POWER_POLICY user = Policy(kScheme).user;
+        const MACHINE_PROCESSOR_POWER_POLICY both = Processor(kScheme);
+        const auto& dynamic = (ac ? both.ProcessorPolicyAc : both.ProcessorPolicyDc).DynamicThrottle;
+        return std::array<int, 3>{ac ? user.ThrottlePolicyAc : user.ThrottlePolicyDc,
+                                  ac ? user.ForcedThrottleAc : user.ForcedThrottleDc, dynamic};
     };
-    for (const Row& row : {Row{1, L"CpuSpeed", 75, 0, 75, 75}, Row{1, L"CpuSpeed", 0, 3, 100, 0},
-                           Row{0, L"CpuSpeed", 0, 3, 100, 0}, Row{0, L"CpuSpeed", 50, 0, 50, 50},
-                           Row{1, L"CpuAdaptive", 2, 2, 100, 0}, Row{1, L"CpuAdaptive", 0, 0, 100, 100},
-                           Row{0, L"CpuAdaptive", 1, 1, 100, 0}})
+    for (const auto& [work, policy, forced, speed] : {std::tuple{"3 ac CpuSpeed = 75", 0, 75, 75},
+                                                      {"3 ac CpuSpeed = 0", 3, 100, 0},
+                                                      {"3 dc CpuSpeed = 0", 3, 100, 0},
+                                                      {"3 dc CpuSpeed = 50", 0, 50, 50},
+                                                      {"3 ac CpuAdaptive = 2", 2, 100, 0},
+                                                      {"3 ac CpuAdaptive = 0", 0, 100, 100},
+                                                      {"3 dc CpuAdaptive = 1", 1, 100, 0}})
     {
-        const auto fields = [](bool ac)
-        {
-            const USER_POWER_POLICY user = Policy(kScheme).user;
-            const MACHINE_PROCESSOR_POWER_POLICY machine = Processor(kScheme);
-            return ac ? std::array<int, 3>{user.ThrottlePolicyAc, user.ForcedThrottleAc,
-                                           machine.ProcessorPolicyAc.DynamicThrottle}
-                      : std::array<int, 3>{user.ThrottlePolicyDc, user.ForcedThrottleDc,
-                                           machine.ProcessorPolicyDc.DynamicThrottle};
-        };
-        const bool ac = row.ifAC != 0;
+        const bool ac = work[2] == 'a';
         const auto other = fields(!ac);
-        ASSERT_EQ(1, engine.SetPwrVariable(kScheme, row.ifAC, row.name, row.value));
-        EXPECT_EQ((std::array{row.policy, row.forced, row.policy}), fields(ac));
+        const std::string source(work, 5);
+        Run({{work, 1}, {source + "CpuSpeed", speed}, {source + "CpuAdaptive", policy}});
+        EXPECT_EQ((std::array{policy, forced, policy}), fields(ac));
         EXPECT_EQ(other, fields(!ac));
-        EXPECT_EQ(row.speed, engine.GetPwrVariable(kScheme, row.ifAC, L"CpuSpeed"));
-        EXPECT_EQ(row.policy, engine.GetPwrVariable(kScheme, row.ifAC, L"CpuAdaptive"));
     }
     // Adaptive takes both fields.
-    POWER_POLICY policy = Policy(kScheme);
-    policy.user.ThrottlePolicyAc = PO_THROTTLE_ADAPTIVE;
-    policy.user.ForcedThrottleAc = 40;
-    UINT scheme = kScheme;
-    ASSERT_TRUE(WritePwrScheme(&scheme, nullptr, nullptr, &policy));
-    EXPECT_EQ(40, engine.GetPwrVariable(kScheme, 1, L"CpuSpeed"));
+    Edit(
+        [](POWER_POLICY& policy)
+        {
+            policy.user.ThrottlePolicyAc = PO_THROTTLE_ADAPTIVE;
+            policy.user.ForcedThrottleAc = 40;
+        });
     // The processor's range has no place here.
-    EXPECT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"CpuSpeedMin", 50));
-    EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"CpuSpeedMin"));
+    Run({{"3 ac CpuSpeed", 40}, {"3 ac CpuSpeedMin = 50", 1}, {"3 ac CpuSpeedMin", -1}});
 }
 
 // Every variable of the scheme values file: both halves are apart, and nothing else moves.
@@ -146,79 +134,56 @@ TEST_F(XpVariables, StoredVariablesKeepTheirHalvesApart)
 {
     for (int number = kBacklightLevel; number < kVariableCount; ++number)
     {
-        const wchar_t* name = VariableOf(number).name;
-        const std::string key = seeding::Utf8(name);
-        SCOPED_TRACE(key);
-        EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, name));
-        EXPECT_EQ("-1", Stored(kScheme, key));
-        ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, name, 1));
+        const std::string key = seeding::Utf8(VariableOf(number).name);
+        const auto expectStored = [&](const char* value, const std::vector<Step>& steps)
+        {
+            Run(steps);
+            EXPECT_EQ(value, Stored(kScheme, key)) << key;
+        };
+        expectStored("-1", {{"3 ac " + key, -1}});
         if (number == kLums)
         {
-            EXPECT_EQ(1, engine.GetPwrVariable(kScheme, 0, name));
-            EXPECT_EQ("1", Stored(kScheme, key));
+            expectStored("1", {{"3 ac " + key + " = 1", 1}, {"3 dc " + key, 1}});
             continue;
         }
         // The other half of "no value" shows until it is written.
-        EXPECT_EQ("-65535", Stored(kScheme, key));
-        EXPECT_EQ(65535, engine.GetPwrVariable(kScheme, 0, name));
-        ASSERT_EQ(0, engine.SetPwrVariable(kScheme, 0, name, 0));
-        EXPECT_EQ("1", Stored(kScheme, key));
-        EXPECT_EQ(1, engine.GetPwrVariable(kScheme, 1, name));
-        EXPECT_EQ(0, engine.GetPwrVariable(kScheme, 0, name));
+        expectStored("-65535", {{"3 ac " + key + " = 1", 1}, {"3 dc " + key, 65535}});
+        expectStored("1", {{"3 dc " + key + " = 0", 0}, {"3 ac " + key, 1}, {"3 dc " + key, 0}});
     }
 }
 
-TEST_F(XpVariables, RefusalsSayWhyAndChangeNothingButTheProcessorsRecord)
+// What failed calls say and answer is in the transcripts.
+TEST_F(XpVariables, RefusalsSayWhyAndChangeNothing)
 {
-    struct Row
-    {
-        int scheme;
-        const wchar_t* name;
-        int value;
-        const char* refused; ///< the call that fails; null for none
-        const char* line;    ///< null for none
-        int throttle;        ///< the processor's record goes first
-    };
-    ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"CpuSpeed", 50));
     const auto before = Policy(kScheme);
-    for (const Row& row :
-         {Row{77, L"Wifi", 1, nullptr, "FindPwrScheme error", 0},
-          Row{-1, L"Wifi", 1, nullptr, "FindPwrScheme error", 0},
-          Row{kScheme, L"Wif", 1, nullptr, "ParseVarName error", 0},
-          Row{kScheme, L"", 1, nullptr, "ParseVarName error", 0},
-          Row{kScheme, L"MonitorOffTimeOut", 61, nullptr, "ValidateData error", 0},
-          Row{kScheme, L"Wifi", 2, nullptr, nullptr, 0}, Row{kScheme, L"LUMS", 6, nullptr, nullptr, 0},
-          Row{kScheme, L"CpuSpeed", 0, "ReadPwrScheme", "CSchemeEx::GetPwrVariable: Can't read pwr scheme: 3",
-              0},
-          Row{kScheme, L"CpuSpeed", 0, "ReadProcessorPwrScheme",
-              "CSchemeEx::GetPwrVariable: Can't read cpu scheme: 3", 0},
-          Row{kScheme, L"CpuSpeed", 0, "WriteProcessorPwrScheme", "::WriteProcessorPwrScheme error", 0},
-          Row{kScheme, L"CpuSpeed", 0, "WritePwrScheme", "::WritePwrScheme error", 3}})
+    for (const auto& [work, line] : {std::pair{"77 ac Wifi = 1", "FindPwrScheme error"},
+                                     {"-1 ac Wifi = 1", "FindPwrScheme error"},
+                                     {"3 ac Wif = 1", "ParseVarName error"},
+                                     {"3 ac  = 1", "ParseVarName error"},
+                                     {"3 ac MonitorOffTimeOut = 61", "ValidateData error"},
+                                     {"3 ac Wif", "ParseVarName(Wif) error\n"},
+                                     {"3 ac Wifi = 2", ""},
+                                     {"3 ac LUMS = 6", ""}})
     {
-        if (row.refused != nullptr)
-        {
-            Faults::Inject(row.refused, 1, ERROR_ACCESS_DENIED);
-        }
-        const auto lines =
-            LinesOf([&] { EXPECT_EQ(-1, engine.SetPwrVariable(row.scheme, 1, row.name, row.value)); });
-        EXPECT_EQ(row.line == nullptr ? Lines{} : Lines{row.line}, lines);
-        const auto after = Policy(kScheme);
-        EXPECT_EQ(BytesOf(before), BytesOf(after));
-        EXPECT_EQ(row.throttle, Processor(kScheme).ProcessorPolicyAc.DynamicThrottle);
+        const Lines lines = LinesOf([&] { Run({{work, -1}}); });
+        EXPECT_EQ(std::string(line).substr(0, std::string(line).find('\n')), lines.empty() ? "" : lines[0]);
     }
     EXPECT_EQ(kAbsent, Stored(kScheme, "Wifi"));
     EXPECT_EQ(kAbsent, Stored(kScheme, "LUMS"));
-    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"Wif")); }),
-                ElementsAre("ParseVarName(Wif) error", ""));
+    // The processor's record goes first and stays when the other can't follow.
+    Faults::Inject("WritePwrScheme", 1, ERROR_ACCESS_DENIED);
+    Run({{"3 ac CpuSpeed = 0", -1}});
+    EXPECT_EQ(3, Processor(kScheme).ProcessorPolicyAc.DynamicThrottle);
+    const auto after = Policy(kScheme);
+    EXPECT_EQ(BytesOf(before), BytesOf(after));
 }
 
 // A catalogue or a root file that is missing refuses every write; reads treat the key as absent.
 TEST_F(XpVariables, WithoutConfigurationKeysCountAsAbsent)
 {
-    ASSERT_EQ(1, engine.SetPwrVariable(kScheme, 1, L"Wifi", 1));
+    Run({{"3 ac Wifi = 1", 1}});
     seeding::Remove(Root());
-    EXPECT_EQ(-1, engine.GetPwrVariable(kScheme, 1, L"Wifi"));
-    EXPECT_EQ(-1, engine.SetPwrVariable(kScheme, 1, L"Wifi", 0));
+    Run({{"3 ac Wifi", -1}, {"3 ac Wifi = 0", -1}});
     EXPECT_EQ(-1, engine.GetPwrVariableOptCount(L"Wifi"));
     EXPECT_EQ("1", Stored(kScheme, "Wifi"));
 }
@@ -227,18 +192,20 @@ TEST_F(XpVariables, CatalogueTexts)
 {
     wchar_t buffer[64] = L"untouched";
     EXPECT_EQ(0, engine.GetPwrVariableName(L"USBPort 11", buffer, 64));
+    EXPECT_EQ(-1, engine.GetPwrVariableName(L"Nothing", buffer, 64));
     EXPECT_EQ("untouched", seeding::Utf8(buffer));
     EXPECT_EQ(0, engine.GetPwrVariableName(L"Thermal Throttle", buffer, 64));
     EXPECT_EQ("Thermal throttling", seeding::Utf8(buffer));
-    EXPECT_EQ(-1, engine.GetPwrVariableName(L"Nothing", buffer, 64));
     EXPECT_EQ(-1, engine.GetPwrVariableOptDesc(L"DiskOffTimeOut", 14, buffer, 64));
     EXPECT_EQ(9, engine.GetPwrVariableOptDesc(L"DiskOffTimeOut", 0, buffer, 64));
     EXPECT_EQ("3 minutes", seeding::Utf8(buffer));
+    EXPECT_EQ(-1, engine.GetPwrVariableUnit(L"DiskOffTimeOut", buffer, 0));
     EXPECT_EQ(3, engine.GetPwrVariableUnit(L"DiskOffTimeOut", buffer, 4));
     EXPECT_EQ("Sec", seeding::Utf8(buffer));
-    ASSERT_TRUE(seeding::SetKey(Catalogue(), "DiskOffTimeOut", "Unit", ""));
-    EXPECT_EQ(-1, engine.GetPwrVariableUnit(L"DiskOffTimeOut", buffer, 64));
-    EXPECT_EQ("Sec", seeding::Utf8(buffer));
+    EXPECT_EQ(-1, engine.GetPwrVariableOptCount(L"Nothing"));
+    EXPECT_EQ(0, engine.GetPwrVariable(3, 1, L"Wifi", buffer, 64));
+    EXPECT_EQ(0, engine.SetPwrVariable(3, 1, L"Wifi", L"1"));
+    EXPECT_EQ(1, engine.InitCfgFile());
 }
 
 } // namespace
