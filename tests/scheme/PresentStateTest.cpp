@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
 
 using namespace simulated;
 using testing::ElementsAre;
@@ -27,72 +28,46 @@ constexpr const char* kApplicationKey = "SOFTWARE\\Kelvo\\ORVA";
 
 using PresentState = SchemeTest;
 
-// The text of a value that ends with its terminator.
-std::string TextOf(const registry::Value& value)
-{
-    std::string text;
-    for (std::size_t place = 0; place < value.bytes.size(); place += sizeof(wchar_t))
-    {
-        text += value.bytes[place];
-    }
-    return text.ends_with('\0') ? text.substr(0, text.size() - 1) : text + "...";
-}
-
 TEST_F(PresentState, SpeedBelongsToTheSourceThatFeedsTheMachine)
 {
-    struct Row
-    {
-        BYTE line;
-        int ifAC;
-        int before;
-        int speed; ///< 33 isn't offered
-        int after;
-    };
-    ASSERT_EQ(1, engine.SetPwrVariable(1, 1, L"CpuSpeed", 100));
-    ASSERT_EQ(1, engine.SetPwrVariable(1, 0, L"CpuSpeed", 50));
-    for (const Row& row : {Row{AC_LINE_ONLINE, 1, 100, 75, 75}, Row{AC_LINE_ONLINE, 1, 75, 33, 75},
-                           Row{AC_LINE_OFFLINE, 0, 50, 100, 100}, Row{AC_LINE_UNKNOWN, 0, 100, 50, 50}})
+    Run({{"1 ac CpuSpeed = 100", 1}, {"1 dc CpuSpeed = 50", 1}});
+    // The source, the speed that is set, both speeds then.
+    for (const auto& [line, speed, ac, dc] : {std::tuple{AC_LINE_ONLINE, 75, 75, 50},
+                                              {AC_LINE_ONLINE, 33, 75, 50},
+                                              {AC_LINE_OFFLINE, 100, 75, 100},
+                                              {AC_LINE_UNKNOWN, 0, 75, 0}})
     {
         PowerAnswers answers = PowerSource::Get();
-        answers.status.ACLineStatus = row.line;
+        answers.status.ACLineStatus = static_cast<BYTE>(line);
         ASSERT_TRUE(PowerSource::Set(answers));
-        EXPECT_EQ(row.ifAC, engine.GetIfAC());
-        EXPECT_EQ(row.before, engine.GetCPUSpeed());
-        const int other = engine.GetPwrVariable(1, 1 - row.ifAC, L"CpuSpeed");
+        const int before = engine.GetCPUSpeed();
+        EXPECT_EQ(before, engine.GetPwrVariable(1, line == AC_LINE_ONLINE ? 1 : 0, L"CpuSpeed"));
         // Also a refused speed applies the scheme.
-        EXPECT_THAT(CallsOf([&] { EXPECT_EQ(row.before, engine.SetCPUSpeed(row.speed)); }),
+        EXPECT_THAT(CallsOf([&, set = speed] { EXPECT_EQ(before, engine.SetCPUSpeed(set)); }),
                     testing::Contains("SetActivePwrScheme"));
-        EXPECT_EQ(row.after, engine.GetPwrVariable(1, row.ifAC, L"CpuSpeed"));
-        EXPECT_EQ(other, engine.GetPwrVariable(1, 1 - row.ifAC, L"CpuSpeed"));
+        Run({{"1 ac CpuSpeed", ac}, {"1 dc CpuSpeed", dc}});
     }
     Faults::Inject("GetActivePwrScheme", 1, ERROR_FILE_NOT_FOUND, true);
-    EXPECT_EQ(-1, engine.GetCPUSpeed());
-    EXPECT_THAT(CallsOf([&] { EXPECT_EQ(-1, engine.SetCPUSpeed(50)); }), ElementsAre("GetActivePwrScheme"));
+    EXPECT_THAT(CallsOf([&] { EXPECT_EQ(-2, engine.GetCPUSpeed() + engine.SetCPUSpeed(50)); }),
+                ElementsAre("GetActivePwrScheme", "GetActivePwrScheme"));
 }
 
+// The bytes are the path's, with its terminator where that is within the size.
 TEST_F(PresentState, AutoRunTakesBothEntriesOutAndRecordsAnyFlag)
 {
-    struct Row
-    {
-        int flag;
-        const wchar_t* path;
-        ULONG size;
-        int result;
-        const char* entry; ///< in the key "Run"
-        int recorded;
-    };
     ASSERT_TRUE(seeding::SetText(HKEY_LOCAL_MACHINE, kRunKey, "ORVA.exe", "old"));
-    ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag", 9));
-    for (const Row& row : {Row{1, L"C:\\ORVA.exe", 260, 1, "C:\\ORVA.exe", 1},
-                           Row{1, nullptr, 0, 0, "C:\\ORVA.exe", 1}, Row{2, nullptr, 0, 1, "C:\\ORVA.exe", 2},
-                           Row{0, nullptr, 0, 1, kAbsent, 0}, Row{1, L"C:\\cut", 5, 1, "C:\\cu...", 1},
-                           Row{0, nullptr, 0, 1, kAbsent, 0}, Row{0, nullptr, 0, 0, kAbsent, 0}})
+    ASSERT_TRUE(seeding::MakeKey(HKEY_LOCAL_MACHINE, kApplicationKey));
+    using Row = std::tuple<int, const wchar_t*, ULONG, int, std::size_t, std::string>;
+    for (const auto& [flag, path, size, result, bytes, recorded] :
+         {Row{1, L"C:\\A.exe", 260, 1, 18, "1"}, Row{1, nullptr, 9, 0, 18, "1"},
+          Row{2, nullptr, 0, 1, 18, "2"}, Row{0, nullptr, 0, 1, 0, "0"}, Row{1, L"C:\\cut", 5, 1, 10, "1"},
+          Row{0, nullptr, 0, 1, 0, "0"}, Row{0, nullptr, 0, 0, 0, "0"}})
     {
-        EXPECT_EQ(row.result, engine.SetAutoRunORVA(row.flag, row.path, row.size));
+        EXPECT_EQ(result, engine.SetAutoRunORVA(flag, path, size));
         const auto entry = RegistryEditor::Read(std::string("HKEY_LOCAL_MACHINE\\") + kRunKey, "ORVA");
-        EXPECT_EQ(row.entry, entry ? TextOf(*entry) : kAbsent);
-        EXPECT_EQ(std::to_string(row.recorded), seeding::GetKey(Root(), "ORVACfg", "AutoRun"));
-        EXPECT_EQ(static_cast<DWORD>(row.recorded),
+        EXPECT_EQ(bytes, entry ? entry->bytes.size() : 0);
+        EXPECT_EQ(recorded, seeding::GetKey(Root(), "ORVACfg", "AutoRun"));
+        EXPECT_EQ(std::stoul(recorded),
                   seeding::GetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag"));
     }
     EXPECT_FALSE(seeding::GetText(HKEY_LOCAL_MACHINE, kRunKey, "ORVA.exe").has_value());
@@ -100,27 +75,26 @@ TEST_F(PresentState, AutoRunTakesBothEntriesOutAndRecordsAnyFlag)
 
 TEST_F(PresentState, BatteryItemsAreFoundByTheirConfiguredPlace)
 {
-    struct Row
-    {
-        const char* start;
-        const char* size;
-        int result;
-    };
     _BATTERY_INFORMATION info{};
     ASSERT_EQ(0, engine.GetBatteryInfo(0, info));
-    for (const Row& row :
-         {Row{"16", "4", 0}, Row{"0", "36", 0}, Row{"33", "4", -1}, Row{"0", "37", -1}, Row{"-2", "4", -1},
-          Row{"4", "-1", -1}, Row{"2147483647", "2147483647", -1}, Row{"36", "0", 0}})
+    for (const auto& [start, size, result] : {std::tuple{"16", "4", 0},
+                                              {"0", "36", 0},
+                                              {"33", "4", -1},
+                                              {"0", "37", -1},
+                                              {"-2", "4", -1},
+                                              {"4", "-1", -1},
+                                              {"2147483647", "2147483647", -1},
+                                              {"36", "0", 0},
+                                              {"36", "1", -1}})
     {
-        ASSERT_TRUE(seeding::SetKey(Root(), "BatteryInforList", "BAStart4", row.start));
-        ASSERT_TRUE(seeding::SetKey(Root(), "BatteryInforList", "BASize4", row.size));
-        ULONG value[9] = {};
-        EXPECT_EQ(row.result, engine.GetBatteryInformation(0, L"FullChargedCapacity", value)) << row.start;
-        if (row.result == 0)
-        {
-            EXPECT_EQ(0, memcmp(value, reinterpret_cast<const char*>(&info) + std::stoi(row.start),
-                                static_cast<std::size_t>(std::stoi(row.size))));
-        }
+        ASSERT_TRUE(seeding::SetKey(Root(), "BatteryInforList", "BAStart4", start));
+        ASSERT_TRUE(seeding::SetKey(Root(), "BatteryInforList", "BASize4", size));
+        std::array<std::uint32_t, 9> value{};
+        EXPECT_EQ(result, engine.GetBatteryInformation(0, L"FullChargedCapacity",
+                                                       reinterpret_cast<ULONG*>(value.data())));
+        const std::string copied =
+            result == 0 ? BytesOf(info).substr(std::stoul(start), std::stoul(size)) : "";
+        EXPECT_EQ(copied + std::string(sizeof value, '\0').substr(copied.size()), BytesOf(value)) << start;
     }
     ULONG value = 77;
     EXPECT_EQ(-1, engine.GetBatteryInformation(4, L"CycleCount", &value));
