@@ -226,16 +226,16 @@ TEST_F(AddDelete, WhatARefusedOrFailedDeletionLeavesBehind)
     EXPECT_EQ(0, engine.DeletePwrScheme(6, L"alice"));
 
     // The scheme goes, section and entry stay.
-    ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "PowerScheme", ""));
+    ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "PowerScheme", ""));
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(7, L"alice")); }),
                 ElementsAre("orvlScheme.Initialize(buffer) failed"));
-    ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "PowerScheme", "PowerSchemes.ini"));
+    ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "PowerScheme", "PowerSchemes.ini"));
     EXPECT_EQ("0", Stored(7, "Wifi"));
     // Scheme and section go, the entry stays, and the call reports success.
-    ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "UserScheme", ""));
+    ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "UserScheme", ""));
     EXPECT_EQ(1, engine.DeletePwrScheme(8, L"alice"));
     EXPECT_EQ(kAbsent, Stored(8, "Wifi"));
-    seeding::Remove(Root());
+    seeding::Remove(kRoot);
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(9)); }),
                 ElementsAre("orvlCfg.Initialize finished"));
     EXPECT_EQ("4", EntriesOf("alice"));
@@ -278,11 +278,9 @@ TEST_F(AddDelete, EnumeratingAndNaming)
 
 TEST_F(VistaAddDelete, OnlyDeletingWorks)
 {
-    EXPECT_EQ(-1, Add(engine, "Mine", 1));
     EXPECT_EQ(-1, engine.SetPwrSchemeNameDesc(1, L"Mine", L""));
     EXPECT_EQ(-1, engine.FindPwrScheme(L"Portable/Laptop"));
     EXPECT_EQ(0, engine.EnumPwrSchemes(Note, 2));
-    EXPECT_EQ(": ", TextsOf(1));
     for (int row = 0; row < 3; ++row)
     {
         EXPECT_EQ(0, engine.DeletePwrScheme(row));

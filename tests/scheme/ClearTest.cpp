@@ -110,7 +110,7 @@ TEST_F(Clearing, WhatFailuresLeaveBehind)
     EXPECT_FALSE(seeding::Exists(Users()));
 
     // No user scheme file.
-    ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "UserScheme", ""));
+    ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "UserScheme", ""));
     EXPECT_EQ("ClearPwrSchemes: initialize the user scheme cfg file failed",
               LinesOf([&] { EXPECT_EQ(-1, engine.ClearPwrSchemes()); }).back());
     EXPECT_EQ(-1, engine.ClearCurrentUserSettings());

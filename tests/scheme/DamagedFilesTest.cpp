@@ -44,7 +44,7 @@ TEST_P(DamagedFiles, GarbageReadsAsNothing)
           {longLines, -1, 7},
           {std::string("[Wifi]\r\nOptionNumber=-7\r\n[Schemes]\r\nSchemeMaxIndex=-9\r\n"), -7, -1}})
     {
-        for (const std::string& file : {Values(), Users(), Catalogue(), Display("alice")})
+        for (const std::string& file : {Values(), Users(), std::string(kCatalogue), Display("alice")})
         {
             ASSERT_TRUE(seeding::WriteBytes(file, bytes));
         }
@@ -100,7 +100,7 @@ using VistaDamagedFiles = OnVista<SchemeTest>;
 TEST_F(VistaDamagedFiles, CountsWithoutEntriesEndSoon)
 {
     Trace::Record(false);
-    ASSERT_TRUE(seeding::SetKey(Catalogue(), "Wifi", "OptionNumber", kHuge));
+    ASSERT_TRUE(seeding::SetKey(kCatalogue, "Wifi", "OptionNumber", kHuge));
     EXPECT_EQ(1002U, LooksOf([&] { EXPECT_EQ(0, engine.ValidateData(L"Wifi", 77)); }));
     EXPECT_EQ(4U, LooksOf([&] { EXPECT_EQ(1, engine.ValidateData(L"Wifi", 1)); }));
     ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), "Number", kHuge));

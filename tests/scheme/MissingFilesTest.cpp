@@ -16,11 +16,11 @@ protected:
     /// Compares the results of `work` where the root names no file and where it is missing.
     void Expect(const std::vector<int>& results, const std::function<std::vector<int>()>& work)
     {
-        for (const char* key : {"PowerScheme", "UserScheme"})
+        for (const char* key : {"PowerScheme", "PowerSetting", "UserScheme"})
         {
-            ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", key, ""));
+            ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", key, ""));
         }
-        ASSERT_TRUE(seeding::SetKey(Root(), "ORVACfg", "SchemeSettings", ""));
+        ASSERT_TRUE(seeding::SetKey(kRoot, "ORVACfg", "SchemeSettings", ""));
         const auto bytes = [this]
         {
             return std::vector{seeding::ReadBytes(Values()), seeding::ReadBytes(Users()),
@@ -29,7 +29,7 @@ protected:
         const auto before = bytes();
         EXPECT_EQ(results, work()) << "the root names no file";
         EXPECT_EQ(before, bytes());
-        seeding::Remove(Root());
+        seeding::Remove(kRoot);
         EXPECT_EQ(results, work()) << "no root";
         EXPECT_EQ(before, bytes());
     }
@@ -46,12 +46,14 @@ TEST_F(XpMissingFiles, CountAsFilesThatCantBeOpened)
     set.schemeID = 6;
     set.IfShow = 1;
     ASSERT_EQ(1, engine.SetPwrCfgVariable(set));
-    Expect({-1, 1, 0, -1, -1, -1, 1, 0, -1, -1},
+    Expect({-1, -1, -1, 1, 0, -1, -1, -1, 1, 0, -1, -1},
            [&]
            {
                PWRSET read = set;
                return std::vector<int>{
                    engine.GetPwrVariable(6, 1, L"Wifi"),
+                   engine.SetPwrVariable(6, 1, L"Wifi", 0),
+                   engine.GetPwrVariableOptCount(L"Wifi"),
                    engine.GetPwrVariableAll(read, 6),
                    static_cast<int>(read.IfShow),
                    engine.FindPwrScheme(L"Mine", L"alice"),

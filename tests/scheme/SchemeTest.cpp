@@ -6,21 +6,6 @@
 
 using namespace simulated;
 
-namespace
-{
-
-std::string OwnFolder()
-{
-    return seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\";
-}
-
-std::string SectionOf(int scheme)
-{
-    return "Scheme " + std::to_string(scheme);
-}
-
-} // namespace
-
 SchemeTest::SchemeTest(DWORD major) : NotebookTest({major, major == 5 ? 1U : 0U, 1252, INSTALLATION_FOLDER})
 {
 }
@@ -32,61 +17,45 @@ void SchemeTest::SetUp()
     ActFor(engine, Notebook::kFirstUser);
 }
 
+std::string SchemeTest::FolderOf(const std::string& user)
+{
+    return Accounts::Find(user).value().profile + "\\Local Settings\\Application Data\\Kelvo\\ORVL\\Cfg";
+}
+
 void SchemeTest::ActFor(Engine& target, const std::string& user)
 {
-    const auto account = Accounts::Find(user);
-    ASSERT_TRUE(account.has_value()) << user;
-    const std::string folder = account->profile + "\\Local Settings\\Application Data\\Kelvo\\ORVL\\Cfg";
-    target.SetSubKeyProfilePath(seeding::Wide(user).data(), seeding::Wide(account->sid).data(),
-                                seeding::Wide(folder).data());
+    target.SetSubKeyProfilePath(seeding::Wide(user).data(), seeding::Wide(SidOf(user)).data(),
+                                seeding::Wide(FolderOf(user)).data());
 }
 
 std::string SchemeTest::SidOf(const std::string& user)
 {
-    const auto account = Accounts::Find(user);
-    return account ? account->sid : std::string();
-}
-
-std::string SchemeTest::FolderOf(const std::string& user) const
-{
-    Engine other;
-    ActFor(other, user);
-    return seeding::Utf8(other.m_szProfilePath);
-}
-
-std::string SchemeTest::Root()
-{
-    return std::string(Notebook::kInstallationFolder) + "ORVLCfg.ini";
-}
-
-std::string SchemeTest::Catalogue()
-{
-    return std::string(Notebook::kInstallationFolder) + "PowerSetting.ini";
+    return Accounts::Find(user).value().sid;
 }
 
 std::string SchemeTest::Values()
 {
-    return OwnFolder() + "PowerSchemes.ini";
+    return seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\PowerSchemes.ini";
 }
 
 std::string SchemeTest::Users()
 {
-    return OwnFolder() + "UserSchemes.ini";
+    return seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\UserSchemes.ini";
 }
 
-std::string SchemeTest::Display(const std::string& user) const
+std::string SchemeTest::Display(const std::string& user)
 {
     return FolderOf(user) + "\\OrvProfile.ini";
 }
 
 std::string SchemeTest::Stored(int scheme, const std::string& key)
 {
-    return seeding::GetKey(Values(), SectionOf(scheme), key);
+    return seeding::GetKey(Values(), "Scheme " + std::to_string(scheme), key);
 }
 
 bool SchemeTest::Store(int scheme, const std::string& key, const std::string& value)
 {
-    return seeding::SetKey(Values(), SectionOf(scheme), key, value);
+    return seeding::SetKey(Values(), "Scheme " + std::to_string(scheme), key, value);
 }
 
 POWER_POLICY SchemeTest::Policy(int scheme)

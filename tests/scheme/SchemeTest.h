@@ -48,15 +48,15 @@ protected:
     static std::string SidOf(const std::string& user);
 
     /// A user's configuration folder, without a final backslash.
-    std::string FolderOf(const std::string& user) const;
+    static std::string FolderOf(const std::string& user);
 
     // The files, by path.
 
-    static std::string Root();
-    static std::string Catalogue();
+    static constexpr const char* kRoot = "C:\\Program Files\\Kelvo\\ORVL\\Cfg\\ORVLCfg.ini";
+    static constexpr const char* kCatalogue = "C:\\Program Files\\Kelvo\\ORVL\\Cfg\\PowerSetting.ini";
     static std::string Values();
     static std::string Users();
-    std::string Display(const std::string& user) const;
+    static std::string Display(const std::string& user);
 
     /// What stands under a key of a scheme's section in the scheme values file.
     static std::string Stored(int scheme, const std::string& key);

@@ -41,7 +41,7 @@ using VistaVariables = OnVista<SchemeTest>;
 
 TEST_F(VistaVariables, TimesAreWholeMinutesWhateverTheCatalogueOffers)
 {
-    ASSERT_TRUE(seeding::SetKey(Catalogue(), "StandbyTimeOut", "OptionNumber", "0"));
+    ASSERT_TRUE(seeding::SetKey(kCatalogue, "StandbyTimeOut", "OptionNumber", "0"));
     // Only the names as the table has them are exempt from the catalogue.
     Run({{"1 ac StandbyTimeOut = 120", 1},
          {"1 dc StandbyTimeOut = 0", 1},
@@ -182,7 +182,7 @@ TEST_F(VistaVariables, BacklightLevelsBecomePercentages)
                                                               {"0", "0", -1, -1},
                                                               {"-3", "0", -1, -1}})
     {
-        ASSERT_TRUE(seeding::SetKey(Root(), "ORVLCfg", "MaxBrightLevel", levels));
+        ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "MaxBrightLevel", levels));
         Run({{std::string("1 ac BacklightLevel = ") + level, percentage}});
         // The copy is merged before the conversion can fail.
         EXPECT_EQ(level, Stored(kScheme, "BacklightLevel"));
@@ -195,17 +195,17 @@ TEST_F(VistaVariables, ABrokenSettingReachesNoPowerFunction)
 {
     for (const char* const key : {"Guid", "SubGroupGuid"})
     {
-        const std::string sound = seeding::GetKey(Catalogue(), "MonitorOffTimeOut", key);
+        const std::string sound = seeding::GetKey(kCatalogue, "MonitorOffTimeOut", key);
         for (const char* text : {"", "nonsense", "{3C0BC021-C8A8-4E07-A973-6B14CBCB2B7", "{}"})
         {
-            ASSERT_TRUE(seeding::SetKey(Catalogue(), "MonitorOffTimeOut", key, text));
+            ASSERT_TRUE(seeding::SetKey(kCatalogue, "MonitorOffTimeOut", key, text));
             EXPECT_THAT(CallsOf(
                             [&] {
                                 Run({{"1 ac MonitorOffTimeOut", -1}, {"1 ac MonitorOffTimeOut = 60", -1}});
                             }),
                         Each(Not(AnyOf("PowerReadACValueIndex", "PowerWriteACValueIndex"))));
         }
-        ASSERT_TRUE(seeding::SetKey(Catalogue(), "MonitorOffTimeOut", key, sound));
+        ASSERT_TRUE(seeding::SetKey(kCatalogue, "MonitorOffTimeOut", key, sound));
     }
 }
 
@@ -213,15 +213,19 @@ TEST_F(VistaVariables, NamesWithSettingsNeedTheCatalogueAndOthersDont)
 {
     GUID group{};
     GUID setting{};
-    const auto calls = CallsOf([&] { EXPECT_EQ(7, engine.ParseVarName(L"CPUSPEED", &group, &setting)); });
-    EXPECT_TRUE(calls.empty());
-    EXPECT_EQ(0, engine.ParseVarName(L"MonitorOffTimeOut", &group, &setting));
     EXPECT_EQ(8, engine.ParseVarName(L"BacklightLevel", &group, &setting));
-    EXPECT_EQ(0xADED5E82U, setting.Data1);
-    EXPECT_EQ(-1, engine.ParseVarName(L"BacklightLevel", nullptr, &setting));
-    EXPECT_EQ(-1, engine.ParseVarName(L"Nothing", &group, &setting));
+    EXPECT_EQ(0, engine.ParseVarName(L"MonitorOffTimeOut", &group, &setting));
+    EXPECT_EQ(0x3C0BC021U, setting.Data1);
+    seeding::Remove(kCatalogue);
+    EXPECT_EQ(7, engine.ParseVarName(L"CPUSPEED", &group, &setting));
+    for (const wchar_t* const name : {L"MonitorOffTimeOut", L"BacklightLevel", L"Nothing"})
+    {
+        EXPECT_EQ(-1, engine.ParseVarName(name, &group, &setting));
+    }
+    EXPECT_EQ(-1, engine.ParseVarName(L"CpuSpeed", nullptr, &setting));
+    EXPECT_EQ(-1, engine.ParseVarName(L"CpuSpeed", &group, nullptr));
     engine.m_bVista = 0;
-    EXPECT_EQ(-1, engine.ParseVarName(L"BacklightLevel", &group, &setting));
+    EXPECT_EQ(-1, engine.ParseVarName(L"CpuSpeed", &group, &setting));
     EXPECT_EQ(8, engine.ParseVarName(L"BacklightLevel"));
 }
 

@@ -19,7 +19,7 @@ namespace
 
 using WholeScheme = SchemeTest;
 
-// The display attributes are written and read all the same, and belong to the user.
+// The display attributes are written and read all the same.
 TEST_F(WholeScheme, AMissingSchemeReadsAsNothing)
 {
     PWRSET set{};
@@ -30,15 +30,7 @@ TEST_F(WholeScheme, AMissingSchemeReadsAsNothing)
     const auto lines = LinesOf([&] { EXPECT_EQ(42, engine.SetPwrVariable(set)); });
     EXPECT_EQ(17U, lines.size());
     EXPECT_THAT(lines, Each("FindPwrScheme error"));
-    EXPECT_EQ("-7", seeding::GetKey(Display("alice"), "Scheme42", "IconNum"));
-
-    Engine bob;
-    ActFor(bob, "bob");
     PWRSET read{};
-    EXPECT_EQ(1, bob.GetPwrVariableAll(read, 42));
-    EXPECT_EQ(0, read.IfDefault + read.IconNum + read.IfShow);
-    EXPECT_EQ(1, bob.SetPwrCfgVariable(read));
-
     EXPECT_EQ(1, engine.GetPwrVariableAll(read, 42));
     std::fill_n(&set.ac.cpuSpeed, 9, -1);
     std::fill_n(&set.dc.cpuSpeed, 9, -1);

@@ -178,16 +178,6 @@ TEST_F(XpVariables, RefusalsSayWhyAndChangeNothing)
     EXPECT_EQ(BytesOf(before), BytesOf(after));
 }
 
-// A catalogue or a root file that is missing refuses every write; reads treat the key as absent.
-TEST_F(XpVariables, WithoutConfigurationKeysCountAsAbsent)
-{
-    Run({{"3 ac Wifi = 1", 1}});
-    seeding::Remove(Root());
-    Run({{"3 ac Wifi", -1}, {"3 ac Wifi = 0", -1}});
-    EXPECT_EQ(-1, engine.GetPwrVariableOptCount(L"Wifi"));
-    EXPECT_EQ("1", Stored(kScheme, "Wifi"));
-}
-
 TEST_F(XpVariables, CatalogueTexts)
 {
     wchar_t buffer[64] = L"untouched";
