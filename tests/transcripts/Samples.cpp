@@ -10,9 +10,9 @@ namespace
 
 #define WHOLE_SCHEME                                                                                         \
     "ac.cpuSpeed=50 ac.backlightLevel=2 ac.lanSpeed=3 ac.lums=4 ac.monitorOffTimeOut=1200 "                  \
-    "ac.standbyTimeOut=2700 ac.wifi=0 ac.lanStatus=0 ac.threeG=1 dc.cpuSpeed=75 dc.backlightLevel=5 "        \
-    "dc.lanSpeed=1 dc.lums=9 dc.monitorOffTimeOut=600 dc.standbyTimeOut=3600 dc.wifi=1 dc.lanStatus=1 "      \
-    "dc.threeG=0 IfDefault=2 IconNum=12 IfShow=3"
+    "ac.standbyTimeOut=2700 ac.wifi=0 ac.lanStatus=1 ac.threeG=1 dc.cpuSpeed=75 dc.backlightLevel=5 "        \
+    "dc.lanSpeed=1 dc.lums=9 dc.monitorOffTimeOut=600 dc.standbyTimeOut=3600 dc.wifi=1 dc.lanStatus=0 "      \
+    "dc.threeG=1 IfDefault=2 IconNum=12 IfShow=3"
 
 constexpr Sample kSamples[] = {
     {"GET_CPU_SPEED", "", "", false},
