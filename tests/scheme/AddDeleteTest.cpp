@@ -132,16 +132,16 @@ TEST_F(AddDelete, WithoutAnOwnerTheOperatingSystemsNamesCount)
     EXPECT_EQ(1, engine.FindPwrScheme(L"Portable/Laptop"));
     EXPECT_EQ(-1, engine.FindPwrScheme(L"portable/laptop"));
     EXPECT_EQ(-2, engine.AddPwrScheme(L"Portable/Laptop", L"", 3));
-    Run({{"3 dc BacklightLevel = 5", 5}});
+    Run("set 3 dc BacklightLevel = 5 -> 5");
     EXPECT_EQ(6, engine.AddPwrScheme(L"Nobody's", L"", 3));
-    Run({{"6 dc BacklightLevel", 5}});
+    Run("get 6 dc BacklightLevel -> 5");
     EXPECT_EQ(std::string("6\0\0\0", 4), RegistryEditor::Read(kMachineKey, "LastID")->bytes) << "terminated";
     EXPECT_EQ(-2, engine.AddPwrScheme(L"Nobody's", L"", 3));
     EXPECT_EQ(-1, engine.AddPwrScheme(L" ", L"", 3));
     EXPECT_TRUE(LinesOf([&] { EXPECT_EQ(-1, engine.AddPwrScheme(L"Other", L"", 99)); }).empty());
     EXPECT_FALSE(seeding::Exists(Users()));
     // A deletion looks for the user's entry, and that opens the user's file.
-    EXPECT_EQ(1, engine.DeletePwrScheme(6, L"alice"));
+    Run("delete 6 asUser -> 1");
     EXPECT_EQ("", seeding::ReadBytes(Users()));
 }
 
@@ -151,14 +151,12 @@ TEST_F(AddDelete, AWholeSchemeIsAddedWithoutTheHibernateTimesOfItsBase)
     set.schemeID = 3;
     std::fill_n(set.desc, kSchemeTextCapacity, L'd'); // without a terminator
     set.name[0] = L'n';
-    Run({{"3 ac StandbyTimeOut = 300", 1},
-         {"3 ac HibernateTimeOut = 21600", 1},
-         {"3 dc StandbyTimeOut = 300", 1},
-         {"3 dc HibernateTimeOut = 21600", 1}});
+    Run("set 3 ac StandbyTimeOut = 300 -> 1; set 3 ac HibernateTimeOut = 21600 -> 1; "
+        "set 3 dc StandbyTimeOut = 300 -> 1; set 3 dc HibernateTimeOut = 21600 -> 1");
     EXPECT_EQ(6, engine.AddPwrScheme(set, L"alice"));
     EXPECT_EQ(6, set.schemeID);
     EXPECT_EQ("n: " + std::string(kSchemeTextCapacity, 'd'), TextsOf(6));
-    Run({{"6 ac HibernateTimeOut", 0}, {"6 dc HibernateTimeOut", 0}});
+    Run("get 6 ac HibernateTimeOut -> 0; get 6 dc HibernateTimeOut -> 0");
     set.schemeID = 3;
     EXPECT_EQ(-2, engine.AddPwrScheme(set, L"alice"));
     EXPECT_EQ(3, set.schemeID);
@@ -198,10 +196,10 @@ TEST_F(AddDelete, WhatBelongsToNobodyOrToBothIsDeleted)
     ASSERT_EQ(7, engine.AddPwrScheme(L"nobody's", L"", 3));
     ASSERT_EQ(8, Add(engine, "mine"));
     const auto before = seeding::ReadBytes(Users());
-    EXPECT_EQ(1, engine.DeletePwrScheme(7, L"alice"));
+    Run("delete 7 asUser -> 1");
     EXPECT_EQ(before, seeding::ReadBytes(Users()));
     ASSERT_EQ(1, bob.AddtoUserScheme(L"shared", L"bob", 8));
-    EXPECT_EQ(1, engine.DeletePwrScheme(8, L"alice"));
+    Run("delete 8 asUser -> 1");
     EXPECT_EQ("2", EntriesOf("bob"));
     EXPECT_EQ("0", EntriesOf("alice"));
 }
@@ -217,13 +215,13 @@ TEST_F(AddDelete, WhatARefusedOrFailedDeletionLeavesBehind)
                     ElementsAre(StartsWith("delete windows power scheme failed ")));
     }
     EXPECT_FALSE(seeding::Exists(Users())) << "a look for an owner makes no file";
-    Run({{"3 ac Wifi = 0", 0}, {"3 dc Wifi = 0", 0}});
+    Run("set 3 ac Wifi = 0 -> 0; set 3 dc Wifi = 0 -> 0");
     for (const char* const name : {"active", "no values", "no users", "no root"})
     {
         ASSERT_LT(0, Add(engine, name));
     }
     ASSERT_TRUE(SetActivePwrScheme(6, nullptr, nullptr));
-    EXPECT_EQ(0, engine.DeletePwrScheme(6, L"alice"));
+    Run("delete 6 asUser -> 0");
 
     // The scheme goes, section and entry stay.
     ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "PowerScheme", ""));
@@ -233,13 +231,13 @@ TEST_F(AddDelete, WhatARefusedOrFailedDeletionLeavesBehind)
     EXPECT_EQ("0", Stored(7, "Wifi"));
     // Scheme and section go, the entry stays, and the call reports success.
     ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "UserScheme", ""));
-    EXPECT_EQ(1, engine.DeletePwrScheme(8, L"alice"));
+    Run("delete 8 asUser -> 1");
     EXPECT_EQ(kAbsent, Stored(8, "Wifi"));
     seeding::Remove(kRoot);
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(9)); }),
                 ElementsAre("orvlCfg.Initialize finished"));
     EXPECT_EQ("4", EntriesOf("alice"));
-    EXPECT_EQ(6, engine.GetPwrSchemeMaxIndex());
+    Run("next -> 6");
 }
 
 std::vector<std::string> s_noted;

@@ -80,7 +80,7 @@ TEST_F(XpApply, TheSystemComesBeforeTheRecordsAndTheUsersRecordFirst)
     EXPECT_EQ("2 (absent)", Recorded());
     EXPECT_EQ(-1, engine.SetActivePwrScheme(4, L"alice"));
     EXPECT_EQ("4 4", Recorded());
-    EXPECT_EQ(4, engine.GetActivePwrScheme(0));
+    Run("active -> 4");
 }
 
 TEST_F(XpApply, NothingIsRecordedForASchemeThatIsNotActivated)
@@ -102,7 +102,7 @@ TEST_F(XpApply, NothingIsRecordedForASchemeThatIsNotActivated)
             LinesOf([&, index = scheme] { EXPECT_EQ(-1, engine.SetActivePwrScheme(index, L"alice")); });
         EXPECT_THAT(userLines, Contains("Success! fn_PWRDL_WriteGlobalPwrPolicy"));
         EXPECT_EQ(userLine, userLines.back());
-        EXPECT_EQ(1, engine.GetActivePwrScheme(0));
+        Run("active -> 1");
         EXPECT_EQ("(absent) (absent)", Recorded());
     }
 }
@@ -110,7 +110,8 @@ TEST_F(XpApply, NothingIsRecordedForASchemeThatIsNotActivated)
 // A source that isn't adaptive has its range left alone; the other's maximum is restated before its minimum.
 TEST_F(VistaApply, TheRangeOfAnAdaptiveSourceIsStatedAgain)
 {
-    Run({{"2 dc CpuAdaptive = 0", 0}, {"2 ac CpuAdaptive = 1", 1}, {"2 ac CpuSpeedMin = 20", 20}});
+    Run("set 2 dc CpuAdaptive = 0 -> 0; set 2 ac CpuAdaptive = 1 -> 1; "
+        "set 2 ac CpuSpeedMin = 20 -> 20");
     Trace::Clear();
     Faults::Inject("PowerSetActiveScheme", 1, ERROR_ACCESS_DENIED);
     EXPECT_EQ(-1, engine.SetActivePwrScheme(2));
@@ -136,9 +137,8 @@ protected:
         m_power = "HKEY_USERS\\" + m_user;
         ASSERT_TRUE(RegistryEditor::WriteText(m_power, "CurrentPowerPolicy", "5"));
         StoreTimes(PowerActionSleep, 1200, 2400);
-        Run({{"2 ac HibernateTimeOut = 0", 1},
-             {"2 ac StandbyTimeOut = 0", 1},
-             {"2 ac DiskOffTimeOut = 300", 1}});
+        Run("set 2 ac HibernateTimeOut = 0 -> 1; set 2 ac StandbyTimeOut = 0 -> 1; "
+            "set 2 ac DiskOffTimeOut = 300 -> 1");
     }
 
     void StoreTimes(POWER_ACTION action, ULONG idle, ULONG doze)
@@ -160,17 +160,18 @@ protected:
 TEST_F(UsersPolicy, AHibernateTimeThatTheTargetHasOvertakenGivesWayToALaterOne)
 {
     for (const auto& [action, idle, doze, standby, expected] :
-         {std::tuple{PowerActionSleep, 600U, 1200U, "900", 1800},
-          {PowerActionSleep, 600U, 1200U, "1800", 2700},
-          {PowerActionSleep, 600U, 1200U, "2700", 3600},
-          {PowerActionSleep, 600U, 0U, "900", 0},
-          {PowerActionHibernate, 1800U, 0U, "900", 1800},
-          {PowerActionNone, 1800U, 600U, "0", 0}})
+         {std::tuple{PowerActionSleep, 600U, 1200U, 900, 1800},
+          {PowerActionSleep, 600U, 1200U, 1800, 2700},
+          {PowerActionSleep, 600U, 1200U, 2700, 3600},
+          {PowerActionSleep, 600U, 0U, 900, 0},
+          {PowerActionHibernate, 1800U, 0U, 900, 1800},
+          {PowerActionNone, 1800U, 600U, 0, 0}})
     {
         StoreTimes(action, idle, doze);
-        Run({{"2 ac HibernateTimeOut = 0", 1}, {std::string("2 ac StandbyTimeOut = ") + standby, 1}});
+        Run("set 2 ac HibernateTimeOut = 0 -> 1; set 2 ac StandbyTimeOut = " + std::to_string(standby) +
+            " -> 1");
         engine.SetGolbalPwrPolicyFromCurrentUser(2);
-        Run({{"2 ac HibernateTimeOut", expected}});
+        EXPECT_EQ(expected, engine.GetPwrVariable(2, 1, L"HibernateTimeOut"));
     }
 }
 
@@ -183,21 +184,17 @@ TEST_F(UsersPolicy, WhatCantBeReadIsSkipped)
         DWORD size;
         std::string reader;
         const char* follows; ///< another line, where there is one
-        std::vector<Step> times;
+        std::string times;
     };
     const std::string global = m_power + "\\GlobalPowerPolicy";
     const Record records[] = {
-        {m_power + "\\PowerPolicies\\5",
-         80,
-         "ReadUser",
+        {m_power + "\\PowerPolicies\\5", 80, "ReadUser",
          "SetGolbalPwrPolicyFromCurrentUser: Can't read user power policy: 2",
-         {{"2 ac DiskOffTimeOut", 300}, {"2 ac HibernateTimeOut", 0}}},
-        {kMachine,
-         64,
-         "ReadMachine",
-         "SetGolbalPwrPolicyFromCurrentUser: Can't read machine power policy: 2",
-         {{"2 ac DiskOffTimeOut", 1500}, {"2 ac HibernateTimeOut", 0}}},
-        {global, 176, "ReadUser", "none", {{"2 ac DiskOffTimeOut", 1500}, {"2 ac HibernateTimeOut", 3600}}},
+         "get 2 ac DiskOffTimeOut -> 300; get 2 ac HibernateTimeOut -> 0"},
+        {kMachine, 64, "ReadMachine", "SetGolbalPwrPolicyFromCurrentUser: Can't read machine power policy: 2",
+         "get 2 ac DiskOffTimeOut -> 1500; get 2 ac HibernateTimeOut -> 0"},
+        {global, 176, "ReadUser", "none",
+         "get 2 ac DiskOffTimeOut -> 1500; get 2 ac HibernateTimeOut -> 3600"},
     };
     Snapshot sound(Folder());
     for (const Record& record : records)
@@ -231,14 +228,14 @@ TEST_F(UsersPolicy, WhatCantBeReadIsSkipped)
 // A number of another type or none, with the times of scheme 0 instead, and a user who isn't logged on.
 TEST_F(UsersPolicy, WithoutANumberTheTimesAreThoseOfScheme0)
 {
-    const int times = static_cast<int>(Policy(0).user.SpindownTimeoutAc);
+    const std::string times = std::to_string(Policy(0).user.SpindownTimeoutAc);
     for (const DWORD type : {DWORD{REG_BINARY}, DWORD{REG_DWORD}})
     {
         ASSERT_TRUE(RegistryEditor::Write(m_power, "CurrentPowerPolicy", {type, std::string("5\0\0\0", 4)}));
         EXPECT_THAT(
             LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); }),
             Contains("ReadUserActivePowerScheme: Query CurrentPowerPolicy at Key " + m_user + " failed"));
-        Run({{"2 ac DiskOffTimeOut", times}, {"2 ac DiskOffTimeOut = 300", 1}});
+        Run("get 2 ac DiskOffTimeOut -> " + times + "; set 2 ac DiskOffTimeOut = 300 -> 1");
     }
     ASSERT_TRUE(Notebook::LogOff("alice"));
     EXPECT_THAT(CallsOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); }),

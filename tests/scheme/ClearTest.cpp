@@ -94,7 +94,7 @@ TEST_F(Clearing, WhatFailuresLeaveBehind)
     Faults::Inject("SetActivePwrScheme", 1, ERROR_ACCESS_DENIED);
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(1, engine.ClearPwrSchemes()); }),
                 Contains(StartsWith("delete windows power scheme failed")));
-    EXPECT_EQ(1, engine.FindPwrScheme(6));
+    Run("find 6 -> 1");
     EXPECT_FALSE(seeding::Exists(Users()));
 
     // No folder: files and machine key stay.

@@ -69,28 +69,24 @@ TEST_F(VistaMapping, AMissingFunctionFailsWhatNeedsIt)
         ASSERT_TRUE(Notebook::SetModule("PowrProf.dll." + function, true));
     }
     engine.Initialize();
-    EXPECT_EQ(1, engine.DeletePwrScheme(5, L"alice"));
+    Run("delete 5 asUser -> 1");
     EXPECT_EQ(kAbsent, Stored(5, "GUID"));
 }
 
 TEST_F(XpMapping, SchemesAreTheSubkeysOfTheStores)
 {
     const std::string own = "HKEY_CURRENT_USER\\Control Panel\\PowerCfg\\PowerPolicies\\";
-    EXPECT_EQ(1, engine.FindPwrScheme(5));
-    EXPECT_EQ(0, engine.FindPwrScheme(6));
-    EXPECT_EQ(5, engine.GetPwrSchemeMaxIndex());
+    Run("find 5 -> 1; find 6 -> 0; next -> 5");
     ASSERT_TRUE(seeding::MakeKey(HKEY_LOCAL_MACHINE, "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls "
                                                      "Folder\\PowerCfg\\PowerPolicies\\17"));
-    EXPECT_EQ(17, engine.GetPwrSchemeMaxIndex());
-    EXPECT_EQ(0, engine.FindPwrScheme(17));
+    Run("next -> 17; find 17 -> 0");
     // A name counts as the number that it begins with, and as 0 without one.
     ASSERT_TRUE(RegistryEditor::RemoveKey(own + '0'));
-    EXPECT_EQ(0, engine.FindPwrScheme(0));
+    Run("find 0 -> 0");
     ASSERT_TRUE(RegistryEditor::WriteNumber(own + "12x", "x", 0));
-    EXPECT_EQ(0, engine.FindPwrScheme(0));
-    EXPECT_EQ(1, engine.FindPwrScheme(12));
+    Run("find 0 -> 0; find 12 -> 1");
     ASSERT_TRUE(RegistryEditor::WriteNumber(own + "x12", "x", 0));
-    EXPECT_EQ(1, engine.FindPwrScheme(0));
+    Run("find 0 -> 1");
 }
 
 TEST_F(VistaMapping, RowsAndGuidsLeadToEachOther)
@@ -99,12 +95,12 @@ TEST_F(VistaMapping, RowsAndGuidsLeadToEachOther)
     EXPECT_EQ(1, engine.SchemeIndexToGuid(1, &guid));
     EXPECT_EQ(BytesOf(kBalanced), BytesOf(guid));
     EXPECT_EQ(1, engine.SchemeGuidToIndex(&guid));
-    EXPECT_EQ(3, engine.GetPwrSchemeMaxIndex());
+    Run("next -> 3");
     EXPECT_EQ(-1, engine.SchemeGuidToIndex(&kUnknown));
     EXPECT_EQ(-1, engine.SchemeGuidToIndex(nullptr));
     EXPECT_EQ(0, engine.SchemeIndexToGuid(-1, &guid));
     EXPECT_EQ(0, engine.SchemeIndexToGuid(1, nullptr));
-    EXPECT_EQ(0, engine.FindPwrScheme(7));
+    Run("find 7 -> 0");
 }
 
 TEST_F(VistaMapping, AStaleRowGoesWithAllThatItHolds)
@@ -114,9 +110,9 @@ TEST_F(VistaMapping, AStaleRowGoesWithAllThatItHolds)
     EXPECT_EQ(-1, engine.GetPwrVariable(2, 1, L"Wifi"));
     EXPECT_EQ(kAbsent, Stored(2, "GUID"));
     EXPECT_EQ(kAbsent, Stored(2, "Wifi"));
-    EXPECT_EQ(3, engine.GetPwrSchemeMaxIndex());
+    Run("next -> 3");
     Faults::Inject("PowerReadFriendlyName", 1, ERROR_MORE_DATA);
-    EXPECT_EQ(1, engine.FindPwrScheme(1));
+    Run("find 1 -> 1");
 }
 
 TEST_F(VistaMapping, TheSearchSkipsGapsAndEndsAtABrokenRow)
@@ -140,12 +136,10 @@ TEST_F(VistaMapping, AnUnknownActiveSchemeGetsTheNextRow)
     ASSERT_EQ(0U, PowerDuplicateScheme(nullptr, &kBalanced, &copy));
     ASSERT_EQ(0U, PowerSetActiveScheme(nullptr, copy));
     Faults::Inject("WritePrivateProfileStringW", 1, ERROR_ACCESS_DENIED);
-    EXPECT_EQ(-1, engine.GetActivePwrScheme(0));
-    EXPECT_EQ(3, engine.GetPwrSchemeMaxIndex());
+    Run("active -> -1; next -> 3");
     for (int request = 0; request < 2; ++request)
     {
-        EXPECT_EQ(3, engine.GetActivePwrScheme(0));
-        EXPECT_EQ(4, engine.GetPwrSchemeMaxIndex());
+        Run("active -> 3; next -> 4");
         EXPECT_EQ("{01234567-89AB-cdef-0123-456789ABCDEF}", Stored(3, "GUID"));
     }
 }
@@ -159,9 +153,9 @@ TEST_F(VistaMapping, ASearchThatEndsEarlyAddsOneRowOnly)
     ASSERT_TRUE(Store(0, "GUID", "{broken}"));
     for (int request = 0; request < 3; ++request)
     {
-        EXPECT_EQ(3, engine.GetActivePwrScheme(0));
+        Run("active -> 3");
     }
-    EXPECT_EQ(4, engine.GetPwrSchemeMaxIndex());
+    Run("next -> 4");
 
     for (const char* none : {"-1", "-9", "2147483647"})
     {
@@ -171,12 +165,12 @@ TEST_F(VistaMapping, ASearchThatEndsEarlyAddsOneRowOnly)
         EXPECT_EQ(before, seeding::ReadBytes(Values())) << none;
     }
     ASSERT_TRUE(Store(2147483646, "GUID", balanced));
-    EXPECT_EQ(2147483646, engine.GetActivePwrScheme(0));
+    Run("active -> 2147483646");
 
     // Before row 0 there is none.
     ASSERT_TRUE(seeding::SetKey(Values(), "Scheme 4294967295", "GUID", balanced));
     setNext("0");
-    EXPECT_EQ(0, engine.GetActivePwrScheme(0));
+    Run("active -> 0");
     setNext("-9");
     EXPECT_EQ(-1, engine.SchemeGuidToIndex(&kBalanced)) << "no row is looked at";
 }

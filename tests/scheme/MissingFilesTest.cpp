@@ -41,7 +41,7 @@ using VistaMissingFiles = OnVista<MissingFiles>;
 TEST_F(XpMissingFiles, CountAsFilesThatCantBeOpened)
 {
     ASSERT_EQ(6, engine.AddPwrScheme(L"Mine", L"", 3, L"alice"));
-    Run({{"6 ac Wifi = 1", 1}});
+    Run("set 6 ac Wifi = 1 -> 1");
     PWRSET set{};
     set.schemeID = 6;
     set.IfShow = 1;

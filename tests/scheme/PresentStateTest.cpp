@@ -30,12 +30,12 @@ using PresentState = SchemeTest;
 
 TEST_F(PresentState, SpeedBelongsToTheSourceThatFeedsTheMachine)
 {
-    Run({{"1 ac CpuSpeed = 100", 1}, {"1 dc CpuSpeed = 50", 1}});
+    Run("set 1 ac CpuSpeed = 100 -> 1; set 1 dc CpuSpeed = 50 -> 1");
+    using Row = std::tuple<int, int, std::string, std::string>;
     // The source, the speed that is set, both speeds then.
-    for (const auto& [line, speed, ac, dc] : {std::tuple{AC_LINE_ONLINE, 75, 75, 50},
-                                              {AC_LINE_ONLINE, 33, 75, 50},
-                                              {AC_LINE_OFFLINE, 100, 75, 100},
-                                              {AC_LINE_UNKNOWN, 0, 75, 0}})
+    for (const auto& [line, speed, ac, dc] :
+         {Row{AC_LINE_ONLINE, 75, "75", "50"}, Row{AC_LINE_ONLINE, 33, "75", "50"},
+          Row{AC_LINE_OFFLINE, 100, "75", "100"}, Row{AC_LINE_UNKNOWN, 0, "75", "0"}})
     {
         PowerAnswers answers = PowerSource::Get();
         answers.status.ACLineStatus = static_cast<BYTE>(line);
@@ -45,7 +45,7 @@ TEST_F(PresentState, SpeedBelongsToTheSourceThatFeedsTheMachine)
         // Also a refused speed applies the scheme.
         EXPECT_THAT(CallsOf([&, set = speed] { EXPECT_EQ(before, engine.SetCPUSpeed(set)); }),
                     testing::Contains("SetActivePwrScheme"));
-        Run({{"1 ac CpuSpeed", ac}, {"1 dc CpuSpeed", dc}});
+        Run("get 1 ac CpuSpeed -> " + ac + "; get 1 dc CpuSpeed -> " + dc);
     }
     Faults::Inject("GetActivePwrScheme", 1, ERROR_FILE_NOT_FOUND, true);
     EXPECT_THAT(CallsOf([&] { EXPECT_EQ(-2, engine.GetCPUSpeed() + engine.SetCPUSpeed(50)); }),

@@ -4,6 +4,8 @@
 
 #include "scheme/SchemeTest.h"
 
+#include <sstream>
+
 using namespace simulated;
 
 SchemeTest::SchemeTest(DWORD major) : NotebookTest({major, major == 5 ? 1U : 0U, 1252, INSTALLATION_FOLDER})
@@ -72,20 +74,43 @@ MACHINE_PROCESSOR_POWER_POLICY SchemeTest::Processor(int scheme)
     return policy;
 }
 
-void SchemeTest::Run(const std::vector<Step>& steps)
+int SchemeTest::ResultOf(const std::string& work)
 {
-    for (const auto& [work, result] : steps)
+    std::istringstream words(work);
+    std::string verb;
+    std::string source;
+    int scheme = 0;
+    words >> verb >> scheme >> source;
+    if (verb == "active" || verb == "next")
     {
-        const int scheme = std::stoi(work);
-        const int ifAC = work.find(" ac ") != std::string::npos ? 1 : 0;
-        const std::size_t begin = work.find("c ") + 2;
-        const std::size_t equals = work.find(" = ");
-        const auto name = seeding::Wide(work.substr(begin, equals - begin));
-        EXPECT_EQ(result,
-                  equals == std::string::npos
-                      ? engine.GetPwrVariable(scheme, ifAC, name.data())
-                      : engine.SetPwrVariable(scheme, ifAC, name.data(), std::stoi(work.substr(equals + 3))))
-            << work;
+        return verb == "active" ? engine.GetActivePwrScheme(0) : engine.GetPwrSchemeMaxIndex();
+    }
+    if (verb == "find")
+    {
+        return engine.FindPwrScheme(scheme);
+    }
+    if (verb == "delete")
+    {
+        return source.empty() ? engine.DeletePwrScheme(scheme) : engine.DeletePwrScheme(scheme, L"alice");
+    }
+    std::string rest;
+    std::getline(words >> std::ws, rest);
+    const std::size_t equals = rest.find("= ");
+    const auto name =
+        seeding::Wide(verb == "get" ? rest : rest.substr(0, equals - std::min<std::size_t>(equals, 1)));
+    const int ifAC = source == "ac" ? 1 : 0;
+    return verb == "get"
+               ? engine.GetPwrVariable(scheme, ifAC, name.data())
+               : engine.SetPwrVariable(scheme, ifAC, name.data(), std::stoi(rest.substr(equals + 2)));
+}
+
+void SchemeTest::Run(const std::string& steps)
+{
+    std::istringstream all(steps);
+    for (std::string step; std::getline(all >> std::ws, step, ';');)
+    {
+        const std::size_t arrow = step.find(" -> ");
+        EXPECT_EQ(std::stoi(step.substr(arrow + 4)), ResultOf(step.substr(0, arrow))) << step;
     }
 }
 

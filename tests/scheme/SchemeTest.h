@@ -71,13 +71,10 @@ protected:
     /// The names of the platform functions that the engine calls while `work` runs, in order.
     static Lines CallsOf(const Work& work);
 
-    /// One variable and the result: "3 ac CpuSpeed" reads it, "3 dc CpuSpeed = 75" writes it.
-    struct Step
-    {
-        std::string work;
-        int result;
-    };
-    void Run(const std::vector<Step>& steps);
+    /// Does steps and compares their results: "get 3 ac CpuSpeed -> 50; set 3 dc CpuSpeed = 75 -> 1". Other
+    /// steps are "find 3", "delete 3", "delete 3 asUser", "active" and "next" (`GetPwrSchemeMaxIndex`).
+    void Run(const std::string& steps);
+    int ResultOf(const std::string& work);
 
     static POWER_POLICY Policy(int scheme);
     static MACHINE_PROCESSOR_POWER_POLICY Processor(int scheme);

@@ -43,13 +43,10 @@ TEST_F(VistaVariables, TimesAreWholeMinutesWhateverTheCatalogueOffers)
 {
     ASSERT_TRUE(seeding::SetKey(kCatalogue, "StandbyTimeOut", "OptionNumber", "0"));
     // Only the names as the table has them are exempt from the catalogue.
-    Run({{"1 ac StandbyTimeOut = 120", 1},
-         {"1 dc StandbyTimeOut = 0", 1},
-         {"1 ac StandbyTimeOut = 90", -1},
-         {"1 ac StandbyTimeOut = -60", -1},
-         {"1 ac standbytimeout = 120", -1},
-         {"1 ac StandbyTimeOut", 120},
-         {"1 dc StandbyTimeOut", 0}});
+    Run("set 1 ac StandbyTimeOut = 120 -> 1; set 1 dc StandbyTimeOut = 0 -> 1; "
+        "set 1 ac StandbyTimeOut = 90 -> -1; set 1 ac StandbyTimeOut = -60 -> -1; "
+        "set 1 ac standbytimeout = 120 -> -1; get 1 ac StandbyTimeOut -> 120; "
+        "get 1 dc StandbyTimeOut -> 0");
 }
 
 TEST_F(VistaVariables, EveryOtherVariableComesBackAsItWasWritten)
@@ -57,28 +54,27 @@ TEST_F(VistaVariables, EveryOtherVariableComesBackAsItWasWritten)
     for (int number = kCpuAdaptive; number < kVariableCount; ++number)
     {
         const std::string name = seeding::Utf8(VariableOf(number).name);
-        const int first = engine.GetPwrVariableOptValue(VariableOf(number).name, 0);
-        const int second = engine.GetPwrVariableOptValue(VariableOf(number).name, 1);
-        const int percentage = number == kBacklightLevel ? 14 : second;
-        Run({{"1 ac " + name + " = " + std::to_string(first), first},
-             {"1 dc " + name + " = " + std::to_string(second), percentage},
-             {"1 ac " + name, number == kLums ? second : first},
-             {"1 dc " + name, second}});
+        const std::string first = std::to_string(engine.GetPwrVariableOptValue(VariableOf(number).name, 0));
+        const std::string second = std::to_string(engine.GetPwrVariableOptValue(VariableOf(number).name, 1));
+        Run("set 1 ac " + name + " = " + first + " -> " + first);
+        Run("set 1 dc " + name + " = " + second + " -> " + (number == kBacklightLevel ? "14" : second));
+        Run("get 1 ac " + name + " -> " + (number == kLums ? second : first));
+        Run("get 1 dc " + name + " -> " + second);
     }
 }
 
 TEST_F(VistaVariables, AFirstReadStoresTheDefault)
 {
-    for (const auto& [name, value, stored] : {std::tuple{"CpuAdaptive", 3, "196611"},
-                                              {"CpuSpeed", 100, "6553700"},
-                                              {"LANStatus", -1, "-1"},
-                                              {"LUMS", -1, "-1"},
-                                              {"USBPort 3", -1, "-1"}})
+    for (const auto& [read, stored] : {std::pair{"CpuAdaptive -> 3", "196611"},
+                                       {"CpuSpeed -> 100", "6553700"},
+                                       {"LANStatus -> -1", "-1"},
+                                       {"LUMS -> -1", "-1"},
+                                       {"USBPort 3 -> -1", "-1"}})
     {
-        for (const char* const source : {"1 ac ", "1 dc "})
+        for (const char* const source : {"get 1 ac ", "get 1 dc "})
         {
-            Run({{source + std::string(name), value}});
-            EXPECT_EQ(stored, Stored(kScheme, name));
+            Run(source + std::string(read));
+            EXPECT_EQ(stored, Stored(kScheme, std::string(read, std::string(read).find(" ->"))));
         }
     }
 }
@@ -93,13 +89,13 @@ TEST_F(VistaVariables, TheAdaptivePolicySetsTheProcessorUpToTheFirstRefusal)
         std::array<int, 4> settings;
     };
     for (const auto& [source, value, refused, settings] :
-         {Row{"1 ac ", 0, 0, {4, 4, 100, 100}}, Row{"1 dc ", 0, 0, {5, 5, 100, 100}},
-          Row{"1 ac ", 3, 0, {2, 2, 50, 70}}, Row{"1 dc ", 1, 0, {3, 3, 50, 70}},
-          Row{"1 ac ", 0, 1, {9, 9, 50, 70}}, Row{"1 ac ", 0, 2, {4, 9, 50, 70}},
-          Row{"1 dc ", 0, 3, {5, 5, 50, 70}}, Row{"1 dc ", 0, 4, {5, 5, 100, 70}}})
+         {Row{" 1 ac ", 0, 0, {4, 4, 100, 100}}, Row{" 1 dc ", 0, 0, {5, 5, 100, 100}},
+          Row{" 1 ac ", 3, 0, {2, 2, 50, 70}}, Row{" 1 dc ", 1, 0, {3, 3, 50, 70}},
+          Row{" 1 ac ", 0, 1, {9, 9, 50, 70}}, Row{" 1 ac ", 0, 2, {4, 9, 50, 70}},
+          Row{" 1 dc ", 0, 3, {5, 5, 50, 70}}, Row{" 1 dc ", 0, 4, {5, 5, 100, 70}}})
     {
-        const bool ac = source == "1 ac ";
-        Run({{source + "CpuSpeedMin = 50", 50}, {source + "CpuSpeedMax = 70", 70}});
+        const bool ac = source == " 1 ac ";
+        Run("set" + source + "CpuSpeedMin = 50 -> 50; set" + source + "CpuSpeedMax = 70 -> 70");
         for (const GUID* const policy : {&kFirstPolicy, &kSecondPolicy})
         {
             const auto write = ac ? PowerWriteACValueIndex : PowerWriteDCValueIndex;
@@ -110,8 +106,9 @@ TEST_F(VistaVariables, TheAdaptivePolicySetsTheProcessorUpToTheFirstRefusal)
             Faults::Inject(ac ? "PowerWriteACValueIndex" : "PowerWriteDCValueIndex", refused,
                            ERROR_ACCESS_DENIED);
         }
-        Run({{source + "CpuAdaptive = " + std::to_string(value), refused != 0 ? -1 : value},
-             {source + "CpuAdaptive", value}});
+        const std::string number = std::to_string(value);
+        Run("set" + source + "CpuAdaptive = " + number + " -> " + (refused != 0 ? "-1" : number));
+        Run("get" + source + "CpuAdaptive -> " + number);
         EXPECT_EQ(
             settings,
             (std::array{ProcessorSetting(ac, kFirstPolicy), ProcessorSetting(ac, kSecondPolicy),
@@ -119,41 +116,34 @@ TEST_F(VistaVariables, TheAdaptivePolicySetsTheProcessorUpToTheFirstRefusal)
             << source << value << refused;
     }
     // Speed 0 turns the policy on for its source, and another speed leaves it on.
-    Run({{"1 ac CpuAdaptive = 0", 0},
-         {"1 dc CpuSpeed = 0", 0},
-         {"1 ac CpuAdaptive", 0},
-         {"1 dc CpuAdaptive", 3},
-         {"1 dc CpuAdaptive = 1", 1},
-         {"1 ac CpuSpeed = 0", 0},
-         {"1 ac CpuAdaptive", 3},
-         {"1 ac CpuSpeed = 50", 50},
-         {"1 ac CpuAdaptive", 3},
-         {"1 dc CpuAdaptive", 1}});
+    Run("set 1 ac CpuAdaptive = 0 -> 0; set 1 dc CpuSpeed = 0 -> 0; get 1 ac CpuAdaptive -> 0; "
+        "get 1 dc CpuAdaptive -> 3; set 1 dc CpuAdaptive = 1 -> 1; set 1 ac CpuSpeed = 0 -> 0; "
+        "get 1 ac CpuAdaptive -> 3; set 1 ac CpuSpeed = 50 -> 50; get 1 ac CpuAdaptive -> 3; "
+        "get 1 dc CpuAdaptive -> 1");
     EXPECT_EQ(2, ProcessorSetting(true, kFirstPolicy));
 }
 
 TEST_F(VistaVariables, ARefusedReadOrWriteFails)
 {
-    for (const auto& [name, values] : {std::pair{"MonitorOffTimeOut", std::array{60, 120}},
-                                       {"DiskOffTimeOut", {60, 120}},
-                                       {"StandbyTimeOut", {60, 120}},
-                                       {"HibernateTimeOut", {60, 120}},
-                                       {"CpuSpeedMin", {50, 60}},
-                                       {"CpuSpeedMax", {80, 90}},
-                                       {"BacklightLevel", {3, 5}}})
+    // What is set on mains and on battery.
+    for (const auto& [name, ac, dc] : {std::tuple{"MonitorOffTimeOut", "60", "120"},
+                                       {"DiskOffTimeOut", "60", "120"},
+                                       {"StandbyTimeOut", "60", "120"},
+                                       {"HibernateTimeOut", "60", "120"},
+                                       {"CpuSpeedMin", "50", "60"},
+                                       {"CpuSpeedMax", "80", "90"},
+                                       {"BacklightLevel", "3", "5"}})
     {
-        const auto write = [name = name](std::string source, int value)
-        { return "1 " + source + ' ' + name + " = " + std::to_string(value); };
-        for (const auto& [source, value, calls] :
-             {std::tuple{"ac", values[0], "ACValueIndex"}, {"dc", values[1], "DCValueIndex"}})
+        for (const std::string source : {"ac", "dc"})
         {
-            const std::string read = std::string("1 ") + source + ' ' + name;
-            EXPECT_LE(0, engine.SetPwrVariable(kScheme, source[0] == 'a' ? 1 : 0, seeding::Wide(name).data(),
-                                               value));
-            Faults::Inject(std::string("PowerWrite") + calls, 1, ERROR_ACCESS_DENIED);
-            Run({{write(source, values[0] + values[1] - value), -1}});
-            Faults::Inject(std::string("PowerRead") + calls, 1, ERROR_ACCESS_DENIED);
-            Run({{read, -1}, {read, value}});
+            const std::string calls = source == "ac" ? "ACValueIndex" : "DCValueIndex";
+            const std::string value = source == "ac" ? ac : dc;
+            const std::string variable = " 1 " + source + ' ' + name;
+            EXPECT_LE(0, ResultOf("set" + variable + " = " + value));
+            Faults::Inject("PowerWrite" + calls, 1, ERROR_ACCESS_DENIED);
+            Run("set" + variable + " = " + (source == "ac" ? dc : ac) + " -> -1");
+            Faults::Inject("PowerRead" + calls, 1, ERROR_ACCESS_DENIED);
+            Run("get" + variable + " -> -1; get" + variable + " -> " + value);
         }
     }
 }
@@ -161,33 +151,34 @@ TEST_F(VistaVariables, ARefusedReadOrWriteFails)
 // The copy in the file is made where it is missing; the operating system is what counts.
 TEST_F(VistaVariables, TheProcessorRangeIsTheOperatingSystems)
 {
-    Run({{"1 ac CpuSpeedMax = 80", 80}, {"1 dc CpuSpeedMax = 60", 60}});
+    Run("set 1 ac CpuSpeedMax = 80 -> 80; set 1 dc CpuSpeedMax = 60 -> 60");
     ASSERT_EQ(0U, PowerWriteDCValueIndex(nullptr, &kBalanced, &kProcessor, &kThrottleMaximum, 30));
-    Run({{"1 dc CpuSpeedMax", 30}});
+    Run("get 1 dc CpuSpeedMax -> 30");
     EXPECT_EQ("3932240", Stored(kScheme, "CpuSpeedMax"));
     ASSERT_TRUE(Store(kScheme, "CpuSpeedMax", "-1"));
-    Run({{"1 ac CpuSpeedMax", 80}});
+    Run("get 1 ac CpuSpeedMax -> 80");
     EXPECT_EQ("1966160", Stored(kScheme, "CpuSpeedMax"));
 }
 
 TEST_F(VistaVariables, BacklightLevelsBecomePercentages)
 {
-    // How many levels there are, the level that is written, its percentage or -1, and what is read.
-    for (const auto& [levels, level, percentage, readBack] : {std::tuple{"8", "3", 42, 3},
-                                                              {"8", "7", 100, 7},
-                                                              {"7", "7", 116, 7},
-                                                              {"8", "0", 0, 0},
-                                                              {"5", "7", -1, 0},
-                                                              {"1", "0", -1, 0},
-                                                              {"0", "0", -1, -1},
-                                                              {"-3", "0", -1, -1}})
+    // How many levels there are, the level that is written with its percentage, what is read.
+    for (const auto& [levels, level, percentage, readBack] : {std::tuple{"8", "3", "42", "3"},
+                                                              {"8", "7", "100", "7"},
+                                                              {"7", "7", "116", "7"},
+                                                              {"8", "0", "0", "0"},
+                                                              {"5", "7", "-1", "0"},
+                                                              {"1", "0", "-1", "0"},
+                                                              {"0", "0", "-1", "-1"},
+                                                              {"-3", "0", "-1", "-1"}})
     {
         ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "MaxBrightLevel", levels));
-        Run({{std::string("1 ac BacklightLevel = ") + level, percentage}});
+        Run(std::string("set 1 ac BacklightLevel = ") + level + " -> " + percentage);
         // The copy is merged before the conversion can fail.
         EXPECT_EQ(level, Stored(kScheme, "BacklightLevel"));
-        const auto calls = CallsOf([&, wanted = readBack] { Run({{"1 ac BacklightLevel", wanted}}); });
-        EXPECT_EQ(readBack < 0 ? 0 : 1, std::count(calls.begin(), calls.end(), "PowerReadACValueIndex"));
+        Trace::Clear();
+        Run(std::string("get 1 ac BacklightLevel -> ") + readBack);
+        EXPECT_EQ(*readBack == '-' ? 0U : 1U, Trace::CallsOf("PowerReadACValueIndex").size());
     }
 }
 
@@ -199,11 +190,10 @@ TEST_F(VistaVariables, ABrokenSettingReachesNoPowerFunction)
         for (const char* text : {"", "nonsense", "{3C0BC021-C8A8-4E07-A973-6B14CBCB2B7", "{}"})
         {
             ASSERT_TRUE(seeding::SetKey(kCatalogue, "MonitorOffTimeOut", key, text));
-            EXPECT_THAT(CallsOf(
-                            [&] {
-                                Run({{"1 ac MonitorOffTimeOut", -1}, {"1 ac MonitorOffTimeOut = 60", -1}});
-                            }),
-                        Each(Not(AnyOf("PowerReadACValueIndex", "PowerWriteACValueIndex"))));
+            EXPECT_THAT(
+                CallsOf([&]
+                        { Run("get 1 ac MonitorOffTimeOut -> -1; set 1 ac MonitorOffTimeOut = 60 -> -1"); }),
+                Each(Not(AnyOf("PowerReadACValueIndex", "PowerWriteACValueIndex"))));
         }
         ASSERT_TRUE(seeding::SetKey(kCatalogue, "MonitorOffTimeOut", key, sound));
     }

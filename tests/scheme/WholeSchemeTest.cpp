@@ -42,7 +42,8 @@ TEST_F(WholeScheme, AMissingSchemeReadsAsNothing)
 TEST_F(WholeScheme, ReadingChangingAndWritingLeavesTheRestAlone)
 {
     // Without a time there would be no action.
-    Run({{"3 ac Wifi = 1", 1}, {"3 ac StandbyTimeOut = 600", 1}, {"3 dc StandbyTimeOut = 600", 1}});
+    Run("set 3 ac Wifi = 1 -> 1; set 3 ac StandbyTimeOut = 600 -> 1; "
+        "set 3 dc StandbyTimeOut = 600 -> 1");
     PWRSET set{};
     ASSERT_EQ(1, engine.GetPwrVariableAll(set, 3));
     EXPECT_EQ(-1, set.ac.backlightLevel);
@@ -55,7 +56,7 @@ TEST_F(WholeScheme, ReadingChangingAndWritingLeavesTheRestAlone)
     };
     const std::string before = state();
     EXPECT_EQ(3, engine.SetPwrVariable(set));
-    Run({{"3 ac LanSpeed", 5}});
+    Run("get 3 ac LanSpeed -> 5");
     ASSERT_TRUE(Store(3, "LanSpeed", "-1"));
     EXPECT_EQ(before, state());
 }

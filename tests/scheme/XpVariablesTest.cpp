@@ -49,38 +49,29 @@ protected:
 TEST_F(XpVariables, StandbyAndHibernationShareTheirFields)
 {
     // The catalogue's next time behind 1800 is 2700.
-    Run({{"3 ac HibernateTimeOut = 0", 1},
-         {"3 ac StandbyTimeOut = 600", 1},
-         {"3 ac HibernateTimeOut = 1800", 1},
-         {"3 ac HibernateTimeOut", 1800},
-         {"3 ac StandbyTimeOut = 1800", 1},
-         {"3 ac hibernatetimeout", 2700}});
+    Run("set 3 ac HibernateTimeOut = 0 -> 1; set 3 ac StandbyTimeOut = 600 -> 1; "
+        "set 3 ac HibernateTimeOut = 1800 -> 1; get 3 ac HibernateTimeOut -> 1800; "
+        "set 3 ac StandbyTimeOut = 1800 -> 1; get 3 ac hibernatetimeout -> 2700");
     EXPECT_EQ(900U, Policy(kScheme).mach.DozeS4TimeoutAc);
     const POWER_POLICY before = Policy(kScheme);
-    Run({{"3 ac HibernateTimeOut = 300", -2}});
+    Run("set 3 ac HibernateTimeOut = 300 -> -2");
     const POWER_POLICY after = Policy(kScheme);
     EXPECT_EQ(BytesOf(before), BytesOf(after));
-    Run({{"3 ac StandbyTimeOut = 0", 1}, {"3 dc StandbyTimeOut = 300", 1}});
-    EXPECT_THAT(LinesOf(
-                    [&] {
-                        Run({{"3 ac StandbyTimeOut", 0}, {"3 dc StandbyTimeOut", 300}});
-                    }),
+    Run("set 3 ac StandbyTimeOut = 0 -> 1; set 3 dc StandbyTimeOut = 300 -> 1");
+    EXPECT_THAT(LinesOf([&] { Run("get 3 ac StandbyTimeOut -> 0; get 3 dc StandbyTimeOut -> 300"); }),
                 ElementsAre("pwrPolicy.user.IdleAc.Action!=PowerActionSleep", ""));
     EXPECT_EQ(2700, engine.GetPwrVariable(kScheme, 5, L"HibernateTimeOut")) << "any number but 0 is mains";
 
     // At the standby time a hibernate time is refused on mains and means none on battery.
     SetIdle(PowerActionSleep, 600, 0);
-    Run({{"3 ac HibernateTimeOut = 600", -2},
-         {"3 dc HibernateTimeOut = 600", 1},
-         {"3 dc HibernateTimeOut", 0}});
+    Run("set 3 ac HibernateTimeOut = 600 -> -2; set 3 dc HibernateTimeOut = 600 -> 1; "
+        "get 3 dc HibernateTimeOut -> 0");
     SetIdle(PowerActionSleep, 3600, static_cast<ULONG>(-1800));
-    Run({{"3 ac StandbyTimeOut = 2700", -2}, {"3 dc StandbyTimeOut = 2700", 1}});
+    Run("set 3 ac StandbyTimeOut = 2700 -> -2; set 3 dc StandbyTimeOut = 2700 -> 1");
     // A damaged store may hold any number in the place of an action.
     SetIdle(-1, 0xFFFFFFFF, 0xFFFFFFFF);
-    Run({{"3 dc StandbyTimeOut", 0},
-         {"3 dc HibernateTimeOut", 0},
-         {"3 dc StandbyTimeOut = 600", 1},
-         {"3 dc StandbyTimeOut", 600}});
+    Run("get 3 dc StandbyTimeOut -> 0; get 3 dc HibernateTimeOut -> 0; "
+        "set 3 dc StandbyTimeOut = 600 -> 1; get 3 dc StandbyTimeOut -> 600");
 
     for (const bool allowed : {true, false})
     {
@@ -103,18 +94,20 @@ TEST_F(XpVariables, SpeedAndAdaptivePolicyChangeThreeFieldsTogether)
         return std::array<int, 3>{ac ? user.ThrottlePolicyAc : user.ThrottlePolicyDc,
                                   ac ? user.ForcedThrottleAc : user.ForcedThrottleDc, dynamic};
     };
-    for (const auto& [work, policy, forced, speed] : {std::tuple{"3 ac CpuSpeed = 75", 0, 75, 75},
-                                                      {"3 ac CpuSpeed = 0", 3, 100, 0},
-                                                      {"3 dc CpuSpeed = 0", 3, 100, 0},
-                                                      {"3 dc CpuSpeed = 50", 0, 50, 50},
-                                                      {"3 ac CpuAdaptive = 2", 2, 100, 0},
-                                                      {"3 ac CpuAdaptive = 0", 0, 100, 100},
-                                                      {"3 dc CpuAdaptive = 1", 1, 100, 0}})
+    for (const auto& [source, work, policy, forced, speed] :
+         {std::tuple{" 3 ac ", "CpuSpeed = 75", 0, 75, 75},
+          {" 3 ac ", "CpuSpeed = 0", 3, 100, 0},
+          {" 3 dc ", "CpuSpeed = 0", 3, 100, 0},
+          {" 3 dc ", "CpuSpeed = 50", 0, 50, 50},
+          {" 3 ac ", "CpuAdaptive = 2", 2, 100, 0},
+          {" 3 ac ", "CpuAdaptive = 0", 0, 100, 100},
+          {" 3 dc ", "CpuAdaptive = 1", 1, 100, 0}})
     {
-        const bool ac = work[2] == 'a';
+        const bool ac = source[3] == 'a';
         const auto other = fields(!ac);
-        const std::string source(work, 5);
-        Run({{work, 1}, {source + "CpuSpeed", speed}, {source + "CpuAdaptive", policy}});
+        Run("set" + std::string(source) + work + " -> 1");
+        EXPECT_EQ(speed, ResultOf("get" + std::string(source) + "CpuSpeed"));
+        EXPECT_EQ(policy, ResultOf("get" + std::string(source) + "CpuAdaptive"));
         EXPECT_EQ((std::array{policy, forced, policy}), fields(ac));
         EXPECT_EQ(other, fields(!ac));
     }
@@ -126,7 +119,7 @@ TEST_F(XpVariables, SpeedAndAdaptivePolicyChangeThreeFieldsTogether)
             policy.user.ForcedThrottleAc = 40;
         });
     // The processor's range has no place here.
-    Run({{"3 ac CpuSpeed", 40}, {"3 ac CpuSpeedMin = 50", 1}, {"3 ac CpuSpeedMin", -1}});
+    Run("get 3 ac CpuSpeed -> 40; set 3 ac CpuSpeedMin = 50 -> 1; get 3 ac CpuSpeedMin -> -1");
 }
 
 // Every variable of the scheme values file: both halves are apart, and nothing else moves.
@@ -135,20 +128,20 @@ TEST_F(XpVariables, StoredVariablesKeepTheirHalvesApart)
     for (int number = kBacklightLevel; number < kVariableCount; ++number)
     {
         const std::string key = seeding::Utf8(VariableOf(number).name);
-        const auto expectStored = [&](const char* value, const std::vector<Step>& steps)
-        {
-            Run(steps);
-            EXPECT_EQ(value, Stored(kScheme, key)) << key;
-        };
-        expectStored("-1", {{"3 ac " + key, -1}});
+        const std::string ac = " 3 ac " + key;
+        const std::string dc = " 3 dc " + key;
+        Run("get" + ac + " -> -1");
+        EXPECT_EQ("-1", Stored(kScheme, key));
+        Run("set" + ac + " = 1 -> 1");
         if (number == kLums)
         {
-            expectStored("1", {{"3 ac " + key + " = 1", 1}, {"3 dc " + key, 1}});
+            Run("get" + dc + " -> 1");
             continue;
         }
         // The other half of "no value" shows until it is written.
-        expectStored("-65535", {{"3 ac " + key + " = 1", 1}, {"3 dc " + key, 65535}});
-        expectStored("1", {{"3 dc " + key + " = 0", 0}, {"3 ac " + key, 1}, {"3 dc " + key, 0}});
+        EXPECT_EQ("-65535", Stored(kScheme, key));
+        Run("get" + dc + " -> 65535; set" + dc + " = 0 -> 0; get" + ac + " -> 1; get" + dc + " -> 0");
+        EXPECT_EQ("1", Stored(kScheme, key));
     }
 }
 
@@ -156,23 +149,23 @@ TEST_F(XpVariables, StoredVariablesKeepTheirHalvesApart)
 TEST_F(XpVariables, RefusalsSayWhyAndChangeNothing)
 {
     const auto before = Policy(kScheme);
-    for (const auto& [work, line] : {std::pair{"77 ac Wifi = 1", "FindPwrScheme error"},
-                                     {"-1 ac Wifi = 1", "FindPwrScheme error"},
-                                     {"3 ac Wif = 1", "ParseVarName error"},
-                                     {"3 ac  = 1", "ParseVarName error"},
-                                     {"3 ac MonitorOffTimeOut = 61", "ValidateData error"},
-                                     {"3 ac Wif", "ParseVarName(Wif) error\n"},
-                                     {"3 ac Wifi = 2", ""},
-                                     {"3 ac LUMS = 6", ""}})
+    for (const auto& [work, line] : {std::pair{"set 77 ac Wifi = 1", "FindPwrScheme error"},
+                                     {"set -1 ac Wifi = 1", "FindPwrScheme error"},
+                                     {"set 3 ac Wif = 1", "ParseVarName error"},
+                                     {"set 3 ac  = 1", "ParseVarName error"},
+                                     {"set 3 ac MonitorOffTimeOut = 61", "ValidateData error"},
+                                     {"get 3 ac Wif", "ParseVarName(Wif) error"},
+                                     {"set 3 ac Wifi = 2", ""},
+                                     {"set 3 ac LUMS = 6", ""}})
     {
-        const Lines lines = LinesOf([&] { Run({{work, -1}}); });
-        EXPECT_EQ(std::string(line).substr(0, std::string(line).find('\n')), lines.empty() ? "" : lines[0]);
+        const Lines lines = LinesOf([&, step = work] { EXPECT_EQ(-1, ResultOf(step)) << step; });
+        EXPECT_EQ(line, lines.empty() ? "" : lines[0]);
     }
     EXPECT_EQ(kAbsent, Stored(kScheme, "Wifi"));
     EXPECT_EQ(kAbsent, Stored(kScheme, "LUMS"));
     // The processor's record goes first and stays when the other can't follow.
     Faults::Inject("WritePwrScheme", 1, ERROR_ACCESS_DENIED);
-    Run({{"3 ac CpuSpeed = 0", -1}});
+    Run("set 3 ac CpuSpeed = 0 -> -1");
     EXPECT_EQ(3, Processor(kScheme).ProcessorPolicyAc.DynamicThrottle);
     const auto after = Policy(kScheme);
     EXPECT_EQ(BytesOf(before), BytesOf(after));
