@@ -56,28 +56,28 @@ TEST_F(AddDelete, NamesAreTrimmedTestedAndComparedExactly)
     ActFor(bob, "bob");
     ASSERT_EQ(6, Add(bob, "Mine"));
     const std::string longest(29, 'x');
-    const std::pair<std::string, int> rows[] = {{"", -1},
-                                                {"   ", -1},
-                                                {"Mine", 7},
-                                                {"Mine", -2},
-                                                {"mine", 8},
-                                                {" Mine ", -2},
-                                                {longest, 9},
-                                                {"  " + longest + "  ", -2},
-                                                {longest + "x", -1},
-                                                {std::string(259, ' '), -1},
-                                                {"a\r\nNumber=9", -1},
-                                                {std::string(257, ' ') + "y", 10},
-                                                {std::string(258, ' ') + "z", -1},
-                                                {"\nMine", -1},
-                                                {"Mine\r ", -1},
-                                                {"\tMine", 11},
-                                                {"\tMine", -2},
-                                                {"\"Mine\"", 12},
-                                                {"\"Mine\"", -2},
-                                                {"a\x01\x7F", 13},
-                                                {" Mine", -2}};
-    for (const auto& [name, result] : rows)
+    using Row = std::pair<std::string, int>;
+    for (const auto& [name, result] : {Row{"", -1},
+                                       Row{"   ", -1},
+                                       Row{"Mine", 7},
+                                       Row{"Mine", -2},
+                                       Row{"mine", 8},
+                                       Row{" Mine ", -2},
+                                       Row{longest, 9},
+                                       Row{"  " + longest + "  ", -2},
+                                       Row{longest + "x", -1},
+                                       Row{std::string(259, ' '), -1},
+                                       Row{"a\r\nNumber=9", -1},
+                                       Row{std::string(257, ' ') + "y", 10},
+                                       Row{std::string(258, ' ') + "z", -1},
+                                       Row{"\nMine", -1},
+                                       Row{"Mine\r ", -1},
+                                       Row{"\tMine", 11},
+                                       Row{"\tMine", -2},
+                                       Row{"\"Mine\"", 12},
+                                       Row{"\"Mine\"", -2},
+                                       Row{"a\x01\x7F", 13},
+                                       Row{" Mine", -2}})
     {
         EXPECT_EQ(result, Add(engine, name)) << name;
     }
@@ -99,10 +99,11 @@ TEST_F(AddDelete, NamesAreTrimmedTestedAndComparedExactly)
 TEST_F(AddDelete, AnEntryKeepsItsNameAlsoWhenItMoves)
 {
     const std::string longest(254, 'n'); // with one more the longest that is read
-    const std::pair<std::string, bool> rows[] = {{"a", false},    {" a", true},    {"a\t", true},
-                                                 {"\"a\"", true}, {"'a'", true},   {"\"a'", false},
-                                                 {"\"", false},   {"\"\"", true},  {"a\tb\x01", false},
-                                                 {"\x0B", true},  {"a\x0C", true}, {longest + ' ', true}};
+    using Row = std::pair<std::string, bool>;
+    const auto rows = {Row{"a", false},    Row{" a", true},    Row{"a\t", true},
+                       Row{"\"a\"", true}, Row{"'a'", true},   Row{"\"a'", false},
+                       Row{"\"", false},   Row{"\"\"", true},  Row{"a\tb\x01", false},
+                       Row{"\x0B", true},  Row{"a\x0C", true}, Row{longest + ' ', true}};
     ASSERT_EQ(6, Add(engine, "first"));
     int number = 100;
     for (const auto& [name, quoted] : rows)
@@ -172,9 +173,9 @@ TEST_F(AddDelete, RenamingLeavesTheUserSchemeFileAlone)
     EXPECT_EQ(7, Add(engine, "New"));
     for (const auto& [refused, line] :
          {std::pair{"ReadPwrScheme", "CSchemeEx::SetPwrSchemeNameDesc: Can't read pwr scheme: 6"},
-          {"ReadProcessorPwrScheme", "CSchemeEx::SetPwrSchemeNameDesc: Can't read cpu scheme: 6"},
-          {"WritePwrScheme", "SetPwrSchemeNameDesc: ::WritePwrScheme failed"},
-          {"WriteProcessorPwrScheme", "SetPwrSchemeNameDesc: ::WriteProcessorPwrScheme failed"}})
+          std::pair{"ReadProcessorPwrScheme", "CSchemeEx::SetPwrSchemeNameDesc: Can't read cpu scheme: 6"},
+          std::pair{"WritePwrScheme", "SetPwrSchemeNameDesc: ::WritePwrScheme failed"},
+          std::pair{"WriteProcessorPwrScheme", "SetPwrSchemeNameDesc: ::WriteProcessorPwrScheme failed"}})
     {
         EXPECT_EQ("New: more", TextsOf(6));
         Faults::Inject(refused, 1, ERROR_ACCESS_DENIED);

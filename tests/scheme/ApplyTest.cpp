@@ -41,8 +41,8 @@ TEST_F(XpApply, TheServiceIsToldWhateverCanBeRead)
     // Two threads keep time together only in real time.
     Clock::SetInstant(false);
     BoardService service;
-    for (const auto& [configured, wait] :
-         {std::pair{"", ", 1000"}, {"-1", ", 1000"}, {"-2147483648", ", 1000"}, {"700", ", 700"}})
+    for (const auto& [configured, wait] : {std::pair{"", ", 1000"}, std::pair{"-1", ", 1000"},
+                                           std::pair{"-2147483648", ", 1000"}, std::pair{"700", ", 700"}})
     {
         ASSERT_TRUE(seeding::SetKey(kRoot, "OrvlDevMgr", "TimeoutMS", configured));
         Trace::Clear();
@@ -88,8 +88,9 @@ TEST_F(XpApply, NothingIsRecordedForASchemeThatIsNotActivated)
     for (const auto& [scheme, line, userLine] :
          {std::tuple{-1, "SetActivePwrScheme -1 failed at nIndex<0",
                      "SetActivePwrScheme -1 failed at nIndex<0 "},
-          {77, "SetActivePwrScheme 77 failed at can't find scheme", "Start recording log information:"},
-          {3, "SetActivePwrScheme 3 failed at 5", "SetActivePwrScheme 3 failed at 5 "}})
+          std::tuple{77, "SetActivePwrScheme 77 failed at can't find scheme",
+                     "Start recording log information:"},
+          std::tuple{3, "SetActivePwrScheme 3 failed at 5", "SetActivePwrScheme 3 failed at 5 "}})
     {
         if (scheme == 3)
         {
@@ -161,11 +162,11 @@ TEST_F(UsersPolicy, AHibernateTimeThatTheTargetHasOvertakenGivesWayToALaterOne)
 {
     for (const auto& [action, idle, doze, standby, expected] :
          {std::tuple{PowerActionSleep, 600U, 1200U, 900, 1800},
-          {PowerActionSleep, 600U, 1200U, 1800, 2700},
-          {PowerActionSleep, 600U, 1200U, 2700, 3600},
-          {PowerActionSleep, 600U, 0U, 900, 0},
-          {PowerActionHibernate, 1800U, 0U, 900, 1800},
-          {PowerActionNone, 1800U, 600U, 0, 0}})
+          std::tuple{PowerActionSleep, 600U, 1200U, 1800, 2700},
+          std::tuple{PowerActionSleep, 600U, 1200U, 2700, 3600},
+          std::tuple{PowerActionSleep, 600U, 0U, 900, 0},
+          std::tuple{PowerActionHibernate, 1800U, 0U, 900, 1800},
+          std::tuple{PowerActionNone, 1800U, 600U, 0, 0}})
     {
         StoreTimes(action, idle, doze);
         Run("set 2 ac HibernateTimeOut = 0 -> 1; set 2 ac StandbyTimeOut = " + std::to_string(standby) +

@@ -130,11 +130,10 @@ TEST_F(Clearing, AnAccountThatCantBeReadIsPassedOver)
 TEST_F(Clearing, BothPrivilegesMustBeThere)
 {
     EXPECT_EQ(1, engine.EnableRestoreBackupPrivilege());
-    for (const auto& [function, nth] : {std::pair{"OpenProcessToken", 1U},
-                                        {"LookupPrivilegeValueW", 1U},
-                                        {"LookupPrivilegeValueW", 2U},
-                                        {"AdjustTokenPrivileges", 1U},
-                                        {"AdjustTokenPrivileges", 2U}})
+    for (const auto& [function, nth] :
+         {std::pair{"OpenProcessToken", 1U}, std::pair{"LookupPrivilegeValueW", 1U},
+          std::pair{"LookupPrivilegeValueW", 2U}, std::pair{"AdjustTokenPrivileges", 1U},
+          std::pair{"AdjustTokenPrivileges", 2U}})
     {
         Faults::Inject(function, nth, ERROR_ACCESS_DENIED);
         EXPECT_EQ(0, engine.EnableRestoreBackupPrivilege()) << function << ' ' << nth;

@@ -39,10 +39,9 @@ TEST_P(DamagedFiles, GarbageReadsAsNothing)
         "\r\n[Wifi]\r\nUnit=" + std::string(70000, 'u') + "\r\n[" + std::string(5000, 'x');
     // With what there is to be read of it: a count of options, the length of a unit in a buffer of 8.
     for (const auto& [bytes, options, unit] :
-         {std::tuple{RandomBytes(4096), -1, -1},
-          {"\xFF\xFE" + RandomBytes(4095), -1, -1},
-          {longLines, -1, 7},
-          {std::string("[Wifi]\r\nOptionNumber=-7\r\n[Schemes]\r\nSchemeMaxIndex=-9\r\n"), -7, -1}})
+         {std::tuple{RandomBytes(4096), -1, -1}, std::tuple{"\xFF\xFE" + RandomBytes(4095), -1, -1},
+          std::tuple{longLines, -1, 7},
+          std::tuple{std::string("[Wifi]\r\nOptionNumber=-7\r\n[Schemes]\r\nSchemeMaxIndex=-9\r\n"), -7, -1}})
     {
         for (const std::string& file : {Values(), Users(), std::string(kCatalogue), Display("alice")})
         {

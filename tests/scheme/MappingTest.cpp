@@ -25,7 +25,8 @@ using VistaMapping = OnVista<SchemeTest>;
 
 TEST_F(XpMapping, MajorVersionSixAloneTakesTheVistaPath)
 {
-    for (const auto& [major, minor, vista] : {std::tuple{5U, 1U, 0}, {6U, 0U, 1}, {6U, 1U, 1}, {10U, 0U, 0}})
+    for (const auto& [major, minor, vista] :
+         {std::tuple{5U, 1U, 0}, std::tuple{6U, 0U, 1}, std::tuple{6U, 1U, 1}, std::tuple{10U, 0U, 0}})
     {
         ASSERT_TRUE(Notebook::SetVersion(major, minor));
         const auto calls = CallsOf([&] { engine.Initialize(); });
@@ -180,7 +181,7 @@ TEST_F(VistaMapping, GuidTextsNeedRoomForTheirTerminator)
     wchar_t buffer[40] = L"untouched";
     GUID guid = kBalanced;
     ULONG room = 0;
-    for (const auto& [size, wanted] : {std::pair{38U, 39U}, {0U, 39U}, {39U, 40U}})
+    for (const auto& [size, wanted] : {std::pair{38U, 39U}, std::pair{0U, 39U}, std::pair{39U, 40U}})
     {
         room = size;
         EXPECT_EQ(0, engine.GuidIntoString(&guid, buffer, &room));

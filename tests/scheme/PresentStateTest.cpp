@@ -77,15 +77,10 @@ TEST_F(PresentState, BatteryItemsAreFoundByTheirConfiguredPlace)
 {
     _BATTERY_INFORMATION info{};
     ASSERT_EQ(0, engine.GetBatteryInfo(0, info));
-    for (const auto& [start, size, result] : {std::tuple{"16", "4", 0},
-                                              {"0", "36", 0},
-                                              {"33", "4", -1},
-                                              {"0", "37", -1},
-                                              {"-2", "4", -1},
-                                              {"4", "-1", -1},
-                                              {"2147483647", "2147483647", -1},
-                                              {"36", "0", 0},
-                                              {"36", "1", -1}})
+    for (const auto& [start, size, result] :
+         {std::tuple{"16", "4", 0}, std::tuple{"0", "36", 0}, std::tuple{"33", "4", -1},
+          std::tuple{"0", "37", -1}, std::tuple{"-2", "4", -1}, std::tuple{"4", "-1", -1},
+          std::tuple{"2147483647", "2147483647", -1}, std::tuple{"36", "0", 0}, std::tuple{"36", "1", -1}})
     {
         ASSERT_TRUE(seeding::SetKey(kRoot, "BatteryInforList", "BAStart4", start));
         ASSERT_TRUE(seeding::SetKey(kRoot, "BatteryInforList", "BASize4", size));
@@ -141,7 +136,7 @@ TEST_F(PresentState, LiveDevicesGoByTheirVariablesName)
                     .empty());
     EXPECT_EQ(77, status);
     for (const auto& [radio, value] :
-         {std::pair{L"btstatus", 0}, {L"btstatus", 1}, {L"Wifi", 0}, {L"Wifi", 1}})
+         {std::pair{L"btstatus", 0}, std::pair{L"btstatus", 1}, std::pair{L"Wifi", 0}, std::pair{L"Wifi", 1}})
     {
         EXPECT_EQ(1, engine.SetDeviceStatus(radio, value));
         EXPECT_EQ(value, engine.GetDeviceStatus(radio, &status));

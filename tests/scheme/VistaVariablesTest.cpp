@@ -65,11 +65,10 @@ TEST_F(VistaVariables, EveryOtherVariableComesBackAsItWasWritten)
 
 TEST_F(VistaVariables, AFirstReadStoresTheDefault)
 {
-    for (const auto& [read, stored] : {std::pair{"CpuAdaptive -> 3", "196611"},
-                                       {"CpuSpeed -> 100", "6553700"},
-                                       {"LANStatus -> -1", "-1"},
-                                       {"LUMS -> -1", "-1"},
-                                       {"USBPort 3 -> -1", "-1"}})
+    for (const auto& [read, stored] :
+         {std::pair{"CpuAdaptive -> 3", "196611"}, std::pair{"CpuSpeed -> 100", "6553700"},
+          std::pair{"LANStatus -> -1", "-1"}, std::pair{"LUMS -> -1", "-1"},
+          std::pair{"USBPort 3 -> -1", "-1"}})
     {
         for (const char* const source : {"get 1 ac ", "get 1 dc "})
         {
@@ -126,13 +125,11 @@ TEST_F(VistaVariables, TheAdaptivePolicySetsTheProcessorUpToTheFirstRefusal)
 TEST_F(VistaVariables, ARefusedReadOrWriteFails)
 {
     // What is set on mains and on battery.
-    for (const auto& [name, ac, dc] : {std::tuple{"MonitorOffTimeOut", "60", "120"},
-                                       {"DiskOffTimeOut", "60", "120"},
-                                       {"StandbyTimeOut", "60", "120"},
-                                       {"HibernateTimeOut", "60", "120"},
-                                       {"CpuSpeedMin", "50", "60"},
-                                       {"CpuSpeedMax", "80", "90"},
-                                       {"BacklightLevel", "3", "5"}})
+    for (const auto& [name, ac, dc] :
+         {std::tuple{"MonitorOffTimeOut", "60", "120"}, std::tuple{"DiskOffTimeOut", "60", "120"},
+          std::tuple{"StandbyTimeOut", "60", "120"}, std::tuple{"HibernateTimeOut", "60", "120"},
+          std::tuple{"CpuSpeedMin", "50", "60"}, std::tuple{"CpuSpeedMax", "80", "90"},
+          std::tuple{"BacklightLevel", "3", "5"}})
     {
         for (const std::string source : {"ac", "dc"})
         {
@@ -163,14 +160,10 @@ TEST_F(VistaVariables, TheProcessorRangeIsTheOperatingSystems)
 TEST_F(VistaVariables, BacklightLevelsBecomePercentages)
 {
     // How many levels there are, the level that is written with its percentage, what is read.
-    for (const auto& [levels, level, percentage, readBack] : {std::tuple{"8", "3", "42", "3"},
-                                                              {"8", "7", "100", "7"},
-                                                              {"7", "7", "116", "7"},
-                                                              {"8", "0", "0", "0"},
-                                                              {"5", "7", "-1", "0"},
-                                                              {"1", "0", "-1", "0"},
-                                                              {"0", "0", "-1", "-1"},
-                                                              {"-3", "0", "-1", "-1"}})
+    for (const auto& [levels, level, percentage, readBack] :
+         {std::tuple{"8", "3", "42", "3"}, std::tuple{"8", "7", "100", "7"}, std::tuple{"7", "7", "116", "7"},
+          std::tuple{"8", "0", "0", "0"}, std::tuple{"5", "7", "-1", "0"}, std::tuple{"1", "0", "-1", "0"},
+          std::tuple{"0", "0", "-1", "-1"}, std::tuple{"-3", "0", "-1", "-1"}})
     {
         ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "MaxBrightLevel", levels));
         Run(std::string("set 1 ac BacklightLevel = ") + level + " -> " + percentage);

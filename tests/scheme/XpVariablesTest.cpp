@@ -95,13 +95,11 @@ TEST_F(XpVariables, SpeedAndAdaptivePolicyChangeThreeFieldsTogether)
                                   ac ? user.ForcedThrottleAc : user.ForcedThrottleDc, dynamic};
     };
     for (const auto& [source, work, policy, forced, speed] :
-         {std::tuple{" 3 ac ", "CpuSpeed = 75", 0, 75, 75},
-          {" 3 ac ", "CpuSpeed = 0", 3, 100, 0},
-          {" 3 dc ", "CpuSpeed = 0", 3, 100, 0},
-          {" 3 dc ", "CpuSpeed = 50", 0, 50, 50},
-          {" 3 ac ", "CpuAdaptive = 2", 2, 100, 0},
-          {" 3 ac ", "CpuAdaptive = 0", 0, 100, 100},
-          {" 3 dc ", "CpuAdaptive = 1", 1, 100, 0}})
+         {std::tuple{" 3 ac ", "CpuSpeed = 75", 0, 75, 75}, std::tuple{" 3 ac ", "CpuSpeed = 0", 3, 100, 0},
+          std::tuple{" 3 dc ", "CpuSpeed = 0", 3, 100, 0}, std::tuple{" 3 dc ", "CpuSpeed = 50", 0, 50, 50},
+          std::tuple{" 3 ac ", "CpuAdaptive = 2", 2, 100, 0},
+          std::tuple{" 3 ac ", "CpuAdaptive = 0", 0, 100, 100},
+          std::tuple{" 3 dc ", "CpuAdaptive = 1", 1, 100, 0}})
     {
         const bool ac = source[3] == 'a';
         const auto other = fields(!ac);
@@ -150,13 +148,12 @@ TEST_F(XpVariables, RefusalsSayWhyAndChangeNothing)
 {
     const auto before = Policy(kScheme);
     for (const auto& [work, line] : {std::pair{"set 77 ac Wifi = 1", "FindPwrScheme error"},
-                                     {"set -1 ac Wifi = 1", "FindPwrScheme error"},
-                                     {"set 3 ac Wif = 1", "ParseVarName error"},
-                                     {"set 3 ac  = 1", "ParseVarName error"},
-                                     {"set 3 ac MonitorOffTimeOut = 61", "ValidateData error"},
-                                     {"get 3 ac Wif", "ParseVarName(Wif) error"},
-                                     {"set 3 ac Wifi = 2", ""},
-                                     {"set 3 ac LUMS = 6", ""}})
+                                     std::pair{"set -1 ac Wifi = 1", "FindPwrScheme error"},
+                                     std::pair{"set 3 ac Wif = 1", "ParseVarName error"},
+                                     std::pair{"set 3 ac  = 1", "ParseVarName error"},
+                                     std::pair{"set 3 ac MonitorOffTimeOut = 61", "ValidateData error"},
+                                     std::pair{"get 3 ac Wif", "ParseVarName(Wif) error"},
+                                     std::pair{"set 3 ac Wifi = 2", ""}, std::pair{"set 3 ac LUMS = 6", ""}})
     {
         const Lines lines = LinesOf([&, step = work] { EXPECT_EQ(-1, ResultOf(step)) << step; });
         EXPECT_EQ(line, lines.empty() ? "" : lines[0]);
