@@ -35,14 +35,14 @@ protected:
     /// The same for both power sources.
     static void SetIdle(int action, ULONG idle, ULONG doze)
     {
-        Edit(
-            [&](POWER_POLICY& policy)
-            {
-                memcpy(&policy.user.IdleAc.Action, &action, sizeof action);
-                memcpy(&policy.user.IdleDc.Action, &action, sizeof action);
-                policy.user.IdleTimeoutAc = policy.user.IdleTimeoutDc = idle;
-                policy.mach.DozeS4TimeoutAc = policy.mach.DozeS4TimeoutDc = doze;
-            });
+        const auto change = [&](POWER_POLICY& policy)
+        {
+            memcpy(&policy.user.IdleAc.Action, &action, sizeof action);
+            memcpy(&policy.user.IdleDc.Action, &action, sizeof action);
+            policy.user.IdleTimeoutAc = policy.user.IdleTimeoutDc = idle;
+            policy.mach.DozeS4TimeoutAc = policy.mach.DozeS4TimeoutDc = doze;
+        };
+        Edit(change);
     }
 };
 
@@ -110,14 +110,15 @@ TEST_F(XpVariables, SpeedAndAdaptivePolicyChangeThreeFieldsTogether)
         EXPECT_EQ(other, fields(!ac));
     }
     // Adaptive takes both fields.
-    Edit(
-        [](POWER_POLICY& policy)
-        {
-            policy.user.ThrottlePolicyAc = PO_THROTTLE_ADAPTIVE;
-            policy.user.ForcedThrottleAc = 40;
-        });
+    for (const auto& [set, other] : {std::pair{0, PO_THROTTLE_ADAPTIVE}, std::pair{2, PO_THROTTLE_NONE}})
+    {
+        Run("set 3 ac CpuAdaptive = " + std::to_string(set) + " -> 1");
+        Edit([policy = static_cast<UCHAR>(other)](POWER_POLICY& edited)
+             { edited.user.ThrottlePolicyAc = policy; });
+        Run("get 3 ac CpuSpeed -> 100");
+    }
     // The processor's range has no place here.
-    Run("get 3 ac CpuSpeed -> 40; set 3 ac CpuSpeedMin = 50 -> 1; get 3 ac CpuSpeedMin -> -1");
+    Run("set 3 ac CpuSpeedMin = 50 -> 1; get 3 ac CpuSpeedMin -> -1");
 }
 
 // Every variable of the scheme values file: both halves are apart, and nothing else moves.
