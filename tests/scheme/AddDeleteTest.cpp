@@ -56,30 +56,18 @@ TEST_F(AddDelete, NamesAreTrimmedTestedAndComparedExactly)
     ActFor(bob, "bob");
     ASSERT_EQ(6, Add(bob, "Mine"));
     const std::string longest(29, 'x');
-    using Row = std::pair<std::string, int>;
-    for (const auto& [name, result] : {Row{"", -1},
-                                       Row{"   ", -1},
-                                       Row{"Mine", 7},
-                                       Row{"Mine", -2},
-                                       Row{"mine", 8},
-                                       Row{" Mine ", -2},
-                                       Row{longest, 9},
-                                       Row{"  " + longest + "  ", -2},
-                                       Row{longest + "x", -1},
-                                       Row{std::string(259, ' '), -1},
-                                       Row{"a\r\nNumber=9", -1},
-                                       Row{std::string(257, ' ') + "y", 10},
-                                       Row{std::string(258, ' ') + "z", -1},
-                                       Row{"\nMine", -1},
-                                       Row{"Mine\r ", -1},
-                                       Row{"\tMine", 11},
-                                       Row{"\tMine", -2},
-                                       Row{"\"Mine\"", 12},
-                                       Row{"\"Mine\"", -2},
-                                       Row{"a\x01\x7F", 13},
-                                       Row{" Mine", -2}})
+    int number = 7;
+    for (const std::string& name : Lines{"Mine", "mine", longest, "\tMine", "\"Mine\"", "a\x01\x7F"})
     {
-        EXPECT_EQ(result, Add(engine, name)) << name;
+        EXPECT_EQ(number++, Add(engine, name)) << name;
+        EXPECT_EQ(-2, Add(engine, ' ' + name + "  ")) << name;
+    }
+    const std::string blanks(258, ' ');
+    EXPECT_EQ(number, Add(engine, blanks.substr(1) + "y"));
+    for (const std::string& name :
+         Lines{"", "   ", longest + "x", blanks + "z", "a\r\nNumber=9", "\nMine", "Mine\r "})
+    {
+        EXPECT_EQ(-1, Add(engine, name)) << name;
     }
     EXPECT_EQ(-1, engine.AddPwrScheme(static_cast<const wchar_t*>(nullptr), L"", 3, L"alice"));
     // The tests run in order: a taken name shows before a missing base scheme.
