@@ -139,7 +139,7 @@ protected:
         ASSERT_TRUE(RegistryEditor::WriteText(m_power, "CurrentPowerPolicy", "5"));
         StoreTimes(PowerActionSleep, 1200, 2400);
         Run("set 2 ac HibernateTimeOut = 0 -> 1; set 2 ac StandbyTimeOut = 0 -> 1; "
-            "set 2 ac DiskOffTimeOut = 300 -> 1");
+            "set 2 ac HibernateTimeOut = 21600 -> 1; set 2 ac DiskOffTimeOut = 300 -> 1");
     }
 
     void StoreTimes(POWER_ACTION action, ULONG idle, ULONG doze)
@@ -191,9 +191,9 @@ TEST_F(UsersPolicy, WhatCantBeReadIsSkipped)
     const Record records[] = {
         {m_power + "\\PowerPolicies\\5", 80, "ReadUser",
          "SetGolbalPwrPolicyFromCurrentUser: Can't read user power policy: 2",
-         "get 2 ac DiskOffTimeOut -> 300; get 2 ac HibernateTimeOut -> 0"},
+         "get 2 ac DiskOffTimeOut -> 300; get 2 ac HibernateTimeOut -> 21600"},
         {kMachine, 64, "ReadMachine", "SetGolbalPwrPolicyFromCurrentUser: Can't read machine power policy: 2",
-         "get 2 ac DiskOffTimeOut -> 1500; get 2 ac HibernateTimeOut -> 0"},
+         "get 2 ac DiskOffTimeOut -> 1500; get 2 ac HibernateTimeOut -> 21600"},
         {global, 176, "ReadUser", "none",
          "get 2 ac DiskOffTimeOut -> 1500; get 2 ac HibernateTimeOut -> 3600"},
     };

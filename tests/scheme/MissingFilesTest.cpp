@@ -13,25 +13,27 @@ class MissingFiles : public SchemeTest
 protected:
     using SchemeTest::SchemeTest;
 
-    /// Compares the results of `work` where the root names no file and where it is missing.
-    void Expect(const std::vector<int>& results, const std::function<std::vector<int>()>& work)
+    /// Does `work` where the root names no file and where it is missing; it must leave all files alone.
+    void Expect(const Work& work)
     {
         for (const char* key : {"PowerScheme", "PowerSetting", "UserScheme"})
         {
             ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", key, ""));
         }
         ASSERT_TRUE(seeding::SetKey(kRoot, "ORVACfg", "SchemeSettings", ""));
-        const auto bytes = [this]
-        {
-            return std::vector{seeding::ReadBytes(Values()), seeding::ReadBytes(Users()),
-                               seeding::ReadBytes(Display("alice"))};
-        };
-        const auto before = bytes();
-        EXPECT_EQ(results, work()) << "the root names no file";
-        EXPECT_EQ(before, bytes());
+        const auto before = Bytes();
+        work();
+        EXPECT_EQ(before, Bytes());
         seeding::Remove(kRoot);
-        EXPECT_EQ(results, work()) << "no root";
-        EXPECT_EQ(before, bytes());
+        work();
+        EXPECT_EQ(before, Bytes());
+    }
+
+private:
+    static std::vector<std::optional<std::string>> Bytes()
+    {
+        return {seeding::ReadBytes(Values()), seeding::ReadBytes(Users()),
+                seeding::ReadBytes(Display("alice"))};
     }
 };
 
@@ -46,44 +48,35 @@ TEST_F(XpMissingFiles, CountAsFilesThatCantBeOpened)
     set.schemeID = 6;
     set.IfShow = 1;
     ASSERT_EQ(1, engine.SetPwrCfgVariable(set));
-    Expect({-1, -1, -1, 1, 0, -1, -1, -1, 1, 0, -1, -1},
-           [&]
-           {
-               PWRSET read = set;
-               return std::vector<int>{
-                   engine.GetPwrVariable(6, 1, L"Wifi"),
-                   engine.SetPwrVariable(6, 1, L"Wifi", 0),
-                   engine.GetPwrVariableOptCount(L"Wifi"),
-                   engine.GetPwrVariableAll(read, 6),
-                   static_cast<int>(read.IfShow),
-                   engine.FindPwrScheme(L"Mine", L"alice"),
-                   engine.AddtoUserList(L"alice"),
-                   engine.AddtoUserScheme(L"x", L"alice", 9),
-                   engine.FindPwrScheme(engine.AddPwrScheme(L"Mine", L"", 3, L"alice")),
-                   engine.DeletePwrScheme(engine.GetPwrSchemeMaxIndex()),
-                   engine.ClearCurrentUserSettings(),
-                   engine.ClearPwrSchemes(),
-               };
-           });
-    EXPECT_EQ(1, engine.FindPwrScheme(6)) << "orphaned by a clearing";
+    Expect(
+        [&]
+        {
+            Run("get 6 ac Wifi -> -1; set 6 ac Wifi = 0 -> -1");
+            EXPECT_EQ(-1, engine.GetPwrVariableOptCount(L"Wifi"));
+            PWRSET read = set;
+            EXPECT_EQ(1, engine.GetPwrVariableAll(read, 6));
+            EXPECT_EQ(0, read.IfShow);
+            EXPECT_EQ(-1, engine.FindPwrScheme(L"Mine", L"alice"));
+            EXPECT_EQ(-1, engine.AddtoUserList(L"alice"));
+            EXPECT_EQ(-1, engine.AddtoUserScheme(L"x", L"alice", 9));
+            EXPECT_EQ(7, engine.AddPwrScheme(L"Mine", L"", 3, L"alice"));
+            Run("find 7 -> 1; delete 7 -> 0; find 7 -> 0");
+            EXPECT_EQ(-1, engine.ClearCurrentUserSettings());
+            EXPECT_EQ(-1, engine.ClearPwrSchemes());
+        });
+    Run("find 6 -> 1"); // not orphaned by a clearing
 }
 
 TEST_F(VistaMissingFiles, CountAsFilesThatCantBeOpened)
 {
-    GUID guid = kBalanced;
-    Expect({-1, -1, 0, 0, -1, -1, 0},
-           [&]
-           {
-               return std::vector<int>{
-                   engine.GetPwrVariable(1, 1, L"DiskOffTimeOut"),
-                   engine.GetActivePwrScheme(0),
-                   engine.FindPwrScheme(1),
-                   engine.SchemeIndexToGuid(1, &guid),
-                   engine.SchemeGuidToIndex(&guid),
-                   engine.GetPwrSchemeMaxIndex(),
-                   engine.DeletePwrScheme(1),
-               };
-           });
+    Expect(
+        [&]
+        {
+            GUID guid = kBalanced;
+            Run("get 1 ac DiskOffTimeOut -> -1; active -> -1; find 1 -> 0; next -> -1; delete 1 -> 0");
+            EXPECT_EQ(0, engine.SchemeIndexToGuid(1, &guid));
+            EXPECT_EQ(-1, engine.SchemeGuidToIndex(&guid));
+        });
 }
 
 } // namespace
