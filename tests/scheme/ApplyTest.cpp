@@ -226,7 +226,7 @@ TEST_F(UsersPolicy, WhatCantBeReadIsSkipped)
     }
 }
 
-// A number of another type or none, with the times of scheme 0 instead, and a user who isn't logged on.
+// A number of another type counts as none. Nothing at all is there of a user who isn't logged on.
 TEST_F(UsersPolicy, WithoutANumberTheTimesAreThoseOfScheme0)
 {
     const std::string times = std::to_string(Policy(0).user.SpindownTimeoutAc);

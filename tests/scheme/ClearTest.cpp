@@ -71,12 +71,19 @@ TEST_P(ClearingAll, TakesTheKeysOfThoseWhoAreNotLoggedOn)
     }
     ASSERT_TRUE(Notebook::LogOff("carol"));
     EXPECT_TRUE(CallsOf([&] { EXPECT_EQ(1, engine.ClearORV(2)); }).empty());
+    // The second run finds nothing to do.
     for (int run = 0; run < 2; ++run)
     {
-        EXPECT_EQ(1, engine.ClearORV(0));
+        EXPECT_EQ("enter ClearORV: ClearAllUserSettings",
+                  LinesOf([&] { EXPECT_EQ(1, engine.ClearORV(0)); }).front());
         EXPECT_FALSE(HasKey(kMachine));
         EXPECT_EQ(0, Files());
     }
+    ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), "Number", "1"));
+    const auto lines = LinesOf([&] { EXPECT_EQ(1, engine.ClearORV(1)); });
+    EXPECT_EQ("enter ClearORV: ClearCurrentUserSettings", lines.front());
+    EXPECT_THAT(lines, Contains("ClearCurrentUserSettings: DeletePwrScheme(-1)"))
+        << "an entry that isn't there";
     // The hive of a user who is logged on can't be loaded.
     EXPECT_TRUE(HasKey("HKEY_USERS\\" + SidOf("alice")));
     ASSERT_TRUE(Notebook::LogOn("carol"));
