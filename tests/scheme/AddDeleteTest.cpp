@@ -91,7 +91,8 @@ TEST_F(AddDelete, AnEntryKeepsItsNameAlsoWhenItMoves)
     const auto rows = {Row{"a", false},    Row{" a", true},    Row{"a\t", true},
                        Row{"\"a\"", true}, Row{"'a'", true},   Row{"\"a'", false},
                        Row{"\"", false},   Row{"\"\"", true},  Row{"a\tb\x01", false},
-                       Row{"\x0B", true},  Row{"a\x0C", true}, Row{longest + ' ', true}};
+                       Row{"\x0B", true},  Row{"a\x0C", true}, Row{longest + ' ', true},
+                       Row{"", false}};
     ASSERT_EQ(6, Add(engine, "first"));
     int number = 100;
     for (const auto& [name, quoted] : rows)
@@ -114,6 +115,8 @@ TEST_F(AddDelete, AnEntryKeepsItsNameAlsoWhenItMoves)
     EXPECT_EQ(-1, engine.AddtoUserScheme(L"a\nNumber=9", L"alice", 200));
     EXPECT_EQ(before, seeding::ReadBytes(Users()));
     EXPECT_EQ(1, engine.AddtoUserScheme(seeding::Wide(' ' + std::string(5000, 'n')).data(), L"alice", 200));
+    EXPECT_THAT(seeding::ReadBytes(Users()).value_or(""), testing::HasSubstr("nn\"\r\n"))
+        << "cut before its quote";
 }
 
 TEST_F(AddDelete, WithoutAnOwnerTheOperatingSystemsNamesCount)
