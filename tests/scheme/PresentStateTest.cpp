@@ -105,6 +105,7 @@ TEST_F(PresentState, BatteryItemsAreFoundByTheirConfiguredPlace)
         ASSERT_TRUE(seeding::SetKey(kRoot, "BatteryInforList", count, "2147483647"));
     }
     EXPECT_EQ(0, engine.GetBatteryInformation(0, L"Nothing", &value)) << "doesn't last for hours";
+    EXPECT_EQ(0, engine.GetBatteryInformation(0, L"", &value)) << "an item without a name is none";
 }
 
 // A machine that knows nothing of its battery isn't asked further; nor is one that can't be asked.
@@ -118,6 +119,10 @@ TEST_F(PresentState, WithoutAStateThereIsNoBattery)
     EXPECT_THAT(CallsOf([&] { EXPECT_EQ(0U, engine.GetBatteryCount()); }),
                 ElementsAre("GetSystemPowerStatus"));
     EXPECT_TRUE(CallsOf([&] { EXPECT_EQ(0U, engine.GetRemainCapacity(1)); }).empty());
+    Faults::Inject("SetupDiGetClassDevsW", 1, ERROR_ACCESS_DENIED, true);
+    _BATTERY_STATUS status{};
+    EXPECT_EQ(-1, engine.GetBatteryStatus(0, status));
+    EXPECT_EQ(0U, engine.GetCompleteTime(0) + engine.GetRemainingUsageTime(0) + engine.GetRemainCapacity(0));
 }
 
 TEST_F(PresentState, LiveDevicesGoByTheirVariablesName)
