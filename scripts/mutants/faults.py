@@ -30,6 +30,8 @@ RETURN = re.compile(r'^(\s*(?:if \(.*\) |else )?return) ([^;]+);\s*$')
 ARRAY = re.compile(r'^\s*(?:static |constexpr |const )*[\w:]+ \w+\[')
 CAPACITY = re.compile(r'\bk\w*(?:Capacity|Chars|Room)\b')
 DECLARED_VALUE = re.compile(r'^\s*(?!const|static|return|using)[\w:]+\*? (\w+)(?: = |\{)')
+SYMMETRIC = re.compile(r'(?:Equal\w*|WrappingSum|WrappingProduct|min|max|\(std::min\)|\(std::max\))\($')
+RESERVED = re.compile(r'\bReg(?:OpenKey|QueryValue|SetValue|EnumKey|EnumValue|CreateKey)Ex\w*\(')
 NOT_CODE = re.compile(r'^\s*(?:static_assert|template|namespace|using |class |struct |enum |public|private|friend|extern|case .*:$)')
 
 
@@ -93,10 +95,10 @@ def faults_of_line(line: str, tokens: list[Token], start: int, following: list[s
         previous = tokens[index - 1] if index else Token('', '', 0)
         following_token = tokens[index + 1] if index + 1 < len(tokens) else Token('', '', 0)
         if token.kind == 'operator' and token.text in OPERATORS:
-            if is_operator(token, previous, following_token, line, start):
+            if not capacity and is_operator(token, previous, following_token, line, start):
                 for other in OPERATORS[token.text]:
                     yield 'operator', replaced(other)
-        elif token.kind == 'number' and not overwritten and not capacity:
+        elif token.kind == 'number' and not overwritten and not capacity and not RESERVED.search(line):
             for other in other_numbers(token.text):
                 yield 'constant', replaced(other)
         elif token.kind == 'word' and token.text in WORDS and not overwritten:
@@ -152,7 +154,7 @@ def whole_line_faults(line: str) -> Iterator[tuple[str, str]]:
     match = RETURN.match(line)
     if match:
         head, value = match.groups()
-        if re.fullmatch(r'[\w:.>()\[\]-]+', value) and not re.fullmatch(r'\d+', value):
+        if re.fullmatch(r'[\w:.>()\[\]-]+', value) and not re.fullmatch(r'\d+|true|TRUE', value):
             yield 'return', f'{head} {{}};'
             yield 'return', f'{head} {value} + 1;'
         elif not re.fullmatch(r'[\d{}]+|true|false', value):
@@ -165,17 +167,20 @@ def whole_line_faults(line: str) -> Iterator[tuple[str, str]]:
 
 def swapped_arguments(line: str) -> Iterator[tuple[str, str]]:
     for match in re.finditer(r'(?<=[(, ])(&?[\w.>-]+), (&?[\w.>-]+)(?=[,)])', line):
-        if match[1] != match[2] and '(' in line[:match.start()]:
-            yield 'swapped arguments', line[:match.start()] + f'{match[2]}, {match[1]}' + line[match.end():]
+        before = line[:match.start()]
+        if match[1] != match[2] and '(' in before and not SYMMETRIC.search(before):
+            yield 'swapped arguments', before + f'{match[2]}, {match[1]}' + line[match.end():]
 
 
 def is_overwritten(line: str, following: list[str]) -> bool:
-    """Whether the line declares a variable that a call or an assignment fills before anybody reads it."""
+    """Whether the line declares a variable that a call or an assignment fills before anybody reads it.
+
+    A variable that isn't constant and next an argument counts as one that is filled by reference."""
     match = DECLARED_VALUE.match(line)
     if not match:
         return False
     name = re.escape(match[1])
     for other in following:
         if re.search(rf'\b{name}\b', other):
-            return bool(re.search(rf'&{name}\b|^\s*{name} = |\bsizeof\({name}\)', other))
+            return bool(re.search(rf'&{name}\b|^\s*{name} = |\bsizeof\({name}\)|\([^;]*\b{name}[,)]', other))
     return False
