@@ -10,8 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <map>
 #include <memory>
 #include <set>
 #include <sstream>
@@ -24,18 +22,6 @@ using simulated::TracedCall;
 
 namespace
 {
-
-// The log's own calls, whose failure shows in the log alone. A line is converted right before its file is
-// opened.
-bool IsOfALog(const std::vector<TracedCall>& calls, std::size_t place)
-{
-    const auto isLog = [&](std::size_t which)
-    { return which < calls.size() && calls[which].callClass == simulated::CallClass::Log; };
-    return isLog(place) || (calls[place].function == "WideCharToMultiByte" && isLog(place + 1));
-}
-
-// Beyond that a row takes two lines.
-constexpr std::size_t kLongestRow = 160;
 
 // A call as a row names it: "RegOpenKeyExW 2", the second of its name in the request.
 struct Candidate
@@ -54,7 +40,7 @@ std::vector<Candidate> CandidatesOf(const std::vector<TracedCall>& calls)
     {
         const TracedCall& call = calls[place];
         const unsigned ordinal = ++ordinals[call.function];
-        if (!IsOfALog(calls, place) && sites.insert(call.site).second)
+        if (!IsOfLog(calls, place) && sites.insert(call.site).second)
         {
             candidates.push_back(
                 {static_cast<unsigned>(place + 1), call.function + ' ' + std::to_string(ordinal)});
@@ -132,7 +118,7 @@ protected:
         const std::vector<std::string> goodLines = Show(sample, good, {});
         const unsigned held = Leaks::Count();
 
-        std::map<std::string, std::string> callsOfEffects;
+        FailureRows rows;
         for (const Candidate& candidate : candidates)
         {
             SCOPED_TRACE(candidate.name);
@@ -142,18 +128,10 @@ protected:
             EXPECT_TRUE(Faults::AllHit());
             Faults::Clear();
             EXPECT_EQ(held, Leaks::Count()) << Leaks::Describe();
-            std::string& calls = callsOfEffects[Effect(goodLines, Show(sample, outcome, {}))];
-            calls += (calls.empty() ? "" : ", ") + candidate.name;
+            rows.Add(candidate.name, Effect(goodLines, Show(sample, outcome, {})));
             EXPECT_EQ(goodLines, Show(sample, scene.Run(sample), {})) << "the next request";
         }
-        std::string rows;
-        callsOfEffects.erase("");
-        for (const auto& [effect, calls] : callsOfEffects)
-        {
-            const bool isShort = calls.size() + effect.size() < kLongestRow;
-            rows += calls + (isShort ? ": " : "\n  ") + effect + '\n';
-        }
-        return rows;
+        return rows.Text();
     }
 
     static std::unique_ptr<Scene> s_scene;

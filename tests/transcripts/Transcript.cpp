@@ -1,6 +1,6 @@
 // tests/transcripts/Transcript.cpp
 //
-// Rendering, and the golden files.
+// Rendering.
 
 #include "transcripts/Transcript.h"
 
@@ -11,9 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
+#include <cstring>
 
 namespace
 {
@@ -114,34 +112,4 @@ std::vector<std::string> Show(const Sample& sample, const RequestOutcome& outcom
         Add(lines, "change", line);
     }
     return lines;
-}
-
-void CompareWithGolden(const std::string& file, const std::string& text)
-{
-    const std::string path = std::string(GOLDEN_FOLDER) + '/' + file;
-    if (std::getenv("UPDATE_TRANSCRIPTS") != nullptr)
-    {
-        std::ofstream(path, std::ios::binary) << text;
-        return;
-    }
-    std::ifstream golden(path, std::ios::binary);
-    EXPECT_TRUE(golden.is_open()) << "no golden file; ./test --update-transcripts makes it";
-    std::istringstream present(text);
-    std::string wanted;
-    std::string found;
-    for (int number = 1;; ++number)
-    {
-        const bool more = static_cast<bool>(std::getline(golden, wanted));
-        if (static_cast<bool>(std::getline(present, found)) != more || (more && wanted != found))
-        {
-            ADD_FAILURE() << file << ':' << number << "\n  golden:  " << (more ? wanted : "(its end)")
-                          << "\n  present: " << found
-                          << "\n./test --update-transcripts takes the present over";
-            return;
-        }
-        if (!more)
-        {
-            return;
-        }
-    }
 }
