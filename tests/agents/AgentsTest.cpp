@@ -7,31 +7,17 @@
 #include "agents/OrvlDrvMgr.h"
 #include "notebook/DeviceTree.h"
 #include "notebook/KernelDriver.h"
-#include "notebook/Machine.h"
-#include "notebook/Text.h"
 
 #include <devguid.h>
 
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 
 using namespace simulated;
-
-namespace
-{
-
-std::string LogFolder()
-{
-    return Machine::PathOf("drives/C") + "/temp1234567890";
-}
-
-} // namespace
 
 void AgentsTest::SetUp()
 {
     NotebookTest::SetUp();
-    std::filesystem::create_directories(LogFolder());
+    seeding::SwitchLogsOn();
     ForgetDriver();
 }
 
@@ -83,22 +69,14 @@ std::size_t AgentsTest::Calls(const std::string& function)
 
 std::vector<std::string> AgentsTest::NewLogLines()
 {
-    std::vector<std::string> lines;
-    {
-        std::ifstream file(LogFolder() + "/orvl.log");
-        for (std::string line; std::getline(file, line);)
-        {
-            lines.push_back(line.substr(0, line.find('\r')));
-        }
-    }
-    std::error_code ignored;
-    std::filesystem::remove(LogFolder() + "/orvl.log", ignored);
+    std::vector<std::string> lines = seeding::LogLines("orvl.log");
+    seeding::Remove("C:\\temp1234567890\\orvl.log");
     return lines;
 }
 
 void AgentsTest::WriteInstalled(const std::string& file, const std::string& content)
 {
-    std::ofstream(Machine::PathOf("drives/C") + "/Program Files/Kelvo/ORVL/Cfg/" + file) << content;
+    ASSERT_TRUE(seeding::WriteBytes(Notebook::kInstallationFolder + file, content));
 }
 
 void AgentsTest::UseOneAdapter(const std::string& description)
@@ -108,9 +86,4 @@ void AgentsTest::UseOneAdapter(const std::string& description)
         DeviceTree::Remove(device);
     }
     DeviceTree::Add({kAdapter, GUID_DEVCLASS_NET, description});
-}
-
-std::string Narrow(const wchar_t* wide)
-{
-    return ToUtf8(wide);
 }

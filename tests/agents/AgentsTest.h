@@ -4,6 +4,7 @@
 // files of an installation.
 #pragma once
 
+#include "acceptance/Seeding.h"
 #include "support/NotebookTest.h"
 
 #include "notebook/Trace.h"
@@ -18,6 +19,10 @@
 
 class AgentsTest : public NotebookTest
 {
+public:
+    /// The lines that the classes logged since the last call, without their final newlines.
+    static std::vector<std::string> NewLogLines();
+
 protected:
     void SetUp() override;
     void TearDown() override;
@@ -34,9 +39,6 @@ protected:
     /// How often the plug-in called a platform function since the trace was cleared.
     static std::size_t Calls(const std::string& function);
 
-    /// The lines that the classes logged since the last call, without their final newlines.
-    static std::vector<std::string> NewLogLines();
-
     /// Writes a file of the installation anew.
     static void WriteInstalled(const std::string& file, const std::string& content);
 
@@ -44,6 +46,3 @@ protected:
     static void UseOneAdapter(const std::string& description);
     static constexpr const char* kAdapter = "PCI\\VEN_10EC&DEV_8168\\1";
 };
-
-/// Wide text for messages and comparisons.
-std::string Narrow(const wchar_t* wide);

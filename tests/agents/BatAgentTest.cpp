@@ -109,7 +109,7 @@ TEST_F(BatAgentTest, EachQueryAsksForItsLevel)
           {&CBatAgent::GetSerialNumber, "S-1"}})
     {
         EXPECT_EQ(kSucceeded, (agent.*query)(0, text, sizeof text));
-        EXPECT_EQ(expected, Narrow(text));
+        EXPECT_EQ(expected, seeding::Utf8(text));
         EXPECT_EQ(kBadArgument, (agent.*query)(0, text, -1));
     }
 

@@ -115,11 +115,11 @@ TEST_F(DevMgrTest, DevicesAreDescribedByTheirNumber)
     DeviceTree::SetValue(kCard, "FriendlyName", "Friend");
     DeviceTree::SetValue(kCard, "Disabled", "1");
     EXPECT_EQ(kSucceeded, manager.GetDesc(0, text, sizeof text));
-    EXPECT_EQ("Network Card", Narrow(text));
+    EXPECT_EQ("Network Card", seeding::Utf8(text));
     EXPECT_EQ(kSucceeded, manager.GetName(0, text, sizeof text));
-    EXPECT_EQ("Friend", Narrow(text));
+    EXPECT_EQ("Friend", seeding::Utf8(text));
     EXPECT_EQ(kSucceeded, manager.GetInstID(0, text, 64));
-    EXPECT_EQ(kCard, Narrow(text));
+    EXPECT_EQ(kCard, seeding::Utf8(text));
     EXPECT_EQ(kSucceeded, manager.GetDeviceStatus(0, &status, &problem));
     EXPECT_EQ(22U, problem);
 
@@ -176,13 +176,13 @@ TEST_F(DevMgrTest, DescriptionIsLookedForDepthFirstIgnoringCase)
 {
     wchar_t id[64] = {};
     EXPECT_EQ(kSucceeded, manager.DrvDescToInstID(L"100%S mODEM", id, 64));
-    EXPECT_EQ(kModem, Narrow(id));
+    EXPECT_EQ(kModem, seeding::Utf8(id));
     // The root has no description; the texts on the way are logged as they are.
     EXPECT_THAT(NewLogLines(),
                 testing::ElementsAre(testing::StartsWith("Cannot Get_DevNode_Registry_Property for "), "Bus",
                                      "100%s Modem", kModem));
     EXPECT_EQ(kSucceeded, manager.DrvDescToInstID(L"SECOND C\u00C4RD \u0416", id, 64));
-    EXPECT_EQ("PCI\\VEN_10EC\\9", Narrow(id));
+    EXPECT_EQ("PCI\\VEN_10EC\\9", seeding::Utf8(id));
     EXPECT_EQ(kGeneralFailure, manager.DrvDescToInstID(L"Nothing", id, 64));
 
     const ULONG length = 14;

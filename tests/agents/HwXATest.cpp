@@ -50,7 +50,7 @@ protected:
     std::string DeviceName(ULONG bus, ULONG device, ULONG function)
     {
         wchar_t name[51] = {};
-        return hardware.GetDeviceName(bus, device, function, name, 51) < 0 ? "none" : Narrow(name);
+        return hardware.GetDeviceName(bus, device, function, name, 51) < 0 ? "none" : seeding::Utf8(name);
     }
 
     /// How many of the first 32 device objects are there.

@@ -1,0 +1,384 @@
+// tests/agents/OperationsTest.cpp
+//
+// What each agent answers and logs on a notebook that has everything, and what becomes of it when any one
+// call of the platform fails. The golden files show the answers and, for each effect, the calls that have it;
+// what isn't listed changes nothing. What a failure leaves open shows as "held".
+
+#include "agents/AgentsTest.h"
+
+#include "agents/BatAgent.h"
+#include "agents/CpuAgent.h"
+#include "agents/DevMgr.h"
+#include "agents/DspxAgent.h"
+#include "agents/EcAgent.h"
+#include "agents/HwSBX.h"
+#include "agents/LanAgent.h"
+#include "agents/OsWin.h"
+#include "notebook/Adapters.h"
+#include "notebook/Batteries.h"
+#include "notebook/Chipset.h"
+#include "notebook/DeviceTree.h"
+#include "notebook/EmbeddedController.h"
+#include "notebook/Graphics.h"
+#include "notebook/Processor.h"
+#include "support/Snapshot.h"
+#include "transcripts/Golden.h"
+
+#include <set>
+
+using namespace simulated;
+
+namespace
+{
+
+// The steps of one run.
+class Protocol
+{
+public:
+    // The answers by reference: the first one's call fills in the others.
+    template <class... Answers>
+    void operator()(const std::string& call, const Answers&... answers)
+    {
+        Step step = {call, {}};
+        ((step.answer += ' ' + Show(answers)), ...);
+        for (const std::string& line : AgentsTest::NewLogLines())
+        {
+            // An empty line belongs to the one before, whose format ends in a line end of its own.
+            line.empty() ? step.log.back() += "\\n" : step.log.emplace_back(line);
+        }
+        m_steps.push_back(step);
+        SetLastError(ERROR_SUCCESS); // log lines quote it, also where no call has failed
+    }
+
+    std::string Text() const
+    {
+        std::string text;
+        for (const Step& step : m_steps)
+        {
+            text += step.answer + '\n';
+            for (const std::string& line : step.log)
+            {
+                text += "  " + line + '\n';
+            }
+        }
+        return text;
+    }
+
+    // The first step that isn't as in `good`, with the lines that are new in it, and how many other steps
+    // aren't; empty for no difference.
+    std::string Effect(const Protocol& good) const
+    {
+        std::string effect;
+        int others = -1;
+        for (std::size_t place = 0; place < m_steps.size(); ++place)
+        {
+            const Step wanted = place < good.m_steps.size() ? good.m_steps[place] : Step{};
+            if (m_steps[place] != wanted && others++ < 0)
+            {
+                effect = m_steps[place].Against(wanted);
+            }
+        }
+        return others > 0 ? effect + " ... " + std::to_string(others) : effect;
+    }
+
+private:
+    struct Step
+    {
+        std::string answer;           ///< behind the call
+        std::vector<std::string> log; ///< what it logged
+
+        bool operator==(const Step&) const = default;
+
+        std::string Against(const Step& good) const
+        {
+            std::string text = answer;
+            std::multiset<std::string> missing(good.log.begin(), good.log.end());
+            std::set<std::string> told;
+            for (const std::string& line : log)
+            {
+                const auto found = missing.find(line);
+                if (found != missing.end())
+                {
+                    missing.erase(found);
+                }
+                else if (told.insert(line).second)
+                {
+                    text += " | " + line;
+                }
+            }
+            return missing.empty() ? text : text + " | less " + std::to_string(missing.size());
+        }
+    };
+
+private:
+    static std::string Show(std::int64_t number)
+    {
+        char text[20];
+        const bool isHex = number < -1 || number > 0xFFFFF;
+        std::snprintf(text, sizeof text, isHex ? "0x%llX" : "%lld",
+                      static_cast<long long>(number < -1 ? number & 0xFFFFFFFF : number));
+        return text;
+    }
+    static std::string Show(const wchar_t* text)
+    {
+        return '"' + seeding::Utf8(text) + '"';
+    }
+
+    std::vector<Step> m_steps;
+};
+
+void UseBatteries(Protocol& run)
+{
+    BATTERY_INFORMATION info = {};
+    BATTERY_STATUS status = {};
+    BATTERY_MANUFACTURE_DATE date = {};
+    ULONG temperature = 0;
+    wchar_t text[16] = {};
+    CBatAgent agent;
+    run("Setup", agent.Setup());
+    run("GetBatteryCount", agent.GetBatteryCount());
+    run("GetInfo", agent.GetInfo(0, info), info.FullChargedCapacity);
+    run("GetStatus", agent.GetStatus(0, status), status.Capacity, status.Voltage);
+    run("GetTemperature", agent.GetTemperature(0, temperature), temperature);
+    run("GetManufactureDate", agent.GetManufactureDate(0, date), date.Day, date.Month, date.Year);
+    run("GetManufactureName", agent.GetManufactureName(0, text, sizeof text), text);
+    run("GetUniqueID", agent.GetUniqueID(0, text, sizeof text), text);
+    run("GetSerialNumber", agent.GetSerialNumber(0, text, sizeof text), text);
+    run("GetStatus(1)", agent.GetStatus(1, status), status.Capacity);
+    run("Cleanup", agent.Cleanup());
+}
+
+void UseDevices(Protocol& run)
+{
+    wchar_t id[64] = {};
+    ULONG status = 0;
+    ULONG problem = 0;
+    CDevMgr devices;
+    run("Setup", devices.Setup());
+    run("GetDeviceCount", devices.GetDeviceCount());
+    run("GetDesc", devices.GetDesc(0, id, sizeof id), id);
+    run("GetInstID", devices.GetInstID(0, id, 64), id);
+    run("ChangeState(0,disable)", devices.ChangeState(0, OrvlDeviceDisable));
+    run("GetDeviceStatus", devices.GetDeviceStatus(0, &status, &problem), status, problem);
+    run("ExecStateChange2(enable)", devices.ExecStateChange2(L"Realtek Wireless", OrvlDeviceEnable));
+    run("GetDeviceStatus", devices.GetDeviceStatus(0, &status, &problem), status, problem);
+    run("Cleanup", devices.Cleanup());
+}
+
+void UseAdapter(Protocol& run)
+{
+    CLanAgent adapter;
+    run("Initialize", adapter.Initialize());
+    run("SetLanSpeed(3)", adapter.SetLanSpeed(3));
+    run("GetLanSpeed", adapter.GetLanSpeed());
+    run("ApplySettings", adapter.ApplySettings());
+    run("SetLANConnectStatus(0)", adapter.SetLANConnectStatus(0));
+    run("GetLANConnectStatus", adapter.GetLANConnectStatus());
+    run("GetWLANConnectStatus", adapter.GetWLANConnectStatus());
+    run("SetWLANConnectStatus(1)", adapter.SetWLANConnectStatus(1));
+    run("GetLANConnectStatus", adapter.GetLANConnectStatus());
+    run("GetWLANConnectStatus", adapter.GetWLANConnectStatus());
+}
+
+void UseController(Protocol& run)
+{
+    ULONG status = 0;
+    CEcAgent controller;
+    run("Setup", controller.Setup());
+    run("GetStatus", controller.GetStatus(&status), status);
+    run("SelfTest", controller.SelfTest(5));
+    run("GetMinLevel", controller.GetMinLevel());
+    run("GetMaxLevels", controller.GetMaxLevels());
+    run("SetBacklightLevel(3)", controller.SetBacklightLevel(3));
+    run("GetBacklightLevel", controller.GetBacklightLevel());
+    run("SetWifiStatus(1)", controller.SetWifiStatus(1));
+    run("Cleanup", controller.Cleanup());
+    run("GetStatus", controller.GetStatus(&status));
+}
+
+void UseProcessor(Protocol& run)
+{
+    CCpuAgent processor;
+    run("SetEblLevel(40)", processor.SetEblLevel(40));
+    run("Initialize", processor.Initialize());
+    run("SetEblLevel(40)", processor.SetEblLevel(40));
+    run("GetEblLevel", processor.GetEblLevel());
+}
+
+void UseGraphics(Protocol& run)
+{
+    CDspxAgent graphics;
+    run("SetEblLevel", graphics.SetEblLevel(0));
+    run("Setup", graphics.Setup());
+    run("CheckSupportStatus", graphics.CheckSupportStatus());
+    run("SetEblLevel", graphics.SetEblLevel(0x74000003));
+    run("GetEblLevel", graphics.GetEblLevel());
+    run("Cleanup", graphics.Cleanup());
+}
+
+void UseHardware(Protocol& run)
+{
+    unsigned __int64 value = 0x0102030405060708;
+    DWORD data = 0x1111;
+    wchar_t name[51] = {};
+    void* mapping = nullptr;
+    CHwXA hardware;
+    run("ReadIoPort", hardware.ReadIoPort(0x1080, &data, 2));
+    run("Setup", hardware.Setup());
+    run("Setup", hardware.Setup());
+    run("WriteMSR", hardware.WriteMSR(Processor::kPerformanceControl, &value));
+    run("ReadMSR", hardware.ReadMSR(Processor::kPerformanceControl, &value), value);
+    run("ReadIoPort", hardware.ReadIoPort(0x1080, &data, 2), data);
+    run("WriteIoPort", hardware.WriteIoPort(0x1080, &data, 2));
+    run("GetDeviceName", hardware.GetDeviceName(0, 31, 0, name, 51), name);
+    run("ReadPCIConfig", hardware.ReadPCIConfig(L"\\Device\\NTPNP_PCI0005", 0, &data, 4), data);
+    run("WritePCIConfig", hardware.WritePCIConfig(L"\\Device\\NTPNP_PCI0005", 0x80, &data, 4));
+    run("MapMemorySpace",
+        hardware.MapMemorySpace(reinterpret_cast<void*>(ULONG_PTR{0xFED1C010}), 4, &mapping));
+    run("WriteMemory", hardware.WriteMemory(mapping, &data, 4));
+    run("ReadMemory", hardware.ReadMemory(mapping, &data, 4), data);
+    run("UnmapMemorySpace", hardware.UnmapMemorySpace(mapping));
+}
+
+void UseChipset(Protocol& run)
+{
+    int disabled = 5;
+    CHwSBX chipset;
+    run("Setup", chipset.Setup(1));
+    run("FunctionDisable(InPci)", chipset.FunctionDisable(L"InPci", 1));
+    run("FunctionDisable(InMemory)", chipset.FunctionDisable(L"InMemory", 1));
+    run("FunctionDisable(InPorts)", chipset.FunctionDisable(L"InPorts", 1));
+    run("GetFunctionDisable(InMemory)", chipset.GetFunctionDisable(L"InMemory", &disabled), disabled);
+}
+
+void UseSystem(Protocol& run)
+{
+    struct Unloaded : COsWin
+    {
+        static void Unload()
+        {
+            m_hDwmLibrary = nullptr;
+        }
+    };
+    constexpr wchar_t kKey[] = L"Software\\Kelvo\\ORVL";
+    ULONG type = REG_DWORD;
+    ULONG size = sizeof(ULONG);
+    ULONG value = 0x12345678;
+    Unloaded::Unload();
+    run("WriteRegValue", COsWin::WriteRegValue(HKEY_LOCAL_MACHINE, kKey, L"Probe", 9, &type, &value, &size));
+    type = value = 0;
+    run("ReadRegValue",
+        COsWin::ReadRegValue(HKEY_LOCAL_MACHINE, kKey, L"Probe", &type,
+                             reinterpret_cast<unsigned char*>(&value), &size),
+        type, value);
+    run("SetAero", COsWin::SetAero(1));
+    run("IsVista", COsWin::IsVista());
+    run("SetLinkPowerMgr", COsWin::SetLinkPowerMgr(1));
+}
+
+struct Agent
+{
+    const char* name;
+    void (*use)(Protocol&);
+};
+
+void PrintTo(const Agent& agent, std::ostream* stream)
+{
+    *stream << agent.name;
+}
+
+class Operations : public AgentsTest, public testing::WithParamInterface<Agent>
+{
+protected:
+    void SetUp() override
+    {
+        AgentsTest::SetUp();
+        Batteries::Add();
+        for (const auto& [key, value] : {std::pair{"FullChargedCapacity", "43210"},
+                                         {"Temperature", "2999"},
+                                         {"ManufactureDate", "2008-03-17"},
+                                         {"ManufactureName", "Maker"},
+                                         {"UniqueID", "U-1"},
+                                         {"SerialNumber", "S-1"}})
+        {
+            Batteries::SetValue(0, key, value);
+        }
+        Batteries::SetStatus(0, BATTERY_STATUS{5, 30000, 11100, -900});
+        Batteries::RefuseOpening(1, ERROR_ACCESS_DENIED);
+        Adapters::Clear();
+        Adapters::Add("Realtek Wireless", {{"DuplexMode", "1"}});
+        WriteInstalled("ORVLCfg.ini", "[OrvlDevMgr]\nDmOptions=0\n[DevGUIDs]\nNum=1\n"
+                                      "GUID0={4D36E972-E325-11CE-BFC1-08002BE10318}\n");
+        EmbeddedController::SetItem(EmbeddedController::kWifi, 0);
+        EmbeddedController::SetMethod("_STA", 0x2A);
+        EmbeddedController::SetMethod("GDBG", 7);
+        Processor::Fit(2, {6, 12, 10, 21});
+        Graphics::SetInstalled(true);
+        Graphics::SetCapabilities(0xA5);
+        PhysicalMemory::AddRange(0xFED1C000, 0x4000);
+        IoPorts::Set(0x1080, 4, 0xA1B2C3D4);
+        const std::string bridge = "Bus=0\nDevice=31\nFunction=0\n";
+        const std::string bit = bridge + "ValueSize=2\nBit=4\nDisableType=0\n";
+        const std::string base = "AddressSize=4\nAddressMask=0xFFFFC000\nAddressOffset=";
+        WriteInstalled("SBXCfg.ini",
+                       "[Device Identifications]\nSBXIdNumbers=1\n[SBX Identification 0]\n"
+                       "RegisterType=PCIConfig\nOffset=0\nValueSize=4\nValue=0x27B98086\nName=Hub\n" +
+                           bridge +
+                           "[Hub Devices]\nDeviceNumbers=3\nName0=InPci\nName1=InMemory\n"
+                           "Name2=InPorts\n[InPci]\nRegisterType=PCIConfig\nValueOffset=0x80\n" +
+                           bit + "[InMemory]\nRegisterType=Memory\nValueOffset=0x3418\n" + base + "0xF0\n" +
+                           bit + "[InPorts]\nRegisterType=IO\nValueOffset=0x1080\n" + base + "0xF8\n" + bit);
+    }
+
+    static Protocol ProtocolOf(void (*use)(Protocol&))
+    {
+        NewLogLines();
+        SetLastError(ERROR_SUCCESS);
+        Trace::Clear();
+        Protocol run;
+        use(run);
+        if (const unsigned held = Leaks::Count(); held != 0)
+        {
+            run("held", held);
+            Leaks::Forget();
+        }
+        return run;
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(Of, Operations,
+                         testing::Values(Agent{"BatAgent", UseBatteries}, Agent{"CpuAgent", UseProcessor},
+                                         Agent{"DevMgr", UseDevices}, Agent{"DspxAgent", UseGraphics},
+                                         Agent{"EcAgent", UseController}, Agent{"HwSBX", UseChipset},
+                                         Agent{"HwXA", UseHardware}, Agent{"LanAgent", UseAdapter},
+                                         Agent{"OsWin", UseSystem}),
+                         testing::PrintToStringParamName());
+
+TEST_P(Operations, HaveTheirReviewedOutcomes)
+{
+    const Agent& agent = GetParam();
+    ProtocolOf(agent.use); // fills the table of device objects
+    Snapshot snapshot(Folder());
+    const Protocol good = ProtocolOf(agent.use);
+    const std::vector<TracedCall> calls = Trace::Calls();
+    FailureRows rows;
+    std::map<std::string, unsigned> ordinals;
+    for (std::size_t place = 0; place < calls.size(); ++place)
+    {
+        const std::string& function = calls[place].function;
+        const std::string name = function + ' ' + std::to_string(++ordinals[function]);
+        if (IsOfLog(calls, place) || function.starts_with("GetPrivateProfile"))
+        {
+            continue;
+        }
+        SCOPED_TRACE(name);
+        snapshot.Restore();
+        Faults::Inject("*", static_cast<unsigned>(place + 1), ERROR_GEN_FAILURE);
+        rows.Add(name, ProtocolOf(agent.use).Effect(good));
+        EXPECT_TRUE(Faults::AllHit());
+        Faults::Clear();
+    }
+    CompareWithGolden(std::string("agents/") + agent.name + ".txt", good.Text() + '\n' + rows.Text());
+}
+
+} // namespace
