@@ -4,7 +4,6 @@
 
 #include "agents/AgentsTest.h"
 
-#include "agents/OrvlDrvMgr.h"
 #include "notebook/DeviceTree.h"
 #include "notebook/KernelDriver.h"
 
@@ -25,8 +24,6 @@ void AgentsTest::TearDown()
 {
     // What an earlier version of the system keeps open doesn't outlive the test.
     KernelDriver::LetGo();
-    UseVersion(5);
-    OrvlDrvClose();
     NotebookTest::TearDown();
 }
 

@@ -33,7 +33,8 @@ DWORD ReadMsr(Exchange& exchange)
     {
         return kNoSuchThing;
     }
-    exchange.Answer(Msr{index, static_cast<DWORD>(*value >> 32), static_cast<DWORD>(*value)});
+    // The first word means nothing in an answer.
+    exchange.Answer(Msr{0, static_cast<DWORD>(*value >> 32), static_cast<DWORD>(*value)});
     return ERROR_SUCCESS;
 }
 
