@@ -1,11 +1,15 @@
 // agents/AgentsTest.cpp
 //
-// The driver's requests, the log and the files of an installation, as the tests look at them.
+// Seeding and looking.
 
 #include "agents/AgentsTest.h"
 
+#include "notebook/Chipset.h"
 #include "notebook/DeviceTree.h"
+#include "notebook/EmbeddedController.h"
+#include "notebook/Graphics.h"
 #include "notebook/KernelDriver.h"
+#include "notebook/Processor.h"
 
 #include <devguid.h>
 
@@ -17,19 +21,26 @@ void AgentsTest::SetUp()
 {
     NotebookTest::SetUp();
     seeding::SwitchLogsOn();
-    ForgetDriver();
+    for (DWORD item = EmbeddedController::kBacklight; item <= EmbeddedController::kBluetooth; ++item)
+    {
+        EmbeddedController::SetItem(item, item - 0xBE);
+    }
+    for (const auto& [method, answer] : {std::pair{"GWRI", 7U}, {"GDBG", 8U}, {"_STA", 9U}})
+    {
+        EmbeddedController::SetMethod(method, answer);
+    }
+    Processor::Fit(4, {6, 12, 10, 21});
+    Graphics::SetInstalled(true);
+    Graphics::SetCapabilities(0xA5);
+    PhysicalMemory::AddRange(0xFED1C000, 0x4000);
+    IoPorts::Set(0x1080, 4, 0xA1B2C3D4);
+    NewDriverInputs();
 }
 
 void AgentsTest::TearDown()
 {
-    // What an earlier version of the system keeps open doesn't outlive the test.
     KernelDriver::LetGo();
     NotebookTest::TearDown();
-}
-
-void AgentsTest::UseVersion(unsigned major)
-{
-    ASSERT_TRUE(Notebook::SetVersion(major, major == 5 ? 1 : 0));
 }
 
 std::string AgentsTest::Hex(std::span<const BYTE> bytes)
@@ -44,19 +55,15 @@ std::string AgentsTest::Hex(std::span<const BYTE> bytes)
     return text;
 }
 
-std::vector<std::string> AgentsTest::DriverInputs()
+std::vector<std::string> AgentsTest::NewDriverInputs()
 {
     std::vector<std::string> inputs;
     for (const KernelDriver::Request& request : KernelDriver::Requests())
     {
         inputs.push_back(Hex(request.input));
     }
-    return inputs;
-}
-
-void AgentsTest::ForgetDriver()
-{
     KernelDriver::ForgetRequests();
+    return inputs;
 }
 
 std::size_t AgentsTest::Calls(const std::string& function)

@@ -1,7 +1,6 @@
 // agents/AgentsTest.h
 //
-// What the tests of the agents share: the driver's requests as text, the log, the system's version, and the
-// files of an installation.
+// A notebook that has everything that the agents use, and how their tests look at it.
 #pragma once
 
 #include "acceptance/Seeding.h"
@@ -23,18 +22,15 @@ public:
     /// The lines that the classes logged since the last call, without their final newlines.
     static std::vector<std::string> NewLogLines();
 
-protected:
-    void SetUp() override;
-    void TearDown() override;
-
-    static void UseVersion(unsigned major);
-
-    /// The inputs of the driver's requests since the last `ForgetDriver`, each as "47 52 44 49 ...".
-    static std::vector<std::string> DriverInputs();
-    static void ForgetDriver();
+    /// The inputs of the driver's requests since the last call, each as "47 52 44 49 ...".
+    static std::vector<std::string> NewDriverInputs();
 
     /// "47 52 44 49" for these bytes.
     static std::string Hex(std::span<const BYTE> bytes);
+
+protected:
+    void SetUp() override;
+    void TearDown() override;
 
     /// How often the plug-in called a platform function since the trace was cleared.
     static std::size_t Calls(const std::string& function);

@@ -28,9 +28,15 @@ LONG AskDriver(DWORD code = IOCTL_EXEC_CTRL_METHOD, DWORD inputSize = sizeof(Con
 class DriverChannelTest : public AgentsTest
 {
 protected:
+    void SetUp() override
+    {
+        AgentsTest::SetUp();
+        ASSERT_EQ(kSucceeded, OrvlDrvOpen());
+        NewLogLines();
+        Trace::Clear();
+    }
     void TearDown() override
     {
-        UseVersion(5);
         OrvlDrvClose();
         AgentsTest::TearDown();
     }
@@ -40,7 +46,8 @@ TEST_F(DriverChannelTest, VersionDecidesHowOftenTheDeviceIsOpenedAndWhetherClose
 {
     for (const auto& [major, openings] : {std::pair{5U, 2U}, {6U, 1U}, {10U, 1U}})
     {
-        UseVersion(major);
+        OrvlDrvClose();
+        Notebook::SetVersion(major, major == 5 ? 1 : 0);
         Trace::Clear();
         EXPECT_EQ(kSucceeded, OrvlDrvOpen());
         EXPECT_EQ(kSucceeded, OrvlDrvOpen());
@@ -50,15 +57,15 @@ TEST_F(DriverChannelTest, VersionDecidesHowOftenTheDeviceIsOpenedAndWhetherClose
         EXPECT_EQ(openings - 1, Calls("CloseHandle")) << "a replaced handle is closed";
         EXPECT_EQ(kSucceeded, OrvlDrvClose());
         EXPECT_EQ(major < 6 ? kGeneralFailure : kSucceeded, AskDriver());
-        UseVersion(5);
-        OrvlDrvClose();
+        Notebook::SetVersion(5, 1);
     }
-    EXPECT_EQ(kSucceeded, OrvlDrvOpen());
+}
+
+TEST_F(DriverChannelTest, FailedOpenClosesWhatWasOpen)
+{
     KernelDriver::SetPresent(false);
-    Trace::Clear();
-    NewLogLines();
     EXPECT_EQ(static_cast<LONG>(0x80070002), OrvlDrvOpen());
-    EXPECT_EQ(1U, Calls("CloseHandle")) << "the handle in place goes with the failed open";
+    EXPECT_EQ(1U, Calls("CloseHandle"));
     EXPECT_EQ(kGeneralFailure, AskDriver());
     EXPECT_EQ(0U, Calls("DeviceIoControl"));
     EXPECT_THAT(NewLogLines(), testing::Contains("COrvlDrvMgr::DeviceIoControl failed: device not opened"));
@@ -66,13 +73,10 @@ TEST_F(DriverChannelTest, VersionDecidesHowOftenTheDeviceIsOpenedAndWhetherClose
 
 TEST_F(DriverChannelTest, SecondThreadIsRefusedAtOnceWhileTheFirstIsInTheDriver)
 {
-    ASSERT_EQ(kSucceeded, OrvlDrvOpen());
-    NewLogLines();
     KernelDriver::Hold();
     LONG first = kGeneralFailure;
     std::thread holder([&first] { first = AskDriver(); });
     EXPECT_TRUE(KernelDriver::WaitUntilHeld(5000));
-
     EXPECT_EQ(kGeneralFailure, AskDriver());
     EXPECT_EQ("COrvlDrvMgr::DeviceIoControl failed for cannot enter the critical section",
               NewLogLines().at(0));
@@ -84,24 +88,14 @@ TEST_F(DriverChannelTest, SecondThreadIsRefusedAtOnceWhileTheFirstIsInTheDriver)
 
 TEST_F(DriverChannelTest, DriverErrorsAreTranslated)
 {
-    ASSERT_EQ(kSucceeded, OrvlDrvOpen());
-    constexpr struct
+    for (const auto& [code, inputSize, driverError, result] :
+         {std::tuple{kDriverControlBase + 4 * 12, 16U, 0U, 0x80070001U},
+          {IOCTL_EXEC_CTRL_METHOD, 15U, 0U, 0x80070057U},
+          {IOCTL_EXEC_CTRL_METHOD, 16U, 0x12345U, 0x80072345U},
+          {IOCTL_EXEC_CTRL_METHOD, 16U, 0xE0000001U, 0xE0000001U}})
     {
-        DWORD code;
-        DWORD inputSize;
-        DWORD driverError;
-        DWORD result;
-    } kRefusals[] = {
-        {kDriverControlBase + 4 * 12, 16, 0, 0x80070001},
-        {IOCTL_EXEC_CTRL_METHOD, 15, 0, 0x80070057},
-        {IOCTL_EXEC_CTRL_METHOD, 16, 0x12345, 0x80072345},
-        {IOCTL_EXEC_CTRL_METHOD, 16, 0xE0000001, 0xE0000001},
-    };
-    for (const auto& refusal : kRefusals)
-    {
-        KernelDriver::RefuseRequests(refusal.driverError);
-        EXPECT_EQ(refusal.result, static_cast<DWORD>(AskDriver(refusal.code, refusal.inputSize)))
-            << refusal.code << ' ' << refusal.driverError;
+        KernelDriver::RefuseRequests(driverError);
+        EXPECT_EQ(result, static_cast<DWORD>(AskDriver(code, inputSize))) << code << ' ' << driverError;
     }
 }
 

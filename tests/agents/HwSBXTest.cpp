@@ -13,21 +13,21 @@ using namespace simulated;
 namespace
 {
 
-constexpr PciAddress kBridge = {0, 31, 0};
+constexpr PciAddress kBridge = {1, 30, 2};
 constexpr DWORD kRange = 0xE0000000;
 
 // Sections without their headers. Of a key that stands twice the first counts, so a change goes in front.
-const std::string kIdentification = "RegisterType=PCIConfig\nBus=0\nDevice=31\nFunction=0\nOffset="
-                                    "0\nValueSize=4\nValue=0x27B98086\nName=Hub\n";
-const std::string kInPci = "RegisterType=PCIConfig\nBus=0\nDevice=31\nFunction=0\nValueOffset=0x20\nBit=9\n"
-                           "ValueSize=2\nDisableType=1\n";
+const std::string kAddress = "Bus=1\nDevice=30\nFunction=2\n";
+const std::string kIdentification =
+    "RegisterType=PCIConfig\nOffset=2\nValueSize=2\nValue=0x27B9\nName=Hub\n" + kAddress;
+const std::string kInPci =
+    "RegisterType=PCIConfig\nValueOffset=0x20\nBit=9\nValueSize=2\nDisableType=1\n" + kAddress;
 // The base register at 0xF0 is 0xE0001001; its flag bits are masked off.
 const std::string kInMemory =
     "RegisterType=Memory\nAddressOffset=0xF0\nAddressSize=4\nAddressMask=0xFFFFC000\nValueOffset=0x18\n" +
     kInPci;
-// The base register at 0xF4 is 0x00001081.
-const std::string kInPorts =
-    "RegisterType=IO\nAddressOffset=0xF4\nAddressSize=2\nAddressMask=0xFFFE\nValueOffset=0x4\n" + kInPci;
+// The base register at 0xF4 is 0x00001080.
+const std::string kInPorts = "RegisterType=IO\nAddressOffset=0xF4\nAddressSize=2\nValueOffset=0x4\n" + kInPci;
 
 class HwSBXTest : public AgentsTest
 {
@@ -36,9 +36,15 @@ protected:
     {
         AgentsTest::SetUp();
         PciBus::Add(3, kBridge, 0x8086, 0x27B9);
-        PciBus::Set(kBridge, 0xF0, std::array<BYTE, 8>{0x01, 0x10, 0x00, 0xE0, 0x81, 0x10, 0x00, 0x00});
+        PciBus::Set(kBridge, 0xF0, std::array<BYTE, 8>{0x01, 0x10, 0x00, 0xE0, 0x80, 0x10, 0x00, 0x00});
         PhysicalMemory::AddRange(kRange, 0x4000);
         UseFile(kInPci);
+        ASSERT_EQ(kSucceeded, chipset.Setup(1));
+    }
+    void TearDown() override
+    {
+        chipset.Cleanup();
+        AgentsTest::TearDown();
     }
 
     /// Writes the file anew, with one function and two identifications of which the second fits.
@@ -65,6 +71,9 @@ protected:
         return {bytes[0] | (DWORD{bytes[1]} << 8), PhysicalMemory::Word(kRange + 0x18),
                 IoPorts::Read(0x1084, 2).value_or(0)};
     }
+
+    CHwSBX chipset;
+    int disabled = -1;
 };
 
 TEST_F(HwSBXTest, DisableTypeDecidesWhatTheBitMeans)
@@ -79,8 +88,6 @@ TEST_F(HwSBXTest, DisableTypeDecidesWhatTheBitMeans)
         {"1", 1, false, 1}, {"1", 0, true, 0}, {"1", 2, true, 0}, {"0", 1, true, 1},
         {"0", 0, false, 0}, {"0", 2, true, 1}, {"5", 0, true, 1}, {"5", 1, true, 1},
     };
-    CHwSBX chipset;
-    ASSERT_EQ(kSucceeded, chipset.Setup(1));
     for (const auto& [section, place] : {std::pair{&kInPci, 0U}, {&kInMemory, 1U}, {&kInPorts, 2U}})
     {
         for (const auto& row : kCases)
@@ -91,7 +98,6 @@ TEST_F(HwSBXTest, DisableTypeDecidesWhatTheBitMeans)
             SetRegisters(before);
             std::vector<DWORD> expected(3, before);
             expected[place] ^= 0x200;
-            int disabled = -1;
             EXPECT_EQ(kSucceeded, chipset.FunctionDisable(L"HD Audio", row.disable));
             EXPECT_EQ(expected, Registers());
             EXPECT_EQ(kSucceeded, chipset.GetFunctionDisable(L"HD Audio", &disabled));
@@ -104,21 +110,18 @@ TEST_F(HwSBXTest, IncompleteSectionsAreRefusedAndChangeNothing)
 {
     const std::pair<const std::string&, std::vector<const char*>> cases[] = {
         {kInPci,
-         {"RegisterType=", "RegisterType=pciconfig", "Bus=", "Device=", "Device=30",
+         {"RegisterType=", "RegisterType=pciconfig", "Bus=", "Device=", "Device=29",
           "Function=", "ValueOffset=20", "ValueOffset=0X20", "ValueOffset=0x", "ValueSize=5", "ValueSize=0",
           "Bit=", "Bit=32", "Bit=-2", "DisableType="}},
-        {kInMemory, {"AddressOffset=", "AddressSize=5"}},
+        {kInMemory, {"AddressOffset=", "AddressOffset=0xFE", "AddressSize=5", "AddressSize=0"}},
         {kInPorts, {"AddressSize="}},
     };
-    CHwSBX chipset;
-    ASSERT_EQ(kSucceeded, chipset.Setup(1));
     SetRegisters(0);
     for (const auto& [section, changes] : cases)
     {
         for (const std::string change : changes)
         {
             UseFile(change + '\n' + section);
-            int disabled = -1;
             EXPECT_EQ(kGeneralFailure, chipset.FunctionDisable(L"HD Audio", 0)) << change;
             EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", &disabled)) << change;
             EXPECT_EQ(-1, disabled);
@@ -129,48 +132,49 @@ TEST_F(HwSBXTest, IncompleteSectionsAreRefusedAndChangeNothing)
 
 TEST_F(HwSBXTest, FunctionIsFoundByItsExactNameInTheChipsetsList)
 {
-    CHwSBX chipset;
-    int disabled = -1;
-    ASSERT_EQ(kSucceeded, chipset.Setup(1));
     EXPECT_EQ(kGeneralFailure, chipset.FunctionDisable(L"hd audio", 1));
     EXPECT_EQ(kGeneralFailure, chipset.FunctionDisable(nullptr, 1));
     EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", nullptr));
-    EXPECT_EQ(kSucceeded, chipset.GetFunctionDisable(L"HD Audio", &disabled));
-    UseFile(kInPci, kIdentification, "DeviceNumbers=2\nName2=HD Audio\n");
-    EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", &disabled));
-    UseFile(kInPci, kIdentification, "DeviceNumbers=2147483647\nName0=Other\n");
-    EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", &disabled))
-        << "doesn't last for hours";
+    for (const auto& [list, result] :
+         {std::pair{"DeviceNumbers=2\nName2=HD Audio\n", kGeneralFailure},
+          {"DeviceNumbers=1\nName0=HD Audio\n", kSucceeded},
+          {"Name0=HD Audio\n", kGeneralFailure},
+          {"DeviceNumbers=2147483647\nName0=Other\nName1=HD Audio\n", kSucceeded},
+          {"DeviceNumbers=2147483647\nName0=Other\n", kGeneralFailure}}) // doesn't last for hours
+    {
+        UseFile(kInPci, kIdentification, list);
+        EXPECT_EQ(result, chipset.GetFunctionDisable(L"HD Audio", &disabled)) << list;
+    }
 }
 
 TEST_F(HwSBXTest, FirstMatchingIdentificationNamesTheChipset)
 {
-    WriteInstalled("SBXCfg.ini", "[Device Identifications]\nSBXIdNumbers=2147483647\n");
-    EXPECT_EQ(kGeneralFailure, CHwSBX().Setup(1)) << "doesn't last for hours";
-    constexpr std::pair<const char*, LONG> kCases[] = {
-        {"", kSucceeded},
-        {"Value=0x1\n", kSucceeded},
-        {"RegisterType=Memory\n", kSucceeded},
-        {"RegisterType=\n", kSucceeded},
-        {"ValueSize=2\nValue=0x8086\n", kSucceeded},
-        {"Name=\n", kGeneralFailure},
-        {"ValueSize=3\n", kGeneralFailure},
-        {"Bus=\n", kGeneralFailure},
-        {"Device=30\n", kGeneralFailure},
-        {"Offset=254\n", kGeneralFailure},
-    };
-    for (const auto& [change, result] : kCases)
+    EXPECT_EQ(kAlreadySetUp, chipset.Setup(1));
+    for (const auto& [change, result] : {std::pair{"", kSucceeded},
+                                         {"Value=0x1\n", kSucceeded},
+                                         {"Value=0x1\nRegisterType=Memory\nBus=\n", kSucceeded},
+                                         {"RegisterType=\nBus=\n", kSucceeded},
+                                         {"Offset=0\nValueSize=4\nValue=0x27B98086\n", kSucceeded},
+                                         {"Offset=2\nValueSize=1\nValue=0xB9\n", kSucceeded},
+                                         {"Name=\n", kGeneralFailure},
+                                         {"ValueSize=3\n", kGeneralFailure},
+                                         {"Bus=\n", kGeneralFailure},
+                                         {"Device=\n", kGeneralFailure},
+                                         {"Function=\n", kGeneralFailure},
+                                         {"Device=29\n", kGeneralFailure},
+                                         {"Offset=255\n", kGeneralFailure}})
     {
         UseFile(kInPci, change + kIdentification);
-        CHwSBX chipset;
-        EXPECT_EQ(result, chipset.Setup(1)) << change;
-        EXPECT_EQ(result == kSucceeded ? kAlreadySetUp : result, chipset.Setup(1)) << change;
+        EXPECT_EQ(result, CHwSBX().Setup(1)) << change;
     }
     CHwSBX unidentified;
     EXPECT_EQ(kSucceeded, unidentified.Setup(0));
     EXPECT_EQ(kGeneralFailure, unidentified.FunctionDisable(L"HD Audio", 1));
-    WriteInstalled("SBXCfg.ini", "");
-    EXPECT_EQ(kGeneralFailure, unidentified.Setup(1));
+    for (const char* const none : {"", "[Device Identifications]\nSBXIdNumbers=2147483647\n"})
+    {
+        WriteInstalled("SBXCfg.ini", none);
+        EXPECT_EQ(kGeneralFailure, unidentified.Setup(1)) << none;
+    }
 }
 
 } // namespace

@@ -22,24 +22,19 @@ struct OpenOsWin : COsWin
     }
 };
 
-class OsWinTest : public AgentsTest
-{
-protected:
-    void SetUp() override
-    {
-        AgentsTest::SetUp();
-        OpenOsWin::Unload();
-    }
-};
+using OsWinTest = AgentsTest;
 
 TEST_F(OsWinTest, CompositionIsSwitchedWhereTheSystemHasIt)
 {
     int enabled = -1;
-    EXPECT_EQ(0, COsWin::IsVista());
+    OpenOsWin::Unload();
     EXPECT_EQ(kGeneralFailure, COsWin::SetAero(1));
     EXPECT_EQ(kGeneralFailure, COsWin::IsAeroOn(&enabled));
     EXPECT_EQ(2U, Calls("LoadLibraryW")) << "tried again each time";
-    EXPECT_THAT(NewLogLines(), testing::Contains("Failed to load dwmapi.dll 126").Times(2));
+    EXPECT_EQ(0, COsWin::IsVista());
+    EXPECT_EQ(0, COsWin::SetLinkPowerMgr(1));
+    EXPECT_THAT(NewLogLines(), testing::ElementsAre("Failed to load dwmapi.dll 126",
+                                                    "Failed to load dwmapi.dll 126", "Windows version 5.1"));
 
     // From 6.2 on the system says yes and leaves the composition on.
     for (const auto& [major, minor, wanted, reached] :
@@ -60,35 +55,46 @@ TEST_F(OsWinTest, CompositionIsSwitchedWhereTheSystemHasIt)
     EXPECT_THAT(NewLogLines(), testing::ElementsAre("Failed to get function in dwmapi.dll"));
 }
 
-TEST_F(OsWinTest, RegistryValuesAreReadAndWritten)
+TEST_F(OsWinTest, RegistryIsOnlyAskedWithWhatItNeeds)
 {
-    constexpr wchar_t kKey[] = L"Software\\Kelvo\\ORVL";
+    wchar_t key[] = L"Software\\Kelvo\\ORVL";
     ULONG type = REG_DWORD;
-    ULONG size = sizeof(ULONG);
     ULONG value = 0x12345678;
-    EXPECT_EQ(0, COsWin::WriteRegValue(HKEY_LOCAL_MACHINE, kKey, L"Probe", 9, &type, &value, &size));
+    ULONG size = sizeof value;
+    auto* const data = reinterpret_cast<unsigned char*>(&value);
+    const HKEY root = HKEY_LOCAL_MACHINE;
+    EXPECT_EQ(0, COsWin::WriteRegValue(root, key, key, 9, &type, &value, &size));
     type = value = 0;
-    auto* data = reinterpret_cast<unsigned char*>(&value);
-    EXPECT_EQ(0, COsWin::ReadRegValue(HKEY_LOCAL_MACHINE, kKey, L"Probe", &type, data, &size));
-    EXPECT_EQ(0x12345678U, value);
-    EXPECT_EQ(REG_DWORD, type);
-    EXPECT_EQ(0, COsWin::ReadRegValue(HKEY_LOCAL_MACHINE, kKey, L"Probe", &type, nullptr, nullptr));
+    EXPECT_EQ(0, COsWin::ReadRegValue(root, key, key, &type, data, &size));
+    EXPECT_EQ(std::pair(ULONG{REG_DWORD}, ULONG{0x12345678}), std::pair(type, value));
+    EXPECT_EQ(0, COsWin::ReadRegValue(root, key, key, &type, nullptr, nullptr));
 
     // A refusal gives the last error, which the registry functions leave as it was.
+    NewLogLines();
     SetLastError(77);
-    EXPECT_EQ(77, COsWin::ReadRegValue(HKEY_LOCAL_MACHINE, L"No Such", L"Probe", &type, data, &size));
-    EXPECT_EQ(77, COsWin::ReadRegValue(HKEY_LOCAL_MACHINE, kKey, L"No Such", &type, data, &size));
-    EXPECT_EQ(77, COsWin::WriteRegValue(HKEY_LOCAL_MACHINE, L"No Such", L"Probe", 0, &type, data, &size));
+    EXPECT_EQ(77, COsWin::ReadRegValue(root, L"No Such", key, &type, data, &size));
+    EXPECT_EQ(77, COsWin::ReadRegValue(root, key, L"No Such", &type, data, &size));
+    EXPECT_EQ(77, COsWin::WriteRegValue(root, L"No Such", key, 0, &type, data, &size));
+    Faults::Inject("RegSetValueExW", 1, ERROR_ACCESS_DENIED);
+    EXPECT_EQ(77, COsWin::WriteRegValue(root, key, L"Probe", 0, &type, data, &size));
     EXPECT_THAT(NewLogLines(),
                 testing::ElementsAre("failed to open No Such to read.", "failed to query value No Such",
-                                     "failed to open No Such to write."));
+                                     "failed to open No Such to write.", "failed to set value Probe ."));
 
     Trace::Clear();
-    EXPECT_EQ(kGeneralFailure, COsWin::ReadRegValue(nullptr, kKey, L"Probe", &type, data, &size));
-    EXPECT_EQ(kGeneralFailure,
-              COsWin::ReadRegValue(HKEY_LOCAL_MACHINE, kKey, L"Probe", nullptr, data, &size));
-    EXPECT_EQ(kGeneralFailure,
-              COsWin::WriteRegValue(HKEY_LOCAL_MACHINE, kKey, L"Probe", 0, &type, data, nullptr));
+    for (const LONG result : {COsWin::ReadRegValue(nullptr, key, key, &type, data, &size),
+                              COsWin::ReadRegValue(root, nullptr, key, &type, data, &size),
+                              COsWin::ReadRegValue(root, key, nullptr, &type, data, &size),
+                              COsWin::ReadRegValue(root, key, key, nullptr, data, &size),
+                              COsWin::WriteRegValue(nullptr, key, key, 0, &type, data, &size),
+                              COsWin::WriteRegValue(root, nullptr, key, 0, &type, data, &size),
+                              COsWin::WriteRegValue(root, key, nullptr, 0, &type, data, &size),
+                              COsWin::WriteRegValue(root, key, key, 0, nullptr, data, &size),
+                              COsWin::WriteRegValue(root, key, key, 0, &type, nullptr, &size),
+                              COsWin::WriteRegValue(root, key, key, 0, &type, data, nullptr)})
+    {
+        EXPECT_EQ(kGeneralFailure, result);
+    }
     EXPECT_EQ(0U, Trace::Count(CallClass::Registry));
 }
 
