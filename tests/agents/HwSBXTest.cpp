@@ -150,19 +150,22 @@ TEST_F(HwSBXTest, FunctionIsFoundByItsExactNameInTheChipsetsList)
 TEST_F(HwSBXTest, FirstMatchingIdentificationNamesTheChipset)
 {
     EXPECT_EQ(kAlreadySetUp, chipset.Setup(1));
-    for (const auto& [change, result] : {std::pair{"", kSucceeded},
-                                         {"Value=0x1\n", kSucceeded},
-                                         {"Value=0x1\nRegisterType=Memory\nBus=\n", kSucceeded},
-                                         {"RegisterType=\nBus=\n", kSucceeded},
-                                         {"Offset=0\nValueSize=4\nValue=0x27B98086\n", kSucceeded},
-                                         {"Offset=2\nValueSize=1\nValue=0xB9\n", kSucceeded},
-                                         {"Name=\n", kGeneralFailure},
-                                         {"ValueSize=3\n", kGeneralFailure},
-                                         {"Bus=\n", kGeneralFailure},
-                                         {"Device=\n", kGeneralFailure},
-                                         {"Function=\n", kGeneralFailure},
-                                         {"Device=29\n", kGeneralFailure},
-                                         {"Offset=255\n", kGeneralFailure}})
+    constexpr std::pair<const char*, LONG> kCases[] = {
+        {"", kSucceeded},
+        {"Value=0x1\n", kSucceeded},
+        {"Value=0x1\nRegisterType=Memory\nBus=\n", kSucceeded},
+        {"RegisterType=\nBus=\n", kSucceeded},
+        {"Offset=0\nValueSize=4\nValue=0x27B98086\n", kSucceeded},
+        {"Offset=2\nValueSize=1\nValue=0xB9\n", kSucceeded},
+        {"Name=\n", kGeneralFailure},
+        {"ValueSize=3\n", kGeneralFailure},
+        {"Bus=\n", kGeneralFailure},
+        {"Device=\n", kGeneralFailure},
+        {"Function=\n", kGeneralFailure},
+        {"Device=29\n", kGeneralFailure},
+        {"Offset=255\n", kGeneralFailure},
+    };
+    for (const auto& [change, result] : kCases)
     {
         UseFile(kInPci, change + kIdentification);
         EXPECT_EQ(result, CHwSBX().Setup(1)) << change;

@@ -10,6 +10,8 @@
 #include "notebook/Trace.h"
 #include "support/NotebookTest.h"
 
+#include <gmock/gmock.h>
+
 #include <array>
 
 using simulated::DebugOutput;
@@ -20,91 +22,131 @@ namespace
 {
 
 constexpr LONG kSize = 0x400;
+using Bytes = std::array<BYTE, 4>;
 
 // Shows the handles, which are the class's own business.
 struct Board : CInterProcessBoard
 {
+    using CInterProcessBoard::CloseObjects;
+
     bool IsClosed() const
     {
         return m_hEvent == nullptr && m_hSemaphore == nullptr && m_hMap == nullptr;
+    }
+    Bytes ReadFour(LONG offset)
+    {
+        Bytes bytes{};
+        EXPECT_EQ(kSucceeded, Read(offset, bytes.data(), sizeof bytes));
+        return bytes;
     }
 };
 
 class Boards : public NotebookTest
 {
 protected:
-    std::array<BYTE, 4> ReadFour(CInterProcessBoard& board, LONG offset)
+    void SetUp() override
     {
-        std::array<BYTE, 4> bytes{};
-        EXPECT_EQ(kSucceeded, board.Read(offset, bytes.data(), sizeof bytes));
-        return bytes;
+        NotebookTest::SetUp();
+        ASSERT_EQ(kSucceeded, board.Reset(L"B", kSize, 1, 0));
     }
+    void TearDown() override
+    {
+        EXPECT_EQ(kSucceeded, board.CloseObjects());
+        EXPECT_TRUE(board.IsClosed());
+        NotebookTest::TearDown();
+    }
+
+    // How the plug-in called a function for the first time since the trace was cleared.
+    static std::string FirstCall(const char* function)
+    {
+        return Trace::CallsOf(function).at(0).arguments;
+    }
+
+    Board board;
+    Bytes data = {1, 2, 3, 4};
 };
 
-using Bytes = std::array<BYTE, 4>;
+// Everybody may open what the service creates, and processes that it starts inherit it.
+TEST_F(Boards, ObjectsAreOpenToAllUnderTheirDocumentedNames)
+{
+    EXPECT_EQ("1, null", FirstCall("SetSecurityDescriptorDacl"));
+    EXPECT_EQ("\"descriptor, inherited\", 1, 0, \"Global\\IPB_EventB0\"", FirstCall("CreateEventW"));
+    EXPECT_EQ("\"descriptor, inherited\", 4, 0x400, \"Global\\IPB_MapB0\"", FirstCall("CreateFileMappingW"));
+    EXPECT_EQ("\"descriptor, inherited\", 1, 2147483647, \"Global\\IPB_SemaphoreB0\"",
+              FirstCall("CreateSemaphoreW"));
+    Board opener;
+    EXPECT_EQ(kSucceeded, opener.Reset(L"B", 0, 0, 0));
+    EXPECT_EQ("0x1F0003, 0, \"Global\\IPB_EventB0\"", FirstCall("OpenEventW"));
+    EXPECT_EQ("0xF001F, 0, \"Global\\IPB_MapB0\"", FirstCall("OpenFileMappingW"));
+    EXPECT_EQ("0x1F0003, 0, \"Global\\IPB_SemaphoreB0\"", FirstCall("OpenSemaphoreW"));
+    EXPECT_EQ(kSucceeded, opener.Read(4, data.data(), 4));
+    EXPECT_THAT(FirstCall("MapViewOfFile"), testing::EndsWith(", 0xF001F, 0, 8"));
+}
 
-TEST_F(Boards, OpeningNeedsACreator)
+TEST_F(Boards, OpeningNeedsACreatorOfThatInstanceAndResetClosesWhatWasOpen)
 {
     Board opener;
-    EXPECT_EQ(kGeneralFailure, opener.Reset(L"B", kSize, 0, 0));
+    EXPECT_EQ(kSucceeded, opener.Reset(L"B", kSize, 0, 0));
+    EXPECT_EQ(kGeneralFailure, opener.Reset(L"B", kSize, 0, 1));
     EXPECT_TRUE(opener.IsClosed());
     EXPECT_EQ("Cannot Reset for 0x2", DebugOutput::Texts().back());
-
-    Board creator;
-    ASSERT_EQ(kSucceeded, creator.Reset(L"B", kSize, 1, 0));
-    EXPECT_EQ(kSucceeded, opener.Reset(L"B", kSize, 0, 0));
-    EXPECT_EQ(kGeneralFailure, opener.Reset(L"B", kSize, 0, 1)); // another instance
-    EXPECT_TRUE(opener.IsClosed());
+    EXPECT_EQ(kGeneralFailure, opener.Reset(L"C", -1, 1, 0));
+    ASSERT_EQ(kSucceeded, board.Reset(L"Second", kSize, 1, 0));
+    EXPECT_EQ(3U, simulated::Leaks::Count());
+    EXPECT_EQ(kGeneralFailure, opener.Reset(L"B", kSize, 0, 0));
 }
 
-TEST_F(Boards, ObjectsHaveTheirDocumentedNames)
-{
-    Board board;
-    ASSERT_EQ(kSucceeded, board.Reset(L"ORVL_IPB_PARA", kSize, 1, 0));
-    EXPECT_NE(std::string::npos,
-              Trace::CallsOf("CreateEventW")[0].arguments.find("Global\\IPB_EventORVL_IPB_PARA0"));
-    EXPECT_NE(std::string::npos,
-              Trace::CallsOf("CreateFileMappingW")[0].arguments.find("Global\\IPB_MapORVL_IPB_PARA0"));
-    EXPECT_NE(std::string::npos,
-              Trace::CallsOf("CreateSemaphoreW")[0].arguments.find("Global\\IPB_SemaphoreORVL_IPB_PARA0"));
-}
-
-TEST_F(Boards, AnyFailingStepLeavesTheBoardClosed)
+TEST_F(Boards, AFailingStepIsToldAndLeavesTheBoardClosedOrItsLockFree)
 {
     constexpr std::pair<const char*, const char*> kSteps[] = {
         {"InitializeSecurityDescriptor", "Cannot InitializeSecurityDescriptor for 0x8"},
         {"SetSecurityDescriptorDacl", "Cannot SetSecurityDescriptorDacl for 0x8"},
-        {"CreateEventW", nullptr},
-        {"CreateFileMappingW", nullptr},
+        {"CreateEventW", "Cannot Reset for 0x"},
+        {"CreateFileMappingW", "Cannot Reset for 0x"},
         {"CreateSemaphoreW", "Cannot Reset for 0x8"},
     };
     for (const auto& [function, message] : kSteps)
     {
-        Board board;
+        Board other;
         Faults::Inject(function, 1, ERROR_NOT_ENOUGH_MEMORY);
-        EXPECT_EQ(kGeneralFailure, board.Reset(L"B", kSize, 1, 0)) << function;
-        EXPECT_TRUE(board.IsClosed()) << function;
-        if (message != nullptr)
-        {
-            EXPECT_EQ(message, DebugOutput::Texts().back());
-        }
+        EXPECT_EQ(kGeneralFailure, other.Reset(L"C", kSize, 1, 0)) << function;
+        EXPECT_TRUE(other.IsClosed()) << function;
+        EXPECT_THAT(DebugOutput::Texts().back(), testing::StartsWith(message));
     }
+    constexpr const char* kUnlock =
+        "Fatal,calling ReleaseSemaphore in CInterProcessBoard::UnLock failed.\r\n";
+    for (const auto& [function, nth, message] :
+         {std::tuple{"ReleaseSemaphore", 1U, ""},
+          {"WaitForSingleObject", 2U, "Fatal,CInterProcessBoard::Lock failed.\r\n"},
+          {"MapViewOfFile", 1U,
+           "Failed in calling MapViewOfFile in CInterProcessBoard::Paste() with last Error 8.\n"}})
+    {
+        DebugOutput::Clear();
+        Faults::Inject(function, nth, ERROR_NOT_ENOUGH_MEMORY);
+        EXPECT_EQ(kGeneralFailure, board.Paste(0, data.data(), 4));
+        EXPECT_EQ(std::vector<std::string>(*message == 0 ? 0 : 1, message), DebugOutput::Texts());
+        EXPECT_EQ(0, board.IsLocked()) << function;
+        Faults::Inject(function, nth, ERROR_NOT_ENOUGH_MEMORY);
+        EXPECT_EQ(kGeneralFailure, board.Read(0, data.data(), 4));
+        EXPECT_EQ(0, board.IsLocked()) << function;
+    }
+    EXPECT_EQ("Failed in calling MapViewOfFile in CInterProcessBoard::Read().\r\n",
+              DebugOutput::Texts().back());
+    Faults::Inject("ReleaseSemaphore", 2, ERROR_NOT_ENOUGH_MEMORY);
+    EXPECT_EQ(kSucceeded, board.Paste(0, data.data(), 4));
+    EXPECT_EQ(kUnlock, DebugOutput::Texts().back());
+    EXPECT_EQ(1, board.IsLocked());
 }
 
 TEST_F(Boards, PasteAndReadKeepToTheirRange)
 {
-    Board board;
-    ASSERT_EQ(kSucceeded, board.Reset(L"B", kSize, 1, 0));
-    Bytes data = {1, 2, 3, 4};
     ASSERT_EQ(kSucceeded, board.Paste(8, data.data(), 4));
-    EXPECT_EQ((Bytes{0, 0, 1, 2}), ReadFour(board, 6));
+    EXPECT_EQ((Bytes{0, 0, 1, 2}), board.ReadFour(6));
     ASSERT_EQ(kSucceeded, board.Clear(9, 2));
-    EXPECT_EQ((Bytes{1, 0, 0, 4}), ReadFour(board, 8));
+    EXPECT_EQ((Bytes{1, 0, 0, 4}), board.ReadFour(8));
 
-    constexpr std::pair<LONG, LONG> kOutside[] = {
-        {-1, 4}, {0, -1}, {0x7FFFFFFF, 1}, {1, 0x7FFFFFFF}, {4096, 4}, {4093, 4},
-    };
-    for (const auto& [offset, size] : kOutside)
+    for (const auto& [offset, size] : std::initializer_list<std::pair<LONG, LONG>>{
+             {-1, 4}, {0, -1}, {0x7FFFFFFF, 1}, {1, 0x7FFFFFFF}, {4096, 4}, {4093, 4}})
     {
         EXPECT_EQ(kGeneralFailure, board.Paste(offset, data.data(), size)) << offset << ' ' << size;
         EXPECT_EQ(kGeneralFailure, board.Read(offset, data.data(), size)) << offset << ' ' << size;
@@ -115,106 +157,73 @@ TEST_F(Boards, PasteAndReadKeepToTheirRange)
 
 TEST_F(Boards, AHeldLockIsSeenAndNotWaitedFor)
 {
-    Board holder;
     Board other;
-    ASSERT_EQ(kSucceeded, holder.Reset(L"B", kSize, 1, 0));
     ASSERT_EQ(kSucceeded, other.Reset(L"B", kSize, 0, 0));
     EXPECT_EQ(0, other.IsLocked());
-    ASSERT_EQ(kSucceeded, holder.Lock(0));
-
+    ASSERT_EQ(kSucceeded, board.Lock(0));
+    Trace::Clear();
     // Testing the lock takes back what it gave, so the second test sees the same.
     EXPECT_EQ(1, other.IsLocked());
     EXPECT_EQ(1, other.IsLocked());
-    Bytes data{};
     EXPECT_EQ(kGeneralFailure, other.Paste(0, data.data(), 4));
     EXPECT_EQ(kGeneralFailure, other.Read(0, data.data(), 4));
+    for (const simulated::TracedCall& wait : Trace::CallsOf("WaitForSingleObject"))
+    {
+        EXPECT_EQ("0", wait.answer) << "waited in vain";
+    }
+    EXPECT_EQ(4U, Trace::CallsOf("WaitForSingleObject").size()) << "only to take back";
     EXPECT_EQ(kGeneralFailure, other.Lock(0));
     EXPECT_EQ("Fatal,CInterProcessBoard::Lock failed.\r\n", DebugOutput::Texts().back());
-    EXPECT_EQ(kSucceeded, holder.UnLock());
+    EXPECT_EQ(kSucceeded, board.UnLock());
     EXPECT_EQ(kSucceeded, other.Paste(0, data.data(), 4));
-}
-
-// Each wait, release and mapping that fails must leave the lock free.
-TEST_F(Boards, AFailingPasteLeavesTheLockFree)
-{
-    Board board;
-    ASSERT_EQ(kSucceeded, board.Reset(L"B", kSize, 1, 0));
-    Bytes data{};
-    for (const char* const function : {"ReleaseSemaphore", "MapViewOfFile"})
-    {
-        Faults::Inject(function, 1, ERROR_NOT_ENOUGH_MEMORY);
-        EXPECT_EQ(kGeneralFailure, board.Paste(0, data.data(), 4));
-        EXPECT_EQ(0, board.IsLocked()) << function;
-        Faults::Inject(function, 1, ERROR_NOT_ENOUGH_MEMORY);
-        EXPECT_EQ(kGeneralFailure, board.Read(0, data.data(), 4));
-        EXPECT_EQ(0, board.IsLocked()) << function;
-    }
-    EXPECT_EQ("Failed in calling MapViewOfFile in CInterProcessBoard::Read().\r\n",
-              DebugOutput::Texts().back());
 }
 
 TEST_F(Boards, TheFlagIsADoorbellThatStaysOn)
 {
     Board ringer;
-    Board waiter;
-    ASSERT_EQ(kSucceeded, waiter.Reset(L"B", kSize, 1, 0));
     ASSERT_EQ(kSucceeded, ringer.Reset(L"B", kSize, 0, 0));
-    EXPECT_EQ(0, waiter.IsDataAvailble(0));
-    EXPECT_NE(0, ringer.Flag(0));
-    EXPECT_EQ(1, waiter.IsDataAvailble(0));
-    EXPECT_EQ(1, waiter.IsDataAvailble(0));
-    EXPECT_NE(0, waiter.Flag(1));
-    EXPECT_EQ(0, waiter.IsDataAvailble(0));
-}
-
-TEST_F(Boards, AClosedBoardDoesNothing)
-{
-    Board board;
-    Bytes data{};
-    EXPECT_EQ(kGeneralFailure, board.Paste(0, data.data(), 4));
-    EXPECT_EQ(kGeneralFailure, board.Read(0, data.data(), 4));
-    EXPECT_EQ(kGeneralFailure, board.Lock(0));
-    EXPECT_EQ(kGeneralFailure, board.UnLock());
-    EXPECT_EQ(0, board.Flag(0));
     EXPECT_EQ(0, board.IsDataAvailble(0));
+    EXPECT_NE(0, ringer.Flag(0));
+    EXPECT_EQ(1, board.IsDataAvailble(0));
+    EXPECT_EQ(1, board.IsDataAvailble(0));
+    EXPECT_NE(0, board.Flag(1));
+    EXPECT_EQ(0, board.IsDataAvailble(0));
+
+    Board closed;
+    EXPECT_EQ(0, closed.Flag(0));
+    EXPECT_EQ(0, closed.IsDataAvailble(0));
+    EXPECT_THAT((std::array{closed.Paste(0, data.data(), 4), closed.Read(0, data.data(), 4), closed.Lock(0),
+                            closed.UnLock()}),
+                testing::Each(kGeneralFailure));
 }
 
 TEST_F(Boards, NamesAreBuiltWhereTheyFit)
 {
-    Board board;
-    wchar_t name[30] = L"before";
-    EXPECT_EQ(1, board.ConstructName(L"IPB_Map", L"B", name, 30, 12));
-    EXPECT_EQ("Global\\IPB_MapB12", seeding::Utf8(name));
-    text::Copy(name, L"before");
-
-    // Ten characters are set aside, which an instance of many digits exceeds.
-    constexpr std::pair<int, ULONG> kTooSmall[] = {{18, 0}, {19, 1234567890}, {0, 0}, {-5, 0}};
-    for (const auto& [size, instance] : kTooSmall)
+    const auto built = [&](int size, ULONG instance)
     {
-        EXPECT_EQ(0, board.ConstructName(L"IPB_Map", L"B", name, size, instance)) << size;
-        EXPECT_EQ("before", seeding::Utf8(name));
+        wchar_t name[30] = L"-";
+        const int answer = board.ConstructName(L"IPB_Map", L"B", name, size, instance);
+        return std::to_string(answer) + ' ' + seeding::Utf8(name);
+    };
+    EXPECT_EQ("1 Global\\IPB_MapB12", built(30, 12));
+    EXPECT_EQ("1 Global\\IPB_MapB0", built(19, 0));
+    // Ten characters are set aside, which an instance of many digits exceeds.
+    for (const auto& [size, instance] : {std::pair{18, 0U}, {19, 1234567890U}, {0, 0U}, {-5, 0U}})
+    {
+        EXPECT_EQ("0 -", built(size, instance));
     }
-    EXPECT_EQ(1, board.ConstructName(L"IPB_Map", L"B", name, 19, 0));
-    EXPECT_EQ(0, board.ConstructName(nullptr, L"B", name, 30, 0));
-    EXPECT_EQ(0, board.ConstructName(L"IPB_Map", nullptr, name, 30, 0));
+    EXPECT_EQ("1 Global\\IPB_MapB1234567890", built(26, 1234567890));
+    EXPECT_EQ("0 -", built(25, 1234567890));
+    wchar_t room[500];
+    EXPECT_EQ(0, board.ConstructName(nullptr, L"B", room, 30, 0));
+    EXPECT_EQ(0, board.ConstructName(L"IPB_Map", nullptr, room, 30, 0));
     EXPECT_EQ(0, board.ConstructName(L"IPB_Map", L"B", nullptr, 30, 0));
 
     // The room is the caller's; a board's own names have 260 characters.
     const std::vector<wchar_t> longName = seeding::Wide(std::string(400, 'n'));
-    wchar_t room[500];
     EXPECT_EQ(1, board.ConstructName(L"IPB_Map", longName.data(), room, 500, 0));
     EXPECT_EQ("Global\\IPB_Map" + std::string(400, 'n') + "0", seeding::Utf8(room));
     EXPECT_EQ(kGeneralFailure, board.Reset(longName.data(), kSize, 1, 0));
-}
-
-TEST_F(Boards, ResetClosesWhatWasOpen)
-{
-    Board board;
-    ASSERT_EQ(kSucceeded, board.Reset(L"First", kSize, 1, 0));
-    ASSERT_EQ(kSucceeded, board.Reset(L"Second", kSize, 1, 0));
-    EXPECT_EQ(3U, simulated::Leaks::Count());
-    Board first;
-    EXPECT_EQ(kGeneralFailure, first.Reset(L"First", kSize, 0, 0));
 }
 
 } // namespace

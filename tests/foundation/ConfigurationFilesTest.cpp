@@ -3,9 +3,11 @@
 // Finding configuration files, and the numbers in them.
 
 #include "acceptance/Seeding.h"
+#include "foundation/GuidText.h"
 #include "foundation/OrvlProfile.h"
 #include "foundation/SystemFolders.h"
 #include "notebook/Machine.h"
+#include "notebook/RegistryEditor.h"
 #include "notebook/Trace.h"
 #include "support/NotebookTest.h"
 
@@ -31,6 +33,19 @@ protected:
         Trace::Clear();
     }
 
+    // What `Initialize` answers and the path afterwards.
+    static std::string Found(CORVLCfg& file, const std::string& name)
+    {
+        const int answer = file.Initialize(Wide(name).data());
+        return std::to_string(answer) + ' ' + Utf8(file.GetFullPath());
+    }
+    static std::string Found(CORVLProfile& file, const std::string& name, const char* where, int isUser)
+    {
+        const int answer =
+            file.Initialize(Wide(name).data(), where == nullptr ? nullptr : Wide(where).data(), isUser);
+        return std::to_string(answer) + ' ' + Utf8(file.GetFullPath());
+    }
+
     std::string FolderOf(const std::string& account)
     {
         simulated::Machine::RunAs(account);
@@ -38,45 +53,33 @@ protected:
         simulated::Machine::RunAs({});
         return folder;
     }
+
+    CORVLCfg cfg;
 };
 
 TEST_F(ConfigurationFiles, InstallationFileIsFoundThroughTheRegistry)
 {
-    CORVLCfg file;
-    EXPECT_EQ(1, file.Initialize(L"a.ini"));
-    EXPECT_EQ("C:\\Cfg\\a.ini", Utf8(file.GetFullPath()));
-    EXPECT_EQ(0, file.InitializeInstallPath(L"missing.ini"));
-    EXPECT_EQ("C:\\Cfg\\missing.ini", Utf8(file.GetFullPath()));
+    EXPECT_EQ("1 C:\\Cfg\\a.ini", Found(cfg, "a.ini"));
+    EXPECT_EQ(0, cfg.InitializeInstallPath(L"missing.ini"));
+    EXPECT_EQ("C:\\Cfg\\missing.ini", Utf8(cfg.GetFullPath()));
     EXPECT_FALSE(seeding::Exists("C:\\Cfg\\missing.ini"));
     EXPECT_EQ(4U + 4U, Trace::Calls().size()); // open, query, close, exists
-}
 
-TEST_F(ConfigurationFiles, WithoutTheRegistryThePathStaysAsItWas)
-{
-    CORVLCfg file;
-    ASSERT_EQ(1, file.Initialize(L"a.ini"));
     for (const char* const function : {"RegOpenKeyExW", "RegQueryValueExW"})
     {
         Faults::Inject(function, 1, ERROR_ACCESS_DENIED);
-        EXPECT_EQ(0, file.Initialize(L"b.ini")) << function;
-        EXPECT_EQ("C:\\Cfg\\a.ini", Utf8(file.GetFullPath()));
+        EXPECT_EQ("0 C:\\Cfg\\missing.ini", Found(cfg, "b.ini")) << function;
     }
+    // A folder without a terminator is read as it is.
+    simulated::registry::Value value =
+        simulated::RegistryEditor::Read("HKEY_LOCAL_MACHINE\\Software\\Kelvo\\ORVL", "CfgPath").value();
+    value.bytes.resize(7 * sizeof(wchar_t));
+    ASSERT_TRUE(
+        simulated::RegistryEditor::Write("HKEY_LOCAL_MACHINE\\Software\\Kelvo\\ORVL", "CfgPath", value));
+    EXPECT_EQ("1 C:\\Cfg\\a.ini", Found(cfg, "a.ini"));
     ASSERT_TRUE(seeding::RemoveValue(HKEY_LOCAL_MACHINE, kInstallationKey, "CfgPath"));
     CORVLCfg fresh;
-    EXPECT_EQ(0, fresh.Initialize(L"a.ini"));
-    EXPECT_EQ("", Utf8(fresh.GetFullPath()));
-}
-
-TEST_F(ConfigurationFiles, AFolderWithoutATerminatorIsReadAsItIs)
-{
-    HKEY key = nullptr;
-    ASSERT_EQ(ERROR_SUCCESS,
-              RegOpenKeyExW(HKEY_LOCAL_MACHINE, Wide(kInstallationKey).data(), 0, KEY_ALL_ACCESS, &key));
-    RegSetValueExW(key, L"CfgPath", 0, REG_SZ, reinterpret_cast<const BYTE*>(L"C:\\Cfg\\"),
-                   7 * sizeof(wchar_t));
-    RegCloseKey(key);
-    CORVLCfg file;
-    EXPECT_EQ(1, file.Initialize(L"a.ini"));
+    EXPECT_EQ("0 ", Found(fresh, "a.ini"));
 }
 
 // A cut name would be that of another file.
@@ -84,17 +87,14 @@ TEST_F(ConfigurationFiles, APathThatDoesntFitGivesNoFile)
 {
     constexpr std::size_t kLongest = text::kPathCapacity - 1;
     const std::string longest(kLongest - kFolder.size(), 'n');
-    CORVLCfg file;
     for (const std::string& name : {longest, 'm' + longest, 'm' + longest + longest})
     {
-        EXPECT_EQ(0, file.Initialize(Wide(name).data())) << "there is no such file";
-        EXPECT_EQ(kFolder + longest, Utf8(file.GetFullPath()));
+        EXPECT_EQ("0 " + kFolder + longest, Found(cfg, name)) << "there is no such file";
     }
     ASSERT_TRUE(
         seeding::SetText(HKEY_LOCAL_MACHINE, kInstallationKey, "CfgPath", std::string(kLongest, 'f')));
     CORVLCfg fresh;
-    EXPECT_EQ(0, fresh.Initialize(L"a.ini"));
-    EXPECT_EQ("", Utf8(fresh.GetFullPath()));
+    EXPECT_EQ("0 ", Found(fresh, "a.ini"));
 
     char letter = 'a';
     for (const std::size_t length : {kLongest, kLongest + 1, 2 * kLongest, 4 * kLongest})
@@ -103,68 +103,61 @@ TEST_F(ConfigurationFiles, APathThatDoesntFitGivesNoFile)
         const std::string name(length - folder.size() - 1, 'n');
         const bool fits = length == kLongest;
         CORVLProfile profile;
-        EXPECT_EQ(fits ? 1 : 0, profile.Initialize(Wide(name).data(), Wide(folder).data(), 0));
-        EXPECT_EQ(fits ? folder + '\\' + name : "", Utf8(profile.GetFullPath()));
+        EXPECT_EQ(fits ? "1 " + folder + '\\' + name : "0 ", Found(profile, name, folder.c_str(), 0));
         EXPECT_EQ(fits, seeding::Exists(folder)) << "nothing is created for a path that doesn't fit";
-        EXPECT_EQ(0, profile.Initialize(L"p.ini", Wide("C:\\" + std::string(length, letter)).data(), 0));
-        EXPECT_EQ("", Utf8(profile.GetFullPath()));
+        EXPECT_EQ("0 ", Found(profile, "p.ini", ("C:\\" + std::string(length, letter)).c_str(), 0));
     }
 }
 
 TEST_F(ConfigurationFiles, HexadecimalNumbersNeedTheirPrefix)
 {
-    struct Case
-    {
-        const char* text;
-        int number;
+    ASSERT_EQ(1, cfg.Initialize(L"a.ini"));
+    constexpr std::pair<const char*, int> kCases[] = {
+        {"0x1F", 31},
+        {"0xffffffff", -1},
+        {"1F", 7},
+        {"0x", 7},
+        {"0X1F", 7},
+        {"1x5", 7},
+        {"0xg", 7},
+        {"0x5g", 5},
+        {"", 7},
+        {"0x 5", 5},
+        {"0x1000000000000000ABCDE", 10},
     };
-    constexpr Case kCases[] = {
-        {"0x1F", 31}, {"0xffffffff", -1}, {"1F", 7}, {"0x", 7},   {"0X1F", 7},
-        {"0xg", 7},   {"0x5g", 5},        {"", 7},   {"0x 5", 5}, {"0x1000000000000000ABCDE", 10},
-    };
-    CORVLCfg file;
-    ASSERT_EQ(1, file.Initialize(L"a.ini"));
-    for (const Case& row : kCases)
+    for (const auto& [text, number] : kCases)
     {
-        ASSERT_NE(0, file.PutString(L"S", L"Number", Wide(row.text).data()));
-        EXPECT_EQ(row.number, file.GetHex(L"S", L"Number", 7)) << row.text;
+        ASSERT_NE(0, cfg.PutString(L"S", L"Number", Wide(text).data()));
+        EXPECT_EQ(number, cfg.GetHex(L"S", L"Number", 7)) << text;
     }
     for (const int number : {0, 1, 0x7FFFFFFF, -1})
     {
-        file.PutHex(L"S", L"Number", number);
-        EXPECT_EQ(number, file.GetHex(L"S", L"Number", 7));
-        file.PutInt(L"S", L"Number", number);
-        EXPECT_EQ(number, file.GetInt(L"S", L"Number", 7));
+        EXPECT_EQ(1, cfg.PutHex(L"S", L"Number", number));
+        EXPECT_EQ(number, cfg.GetHex(L"S", L"Number", 7));
+        EXPECT_EQ(1, cfg.PutInt(L"S", L"Number", number));
+        EXPECT_EQ(number, cfg.GetInt(L"S", L"Number", 7));
     }
     EXPECT_EQ("-1", seeding::GetKey("C:\\Cfg\\a.ini", "S", "Number"));
+    wchar_t room[8] = L"#";
+    EXPECT_EQ(0, cfg.GetString(L"S", L"Number", L"", room, -1));
+    EXPECT_EQ(L'#', room[0]);
 }
 
 TEST_F(ConfigurationFiles, ProfileFilesComeIntoBeing)
 {
-    struct Case
+    for (const auto& [where, isUser, folder] :
+         {std::tuple{static_cast<const char*>(nullptr), 0, FolderOf({})},
+          {nullptr, 1, FolderOf({})},
+          {"C:\\New\\Folder", 0, "C:\\New\\Folder"},
+          {"C:\\New\\Other\\", 0, "C:\\New\\Other"},
+          {"alice", 1, FolderOf("alice")},
+          {"ALICE", 1, FolderOf("alice")}})
     {
-        const char* where;
-        int isUser;
-        std::string folder;
-    };
-    const Case kCases[] = {
-        {nullptr, 0, FolderOf({})},
-        {nullptr, 1, FolderOf({})},
-        {"C:\\New\\Folder", 0, "C:\\New\\Folder"},
-        {"C:\\New\\Other\\", 0, "C:\\New\\Other"},
-        {"alice", 1, FolderOf("alice")},
-        {"ALICE", 1, FolderOf("alice")},
-    };
-    for (const Case& row : kCases)
-    {
-        const std::vector<wchar_t> where = Wide(row.where == nullptr ? "" : row.where);
-        const std::string path = row.folder + "\\p.ini";
+        const std::string path = folder + "\\p.ini";
         for (int round = 0; round < 2; ++round)
         {
             CORVLProfile file;
-            EXPECT_EQ(1,
-                      file.Initialize(L"p.ini", row.where == nullptr ? nullptr : where.data(), row.isUser));
-            EXPECT_EQ(path, Utf8(file.GetFullPath()));
+            EXPECT_EQ("1 " + path, Found(file, "p.ini", where, isUser));
             EXPECT_EQ("", seeding::ReadBytes(path));
         }
         seeding::Remove(path);
@@ -174,42 +167,49 @@ TEST_F(ConfigurationFiles, ProfileFilesComeIntoBeing)
 TEST_F(ConfigurationFiles, AProfileFileWithoutAFolderFails)
 {
     CORVLProfile file;
-    EXPECT_EQ(0, file.Initialize(L"p.ini", L"nobody", 1));
-    EXPECT_EQ(0, file.Initialize(L"p.ini", L"carol", 1)); // not logged on
-    EXPECT_EQ(0, file.Initialize(L"p.ini", L"", 0));
-    seeding::SwitchLogsOn();
+    ASSERT_EQ(1, file.Initialize(L"p.ini", nullptr, 0));
+    EXPECT_EQ("0 ", Found(file, "p.ini", "nobody", 1));
+    EXPECT_EQ("0 ", Found(file, "p.ini", "carol", 1)); // not logged on
+    EXPECT_EQ("0 ", Found(file, "p.ini", "", 0));
+    wchar_t folder[] = L"before";
     Faults::Inject("SHGetFolderPathW", 1, ERROR_PATH_NOT_FOUND);
-    EXPECT_EQ(0, file.Initialize(L"p.ini", nullptr, 0));
-    EXPECT_EQ("SHGetFolderPath failed for -2147024893", seeding::LogLines("orvl.log").back());
+    EXPECT_FALSE(folders::GetConfigurationFolder(folder));
+    EXPECT_EQ("", Utf8(folder));
     Faults::Inject("WritePrivateProfileStringW", 1, ERROR_ACCESS_DENIED);
     EXPECT_EQ(0, file.Initialize(L"new.ini", nullptr, 0));
 }
 
-TEST_F(ConfigurationFiles, TheRunningAccountsFolderIsBoundedByTheCallersRoom)
-{
-    CORVLProfile file;
-    wchar_t folder[text::kPathCapacity];
-    EXPECT_EQ(folder, file.GetHomePath(folder, static_cast<int>(std::size(folder))));
-    EXPECT_EQ(FolderOf({}), Utf8(folder));
-    folder[10] = L'#';
-    EXPECT_EQ(folder, file.GetHomePath(folder, 10));
-    EXPECT_EQ(FolderOf({}).substr(0, 9), Utf8(folder));
-    EXPECT_EQ(L'#', folder[10]);
-    EXPECT_EQ(nullptr, file.GetHomePath(folder, 0));
-}
-
-TEST_F(ConfigurationFiles, TheInstallationsModuleTellsItsFolderAndTheParent)
+TEST_F(ConfigurationFiles, FoldersAreBoundedByTheCallersRoom)
 {
     const auto told = [](const wchar_t* answer) { return answer == nullptr ? "none" : Utf8(answer); };
-    CORVLCfg file;
+    CORVLProfile file;
     wchar_t folder[text::kPathCapacity];
-    EXPECT_EQ("none", told(file.GetDllPath(folder, 260)));
-    EXPECT_EQ("none", told(file.GetHomePath(folder, 260)));
+    EXPECT_EQ(FolderOf({}), told(file.GetHomePath(folder, static_cast<int>(std::size(folder)))));
+    folder[10] = L'#';
+    EXPECT_EQ(FolderOf({}).substr(0, 9), told(file.GetHomePath(folder, 10)));
+    EXPECT_EQ(L'#', folder[10]);
+    EXPECT_EQ("none", told(file.GetHomePath(folder, 0)));
+    EXPECT_EQ("none", told(file.GetHomePath(nullptr, 10)));
+
+    // The installation's module tells its folder and the parent.
+    EXPECT_EQ("none", told(cfg.GetDllPath(folder, 260)));
+    EXPECT_EQ("none", told(cfg.GetHomePath(folder, 260)));
     simulated::Machine::Write("Modules", "ORVLDLL.DLL", "C:\\ORVL\\Bin\\ORVLDLL.DLL");
-    EXPECT_EQ("C:\\ORVL\\Bin", told(file.GetDllPath(folder, 24)));
-    EXPECT_EQ("C:\\ORVL", told(file.GetHomePath(folder, 24)));
-    EXPECT_EQ("none", told(file.GetDllPath(folder, 23))) << "the module's own name doesn't fit";
-    EXPECT_EQ("none", told(file.GetDllPath(folder, 0)));
+    EXPECT_EQ("C:\\ORVL\\Bin", told(cfg.GetDllPath(folder, 24)));
+    EXPECT_EQ("C:\\ORVL", told(cfg.GetHomePath(folder, 24)));
+    EXPECT_EQ("none", told(cfg.GetDllPath(folder, 23))) << "the module's own name doesn't fit";
+    EXPECT_EQ("none", told(cfg.GetDllPath(folder, 0)));
+    EXPECT_EQ("none", told(cfg.GetDllPath(nullptr, 24)));
+}
+
+TEST_F(ConfigurationFiles, GuidTextsAreReadByTheShell)
+{
+    GUID guid{};
+    EXPECT_NE(0, ParseGuid(L"{00000001-0002-0003-0405-060708090A0B}", &guid));
+    EXPECT_EQ(std::pair(1U, BYTE{11}), std::pair(guid.Data1, guid.Data4[7]));
+    EXPECT_EQ(0, ParseGuid(L"no", &guid));
+    EXPECT_EQ(0, ParseGuid(nullptr, &guid));
+    EXPECT_EQ(0, ParseGuid(L"{00000001-0002-0003-0405-060708090A0B}", nullptr));
 }
 
 } // namespace

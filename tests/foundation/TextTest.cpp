@@ -32,33 +32,30 @@ struct Target
 
 TEST(BoundedText, CopyAndAppendCutAndTerminate)
 {
-    struct Case
-    {
-        const char* begin;
-        const char* appended;
-        std::size_t capacity;
-        const char* outcome;
-        bool whole;
+    constexpr std::tuple<const char*, const char*, std::size_t, const char*, bool> kCases[] = {
+        {"ab", "cd", 5U, "abcd", true}, {"ab", "cd", 4U, "abc", false}, {"ab", "cd", 3U, "ab", false},
+        {"ab", "", 3U, "ab", true},     {"", "abcdef", 1U, "", false},  {"abcdef", "g", 4U, "abc", false},
     };
-    constexpr Case kCases[] = {
-        {"ab", "cd", 5, "abcd", true}, {"ab", "cd", 4, "abc", false}, {"ab", "cd", 3, "ab", false},
-        {"ab", "", 3, "ab", true},     {"", "abcdef", 1, "", false},  {"abcdef", "g", 4, "abc", false},
-    };
-    for (const Case& row : kCases)
+    for (const auto& [begin, appended, capacity, outcome, whole] : kCases)
     {
         Target target;
-        text::Copy(target.text, row.capacity, Wide(row.begin).data());
-        EXPECT_EQ(row.whole, text::Append(target.text, row.capacity, Wide(row.appended).data()))
-            << row.outcome;
-        EXPECT_EQ(row.outcome, Utf8(target.text));
-        EXPECT_TRUE(target.IsUntouchedFrom(row.capacity));
+        text::Copy(target.text, capacity, Wide(begin).data());
+        EXPECT_EQ(whole, text::Append(target.text, capacity, Wide(appended).data())) << outcome;
+        EXPECT_EQ(outcome, Utf8(target.text));
+        EXPECT_TRUE(target.IsUntouchedFrom(capacity));
     }
+    Target target;
+    EXPECT_FALSE(text::Copy(target.text, 0, L"a"));
+    EXPECT_FALSE(text::Append(target.text, 3, L"a")) << "a text without an end";
+    EXPECT_EQ(0U, text::Format(target.text, 0, L"a"));
+    EXPECT_TRUE(target.IsUntouchedFrom(0));
+    EXPECT_TRUE(text::Copy(target.text, 1, nullptr));
+    EXPECT_EQ("", Utf8(target.text));
 }
 
 TEST(BoundedText, SeparatorIsAppendedOnce)
 {
-    constexpr std::pair<const char*, const char*> kCases[] = {{"", ""}, {"C:", "C:\\"}, {"C:\\", "C:\\"}};
-    for (const auto& [folder, outcome] : kCases)
+    for (const auto& [folder, outcome] : {std::pair{"", ""}, {"C:", "C:\\"}, {"C:\\", "C:\\"}})
     {
         wchar_t target[8];
         text::Copy(target, Wide(folder).data());
@@ -86,94 +83,98 @@ TEST(BoundedText, FormatCutsAtTheCapacity)
 
 TEST(BoundedText, ComparisonsTellCaseApartAsTheyPromise)
 {
-    struct Case
-    {
-        const char* left;
-        const char* right;
-        bool equal;
-        bool ignoringAscii;
-        bool names;
-    };
-    constexpr Case kCases[] = {
+    // With the neighbours of the letters, and a pair that is equal to the system but of different length.
+    constexpr std::tuple<const char*, const char*, bool, bool, bool> kCases[] = {
         {"CpuSpeed", "CpuSpeed", true, true, true},
         {"CpuSpeed", "CPUSPEED", false, true, true},
+        {"aAzZ", "AaZz", false, true, true},
         {"J\u00F6rg", "j\u00D6RG", false, false, true},
         {"abc", "abcd", false, false, false},
-        {"Stra\u00DFe", "STRASSE", false, false, false}, // equal to the system, of different length
+        {"Stra\u00DFe", "STRASSE", false, false, false},
         {"", "", true, true, true},
-        {"@", "`", false, false, false}, // the neighbours of the letters
+        {"@", "`", false, false, false},
         {"[", "{", false, false, false},
     };
-    for (const Case& row : kCases)
+    for (const auto& [one, other, equal, ignoringAscii, names] : kCases)
     {
-        const std::vector<wchar_t> left = Wide(row.left);
-        const std::vector<wchar_t> right = Wide(row.right);
-        EXPECT_EQ(row.equal, text::Equal(left.data(), right.data())) << row.left;
-        EXPECT_EQ(row.ignoringAscii, text::EqualIgnoringCase(left.data(), right.data())) << row.left;
-        EXPECT_EQ(row.names, text::EqualNames(left.data(), right.data())) << row.left;
+        const std::vector<wchar_t> left = Wide(one);
+        const std::vector<wchar_t> right = Wide(other);
+        EXPECT_EQ(equal, text::Equal(left.data(), right.data())) << one;
+        EXPECT_EQ(ignoringAscii, text::EqualIgnoringCase(left.data(), right.data())) << one;
+        EXPECT_EQ(names, text::EqualNames(left.data(), right.data())) << one;
     }
     EXPECT_TRUE(text::Contains(L"S-1-5_Classes", L"Classes"));
     EXPECT_FALSE(text::Contains(L"S-1-5_classes", L"Classes"));
     EXPECT_TRUE(text::Contains(L"abc", L""));
+    EXPECT_TRUE(text::ContainsAny(L"abc", L"xc"));
+    EXPECT_FALSE(text::ContainsAny(L"abc", L"xy"));
 }
 
 TEST(NumbersInText, AreReadAsTheRuntimeReadsThem)
 {
-    struct Case
-    {
-        const char* text;
-        int decimal;
-        bool isHex;
-        ULONG hex;
+    // With the neighbours of blanks and digits.
+    constexpr std::tuple<const char*, int, bool, ULONG> kCases[] = {
+        {"42", 42, true, 0x42U},     {" \t\r-7x", -7, true, 0u - 7u},
+        {"+3", 3, true, 3U},         {"\b3", 0, false, 0U},
+        {"\x0E 3", 0, false, 0U},    {"", 0, false, 0U},
+        {"-", 0, false, 0U},         {"g1", 0, false, 0U},
+        {"/1", 0, false, 0U},        {":1", 0, false, 0U},
+        {"90:", 90, true, 0x90U},    {"0X1F", 0, true, 0x1FU},
+        {"1x2", 1, true, 1U},        {"0x", 0, false, 0U},
+        {"afAFz", 0, true, 0xAFAFU}, {"2147483648", -2147483647 - 1, true, 0x47483648U},
     };
-    constexpr Case kCases[] = {
-        {"42", 42, true, 0x42},  {" \t-7x", -7, true, 0u - 7u},
-        {"+3", 3, true, 3},      {"", 0, false, 0},
-        {"-", 0, false, 0},      {"g1", 0, false, 0},
-        {"0x1F", 0, true, 0x1F}, {"0x", 0, false, 0},
-        {"fFz", 0, true, 0xFF},  {"2147483648", -2147483647 - 1, true, 0x47483648},
-    };
-    for (const Case& row : kCases)
+    for (const auto& [digits, decimal, isHex, number] : kCases)
     {
         ULONG hex = 0;
-        EXPECT_EQ(row.decimal, text::ToInt(Wide(row.text).data())) << row.text;
-        EXPECT_EQ(row.isHex, text::ScanHex(Wide(row.text).data(), hex)) << row.text;
-        EXPECT_EQ(row.hex, hex) << row.text;
+        EXPECT_EQ(decimal, text::ToInt(Wide(digits).data())) << digits;
+        EXPECT_EQ(isHex, text::ScanHex(Wide(digits).data(), hex)) << digits;
+        EXPECT_EQ(number, hex) << digits;
     }
 }
 
-class CodePages : public NotebookTest
-{
-};
+using CodePages = NotebookTest;
 
 TEST_F(CodePages, WideTextBecomesNarrowAndIsCutAtWholeCharacters)
 {
-    struct Case
-    {
-        unsigned codePage;
-        const char* wide;
-        std::size_t capacity;
-        std::string narrow;
+    // Never half a character or half a surrogate pair; "?" for what the code page lacks.
+    constexpr std::tuple<unsigned, const char*, std::size_t, const char*> kCases[] = {
+        {1252U, "J\u00F6rg", 32U, "J\xF6rg"},
+        {1252U, "\u4F60x", 32U, "?x"},
+        {1252U, "abcdef", 4U, "abc"},
+        {65001U, "\u00F6\u00F6", 5U, "\xC3\xB6\xC3\xB6"},
+        {65001U, "\u00F6\u00F6", 4U, "\xC3\xB6"},
+        {65001U, "\u00F6", 2U, ""},
+        {65001U, "a\U0001F600", 5U, "a"},
+        {65001U, "a\U0001F600", 6U, "a\xF0\x9F\x98\x80"},
+        {1252U, "", 4U, ""},
+        {1252U, "a", 1U, ""},
     };
-    const Case kCases[] = {
-        {1252, "J\u00F6rg", 32, "J\xF6rg"},
-        {1252, "\u4F60x", 32, "?x"}, // what the code page lacks
-        {1252, "abcdef", 4, "abc"},
-        {65001, "\u00F6\u00F6", 5, "\xC3\xB6\xC3\xB6"},
-        {65001, "\u00F6\u00F6", 4, "\xC3\xB6"}, // no half characters
-        {65001, "a\U0001F600", 5, "a"},         // nor half surrogate pairs
-        {65001, "a\U0001F600", 6, "a\xF0\x9F\x98\x80"},
-        {1252, "", 4, ""},
-        {1252, "a", 1, ""},
-    };
-    for (const Case& row : kCases)
+    for (const auto& [codePage, wide, capacity, narrow] : kCases)
     {
-        simulated::Notebook::SetCodePage(row.codePage);
-        std::string target(row.capacity + 1, '#');
-        EXPECT_EQ(row.narrow.size(), text::ToNarrow(Wide(row.wide).data(), target.data(), row.capacity));
-        EXPECT_EQ(row.narrow, target.c_str()) << row.wide;
-        EXPECT_EQ('#', target[row.capacity]);
+        simulated::Notebook::SetCodePage(codePage);
+        std::string target(capacity + 1, '#');
+        EXPECT_EQ(std::string(narrow).size(), text::ToNarrow(Wide(wide).data(), target.data(), capacity));
+        EXPECT_STREQ(narrow, target.c_str()) << wide;
+        EXPECT_EQ('#', target[capacity]);
     }
+    char untouched = '#';
+    EXPECT_EQ(0U, text::ToNarrow(L"a", &untouched, 0));
+    EXPECT_EQ('#', untouched);
+}
+
+TEST_F(CodePages, NarrowTextBecomesWideUpToItsEndOrTheRoom)
+{
+    for (const auto& [length, capacity, wide] :
+         {std::tuple{9U, 12U, "abcd"}, {3U, 12U, "abc"}, {9U, 3U, "ab"}, {0U, 12U, ""}, {9U, 1U, ""}})
+    {
+        Target target;
+        EXPECT_EQ(std::string(wide).size(), text::ToWide("abcd\0ef", length, target.text, capacity));
+        EXPECT_EQ(wide, Utf8(target.text));
+        EXPECT_TRUE(target.IsUntouchedFrom(capacity));
+    }
+    Target target;
+    EXPECT_EQ(0U, text::ToWide("abcd", 4, target.text, 0));
+    EXPECT_TRUE(target.IsUntouchedFrom(0));
 }
 
 } // namespace

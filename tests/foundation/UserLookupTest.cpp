@@ -1,24 +1,25 @@
 // tests/foundation/UserLookupTest.cpp
 //
-// Both ways from an account to his hive and folder.
+// Both ways from an account to its hive and folder.
 
 #include "foundation/UserLookup.h"
 #include "acceptance/Seeding.h"
+#include "advapi32/Hives.h"
 #include "foundation/OrvlCfg.h"
+#include "notebook/Accounts.h"
 #include "notebook/Trace.h"
 #include "support/NotebookTest.h"
 
 using seeding::Utf8;
 using seeding::Wide;
 using simulated::Faults;
-using simulated::Notebook;
 
 namespace
 {
 
-constexpr const char* kShellFolders =
-    "\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
-constexpr const char* kExplorer = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer";
+const std::string kExplorer = "\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer";
+const std::string kShellFolders = kExplorer + "\\Shell Folders";
+const std::string kPolicies = "\\Control Panel\\PowerCfg\\PowerPolicies";
 
 class UserLookup : public NotebookTest
 {
@@ -29,35 +30,33 @@ protected:
         seeding::SwitchLogsOn();
     }
 
-    int FindByAccount(const char* user)
+    // Whether the user is found, and the lines in the log.
+    std::pair<int, std::vector<std::string>> FindByAccount(const char* user)
     {
-        m_subKey[0] = L'\0';
+        seeding::Remove("C:\\temp1234567890\\trxpm.log");
         text::Copy(m_path, L"untouched");
-        return GetCurrentUserSubkeyProfilePath(Wide(user).data(), m_subKey, m_path);
+        const int found = GetCurrentUserSubkeyProfilePath(Wide(user).data(), m_subKey, m_path);
+        return {found, seeding::LogLines("trxpm.log")};
     }
 
-    int FindByLogon(const char* user, ULONG room = sizeof(wchar_t) * text::kPathCapacity)
+    // The subkey, empty when the user isn't found.
+    std::string FindByLogon(const char* user, ULONG room = sizeof(wchar_t) * text::kPathCapacity)
     {
-        m_subKey[0] = L'\0';
-        m_path[0] = L'\0';
         m_pathSize = room;
         CORVLCfg anyObject;
         return anyObject.GetCurrentUserSubkeyProfilePath(Wide(user).data(), m_subKey, nullptr, m_path,
-                                                         &m_pathSize);
+                                                         &m_pathSize) == 0
+                   ? ""
+                   : Utf8(m_subKey);
     }
 
-    std::string SubKey() const
+    static std::string Sid(const char* user)
     {
-        return Utf8(m_subKey);
+        return simulated::Accounts::Find(user)->sid;
     }
-    std::string Path() const
+    static void SetFolder(const std::string& hive, const std::string& folder)
     {
-        return Utf8(m_path);
-    }
-    std::string Sid(const char* user)
-    {
-        FindByAccount(user);
-        return SubKey();
+        ASSERT_TRUE(seeding::SetText(HKEY_USERS, hive + kShellFolders, "Local AppData", folder));
     }
 
     wchar_t m_subKey[text::kPathCapacity];
@@ -67,92 +66,90 @@ protected:
 
 TEST_F(UserLookup, ALoggedOnUserIsFoundEitherWay)
 {
-    ASSERT_EQ(1, FindByAccount("alice"));
-    const std::string sid = SubKey();
-    EXPECT_EQ(0U, sid.find("S-1-5-21-"));
-    const std::string folder =
-        seeding::GetText(HKEY_USERS, sid + kShellFolders, "Local AppData").value_or("");
-    EXPECT_EQ(folder + "\\Kelvo\\ORVL\\Cfg", Path());
-    const std::vector<std::string> kLines = {
-        "enter GetCurrentUserSubkeyProfilePath, alice=userID",
-        "Get subkey is " + sid,
-        "Get shell folder subkey is " + sid + kShellFolders,
-        "get profile path " + folder + "\\Kelvo\\ORVL\\Cfg",
-    };
-    EXPECT_EQ(kLines, seeding::LogLines("trxpm.log"));
+    const std::string sid = Sid("alice");
+    const std::string folder = seeding::GetText(HKEY_USERS, sid + kShellFolders, "Local AppData").value();
+    const auto [found, lines] = FindByAccount("alice");
+    EXPECT_EQ(1, found);
+    EXPECT_EQ(sid, Utf8(m_subKey));
+    EXPECT_EQ(folder + "\\Kelvo\\ORVL\\Cfg", Utf8(m_path));
+    EXPECT_EQ(
+        (std::vector<std::string>{"enter GetCurrentUserSubkeyProfilePath, alice=userID",
+                                  "Get subkey is " + sid, "Get shell folder subkey is " + sid + kShellFolders,
+                                  "get profile path " + folder + "\\Kelvo\\ORVL\\Cfg"}),
+        lines);
 
-    ASSERT_EQ(1, FindByLogon("Alice"));
-    EXPECT_EQ(sid + "\\Control Panel\\PowerCfg\\PowerPolicies", SubKey());
-    EXPECT_EQ(folder, Path());
+    EXPECT_EQ(sid + kPolicies, FindByLogon("Alice"));
+    EXPECT_EQ(folder, Utf8(m_path));
     EXPECT_EQ((folder.size() + 1) * sizeof(wchar_t), m_pathSize);
+    EXPECT_EQ(std::vector<std::string>{"enter GetCurrentUserSubkeyProfilePath"},
+              seeding::LogLines("orvl.log"));
+    Faults::Inject("RegOpenKeyW", 1, ERROR_ACCESS_DENIED);
+    EXPECT_EQ("", FindByLogon("alice"));
+    EXPECT_EQ("GetCurrentUserSubkeyProfilePath: Open key HKEY_USERS failed",
+              seeding::LogLines("orvl.log").back());
 }
 
 TEST_F(UserLookup, FailuresAreToldInTheLog)
 {
-    struct Case
+    const std::string absent = "GetCurrentUserSubkeyProfilePath: open shell folder key " + Sid("carol") +
+                               kShellFolders + " failed 2";
+    for (const auto& [user, fault, line] :
+         {std::tuple{"nobody", "", std::string("Get SID failed 1332 in LookupAcountName ")},
+          {"alice", "ConvertSidToStringSidW", "Convert SID to str failed 5"},
+          {"carol", "", absent},
+          {"alice", "RegQueryValueExW",
+           "GetCurrentUserSubkeyProfilePath: query local settings folder failed at 5."}})
     {
-        const char* user;
-        const char* fault; ///< the function that fails, or null
-        const char* lastLine;
-    };
-    const std::string sid = Sid("alice");
-    const std::string absentSid = Sid("carol");
-    const std::string absent =
-        "GetCurrentUserSubkeyProfilePath: open shell folder key " + absentSid + kShellFolders + " failed 2";
-    const Case kCases[] = {
-        {"nobody", nullptr, "Get SID failed 1332 in LookupAcountName "},
-        {"alice", "ConvertSidToStringSidW", "Convert SID to str failed 5"},
-        {"carol", nullptr, absent.c_str()},
-        {"alice", "RegQueryValueExW",
-         "GetCurrentUserSubkeyProfilePath: query local settings folder failed at 5."},
-    };
-    for (const Case& row : kCases)
-    {
-        if (row.fault != nullptr)
+        if (*fault != 0)
         {
-            Faults::Inject(row.fault, 1, ERROR_ACCESS_DENIED);
+            Faults::Inject(fault, 1, ERROR_ACCESS_DENIED);
         }
-        EXPECT_EQ(0, FindByAccount(row.user));
-        EXPECT_EQ(row.lastLine, seeding::LogLines("trxpm.log").back());
-        EXPECT_EQ("untouched", Path());
+        const auto [found, lines] = FindByAccount(user);
+        EXPECT_EQ(0, found);
+        EXPECT_EQ(line, lines.back());
+        EXPECT_EQ("untouched", Utf8(m_path));
     }
 }
 
 TEST_F(UserLookup, AnEmptyFolderLeavesThePathAlone)
 {
-    seeding::SetText(HKEY_USERS, Sid("alice") + kShellFolders, "Local AppData", "");
-    EXPECT_EQ(1, FindByAccount("alice"));
-    EXPECT_EQ("untouched", Path());
-    seeding::SetText(HKEY_USERS, Sid("alice") + kShellFolders, "Local AppData", "C:\\L\\");
-    EXPECT_EQ(1, FindByAccount("alice"));
-    EXPECT_EQ("C:\\L\\Kelvo\\ORVL\\Cfg", Path());
+    for (const auto& [folder, path] : {std::pair{"", "untouched"}, {"C:\\L\\", "C:\\L\\Kelvo\\ORVL\\Cfg"}})
+    {
+        SetFolder(Sid("alice"), folder);
+        EXPECT_EQ(1, FindByAccount("alice").first);
+        EXPECT_EQ(path, Utf8(m_path));
+    }
 }
 
-// Keys that stand before the user's in the order of names and bear his logon name all the same.
+// Keys that stand before the user's in the order of names and lead to a hive with the user's logon name.
 TEST_F(UserLookup, TheWalkPassesOverWhatBelongsToNobody)
 {
-    const std::string policies = "\\Control Panel\\PowerCfg\\PowerPolicies";
-    const std::string sid = Sid("alice");
-    seeding::SetText(HKEY_USERS, std::string("S-1-5-1_Classes") + kExplorer, "Logon User Name", "alice");
-    seeding::SetText(HKEY_USERS, std::string("S-1-5-1_Classes") + kShellFolders, "Local AppData",
-                     "C:\\Wrong");
-    ASSERT_EQ(1, FindByLogon("alice"));
-    EXPECT_EQ(sid + policies, SubKey());
-    EXPECT_EQ(0, FindByLogon("nobody"));
-
+    const std::string hive = simulated::hives::Loaded(Sid("alice"));
+    for (const auto& [name, isUser] :
+         {std::pair{"S-1-4_Classes", false}, {"Classes-1", false}, {"S-1-4", true}})
+    {
+        ASSERT_TRUE(simulated::hives::Load(name, hive));
+        EXPECT_EQ((isUser ? name : Sid("alice")) + kPolicies, FindByLogon("alice"));
+    }
+    EXPECT_EQ("", FindByLogon("nobody"));
     // ".DEFAULT" is another name of the service account's hive.
-    seeding::SetText(HKEY_USERS, std::string(".DEFAULT") + kExplorer, "Logon User Name", "alice");
-    ASSERT_EQ(1, FindByLogon("alice"));
-    EXPECT_EQ("S-1-5-18" + policies, SubKey());
+    ASSERT_TRUE(seeding::SetText(HKEY_USERS, ".DEFAULT" + kExplorer, "Logon User Name", "system"));
+    EXPECT_EQ("S-1-5-18" + kPolicies, FindByLogon("system"));
 }
 
 TEST_F(UserLookup, TheWalkGoesOnAfterAFolderThatDoesntFit)
 {
-    seeding::SetText(HKEY_USERS, std::string("S-1-4") + kExplorer, "Logon User Name", "alice");
-    seeding::SetText(HKEY_USERS, std::string("S-1-4") + kShellFolders, "Local AppData",
-                     std::string(300, 'x'));
-    EXPECT_EQ(1, FindByLogon("alice"));
-    EXPECT_EQ(0, FindByLogon("alice", 10));
+    const std::string first = std::min(Sid("alice"), Sid("bob"));
+    const std::string second = std::max(Sid("alice"), Sid("bob"));
+    for (const std::string& sid : {first, second})
+    {
+        ASSERT_TRUE(seeding::SetText(HKEY_USERS, sid + kExplorer, "Logon User Name", "both"));
+    }
+    SetFolder(first, "C:\\" + std::string(257, 'x'));
+    EXPECT_EQ(second + kPolicies, FindByLogon("both"));
+    EXPECT_EQ("", FindByLogon("both", 10));
+    SetFolder(first, "C:\\" + std::string(256, 'x'));
+    EXPECT_EQ(first + kPolicies, FindByLogon("both"));
 }
 
 } // namespace

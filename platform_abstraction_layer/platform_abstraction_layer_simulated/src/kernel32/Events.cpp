@@ -8,6 +8,7 @@
 // reset right after the setting may take it back from all of them.
 
 #include "kernel32/KernelState.h"
+#include "kernel32/ObjectNames.h"
 #include "kernel32/Waits.h"
 
 #include <windows.h>
@@ -97,10 +98,11 @@ DWORD ChangeState(HANDLE handle, Change change)
 
 using namespace simulated;
 
-SIM_API HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES, BOOL manualReset, BOOL initialState, LPCWSTR name)
+SIM_API HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES attributes, BOOL manualReset, BOOL initialState,
+                                   LPCWSTR name)
 {
     PlatformCall call(CallClass::Object, "CreateEventW", SIM_CALLER);
-    call.Arguments(manualReset, initialState, name);
+    call.Arguments(Shown(attributes).c_str(), manualReset, initialState, name);
     const NewState wanted{ObjectKind::Event, manualReset != FALSE, initialState != FALSE ? kSignalled : 0};
     SetLastError(ERROR_SUCCESS); // what tells a new object from one that was there
     return call.Result<HANDLE>(

@@ -7,6 +7,7 @@
 // pages, not at multiples of 64 KB.
 
 #include "kernel32/KernelState.h"
+#include "kernel32/ObjectNames.h"
 #include "notebook/Trace.h"
 
 #include <windows.h>
@@ -147,12 +148,12 @@ constexpr std::uint64_t Join(DWORD high, DWORD low) noexcept
 
 using namespace simulated;
 
-SIM_API HANDLE WINAPI CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES, DWORD protection,
+SIM_API HANDLE WINAPI CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES attributes, DWORD protection,
                                          DWORD maximumSizeHigh, DWORD maximumSizeLow, LPCWSTR name)
 {
     PlatformCall call(CallClass::Object, "CreateFileMappingW", SIM_CALLER);
     const std::uint64_t size = Join(maximumSizeHigh, maximumSizeLow);
-    call.Arguments(protection, size, name);
+    call.Arguments(Shown(attributes).c_str(), protection, size, name);
     SetLastError(ERROR_SUCCESS); // what tells a new object from one that was there
     return call.Result<HANDLE>(nullptr, [&] { return Create(file, protection, size, name, call); });
 }

@@ -1,9 +1,11 @@
 // kernel32/ObjectNames.h
 //
-// From the name of a kernel object to the name of its file below "objects".
+// From the name of a kernel object to the name of its file below "objects"; how its security is traced.
 #pragma once
 
 #include "notebook/PlatformCall.h"
+
+#include <windows.h>
 
 #include <string>
 
@@ -14,5 +16,8 @@ namespace simulated
 /// tell case apart. ERROR_FILENAME_EXCED_RANGE for one that is too long for a file, ERROR_PATH_NOT_FOUND for
 /// a folder that isn't "Global" or "Local", ERROR_INVALID_PARAMETER for a null pointer.
 Outcome<std::string> ObjectFileName(const wchar_t* name);
+
+/// How the trace shows whom a new object is open to and who inherits it.
+std::string Shown(const SECURITY_ATTRIBUTES* attributes);
 
 } // namespace simulated

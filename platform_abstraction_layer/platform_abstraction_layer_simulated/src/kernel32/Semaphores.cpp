@@ -3,6 +3,7 @@
 // Semaphores: a count that waits take from and releases add to.
 
 #include "kernel32/KernelState.h"
+#include "kernel32/ObjectNames.h"
 #include "kernel32/Waits.h"
 
 #include <windows.h>
@@ -99,11 +100,11 @@ DWORD Release(HANDLE handle, LONG count, LONG* previous)
 
 using namespace simulated;
 
-SIM_API HANDLE WINAPI CreateSemaphoreW(LPSECURITY_ATTRIBUTES, LONG initialCount, LONG maximumCount,
+SIM_API HANDLE WINAPI CreateSemaphoreW(LPSECURITY_ATTRIBUTES attributes, LONG initialCount, LONG maximumCount,
                                        LPCWSTR name)
 {
     PlatformCall call(CallClass::Object, "CreateSemaphoreW", SIM_CALLER);
-    call.Arguments(initialCount, maximumCount, name);
+    call.Arguments(Shown(attributes).c_str(), initialCount, maximumCount, name);
     SetLastError(ERROR_SUCCESS); // what tells a new object from one that was there
     return call.Result<HANDLE>(nullptr, [&] { return Create(initialCount, maximumCount, name, call); });
 }
