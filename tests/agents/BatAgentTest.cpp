@@ -8,6 +8,7 @@
 #include "agents/BatAgent.h"
 #include "foundation/Results.h"
 #include "notebook/Batteries.h"
+#include "notebook/Clock.h"
 #include "notebook/PowerSource.h"
 
 using namespace simulated;
@@ -57,8 +58,14 @@ TEST_F(BatAgentTest, QueriesGoByTheTagAndTheRoom)
     EXPECT_EQ(kGeneralFailure, agent.GetUniqueID(0, text, 0));
     EXPECT_EQ(kSucceeded, agent.GetUniqueID(0, text, 8));
 
-    // Another battery has another tag, which only the next set-up learns.
+    // Another battery has another tag, which only the next set-up learns; an empty slot is waited for.
     Batteries::Eject(0);
+    BATTERY_STATUS status = {};
+    const std::uint64_t before = Clock::Now();
+    EXPECT_EQ(kGeneralFailure, agent.GetStatus(0, status));
+    EXPECT_LT(Clock::Now() - before, 1000U);
+    EXPECT_EQ(kSucceeded, CBatAgent().Setup());
+    EXPECT_EQ(5U, (Clock::Now() - before + 500) / 1000);
     Batteries::Insert(0);
     EXPECT_EQ(kGeneralFailure, agent.GetInfo(0, info));
     EXPECT_EQ(kSucceeded, agent.Setup());

@@ -110,6 +110,13 @@ TEST_F(HwXATest, DeviceNamesComeFromTheTableWhileTheHardwareConfirmsThem)
     EXPECT_EQ("\\Device\\NTPNP_PCI0004", DeviceName(0, 30, 1));
     EXPECT_EQ(2U, NewDriverInputs().size()) << "bus and address of the entry";
 
+    // Another function behind the device object, which the table doesn't know yet.
+    PciBus::Move(4, {0, 30, 0});
+    EXPECT_EQ("none", DeviceName(0, 30, 1));
+    PciBus::Move(4, {0, 30, 1});
+    PciBus::Move(3, {0, 30, 0});
+    EXPECT_EQ("\\Device\\NTPNP_PCI0004", DeviceName(0, 30, 1));
+
     // The function moves behind another device object: the stale entry is found, the table is made anew.
     PciBus::Move(7, {0, 30, 1});
     std::size_t present = 0;

@@ -5,13 +5,17 @@
 #include "support/NotebookTest.h"
 #include "support/WideText.h"
 
+#include "agents/HwSBX.h"
 #include "foundation/GuidText.h"
+#include "notebook/Chipset.h"
 #include "scheme/VariableTable.h"
 
 #include <powrprof.h>
 
 #include <algorithm>
+#include <bit>
 #include <set>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -168,37 +172,44 @@ TEST_F(InstallationTest, TheBatteryItemsLieInTheirRecords)
     }
 }
 
-TEST_F(InstallationTest, EachChipsetFunctionIsDescribedWhole)
+TEST_F(InstallationTest, EachChipsetFunctionIsSwitchedByABitOfItsOwn)
 {
+    constexpr simulated::PciAddress kHub = {0, 31, 0};
+    constexpr DWORD kRegister = 0xFED1F418;
+    simulated::PhysicalMemory::AddRange(kRegister & ~0x3FFFU, 0x4000);
     const int chipsets = Number(kChipsets, "Device Identifications", "SBXIdNumbers");
     ASSERT_GT(chipsets, 0);
     std::set<std::string> identities;
     for (int i = 0; i < chipsets; ++i)
     {
         const std::string section = "SBX Identification " + std::to_string(i);
-        EXPECT_EQ("PCIConfig", Text(kChipsets, section, "RegisterType"));
-        EXPECT_TRUE(identities.insert(Text(kChipsets, section, "Value")).second);
+        const std::string identity = Text(kChipsets, section, "Value");
+        EXPECT_TRUE(identities.insert(identity).second);
+        const DWORD id = static_cast<DWORD>(std::stoul(identity, nullptr, 16));
+        simulated::PciBus::Set(kHub, 0, std::span(reinterpret_cast<const BYTE*>(&id), sizeof id));
+        CHwSBX chipset;
+        ASSERT_EQ(0, chipset.Setup(1));
         const std::string devices = Text(kChipsets, section, "Name") + " Devices";
         const int count = Number(kChipsets, devices, "DeviceNumbers");
         EXPECT_GT(count, 0) << devices;
         EXPECT_EQ("", Text(kChipsets, devices, "Name" + std::to_string(count)));
-        std::set<int> bits;
+        std::set<DWORD> bits;
         for (int j = 0; j < count; ++j)
         {
             const std::string name = Text(kChipsets, devices, "Name" + std::to_string(j));
             SCOPED_TRACE(name);
             EXPECT_NE(-1, FindVariable(Wide(name).data()));
-            const std::pair<const char*, const char*> fields[] = {
-                {"RegisterType", "Memory"}, {"AddressOffset", "0xF0"}, {"AddressMask", "0xFFFFC000"},
-                {"ValueOffset", "0x3418"},  {"ValueSize", "4"},        {"DisableType", "0"}};
-            for (const auto& [field, expected] : fields)
-            {
-                EXPECT_EQ(expected, Text(kChipsets, name, field)) << field;
-            }
-            const int bit = Number(kChipsets, name, "Bit");
-            EXPECT_TRUE(bit >= 0 && bit < 32);
+            simulated::PhysicalMemory::SetWord(kRegister, 0);
+            int disabled = 0;
+            EXPECT_EQ(0, chipset.FunctionDisable(Wide(name).data(), 1));
+            EXPECT_EQ(0, chipset.GetFunctionDisable(Wide(name).data(), &disabled));
+            EXPECT_EQ(1, disabled);
+            const DWORD bit = simulated::PhysicalMemory::Word(kRegister);
+            EXPECT_TRUE(std::has_single_bit(bit));
             // Two ports share a USB controller; nothing else shares a bit.
             EXPECT_TRUE(bits.insert(bit).second || name.rfind("USBPort", 0) == 0);
+            EXPECT_EQ(0, chipset.FunctionDisable(Wide(name).data(), 0));
+            EXPECT_EQ(0U, simulated::PhysicalMemory::Word(kRegister));
         }
     }
 }
