@@ -107,7 +107,7 @@ TEST_F(CpuAgentTest, OnlyTheFirstFourCoresOfTheProcessAreWrittenUpToTheFirstFail
     EXPECT_EQ(-1, agent->SetEblLevel(25)) << "the modulation of the second core";
 
     Processor::Fit(6, {6, 12, 10, 21});
-    Machine::Write("Processor", "ProcessMask", "0x3A");
+    ASSERT_TRUE(Machine::Write("Processor", "ProcessMask", "0x3A"));
     Trace::Clear();
     EXPECT_EQ(50, agent->SetEblLevel(50));
     EXPECT_THAT(Low(kControl, 6), testing::ElementsAre(0x0C15, 0x060A, 0x0C15, 0x060A, 0x0C15, 0x0C15));

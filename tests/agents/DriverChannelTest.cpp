@@ -47,7 +47,7 @@ TEST_F(DriverChannelTest, VersionDecidesHowOftenTheDeviceIsOpenedAndWhetherClose
     for (const auto& [major, openings] : {std::pair{5U, 2U}, {6U, 1U}, {10U, 1U}})
     {
         OrvlDrvClose();
-        Notebook::SetVersion(major, major == 5 ? 1 : 0);
+        ASSERT_TRUE(Notebook::SetVersion(major, major == 5 ? 1 : 0));
         Trace::Clear();
         EXPECT_EQ(kSucceeded, OrvlDrvOpen());
         EXPECT_EQ(kSucceeded, OrvlDrvOpen());
@@ -57,7 +57,7 @@ TEST_F(DriverChannelTest, VersionDecidesHowOftenTheDeviceIsOpenedAndWhetherClose
         EXPECT_EQ(openings - 1, Calls("CloseHandle")) << "a replaced handle is closed";
         EXPECT_EQ(kSucceeded, OrvlDrvClose());
         EXPECT_EQ(major < 6 ? kGeneralFailure : kSucceeded, AskDriver());
-        Notebook::SetVersion(5, 1);
+        ASSERT_TRUE(Notebook::SetVersion(5, 1));
     }
 }
 

@@ -40,8 +40,8 @@ TEST_F(OsWinTest, CompositionIsSwitchedWhereTheSystemHasIt)
     for (const auto& [major, minor, wanted, reached] :
          {std::tuple{6U, 0U, 0, 0}, {6U, 1U, 1, 1}, {6U, 2U, 0, 1}, {10U, 0U, 0, 1}})
     {
-        Machine::WriteNumber("Machine", "Major", major);
-        Machine::WriteNumber("Machine", "Minor", minor);
+        ASSERT_TRUE(Machine::WriteNumber("Machine", "Major", major));
+        ASSERT_TRUE(Machine::WriteNumber("Machine", "Minor", minor));
         EXPECT_EQ(1, COsWin::IsVista());
         EXPECT_EQ(0, COsWin::SetAero(wanted));
         EXPECT_EQ(0, COsWin::IsAeroOn(&enabled));
@@ -49,7 +49,7 @@ TEST_F(OsWinTest, CompositionIsSwitchedWhereTheSystemHasIt)
     }
     EXPECT_EQ(3U, Calls("LoadLibraryW")) << "loaded once";
 
-    Notebook::SetModule("dwmapi.dll.DwmEnableComposition", false);
+    ASSERT_TRUE(Notebook::SetModule("dwmapi.dll.DwmEnableComposition", false));
     NewLogLines();
     EXPECT_EQ(kGeneralFailure, COsWin::SetAero(1));
     EXPECT_THAT(NewLogLines(), testing::ElementsAre("Failed to get function in dwmapi.dll"));

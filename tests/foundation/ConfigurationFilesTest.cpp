@@ -194,7 +194,7 @@ TEST_F(ConfigurationFiles, FoldersAreBoundedByTheCallersRoom)
     // The installation's module tells its folder and the parent.
     EXPECT_EQ("none", told(cfg.GetDllPath(folder, 260)));
     EXPECT_EQ("none", told(cfg.GetHomePath(folder, 260)));
-    simulated::Machine::Write("Modules", "ORVLDLL.DLL", "C:\\ORVL\\Bin\\ORVLDLL.DLL");
+    ASSERT_TRUE(simulated::Machine::Write("Modules", "ORVLDLL.DLL", "C:\\ORVL\\Bin\\ORVLDLL.DLL"));
     EXPECT_EQ("C:\\ORVL\\Bin", told(cfg.GetDllPath(folder, 24)));
     EXPECT_EQ("C:\\ORVL", told(cfg.GetHomePath(folder, 24)));
     EXPECT_EQ("none", told(cfg.GetDllPath(folder, 23))) << "the module's own name doesn't fit";

@@ -56,7 +56,7 @@ TEST_F(Logs, TextIsInTheAnsiCodePage)
     PmLog(L"%s", text.data());
     EXPECT_EQ("\xF6\x80?\r\n", seeding::ReadBytes(kPmLog));
     seeding::Remove(kPmLog);
-    simulated::Notebook::SetCodePage(65001);
+    ASSERT_TRUE(simulated::Notebook::SetCodePage(65001));
     std::string signs;
     for (int index = 0; index < 1023; ++index)
     {

@@ -151,7 +151,7 @@ TEST_F(CodePages, WideTextBecomesNarrowAndIsCutAtWholeCharacters)
     };
     for (const auto& [codePage, wide, capacity, narrow] : kCases)
     {
-        simulated::Notebook::SetCodePage(codePage);
+        ASSERT_TRUE(simulated::Notebook::SetCodePage(codePage));
         std::string target(capacity + 1, '#');
         EXPECT_EQ(std::string(narrow).size(), text::ToNarrow(Wide(wide).data(), target.data(), capacity));
         EXPECT_STREQ(narrow, target.c_str()) << wide;
