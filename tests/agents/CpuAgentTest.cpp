@@ -146,19 +146,4 @@ TEST_F(CpuAgentTest, ImpossibleLevelsAndProcessorsAreRefused)
     }
 }
 
-TEST_F(CpuAgentTest, InitializeThatFailsLeavesTheObjectAsItWas)
-{
-    CCpuAgent fresh;
-    Processor::Fit(4, {5, 10, 11, 22});
-    Processor::Remove(0, Processor::kThermalControl);
-    EXPECT_EQ(0, agent->Initialize());
-    EXPECT_EQ(0, fresh.Initialize());
-    EXPECT_EQ(-1, fresh.GetEblLevel());
-    Processor::Fit(4, {6, 12, 10, 21});
-    ASSERT_EQ(1, CCpuAgent(*agent).Initialize()) << "opens the channel again";
-    ASSERT_EQ(1, fresh.Initialize());
-    EXPECT_EQ(50, agent->SetEblLevel(50));
-    EXPECT_THAT(Low(kControl), testing::Each(0x060A)) << "by the ratios of the first time";
-}
-
 } // namespace

@@ -15,10 +15,12 @@
 #include "notebook/Adapters.h"
 #include "notebook/Batteries.h"
 #include "notebook/Chipset.h"
-#include "notebook/DeviceTree.h"
+#include "notebook/Machine.h"
 #include "notebook/Processor.h"
 #include "support/Snapshot.h"
 #include "transcripts/Golden.h"
+
+#include <sstream>
 
 using namespace simulated;
 
@@ -100,11 +102,11 @@ private:
 
     static std::string Show(std::int64_t number)
     {
-        char text[20];
+        std::ostringstream text;
         const bool isHex = number < -1 || number > 0xFFFFF;
-        std::snprintf(text, sizeof text, isHex ? "0x%llX" : "%lld",
-                      static_cast<long long>(number < -1 ? number & 0xFFFFFFFF : number));
-        return text;
+        text << (isHex ? "0x" : "") << (isHex ? std::hex : std::dec) << std::uppercase
+             << (number < -1 ? number & 0xFFFFFFFF : number);
+        return text.str();
     }
     static std::string Show(const wchar_t* text)
     {
@@ -224,9 +226,7 @@ void UseChipset(Protocol& run)
     run("GetFunctionDisable(InMemory)", chipset.GetFunctionDisable(L"InMemory", &disabled), disabled);
 }
 
-using Use = void (*)(Protocol&);
-
-class Operations : public AgentsTest, public testing::WithParamInterface<std::pair<const char*, Use>>
+class Operations : public AgentsTest
 {
 protected:
     void SetUp() override
@@ -261,7 +261,7 @@ protected:
                            bit + "[InPorts]\nRegisterType=IO\nValueOffset=0x1080\n" + base + "0xF8\n" + bit);
     }
 
-    static Protocol ProtocolOf(Use use)
+    static Protocol ProtocolOf(void (*use)(Protocol&))
     {
         NewLogLines();
         NewDriverInputs();
@@ -276,45 +276,43 @@ protected:
         }
         return run;
     }
+
+    static void Sweep(const char* agent, void (*use)(Protocol&))
+    {
+        Snapshot snapshot(Machine::Folder());
+        ProtocolOf(use); // fills the table of device objects
+        snapshot.Restore();
+        const Protocol good = ProtocolOf(use);
+        const std::vector<TracedCall> calls = Trace::Calls();
+        FailureRows rows;
+        std::map<std::string, unsigned> ordinals;
+        for (std::size_t place = 0; place < calls.size(); ++place)
+        {
+            const std::string& function = calls[place].function;
+            const std::string name = function + ' ' + std::to_string(++ordinals[function]);
+            if (IsOfLog(calls, place) || function.starts_with("GetPrivateProfile"))
+            {
+                continue;
+            }
+            SCOPED_TRACE(name);
+            snapshot.Restore();
+            Faults::Inject("*", static_cast<unsigned>(place + 1), ERROR_GEN_FAILURE);
+            rows.Add(name, ProtocolOf(use).Effect(good));
+            EXPECT_TRUE(Faults::AllHit());
+            Faults::Clear();
+        }
+        CompareWithGolden(std::string("agents/") + agent + ".txt", good.Text() + '\n' + rows.Text());
+    }
 };
 
-INSTANTIATE_TEST_SUITE_P(Of, Operations,
-                         testing::ValuesIn(std::initializer_list<std::pair<const char*, Use>>{
-                             {"BatAgent", UseBatteries},
-                             {"CpuAgent", UseProcessor},
-                             {"DevMgr", UseDevices},
-                             {"DspxAgent", UseGraphics},
-                             {"HwSBX", UseChipset},
-                             {"HwXA", UseHardware},
-                             {"LanAgent", UseAdapter}}),
-                         [](const auto& row) { return row.param.first; });
-
-TEST_P(Operations, HaveTheirReviewedOutcomes)
-{
-    const auto& [agent, use] = GetParam();
-    Snapshot snapshot(Folder());
-    ProtocolOf(use); // fills the table of device objects
-    snapshot.Restore();
-    const Protocol good = ProtocolOf(use);
-    const std::vector<TracedCall> calls = Trace::Calls();
-    FailureRows rows;
-    std::map<std::string, unsigned> ordinals;
-    for (std::size_t place = 0; place < calls.size(); ++place)
-    {
-        const std::string& function = calls[place].function;
-        const std::string name = function + ' ' + std::to_string(++ordinals[function]);
-        if (IsOfLog(calls, place) || function.starts_with("GetPrivateProfile"))
-        {
-            continue;
-        }
-        SCOPED_TRACE(name);
-        snapshot.Restore();
-        Faults::Inject("*", static_cast<unsigned>(place + 1), ERROR_GEN_FAILURE);
-        rows.Add(name, ProtocolOf(use).Effect(good));
-        EXPECT_TRUE(Faults::AllHit());
-        Faults::Clear();
-    }
-    CompareWithGolden(std::string("agents/") + agent + ".txt", good.Text() + '\n' + rows.Text());
-}
+// clang-format off
+TEST_F(Operations, OfBatteriesHaveTheirReviewedOutcomes) { Sweep("BatAgent", UseBatteries); }
+TEST_F(Operations, OfTheProcessorHaveTheirReviewedOutcomes) { Sweep("CpuAgent", UseProcessor); }
+TEST_F(Operations, OfDevicesHaveTheirReviewedOutcomes) { Sweep("DevMgr", UseDevices); }
+TEST_F(Operations, OfGraphicsHaveTheirReviewedOutcomes) { Sweep("DspxAgent", UseGraphics); }
+TEST_F(Operations, OfTheChipsetHaveTheirReviewedOutcomes) { Sweep("HwSBX", UseChipset); }
+TEST_F(Operations, OfHardwareHaveTheirReviewedOutcomes) { Sweep("HwXA", UseHardware); }
+TEST_F(Operations, OfAdaptersHaveTheirReviewedOutcomes) { Sweep("LanAgent", UseAdapter); }
+// clang-format on
 
 } // namespace

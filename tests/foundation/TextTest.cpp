@@ -162,19 +162,4 @@ TEST_F(CodePages, WideTextBecomesNarrowAndIsCutAtWholeCharacters)
     EXPECT_EQ('#', untouched);
 }
 
-TEST_F(CodePages, NarrowTextBecomesWideUpToItsEndOrTheRoom)
-{
-    for (const auto& [length, capacity, wide] :
-         {std::tuple{9U, 12U, "abcd"}, {3U, 12U, "abc"}, {9U, 3U, "ab"}, {0U, 12U, ""}, {9U, 1U, ""}})
-    {
-        Target target;
-        EXPECT_EQ(std::string(wide).size(), text::ToWide("abcd\0ef", length, target.text, capacity));
-        EXPECT_EQ(wide, Utf8(target.text));
-        EXPECT_TRUE(target.IsUntouchedFrom(capacity));
-    }
-    Target target;
-    EXPECT_EQ(0U, text::ToWide("abcd", 4, target.text, 0));
-    EXPECT_TRUE(target.IsUntouchedFrom(0));
-}
-
 } // namespace
