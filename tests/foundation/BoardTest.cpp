@@ -70,9 +70,9 @@ protected:
 TEST_F(Boards, ObjectsAreOpenToAllUnderTheirDocumentedNames)
 {
     EXPECT_EQ("1, null", FirstCall("SetSecurityDescriptorDacl"));
-    EXPECT_EQ("\"descriptor, inherited\", 1, 0, \"Global\\IPB_EventB0\"", FirstCall("CreateEventW"));
-    EXPECT_EQ("\"descriptor, inherited\", 4, 0x400, \"Global\\IPB_MapB0\"", FirstCall("CreateFileMappingW"));
-    EXPECT_EQ("\"descriptor, inherited\", 1, 2147483647, \"Global\\IPB_SemaphoreB0\"",
+    EXPECT_EQ("1, 0, \"Global\\IPB_EventB0\", \"descriptor, inherited\"", FirstCall("CreateEventW"));
+    EXPECT_EQ("4, 0x400, \"Global\\IPB_MapB0\", \"descriptor, inherited\"", FirstCall("CreateFileMappingW"));
+    EXPECT_EQ("1, 2147483647, \"Global\\IPB_SemaphoreB0\", \"descriptor, inherited\"",
               FirstCall("CreateSemaphoreW"));
     Board opener;
     EXPECT_EQ(kSucceeded, opener.Reset(L"B", 0, 0, 0));

@@ -102,7 +102,8 @@ SIM_API HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES attributes, BOOL manual
                                    LPCWSTR name)
 {
     PlatformCall call(CallClass::Object, "CreateEventW", SIM_CALLER);
-    call.Arguments(Shown(attributes).c_str(), manualReset, initialState, name);
+    call.Arguments(manualReset, initialState, name);
+    NoteSecurity(call, attributes);
     const NewState wanted{ObjectKind::Event, manualReset != FALSE, initialState != FALSE ? kSignalled : 0};
     SetLastError(ERROR_SUCCESS); // what tells a new object from one that was there
     return call.Result<HANDLE>(

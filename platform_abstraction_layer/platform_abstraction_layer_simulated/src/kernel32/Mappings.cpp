@@ -153,7 +153,8 @@ SIM_API HANDLE WINAPI CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES attr
 {
     PlatformCall call(CallClass::Object, "CreateFileMappingW", SIM_CALLER);
     const std::uint64_t size = Join(maximumSizeHigh, maximumSizeLow);
-    call.Arguments(Shown(attributes).c_str(), protection, size, name);
+    call.Arguments(protection, size, name);
+    NoteSecurity(call, attributes);
     SetLastError(ERROR_SUCCESS); // what tells a new object from one that was there
     return call.Result<HANDLE>(nullptr, [&] { return Create(file, protection, size, name, call); });
 }

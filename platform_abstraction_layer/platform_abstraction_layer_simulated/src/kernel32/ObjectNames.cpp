@@ -75,15 +75,16 @@ Outcome<std::string> ObjectFileName(const wchar_t* name)
             static_cast<DWORD>(file.size() > kLongestFileName ? ERROR_FILENAME_EXCED_RANGE : ERROR_SUCCESS)};
 }
 
-std::string Shown(const SECURITY_ATTRIBUTES* attributes)
+void NoteSecurity(PlatformCall& call, const SECURITY_ATTRIBUTES* attributes)
 {
-    if (attributes == nullptr)
+    if (attributes != nullptr)
     {
-        return "default";
+        const std::string size = attributes->nLength == sizeof *attributes ? "" : "of a wrong size, ";
+        const std::string shown = size +
+                                  (attributes->lpSecurityDescriptor == nullptr ? "default" : "descriptor") +
+                                  (attributes->bInheritHandle != FALSE ? ", inherited" : "");
+        call.Arguments(shown.c_str());
     }
-    const std::string size = attributes->nLength == sizeof *attributes ? "" : "of a wrong size, ";
-    return size + (attributes->lpSecurityDescriptor == nullptr ? "default" : "descriptor") +
-           (attributes->bInheritHandle != FALSE ? ", inherited" : "");
 }
 
 } // namespace simulated

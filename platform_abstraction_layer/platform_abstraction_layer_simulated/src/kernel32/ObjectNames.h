@@ -17,7 +17,7 @@ namespace simulated
 /// a folder that isn't "Global" or "Local", ERROR_INVALID_PARAMETER for a null pointer.
 Outcome<std::string> ObjectFileName(const wchar_t* name);
 
-/// How the trace shows whom a new object is open to and who inherits it.
-std::string Shown(const SECURITY_ATTRIBUTES* attributes);
+/// Adds to the trace whom a new object is open to and whether it is inherited, where the caller says so.
+void NoteSecurity(PlatformCall& call, const SECURITY_ATTRIBUTES* attributes);
 
 } // namespace simulated

@@ -104,7 +104,8 @@ SIM_API HANDLE WINAPI CreateSemaphoreW(LPSECURITY_ATTRIBUTES attributes, LONG in
                                        LPCWSTR name)
 {
     PlatformCall call(CallClass::Object, "CreateSemaphoreW", SIM_CALLER);
-    call.Arguments(Shown(attributes).c_str(), initialCount, maximumCount, name);
+    call.Arguments(initialCount, maximumCount, name);
+    NoteSecurity(call, attributes);
     SetLastError(ERROR_SUCCESS); // what tells a new object from one that was there
     return call.Result<HANDLE>(nullptr, [&] { return Create(initialCount, maximumCount, name, call); });
 }
