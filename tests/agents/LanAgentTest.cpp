@@ -98,9 +98,6 @@ TEST_F(LanAgentTest, WithoutInitializeNoAdapterMatches)
     EXPECT_EQ(-1, fresh.ApplySettings());
     EXPECT_EQ(-1, fresh.GetLANConnectStatus());
     EXPECT_EQ(-1, fresh.SetWLANConnectStatus(0));
-    EXPECT_EQ(0U, fresh.CheckSupportStatus());
-    EXPECT_EQ(0, fresh.GetEblLevel());
-    EXPECT_EQ(0, fresh.SetEblLevel(1));
 }
 
 TEST_F(LanAgentTest, SpeedIsReadFromTheFirstAdapterThatHasOne)
