@@ -113,6 +113,9 @@ TEST_F(BatAgentTest, TimesFollowFromTheSystemState)
         EXPECT_EQ(0.0F, agent.GetRemainBatPer(1));
     }
     EXPECT_THAT(NewLogLines(), testing::ElementsAre("Rate=0"));
+    SYSTEM_POWER_STATUS status = {};
+    EXPECT_NE(0, CBatAgent::GetSystemPowerStatus(&status));
+    EXPECT_EQ(PowerSource::Get().status.BatteryLifePercent, status.BatteryLifePercent);
 }
 
 } // namespace

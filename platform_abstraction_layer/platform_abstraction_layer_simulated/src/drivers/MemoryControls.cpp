@@ -96,8 +96,8 @@ DWORD MapMemory(Exchange& exchange)
     {
         Leaks::Opened("mapping", LeakName(address), "DeviceIoControl");
     }
-    exchange.Answer(
-        Mapping{{static_cast<DWORD>(address), static_cast<DWORD>(address >> 32)}, input.length, 0});
+    // The caller fills in the rest; what the driver leaves there means nothing.
+    exchange.Answer(Mapping{{static_cast<DWORD>(address), static_cast<DWORD>(address >> 32)}, 0, 1});
     return ERROR_SUCCESS;
 }
 
