@@ -6,6 +6,7 @@
 #include "foundation/GuidText.h"
 #include "foundation/OrvlProfile.h"
 #include "foundation/SystemFolders.h"
+#include "notebook/Accounts.h"
 #include "notebook/Machine.h"
 #include "notebook/RegistryEditor.h"
 #include "notebook/Trace.h"
@@ -162,6 +163,14 @@ TEST_F(ConfigurationFiles, ProfileFilesComeIntoBeing)
         }
         seeding::Remove(path);
     }
+    const std::string longFolder = "C:\\" + std::string(200, 'l');
+    ASSERT_TRUE(
+        seeding::SetText(HKEY_USERS,
+                         simulated::Accounts::Find("alice")->sid +
+                             "\\Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders",
+                         "Local AppData", longFolder));
+    CORVLProfile file;
+    EXPECT_EQ("1 " + longFolder + "\\Kelvo\\ORVL\\Cfg\\p.ini", Found(file, "p.ini", "alice", 1));
 }
 
 TEST_F(ConfigurationFiles, AProfileFileWithoutAFolderFails)
