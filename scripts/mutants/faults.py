@@ -31,7 +31,6 @@ ARRAY = re.compile(r'^\s*(?:static |constexpr |const )*[\w:]+ \w+\[')
 CAPACITY = re.compile(r'\bk\w*(?:Capacity|Chars|Room)\b')
 DECLARED_VALUE = re.compile(r'^\s*(?!const|static|return|using)[\w:]+\*? (\w+)(?: = |\{)')
 SYMMETRIC = re.compile(r'(?:Equal\w*|WrappingSum|WrappingProduct|min|max|\(std::min\)|\(std::max\))\($')
-RESERVED = re.compile(r'\bReg(?:OpenKey|QueryValue|SetValue|EnumKey|EnumValue|CreateKey)Ex\w*\(')
 NOT_CODE = re.compile(r'^\s*(?:static_assert|template|namespace|using |class |struct |enum |public|private|friend|extern|case .*:$)')
 
 
@@ -98,7 +97,7 @@ def faults_of_line(line: str, tokens: list[Token], start: int, following: list[s
             if not capacity and is_operator(token, previous, following_token, line, start):
                 for other in OPERATORS[token.text]:
                     yield 'operator', replaced(other)
-        elif token.kind == 'number' and not overwritten and not capacity and not RESERVED.search(line):
+        elif token.kind == 'number' and not overwritten and not capacity:
             for other in other_numbers(token.text):
                 yield 'constant', replaced(other)
         elif token.kind == 'word' and token.text in WORDS and not overwritten:
