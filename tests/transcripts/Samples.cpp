@@ -21,6 +21,7 @@ constexpr Sample kSamples[] = {
     {"GET_MAX_LCD_BRIGHTNESS", "", "", false},
     {"GET_LCD_BRIGHTNESS", "", "", false},
     {"SET_LCD_BRIGHTNESS", "level=3", "", false},
+    {"SET_LCD_BRIGHTNESS", "level=-1", "no level", false},
     {"GET_LAN_STATUS", "", "", false},
     {"SET_LAN_STATUS", "status=on", "it is off", false},
     {"SET_LAN_STATUS", "status=off", "refused", false},
