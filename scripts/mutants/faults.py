@@ -12,7 +12,7 @@ TOKEN = re.compile(r'''
   | (?P<operator><<=|>>=|<=>|->\*|::|->|\+\+|--|<<|>>|<=|>=|==|!=|&&|\|\||[-+*/%&|^]=|[^\s\w])
 ''', re.X | re.S | re.M)
 
-# What an operator becomes. The closing and opening brackets of templates are left out by LooksLikeTemplate.
+# What an operator becomes. `is_operator` tells which signs are none.
 OPERATORS = {
     '<': ['<=', '>='], '<=': ['<', '>'], '>': ['>=', '<='], '>=': ['>', '<'],
     '==': ['!='], '!=': ['=='], '&&': ['||'], '||': ['&&'],
@@ -35,7 +35,7 @@ NOT_CODE = re.compile(r'^\s*(?:static_assert|template|namespace|using |class |st
 
 
 class Token(NamedTuple):
-    kind: str
+    kind: str  # the name of the group in TOKEN
     text: str
     start: int  # in the whole file
 

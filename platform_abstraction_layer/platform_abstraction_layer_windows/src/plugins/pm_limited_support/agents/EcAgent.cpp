@@ -40,18 +40,12 @@ void EnableWirelessAdapterIfDisabled() noexcept
     }
 }
 
-void EnableWiredAdapter() noexcept
+// `isSwitched`: the port has just been switched on, and the adapter is enabled whatever its state.
+void EnableWiredAdapter(bool isSwitched) noexcept
 {
     CLanAgent adapters;
     adapters.Initialize();
-    adapters.SetLANConnectStatus(1);
-}
-
-void EnableWiredAdapterIfDisabled() noexcept
-{
-    CLanAgent adapters;
-    adapters.Initialize();
-    if (adapters.GetLANConnectStatus() == 0)
+    if (isSwitched || adapters.GetLANConnectStatus() == 0)
     {
         adapters.SetLANConnectStatus(1);
     }
@@ -227,7 +221,7 @@ int CEcAgent::SetLANStatus(int status) noexcept
 {
     if (status == kOn && GetLANStatus() == kOn)
     {
-        EnableWiredAdapterIfDisabled();
+        EnableWiredAdapter(false); // which may have been disabled by hand
         return kOn;
     }
     ULONG word = 0;
@@ -237,7 +231,7 @@ int CEcAgent::SetLANStatus(int status) noexcept
     }
     if (status == kOn)
     {
-        EnableWiredAdapter();
+        EnableWiredAdapter(true);
     }
     return static_cast<int>(word);
 }

@@ -58,20 +58,32 @@ constexpr StatusTexts kWireless = {
     L"GetWLANConnectStatus: !((Status & DN_HAS_PROBLEM) && (CM_PROB_DISABLED == Problem))",
     L"GetWLANConnectStatus: !((Status & DN_DISABLEABLE) && (CM_PROB_HARDWARE_DISABLED != Problem))"};
 
+// Finds the adapter with its state and problem number. False when there is none, and, with `statusFailed`
+// logged, when its state can't be read.
+bool FindAdapterState(const AdapterSearch& search, const wchar_t* statusFailed, FoundAdapter& adapter,
+                      ULONG& status, ULONG& problem) noexcept
+{
+    if (!FindAdapter(search, adapter))
+    {
+        return false;
+    }
+    if (CM_Get_DevNode_Status(&status, &problem, adapter.device.DevInst, 0) != CR_SUCCESS)
+    {
+        CORVLBase::DBGOUT(statusFailed);
+        return false;
+    }
+    return true;
+}
+
 int ConnectStatus(const wchar_t* firstWord, const wchar_t* secondWord, const StatusTexts& texts) noexcept
 {
     const AdapterSearch search = {firstWord,        secondWord,       ContainsIgnoringCase,
                                   texts.listFailed, texts.endReached, texts.readFailed};
     FoundAdapter adapter;
-    if (!FindAdapter(search, adapter))
-    {
-        return -1;
-    }
     ULONG status = 0;
     ULONG problem = 0;
-    if (CM_Get_DevNode_Status(&status, &problem, adapter.device.DevInst, 0) != CR_SUCCESS)
+    if (!FindAdapterState(search, texts.statusFailed, adapter, status, problem))
     {
-        CORVLBase::DBGOUT(texts.statusFailed);
         return -1;
     }
     CORVLBase::DBGOUT(texts.statusRead, status, problem);
@@ -93,15 +105,10 @@ int SetConnectStatus(const wchar_t* firstWord, const wchar_t* secondWord, int en
     const AdapterSearch search = {
         firstWord, secondWord, ContainsIgnoringCase, L"SetupDiGetClassDevs failed %x", nullptr, nullptr};
     FoundAdapter adapter;
-    if (!FindAdapter(search, adapter))
-    {
-        return -1;
-    }
     ULONG status = 0;
     ULONG problem = 0;
-    if (CM_Get_DevNode_Status(&status, &problem, adapter.device.DevInst, 0) != CR_SUCCESS)
+    if (!FindAdapterState(search, L"CM_Get_DevNode_Status failed!\n", adapter, status, problem))
     {
-        CORVLBase::DBGOUT(L"CM_Get_DevNode_Status failed!\n");
         return -1;
     }
     if (enable != 0 && !IsDisabled(status, problem))
