@@ -114,7 +114,7 @@ TEST_F(DeviceCommands, LevelsAndSpeeds)
                   Ask(host, "SET_LAN_SPEED", speed));
         EXPECT_EQ(std::string("0 speed=") + speed, Ask(host, "GET_LAN_SPEED"));
     }
-    simulated::Adapters::SetSetting(simulated::Adapters::All().at(0), "DuplexMode", "0");
+    EXPECT_TRUE(simulated::Adapters::SetSetting(simulated::Adapters::All().at(0), "DuplexMode", "0"));
     EXPECT_EQ("6", Ask(host, "GET_LAN_SPEED")) << "a level that the wire has no number for";
     for (const auto& [level, reached] : {std::pair("0", "0"), {"0", "0"}, {"100", "7"}})
     {
@@ -149,7 +149,7 @@ void Set(const Battery& battery)
     answers.battery.RemainingCapacity = 20000;
     answers.battery.Rate = battery.rate;
     answers.battery.EstimatedTime = 1234;
-    simulated::PowerSource::Set(answers);
+    EXPECT_TRUE(simulated::PowerSource::Set(answers));
     simulated::Batteries::SetStatus(0, BATTERY_STATUS{battery.powerState, 20000, 11100, 0});
     simulated::Batteries::RefuseOpening(0, battery.statusKnown ? 0U : DWORD{ERROR_ACCESS_DENIED});
 }

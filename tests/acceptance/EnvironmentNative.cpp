@@ -63,7 +63,7 @@ void RemoveHardware()
 {
     simulated::KernelDriver::SetPresent(false);
     simulated::Adapters::Clear();
-    simulated::PowerSource::RemoveBattery();
+    EXPECT_TRUE(simulated::PowerSource::RemoveBattery());
     simulated::Batteries::Remove(0);
 }
 

@@ -42,7 +42,7 @@ protected:
             {
                 if (std::string(text) != "none")
                 {
-                    Adapters::SetSetting(adapter, name, text);
+                    ASSERT_TRUE(Adapters::SetSetting(adapter, name, text));
                 }
             }
         }

@@ -245,7 +245,7 @@ protected:
         Batteries::SetStatus(0, BATTERY_STATUS{5, 30000, 11100, -900});
         Batteries::RefuseOpening(1, ERROR_ACCESS_DENIED);
         Adapters::Clear();
-        Adapters::Add("Realtek Wireless", {{"DuplexMode", "1"}});
+        EXPECT_NE("", Adapters::Add("Realtek Wireless", {{"DuplexMode", "1"}}));
         WriteInstalled("ORVLCfg.ini", "[OrvlDevMgr]\nDmOptions=0\n[DevGUIDs]\nNum=1\n"
                                       "GUID0={4D36E972-E325-11CE-BFC1-08002BE10318}\n");
         const std::string bridge = "Bus=0\nDevice=31\nFunction=0\n";

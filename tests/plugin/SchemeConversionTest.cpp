@@ -35,7 +35,7 @@ TEST_F(SchemeConversion, TextsEndAtTheirTerminatorOrAfter255Bytes)
     };
     for (const Case& row : kCases)
     {
-        simulated::Notebook::SetCodePage(row.codePage);
+        ASSERT_TRUE(simulated::Notebook::SetCodePage(row.codePage));
         PM_Power_Scheme_Data_ALL record{};
         std::memcpy(record.name, row.name.data(), row.name.size());
         std::memcpy(record.desc, row.description.data(), row.description.size());

@@ -6,6 +6,8 @@
 
 #include "notebook/WholeFile.h"
 
+#include <gtest/gtest.h>
+
 namespace
 {
 
@@ -106,7 +108,7 @@ void Snapshot::Restore()
     for (const std::filesystem::path& path : differences.stale)
     {
         File& file = m_files[path];
-        simulated::WriteWhole(path.string(), file.bytes);
+        EXPECT_TRUE(simulated::WriteWhole(path.string(), file.bytes)) << path;
         file.state = StateOf(path);
     }
 }

@@ -143,9 +143,10 @@ void Scene::SeedHardware() const
     EmbeddedController::SetBattery(15,
                                    {0x12, 0x34, 0x56, 0x78, 0x9A, 0xBC, 0xDE, 0xF0, 0x11, 0x22, 0x33, 0x44});
     EmbeddedController::SetItem(EmbeddedController::kLan, 0);
-    Adapters::SetSetting(Adapters::All().at(0), "DuplexMode", "4");
-    Adapters::Add("Intel(R) PRO/1000 PL Network Connection", {{"*SpeedDuplex", "5"}, {"DuplexMode", "5"}});
-    Adapters::Add("Atheros AR5007EG Wireless Network Adapter", {});
+    EXPECT_TRUE(Adapters::SetSetting(Adapters::All().at(0), "DuplexMode", "4"));
+    EXPECT_NE("", Adapters::Add("Intel(R) PRO/1000 PL Network Connection",
+                                {{"*SpeedDuplex", "5"}, {"DuplexMode", "5"}}));
+    EXPECT_NE("", Adapters::Add("Atheros AR5007EG Wireless Network Adapter", {}));
     EXPECT_TRUE(seeding::SetKey(std::string(Notebook::kInstallationFolder) + "ORVLCfg.ini", "OrvlDevMgr",
                                 "TimeoutMS", "900"));
 }

@@ -40,8 +40,8 @@ public:
     static std::string RunningSid();
 
     /// Adds an account, or changes the one of that name.
-    static bool Store(const Account& account);
-    static bool Remove(std::string_view name);
+    [[nodiscard]] static bool Store(const Account& account);
+    [[nodiscard]] static bool Remove(std::string_view name);
 };
 
 } // namespace simulated

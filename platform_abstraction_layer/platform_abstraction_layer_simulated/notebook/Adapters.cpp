@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <tuple>
 
 namespace simulated
 {
@@ -57,19 +58,19 @@ std::string Adapters::Add(const std::string& description, const Settings& settin
     device.driver = begin + Numbered("%04u", number);
     DeviceTree::Add(device);
     const std::string key = DriverPath(device.instanceId);
-    RegistryEditor::WriteText(key, "DriverDesc", description);
+    bool isWritten = RegistryEditor::WriteText(key, "DriverDesc", description);
     for (const auto& [name, text] : settings)
     {
-        RegistryEditor::WriteText(key, name, text);
+        isWritten = RegistryEditor::WriteText(key, name, text) && isWritten;
     }
-    return device.instanceId;
+    return isWritten ? device.instanceId : std::string();
 }
 
 void Adapters::Clear()
 {
     for (const std::string& id : All())
     {
-        RegistryEditor::RemoveKey(DriverPath(id));
+        std::ignore = RegistryEditor::RemoveKey(DriverPath(id)); // one added without a driver has none
         DeviceTree::Remove(id);
     }
 }
@@ -88,9 +89,9 @@ std::optional<std::string> Adapters::Setting(const std::string& instanceId, cons
     return RegistryEditor::ReadText(DriverPath(instanceId), name);
 }
 
-void Adapters::SetSetting(const std::string& instanceId, const std::string& name, const std::string& text)
+bool Adapters::SetSetting(const std::string& instanceId, const std::string& name, const std::string& text)
 {
-    RegistryEditor::WriteText(DriverPath(instanceId), name, text);
+    return RegistryEditor::WriteText(DriverPath(instanceId), name, text);
 }
 
 } // namespace simulated

@@ -18,9 +18,10 @@ class Adapters
 public:
     using Settings = std::vector<std::pair<std::string, std::string>>;
 
-    /// Puts an adapter behind the others; its instance id. `settings` are texts of its driver key, such as
+    /// Puts an adapter behind the others; its instance id, empty when its driver key can't be written.
+    /// `settings` are texts of its driver key, such as
     /// {"*SpeedDuplex", "0"}.
-    static std::string Add(const std::string& description, const Settings& settings);
+    [[nodiscard]] static std::string Add(const std::string& description, const Settings& settings);
 
     /// Takes all adapters and their driver keys away.
     static void Clear();
@@ -30,7 +31,8 @@ public:
 
     /// A text of the adapter's driver key; nothing when it has no such value.
     static std::optional<std::string> Setting(const std::string& instanceId, const std::string& name);
-    static void SetSetting(const std::string& instanceId, const std::string& name, const std::string& text);
+    [[nodiscard]] static bool SetSetting(const std::string& instanceId, const std::string& name,
+                                         const std::string& text);
 };
 
 } // namespace simulated

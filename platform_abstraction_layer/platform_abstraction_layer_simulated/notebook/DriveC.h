@@ -17,13 +17,13 @@ public:
     static std::optional<std::string> Read(std::string_view path);
 
     /// Makes the folders above the file when they aren't there. False when the host refuses.
-    static bool Write(std::string_view path, std::string_view bytes);
+    [[nodiscard]] static bool Write(std::string_view path, std::string_view bytes);
 
     /// A file or a folder.
-    static bool Exists(std::string_view path);
+    [[nodiscard]] static bool Exists(std::string_view path);
 
     /// Takes a file, or a folder with all that is in it, away.
-    static bool Remove(std::string_view path);
+    [[nodiscard]] static bool Remove(std::string_view path);
 };
 
 } // namespace simulated

@@ -11,7 +11,7 @@ namespace simulated::host_files
 {
 
 /// Writes a file directly.
-bool Write(const std::string& path, const std::string& bytes);
+[[nodiscard]] bool Write(const std::string& path, const std::string& bytes);
 
 /// Folders, files and links by their paths below a folder, made all at once.
 class Tree
@@ -36,6 +36,6 @@ private:
 };
 
 /// Removes a file, or a folder with all that is in it. True also when there is nothing.
-bool RemoveAll(const std::string& path);
+[[nodiscard]] bool RemoveAll(const std::string& path);
 
 } // namespace simulated::host_files

@@ -19,9 +19,9 @@ namespace simulated
 class KernelDriver
 {
 public:
-    static bool IsPresent();
+    [[nodiscard]] static bool IsPresent();
     static void SetPresent(bool present);
-    static bool IsBusy();
+    [[nodiscard]] static bool IsBusy();
     static void SetBusy(bool busy);
 
     /// Refuses every request, or every opening, with `error` from now on; 0 ends that.
@@ -48,7 +48,7 @@ public:
     static void Hold();
 
     /// True as soon as a request waits inside; false when none came for `milliseconds` of real time.
-    static bool WaitUntilHeld(unsigned milliseconds);
+    [[nodiscard]] static bool WaitUntilHeld(unsigned milliseconds);
     static void LetGo();
 
     /// Stretches of physical memory that this process has mapped and not unmapped.

@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <tuple>
 
 namespace simulated
 {
@@ -204,7 +205,7 @@ bool Notebook::RemoveUser(const std::string& name)
     {
         return false;
     }
-    RegistryEditor::RemoveKey(ProfileListKey(*account)); // a stranger has none
+    std::ignore = RegistryEditor::RemoveKey(ProfileListKey(*account)); // a stranger has none
     return Accounts::Remove(name) && profiles::Remove(*account);
 }
 
@@ -213,9 +214,9 @@ bool Notebook::SetVersion(DWORD major, DWORD minor)
     const SystemVersion* const version = FindVersion(major, minor);
     return version != nullptr &&
            Machine::Write(kMachineSection, {{"Major", std::to_string(version->major)},
-                                     {"Minor", std::to_string(version->minor)},
-                                     {"Build", std::to_string(version->build)},
-                                     {"ServicePack", std::to_string(version->servicePack)}});
+                                            {"Minor", std::to_string(version->minor)},
+                                            {"Build", std::to_string(version->build)},
+                                            {"ServicePack", std::to_string(version->servicePack)}});
 }
 
 bool Notebook::SetCodePage(unsigned codePage)

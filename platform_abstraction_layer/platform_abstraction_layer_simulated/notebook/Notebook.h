@@ -43,44 +43,44 @@ public:
     /// Makes a fresh notebook in `folder`, which needn't exist and is emptied when it does, and lets this
     /// process use it. False also for a folder that `IsReplaceable` spares, for a version of Windows and a
     /// code page that aren't known, and for an installation that isn't there.
-    static bool Create(const std::string& folder, const NotebookOptions& options = {});
+    [[nodiscard]] static bool Create(const std::string& folder, const NotebookOptions& options = {});
 
     /// True for a folder that isn't there or holds nothing but parts of a notebook, a damaged one's included.
-    static bool IsReplaceable(const std::string& folder);
+    [[nodiscard]] static bool IsReplaceable(const std::string& folder);
 
     /// True when a notebook has been made in the folder that this process uses.
-    static bool Exists();
+    [[nodiscard]] static bool Exists();
 
     /// Copies the files of an installation (*.ini): "PowerSchemes.ini" to "Kelvo\ORVL\Cfg" in the local
     /// application data of the service account, all others to `kInstallationFolder`.
-    static bool Install(const std::string& hostFolder);
+    [[nodiscard]] static bool Install(const std::string& hostFolder);
 
     /// A new user with the next free SID, a profile and a hive; not logged on. False also when there is an
     /// account of that name, and for one with characters that no account's name has.
-    static bool AddUser(const std::string& name);
+    [[nodiscard]] static bool AddUser(const std::string& name);
 
     /// An account that the machine knows but that never logged on: no profile, no hive, no place in
     /// "ProfileList".
-    static bool AddStranger(const std::string& name);
+    [[nodiscard]] static bool AddStranger(const std::string& name);
 
     /// Loads a user's hive, or takes it out; a stranger's first logon makes his profile. False for an unknown
     /// account.
-    static bool LogOn(const std::string& name);
-    static bool LogOff(const std::string& name);
+    [[nodiscard]] static bool LogOn(const std::string& name);
+    [[nodiscard]] static bool LogOff(const std::string& name);
 
     /// Takes the account, its profile and its hive away.
-    static bool RemoveUser(const std::string& name);
+    [[nodiscard]] static bool RemoveUser(const std::string& name);
 
     /// The version that the system answers. Folders and registry stay those of the version that the notebook
     /// was made for. False for a version that isn't known.
-    static bool SetVersion(DWORD major, DWORD minor);
+    [[nodiscard]] static bool SetVersion(DWORD major, DWORD minor);
 
     /// False for a code page that isn't known.
-    static bool SetCodePage(unsigned codePage);
+    [[nodiscard]] static bool SetCodePage(unsigned codePage);
 
     /// Takes a DLL of the system away, or one of its functions ("PowrProf.dll.PowerDeleteScheme"), or puts it
     /// back.
-    static bool SetModule(const std::string& name, bool isPresent);
+    [[nodiscard]] static bool SetModule(const std::string& name, bool isPresent);
 };
 
 } // namespace simulated

@@ -24,27 +24,27 @@ public:
     static PowerAnswers Get();
 
     /// Replaces all answers; false when they can't be stored.
-    static bool Set(const PowerAnswers& answers);
+    [[nodiscard]] static bool Set(const PowerAnswers& answers);
 
     /// Mains on or off. With a battery that isn't full the charge begins, without mains the discharge.
-    static bool Plug();
-    static bool Unplug();
+    [[nodiscard]] static bool Plug();
+    [[nodiscard]] static bool Unplug();
 
     /// The battery's charge in percent, 0 to 100.
-    static bool SetCharge(unsigned percent);
+    [[nodiscard]] static bool SetCharge(unsigned percent);
 
     /// How fast the battery charges or discharges, in mW, whichever is under way. 0 is the answer of a
     /// battery that doesn't tell.
-    static bool SetRate(DWORD milliwatts);
+    [[nodiscard]] static bool SetRate(DWORD milliwatts);
 
     /// The full capacity and the remaining one, in mWh.
-    static bool SetCapacity(DWORD full, DWORD remaining);
+    [[nodiscard]] static bool SetCapacity(DWORD full, DWORD remaining);
 
     /// Takes the battery out, or puts a full one in.
-    static bool RemoveBattery();
-    static bool InsertBattery();
+    [[nodiscard]] static bool RemoveBattery();
+    [[nodiscard]] static bool InsertBattery();
 
-    static bool AllowHibernate(bool allowed);
+    [[nodiscard]] static bool AllowHibernate(bool allowed);
 };
 
 } // namespace simulated

@@ -30,13 +30,13 @@ std::string HostPath(std::string_view windowsPath);
 
 /// Makes profile and hive, or adds them to what is going to be made. The hive isn't loaded yet.
 void Add(host_files::Tree& tree, const Account& account, DWORD majorVersion);
-bool Create(const Account& account, DWORD majorVersion);
+[[nodiscard]] bool Create(const Account& account, DWORD majorVersion);
 
 /// Takes both away.
-bool Remove(const Account& account);
+[[nodiscard]] bool Remove(const Account& account);
 
 /// Brings the hive of an account in below HKEY_USERS under its SID, and takes it out.
-bool Load(const Account& account);
-bool Unload(const Account& account);
+[[nodiscard]] bool Load(const Account& account);
+[[nodiscard]] bool Unload(const Account& account);
 
 } // namespace simulated::profiles

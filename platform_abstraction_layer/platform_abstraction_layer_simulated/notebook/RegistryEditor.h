@@ -26,19 +26,20 @@ public:
     static std::optional<DWORD> ReadNumber(std::string_view key, std::string_view name);
 
     /// The writers make the key when it isn't there. False when it can't be made, or `key` has no known root.
-    static bool Write(std::string_view key, std::string_view name, const registry::Value& value);
-    static bool WriteText(std::string_view key, std::string_view name, std::string_view text);
-    static bool WriteNumber(std::string_view key, std::string_view name, DWORD number);
+    [[nodiscard]] static bool Write(std::string_view key, std::string_view name,
+                                    const registry::Value& value);
+    [[nodiscard]] static bool WriteText(std::string_view key, std::string_view name, std::string_view text);
+    [[nodiscard]] static bool WriteNumber(std::string_view key, std::string_view name, DWORD number);
 
     /// Puts `form` in the place of the value in the hive's file, as an editor of texts does it; see
     /// advapi32/ValueText.h for what can be read again.
-    static bool WriteForm(std::string_view key, std::string_view name, std::string_view form);
+    [[nodiscard]] static bool WriteForm(std::string_view key, std::string_view name, std::string_view form);
 
-    static bool HasKey(std::string_view key);
+    [[nodiscard]] static bool HasKey(std::string_view key);
 
     /// Takes a key away with all that is below it.
-    static bool RemoveKey(std::string_view key);
-    static bool RemoveValue(std::string_view key, std::string_view name);
+    [[nodiscard]] static bool RemoveKey(std::string_view key);
+    [[nodiscard]] static bool RemoveValue(std::string_view key, std::string_view name);
 
     /// Names, in order.
     static std::vector<std::string> Keys(std::string_view key);

@@ -55,7 +55,7 @@ public:
     static void Clear();
 
     /// True when every injected fault has refused a call, so that a test can step `nth` until none is hit.
-    static bool AllHit();
+    [[nodiscard]] static bool AllHit();
 };
 
 /// What the plug-in holds of the platform's things, by kind ("handle", "key", "block", ...).

@@ -38,7 +38,7 @@ std::optional<std::string> ReadWhole(int descriptor);
 /// Replaces a file or makes it: the bytes are written to a file beside it, which then takes its name, so that
 /// a reader or a crash meets the old content or the new. The mode of an existing file is kept. False, with
 /// `errno` set, when that can't be done. Writers of one file must hold its `FileLock`.
-bool WriteWhole(const std::string& path, std::string_view bytes);
+[[nodiscard]] bool WriteWhole(const std::string& path, std::string_view bytes);
 
 /// The lock of a file's writers: a file of its own beside it, since the one that is written gives way to
 /// another. Excludes threads as well as processes, and ends with its holder, killed or not.

@@ -127,8 +127,9 @@ Outcome ChangeAdapters(const Request& request)
     }
     if (request.Argument(0) == "add" && request.arguments.size() > 1)
     {
-        std::puts(Adapters::Add(request.Rest(1), {{"*SpeedDuplex", "0"}}).c_str());
-        return Outcome::Done;
+        const std::string adapter = Adapters::Add(request.Rest(1), {{"*SpeedDuplex", "0"}});
+        std::puts(adapter.c_str());
+        return adapter.empty() ? Outcome::Refused : Outcome::Done;
     }
     return Outcome::Misused;
 }

@@ -24,10 +24,7 @@ constexpr int kSpeedLevels[] = {2, 3, 4, 5, 1};
 LONG ReplyEnabled(const PM_Request& request, int (CLanAgent::*get)() noexcept) noexcept
 {
     CLanAgent agent;
-    if (agent.Initialize() == 0)
-    {
-        return TRX_OPERATION_FAIL;
-    }
+    agent.Initialize();
     const LONG status = (agent.*get)();
     if (status != 0 && status != 1)
     {
@@ -52,10 +49,7 @@ LONG GetWirelessEnabledStatus(CPluginHelper&, const PM_Request& request) noexcep
 LONG GetLanSpeed(CPluginHelper&, const PM_Request& request) noexcept
 {
     CLanAgent agent;
-    if (agent.Initialize() == 0)
-    {
-        return TRX_OPERATION_FAIL;
-    }
+    agent.Initialize();
     const auto* const found =
         std::find(std::begin(kSpeedLevels), std::end(kSpeedLevels), agent.GetLanSpeed());
     if (found == std::end(kSpeedLevels))
@@ -75,10 +69,7 @@ LONG SetLanSpeed(CPluginHelper& context, const PM_Request& request) noexcept
     }
     const int level = kSpeedLevels[value];
     CLanAgent agent;
-    if (agent.Initialize() == 0)
-    {
-        return TRX_OPERATION_FAIL;
-    }
+    agent.Initialize();
     const int outcome = agent.GetLanSpeed() == level ? level : agent.SetLanSpeed(level);
     if (outcome == -1)
     {
