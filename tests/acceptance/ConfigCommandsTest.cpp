@@ -68,7 +68,7 @@ TEST_F(ConfigCommands, WhatWasPutIsReadBackOfEitherFile)
     for (const auto& [type, name, file] : {std::tuple(kInstallation, "a.ini", InstallationFile("a.ini")),
                                            {kProfile, "p.ini", ProfileFile("p.ini")}})
     {
-        const std::string key = "type=" + std::to_string(type) + " file=" + name + " section=New item=Key ";
+        const std::string key = "type=" + std::to_string(type) + " file=" + name + " section=New~ item=Key~ ";
         EXPECT_EQ("0 answer=-5", Ask(host, "GET_INT_FROM_CONFIG", key + "default=-5"));
         EXPECT_EQ("0 \"\"", Ask(host, "GET_STR_FROM_CONFIG", key));
         for (const std::string number : {"0", "2147483647", "-2147483648"})
@@ -76,13 +76,13 @@ TEST_F(ConfigCommands, WhatWasPutIsReadBackOfEitherFile)
             EXPECT_EQ("0", Ask(host, "PUT_INT_INTO_CONFIG", key + "value=" + number));
             EXPECT_EQ("0 answer=" + number, Ask(host, "GET_INT_FROM_CONFIG", key));
         }
-        EXPECT_EQ("-2147483648", seeding::GetKey(file, "New", "Key"));
-        EXPECT_EQ("0", On("PUT_STR_INTO_CONFIG", type, name, "New", "Key", "J\xF6rg"));
-        EXPECT_EQ("0 \"J\xF6rg\"", Ask(host, "GET_STR_FROM_CONFIG", key));
-        EXPECT_EQ("J\u00F6rg", seeding::GetKey(file, "New", "Key"));
+        EXPECT_EQ("-2147483648", seeding::GetKey(file, "New~", "Key~"));
+        EXPECT_EQ("0", On("PUT_STR_INTO_CONFIG", type, name, "New~", "Key~", "J\xF6rg~"));
+        EXPECT_EQ("0 \"J\xF6rg~\"", Ask(host, "GET_STR_FROM_CONFIG", key));
+        EXPECT_EQ("J\u00F6rg~", seeding::GetKey(file, "New~", "Key~"));
         // A text that fills its field is cut, and no later field is a part of it.
-        EXPECT_EQ("0", On("PUT_STR_INTO_CONFIG", type, name, "New", "Key", std::string(256, 'v')));
-        EXPECT_EQ(std::string(255, 'v'), seeding::GetKey(file, "New", "Key"));
+        EXPECT_EQ("0", On("PUT_STR_INTO_CONFIG", type, name, "New~", "Key~", std::string(256, 'v')));
+        EXPECT_EQ(std::string(255, 'v'), seeding::GetKey(file, "New~", "Key~"));
         EXPECT_EQ("0 \"" + std::string(255, 'v') + '"', Ask(host, "GET_STR_FROM_CONFIG", key));
     }
 }

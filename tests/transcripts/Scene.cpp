@@ -9,6 +9,7 @@
 #include "notebook/Accounts.h"
 #include "notebook/Adapters.h"
 #include "notebook/Batteries.h"
+#include "notebook/DebugOutput.h"
 #include "notebook/EmbeddedController.h"
 #include "notebook/Machine.h"
 #include "notebook/Notebook.h"
@@ -97,6 +98,20 @@ std::string Counts()
         }
     }
     return text;
+}
+
+// What went to the debugger, with a visible line end.
+std::vector<std::string> DebuggerLines()
+{
+    std::vector<std::string> lines = DebugOutput::Texts();
+    for (std::string& line : lines)
+    {
+        if (const std::size_t end = line.find_last_not_of("\r\n") + 1; end < line.size())
+        {
+            line.replace(end, line.npos, "\\n");
+        }
+    }
+    return lines;
 }
 
 } // namespace
@@ -242,6 +257,7 @@ RequestOutcome Scene::Send(const Sample& sample)
 {
     const std::vector<std::byte> payload = PayloadOf(sample.command, sample.fields);
     Trace::Clear();
+    DebugOutput::Clear();
     SetLastError(ERROR_SUCCESS); // log lines quote it, also where no call has failed
     RequestOutcome outcome;
     outcome.answer = m_host->Send(sample.command, payload);
@@ -250,6 +266,7 @@ RequestOutcome Scene::Send(const Sample& sample)
     outcome.serviceRequests = m_service->TakeRequests();
     outcome.pluginLog = seeding::LogLines(kLogs[0]);
     outcome.engineLog = seeding::LogLines(kLogs[1]);
+    outcome.debugger = DebuggerLines();
     RemoveLogs();
     return outcome;
 }

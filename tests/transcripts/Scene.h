@@ -25,7 +25,8 @@ struct RequestOutcome
     std::vector<service::Request> serviceRequests;
     std::vector<std::string> pluginLog; ///< "trxpm.log"
     std::vector<std::string> engineLog; ///< "orvl.log"
-    std::string calls;                  ///< platform calls by class
+    std::vector<std::string> debugger;
+    std::string calls; ///< platform calls by class
 };
 
 class Scene

@@ -106,6 +106,7 @@ std::vector<std::string> Show(const Sample& sample, const RequestOutcome& outcom
     }
     AddLog(lines, "trxpm", outcome.pluginLog);
     AddLog(lines, "orvl", outcome.engineLog);
+    AddLog(lines, "debugger", outcome.debugger);
     for (const std::string& line : changes)
     {
         Add(lines, "change", line);

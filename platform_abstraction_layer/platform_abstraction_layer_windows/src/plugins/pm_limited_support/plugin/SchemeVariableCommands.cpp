@@ -110,13 +110,9 @@ LONG QuerySchemeAll(const Call& call) noexcept
     const auto scheme = exchange::ReadPayload<LONG>(call.request);
     PmLog(L"enter PM_QUERY_SCHEME_ALL, id=%d", scheme);
     PWRSET setting{};
-    if (call.engine.GetPwrVariableAll(setting, static_cast<int>(scheme)) != 1)
-    {
-        return TRX_OPERATION_FAIL;
-    }
+    call.engine.GetPwrVariableAll(setting, static_cast<int>(scheme));
     PM_Power_Scheme_Data_ALL reply;
     ConvertPwrSet(setting, reply);
-    reply.schemeID = scheme;
     exchange::WriteReply(call.request, reply);
     return TRX_OPERATION_OK;
 }
