@@ -55,18 +55,12 @@ const std::map<std::string, REGSAM> kAccesses = {
     {"set", KEY_SET_VALUE},
     {"enumerate", KEY_ENUMERATE_SUB_KEYS},
     {"create", KEY_CREATE_SUB_KEY},
-    {"generic-all", GENERIC_ALL},
 };
-
-std::string Status(LONG status)
-{
-    return std::to_string(status);
-}
 
 /// What a step gave, or why it failed.
 std::string Outcome(LONG status, const std::string& given)
 {
-    return status == ERROR_SUCCESS ? given : Status(status);
+    return status == ERROR_SUCCESS ? given : std::to_string(status);
 }
 
 std::string Make(State& state)
@@ -84,24 +78,14 @@ std::string Open(State& state)
     HKEY opened = nullptr;
     const LONG status = RegOpenKeyExW(state.target, state.Text(1), 0, kAccesses.at(state.Word(2)), &opened);
     RegCloseKey(opened);
-    return Status(status) + (opened == state.target ? "same" : "");
-}
-
-std::string OpenSimply(State& state)
-{
-    HKEY opened = nullptr;
-    const LONG status = RegOpenKeyW(state.target, state.Text(1), &opened);
-    const LONG written = RegSetValueExW(opened, L"simply", 0, REG_BINARY, nullptr, 0);
-    const char* const shown = opened == state.target ? "same" : written == ERROR_SUCCESS ? "writable" : "";
-    RegCloseKey(opened);
-    return Status(status) + shown;
+    return std::to_string(status) + (opened == state.target ? "same" : "");
 }
 
 std::string Set(State& state)
 {
     const auto size = static_cast<DWORD>((state.Word(2).size() + 1) * sizeof(wchar_t));
-    return Status(RegSetValueExW(state.target, state.Text(1), 0, REG_SZ,
-                                 reinterpret_cast<const BYTE*>(state.Text(2)), size));
+    return std::to_string(RegSetValueExW(state.target, state.Text(1), 0, REG_SZ,
+                                         reinterpret_cast<const BYTE*>(state.Text(2)), size));
 }
 
 std::string Get(State& state)
@@ -113,21 +97,16 @@ std::string Get(State& state)
     return Outcome(status, Narrow(text));
 }
 
-/// "key INDEX ROOM": the name and its length.
+/// "key INDEX ROOM": the name and its length, and what the simpler function gives.
 std::string KeyAt(State& state)
 {
     wchar_t name[kRoom] = {};
     DWORD length = state.Number(2);
     const LONG status =
         RegEnumKeyExW(state.target, state.Number(1), name, &length, nullptr, nullptr, nullptr, nullptr);
-    return Outcome(status, Narrow(name, length) + ':' + std::to_string(length));
-}
-
-std::string KeyAtSimply(State& state)
-{
-    wchar_t name[kRoom] = {};
-    const LONG status = RegEnumKeyW(state.target, state.Number(1), name, state.Number(2));
-    return Outcome(status, Narrow(name));
+    const std::string shown = Outcome(status, Narrow(name, length) + ':' + std::to_string(length));
+    const LONG simply = RegEnumKeyW(state.target, state.Number(1), name, state.Number(2));
+    return shown + ' ' + Outcome(simply, Narrow(name));
 }
 
 /// "value INDEX NAMEROOM DATAROOM": name, length, type, size.
@@ -142,7 +121,8 @@ std::string ValueAt(State& state)
         RegEnumValueW(state.target, state.Number(1), name, &length, nullptr, &type, data, &size);
     const std::string shown = Narrow(name, length) + ':' + std::to_string(length) + ':' +
                               std::to_string(type) + ':' + std::to_string(size);
-    return status == ERROR_SUCCESS ? shown : Status(status) + (size != state.Number(3) ? ":size" : "");
+    return status == ERROR_SUCCESS ? shown
+                                   : std::to_string(status) + (size != state.Number(3) ? ":size" : "");
 }
 
 std::string Keys(State& state)
@@ -154,7 +134,7 @@ std::string Keys(State& state)
         const LONG status = RegEnumKeyW(state.target, index, name, kRoom);
         if (status != ERROR_SUCCESS)
         {
-            return names + Status(status);
+            return names + std::to_string(status);
         }
         names += Narrow(name) + ' ';
     }
@@ -166,18 +146,18 @@ using Word = std::string (*)(State& state);
 const std::map<std::string, Word> kWords = {
     {"make", &Make},
     {"open", &Open},
-    {"opensimply", &OpenSimply},
     {"hold",
-     [](State& state) {
-         return Status(RegOpenKeyExW(state.key, state.Text(1), 0, kAccesses.at(state.Word(2)), &state.held));
+     [](State& state)
+     {
+         return std::to_string(
+             RegOpenKeyExW(state.key, state.Text(1), 0, kAccesses.at(state.Word(2)), &state.held));
      }},
-    {"close", [](State& state) { return Status(RegCloseKey(state.held)); }},
+    {"close", [](State& state) { return std::to_string(RegCloseKey(state.held)); }},
     {"set", &Set},
     {"get", &Get},
-    {"drop", [](State& state) { return Status(RegDeleteValueW(state.target, state.Text(1))); }},
-    {"delete", [](State& state) { return Status(RegDeleteKeyW(state.target, state.Text(1))); }},
+    {"drop", [](State& state) { return std::to_string(RegDeleteValueW(state.target, state.Text(1))); }},
+    {"delete", [](State& state) { return std::to_string(RegDeleteKeyW(state.target, state.Text(1))); }},
     {"key", &KeyAt},
-    {"keysimply", &KeyAtSimply},
     {"value", &ValueAt},
     {"keys", &Keys},
 };

@@ -4,8 +4,6 @@
 
 #include "Support.h"
 
-#include <cstring>
-
 namespace
 {
 
@@ -35,20 +33,12 @@ UINT Active()
     return scheme;
 }
 
-/// What `EnumPwrSchemes` told of one scheme.
-struct Seen
-{
-    std::string name;
-    std::string description;
-    DWORD nameSize;
-    ULONG videoOff;
-};
-
+/// What `EnumPwrSchemes` told.
 struct Walk
 {
     std::size_t stopAfter;
     std::vector<UINT> numbers = {};
-    std::vector<Seen> seen = {};
+    std::vector<std::string> told = {}; ///< of each: name and its length, description, a time of the policy
 };
 
 BOOLEAN CALLBACK Note(UINT number, DWORD nameSize, LPWSTR name, DWORD, LPWSTR description,
@@ -56,8 +46,9 @@ BOOLEAN CALLBACK Note(UINT number, DWORD nameSize, LPWSTR name, DWORD, LPWSTR de
 {
     Walk& walk = *reinterpret_cast<Walk*>(argument);
     walk.numbers.push_back(number);
-    walk.seen.push_back({Narrow(name), Narrow(description), nameSize, policy->user.VideoTimeoutAc});
-    return walk.seen.size() < walk.stopAfter ? TRUE : FALSE;
+    walk.told.push_back(Narrow(name) + ' ' + std::to_string(nameSize / sizeof(wchar_t)) + ' ' +
+                        Narrow(description) + ' ' + std::to_string(policy->user.VideoTimeoutAc));
+    return walk.told.size() < walk.stopAfter ? TRUE : FALSE;
 }
 
 Walk Enumerate(std::size_t stopAfter = 100)
@@ -119,17 +110,9 @@ TEST_F(SchemesTest, ASchemeIsWrittenUnderTheNumberThatTheCallerChose)
     WriteValue(HKEY_CURRENT_USER, kUserPower + "\\PowerPolicies\\no number", L"Name", REG_SZ, TextBytes("x"));
     const Walk walk = Enumerate();
     EXPECT_EQ((std::vector<UINT>{0, 1, 2, 3, 4, 5, 9, 17, 18}), walk.numbers);
-    EXPECT_EQ("Nine", walk.seen[6].name);
-    EXPECT_EQ("", walk.seen[6].description);
-    EXPECT_EQ("Train", walk.seen[7].name);
-    EXPECT_EQ("On the way", walk.seen[7].description);
-    EXPECT_EQ(6 * sizeof(wchar_t), walk.seen[7].nameSize);
-    EXPECT_EQ(60u, walk.seen[7].videoOff);
-}
-
-TEST_F(SchemesTest, TheCallbackEndsTheWalk)
-{
-    EXPECT_EQ((std::vector<UINT>{0, 1, 2}), Enumerate(3).numbers);
+    EXPECT_EQ("Nine 5  60", walk.told[6]);
+    EXPECT_EQ("Train 6 On the way 60", walk.told[7]);
+    EXPECT_EQ((std::vector<UINT>{0, 1, 2}), Enumerate(3).numbers) << "the callback ends the walk";
     EXPECT_EQ(ERROR_INVALID_PARAMETER, ErrorOf(EnumPwrSchemes(nullptr, 0)));
 }
 
@@ -137,7 +120,7 @@ TEST_F(SchemesTest, DeletionSparesTheActiveScheme)
 {
     EXPECT_EQ(ERROR_ACCESS_DENIED, ErrorOf(DeletePwrScheme(1)));
     EXPECT_EQ(ERROR_FILE_NOT_FOUND, ErrorOf(DeletePwrScheme(6)));
-    EXPECT_EQ(6u, Enumerate().seen.size());
+    EXPECT_EQ(6u, Enumerate().numbers.size());
 
     ASSERT_TRUE(DeletePwrScheme(5));
     EXPECT_FALSE(KeyExists(HKEY_CURRENT_USER, UserKey(5)));
@@ -157,17 +140,14 @@ TEST_F(SchemesTest, DeletionSparesTheActiveScheme)
 // A store that something else has damaged is told as such and gives nothing half read.
 TEST_F(SchemesTest, ADamagedStoreIsRefused)
 {
-    const std::vector<BYTE> tooShort(79, 0xAA);
-    const std::vector<BYTE> tooLong(65, 0xAA);
-    WriteValue(HKEY_CURRENT_USER, UserKey(0), L"Policies", REG_BINARY, tooShort);
-    WriteValue(HKEY_LOCAL_MACHINE, MachineKey("PowerPolicies", 2), L"Policies", REG_BINARY, tooLong);
+    WriteValue(HKEY_CURRENT_USER, UserKey(0), L"Policies", REG_BINARY, std::vector<BYTE>(79, 0xAA));
+    WriteValue(HKEY_LOCAL_MACHINE, MachineKey("PowerPolicies", 2), L"Policies", REG_BINARY,
+               std::vector<BYTE>(65, 0xAA));
     for (const UINT scheme : {0u, 2u})
     {
-        POWER_POLICY policy;
-        std::memset(&policy, 0x55, sizeof policy);
-        const std::vector<BYTE> before = BytesOf(policy);
+        POWER_POLICY policy{};
         EXPECT_EQ(ERROR_INVALID_DATA, ErrorOf(ReadPwrScheme(scheme, &policy)));
-        EXPECT_EQ(before, BytesOf(policy));
+        EXPECT_EQ(BytesOf(POWER_POLICY{}), BytesOf(policy));
     }
     EXPECT_EQ((std::vector<UINT>{1, 3, 4, 5}), Enumerate().numbers);
 }
