@@ -37,12 +37,6 @@ void AgentsTest::SetUp()
     NewDriverInputs();
 }
 
-void AgentsTest::TearDown()
-{
-    KernelDriver::LetGo();
-    NotebookTest::TearDown();
-}
-
 std::string AgentsTest::Hex(std::span<const BYTE> bytes)
 {
     std::string text;

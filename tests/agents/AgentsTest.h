@@ -30,7 +30,6 @@ public:
 
 protected:
     void SetUp() override;
-    void TearDown() override;
 
     /// How often the plug-in called a platform function since the trace was cleared.
     static std::size_t Calls(const std::string& function);

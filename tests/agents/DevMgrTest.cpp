@@ -100,7 +100,6 @@ TEST_F(DevMgrTest, SetupGathersTheDevicesOfTheConfiguredClasses)
         EXPECT_THAT(NewLogLines(), testing::ElementsAre("Setup has been invoked."));
         EXPECT_EQ(kSucceeded, manager.ForceRefresh());
         EXPECT_EQ(kSucceeded, manager.Cleanup());
-        EXPECT_EQ(0U, Leaks::Count()) << Leaks::Describe();
     }
 }
 
@@ -136,15 +135,7 @@ TEST_F(DevMgrTest, DirectChangeRunsTheInstallerAndRestoresTheCursor)
     EXPECT_FALSE(Runs(kSecondCard));
     EXPECT_TRUE(Runs(kCard));
     EXPECT_EQ(kGeneralFailure, manager.ChangeState(2, OrvlDeviceDisable));
-    // The first change goes past the class's installers and may fail.
-    for (const auto& [function, result] : {std::pair{"SetupDiSetClassInstallParamsW", kGeneralFailure},
-                                           {"SetupDiChangeState", kSucceeded},
-                                           {"SetupDiCallClassInstaller", kGeneralFailure}})
-    {
-        Faults::Inject(function, 1, ERROR_ACCESS_DENIED);
-        EXPECT_EQ(result, manager.ChangeState(1, OrvlDeviceEnable)) << function;
-        EXPECT_EQ(cursor, Cursor::Shown()) << function;
-    }
+    EXPECT_EQ(cursor, Cursor::Shown());
     EXPECT_THAT(Trace::CallsOf("LoadCursorW").front().arguments, testing::EndsWith("0x7F02"));
 }
 

@@ -22,29 +22,19 @@ protected:
         agent.Initialize();
     }
 
-    /// An adapter and what its driver key holds; "none" for a value that isn't there.
-    struct DriverKey
-    {
-        const char* description;
-        const char* plain;    ///< "DuplexMode"
-        const char* standard; ///< "*SpeedDuplex"
-    };
+    static constexpr const char* kPlain = "DuplexMode";
+    static constexpr const char* kStandard = "*SpeedDuplex";
+
+    /// A description and what the driver key holds.
+    using Adapter = std::pair<const char*, Adapters::Settings>;
 
     /// Makes these the only adapters.
-    static void UseAdapters(const std::vector<DriverKey>& keys)
+    static void UseAdapters(const std::vector<Adapter>& adapters)
     {
         Adapters::Clear();
-        for (const DriverKey& key : keys)
+        for (const auto& [description, settings] : adapters)
         {
-            const std::string adapter = Adapters::Add(key.description, {});
-            for (const auto& [name, text] :
-                 {std::pair{"DuplexMode", key.plain}, {"*SpeedDuplex", key.standard}})
-            {
-                if (std::string(text) != "none")
-                {
-                    ASSERT_TRUE(Adapters::SetSetting(adapter, name, text));
-                }
-            }
+            ASSERT_NE("", Adapters::Add(description, settings));
         }
     }
 
@@ -52,8 +42,8 @@ protected:
     static std::string Stored(std::size_t index)
     {
         const std::string adapter = Adapters::All().at(index);
-        return Adapters::Setting(adapter, "DuplexMode").value_or("none") + ' ' +
-               Adapters::Setting(adapter, "*SpeedDuplex").value_or("none");
+        return Adapters::Setting(adapter, kPlain).value_or("none") + ' ' +
+               Adapters::Setting(adapter, kStandard).value_or("none");
     }
 
     CLanAgent agent;
@@ -63,16 +53,21 @@ TEST_F(LanAgentTest, SpeedIsStoredWhereTheDriverKeepsIt)
 {
     const struct
     {
-        DriverKey adapter;
+        Adapter adapter;
         int level;
         int result;
         const char* stored;
     } cases[] = {
-        {{"Realtek GBE", "0", "none"}, 5, 5, "5 none"}, {{"Realtek GBE", "none", "0"}, 5, 5, "none 6"},
-        {{"Realtek GBE", "none", "0"}, 4, 4, "none 4"}, {{"Realtek GBE", "none", "0"}, 6, -1, "none 0"},
-        {{"Realtek GBE", "0", "none"}, 6, 6, "6 none"}, {{"Realtek GBE", "none", "none"}, 1, -1, "none none"},
-        {{"JMicron GBE", "0", "0"}, 5, 5, "0 5"},       {{"JMicron GBE", "0", "none"}, 5, -1, "0 none"},
-        {{"REALTEK GBE", "0", "0"}, 5, -1, "0 0"},      {{"Realtek GBE", "1", "1"}, 0, 0, "0 1"},
+        {{"Realtek GBE", {{kPlain, "0"}}}, 5, 5, "5 none"},
+        {{"Realtek GBE", {{kStandard, "0"}}}, 5, 5, "none 6"},
+        {{"Realtek GBE", {{kStandard, "0"}}}, 4, 4, "none 4"},
+        {{"Realtek GBE", {{kStandard, "0"}}}, 6, -1, "none 0"},
+        {{"Realtek GBE", {{kPlain, "0"}}}, 6, 6, "6 none"},
+        {{"Realtek GBE", {}}, 1, -1, "none none"},
+        {{"JMicron GBE", {{kPlain, "0"}, {kStandard, "0"}}}, 5, 5, "0 5"},
+        {{"JMicron GBE", {{kPlain, "0"}}}, 5, -1, "0 none"},
+        {{"REALTEK GBE", {{kPlain, "0"}, {kStandard, "0"}}}, 5, -1, "0 0"},
+        {{"Realtek GBE", {{kPlain, "1"}, {kStandard, "1"}}}, 0, 0, "0 1"},
     };
     for (const auto& row : cases)
     {
@@ -90,7 +85,8 @@ TEST_F(LanAgentTest, SpeedIsStoredWhereTheDriverKeepsIt)
 // An agent without words knows no adapter.
 TEST_F(LanAgentTest, WithoutInitializeNoAdapterMatches)
 {
-    UseAdapters({{"Realtek Wireless", "1", "2"}, {"JMicron GBE", "3", "4"}});
+    UseAdapters({{"Realtek Wireless", {{kPlain, "1"}, {kStandard, "2"}}},
+                 {"JMicron GBE", {{kPlain, "3"}, {kStandard, "4"}}}});
     CLanAgent fresh;
     EXPECT_EQ(-1, fresh.SetLanSpeed(5));
     EXPECT_EQ("1 2 3 4", Stored(0) + ' ' + Stored(1));
@@ -102,14 +98,14 @@ TEST_F(LanAgentTest, WithoutInitializeNoAdapterMatches)
 
 TEST_F(LanAgentTest, SpeedIsReadFromTheFirstAdapterThatHasOne)
 {
-    const std::pair<std::vector<DriverKey>, int> cases[] = {
-        {{{"Realtek GBE", "3", "none"}}, 3},
-        {{{"Realtek GBE", "none", "6"}}, 5},
-        {{{"Realtek GBE", "none", "5"}}, -1},
-        {{{"JMicron GBE", "3", "6"}}, 6},
-        {{{"Other GBE", "1", "none"}, {"Realtek GBE", "none", "none"}, {"Realtek GBE", "2", "none"}}, 2},
+    const std::pair<std::vector<Adapter>, int> cases[] = {
+        {{{"Realtek GBE", {{kPlain, "3"}}}}, 3},
+        {{{"Realtek GBE", {{kStandard, "6"}}}}, 5},
+        {{{"Realtek GBE", {{kStandard, "5"}}}}, -1},
+        {{{"JMicron GBE", {{kPlain, "3"}, {kStandard, "6"}}}}, 6},
+        {{{"Other GBE", {{kPlain, "1"}}}, {"Realtek GBE", {}}, {"Realtek GBE", {{kPlain, "2"}}}}, 2},
         // The second word changes the value's name for the adapters behind it too.
-        {{{"JMicron GBE", "none", "none"}, {"Realtek GBE", "2", "3"}}, 3},
+        {{{"JMicron GBE", {}}, {"Realtek GBE", {{kPlain, "2"}, {kStandard, "3"}}}}, 3},
         {{}, -1},
     };
     for (const auto& [adapters, level] : cases)
@@ -122,7 +118,8 @@ TEST_F(LanAgentTest, SpeedIsReadFromTheFirstAdapterThatHasOne)
 
 TEST_F(LanAgentTest, SpeedIsStoredForEveryAdapterAndOneSuccessIsEnough)
 {
-    UseAdapters({{"Realtek GBE", "1", "none"}, {"Other", "1", "none"}, {"Realtek FE", "1", "none"}});
+    UseAdapters(
+        {{"Realtek GBE", {{kPlain, "1"}}}, {"Other", {{kPlain, "1"}}}, {"Realtek FE", {{kPlain, "1"}}}});
     EXPECT_EQ(2, agent.SetLanSpeed(2));
     EXPECT_EQ("2 none 1 none 2 none", Stored(0) + ' ' + Stored(1) + ' ' + Stored(2));
     Faults::Inject("RegSetValueExW", 1, ERROR_ACCESS_DENIED);

@@ -15,6 +15,7 @@
 #include "notebook/Adapters.h"
 #include "notebook/Batteries.h"
 #include "notebook/Chipset.h"
+#include "notebook/ListBox.h"
 #include "notebook/Machine.h"
 #include "notebook/Processor.h"
 #include "support/Snapshot.h"
@@ -152,6 +153,7 @@ void UseDevices(Protocol& run)
     run("ExecStateChange2(enable)", devices.ExecStateChange2(L"Realtek Wireless", OrvlDeviceEnable));
     run("GetDeviceStatus", devices.GetDeviceStatus(0, &status, &problem), status, problem);
     run("Cleanup", devices.Cleanup());
+    run("(cursor)", Cursor::Shown());
 }
 
 void UseAdapter(Protocol& run)
