@@ -37,24 +37,18 @@ void AgentsTest::SetUp()
     NewDriverInputs();
 }
 
-std::string AgentsTest::Hex(std::span<const BYTE> bytes)
-{
-    std::string text;
-    for (const BYTE byte : bytes)
-    {
-        char digits[4];
-        std::snprintf(digits, sizeof digits, text.empty() ? "%02X" : " %02X", byte);
-        text += digits;
-    }
-    return text;
-}
-
 std::vector<std::string> AgentsTest::NewDriverInputs()
 {
     std::vector<std::string> inputs;
     for (const KernelDriver::Request& request : KernelDriver::Requests())
     {
-        inputs.push_back(Hex(request.input));
+        std::string& input = inputs.emplace_back();
+        for (const BYTE byte : request.input)
+        {
+            char digits[4];
+            std::snprintf(digits, sizeof digits, input.empty() ? "%02X" : " %02X", byte);
+            input += digits;
+        }
     }
     KernelDriver::ForgetRequests();
     return inputs;

@@ -12,7 +12,6 @@
 
 #include <windows.h>
 
-#include <span>
 #include <string>
 #include <vector>
 
@@ -24,9 +23,6 @@ public:
 
     /// The inputs of the driver's requests since the last call, each as "47 52 44 49 ...".
     static std::vector<std::string> NewDriverInputs();
-
-    /// "47 52 44 49" for these bytes.
-    static std::string Hex(std::span<const BYTE> bytes);
 
 protected:
     void SetUp() override;

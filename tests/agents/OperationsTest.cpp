@@ -36,21 +36,16 @@ public:
     template <class... Answers>
     void operator()(const std::string& call, const Answers&... answers)
     {
-        Step step = {call, {}};
-        ((step.answers += ' ' + Show(answers)), ...);
+        std::string step = call;
+        ((step += ' ' + Show(answers)), ...);
         for (const std::string& input : AgentsTest::NewDriverInputs())
         {
-            std::string shown = input;
-            if (const std::size_t place = input.find(driversOwn); !driversOwn.empty() && place != input.npos)
-            {
-                shown.replace(place, driversOwn.size(), "(mapped address)");
-            }
-            step.answers += showsInputs ? "\n  < " + shown : "";
+            step += showsInputs ? "\n  < " + input : "";
         }
         for (const std::string& line : AgentsTest::NewLogLines())
         {
             // An empty line belongs to the one before, whose format ends in a line end of its own.
-            line.empty() ? step.log.back() += "\\n" : step.log.emplace_back(line);
+            step += line.empty() ? "\\n" : "\n  " + line;
         }
         m_steps.push_back(step);
         SetLastError(ERROR_SUCCESS); // log lines quote it, also where no call has failed
@@ -59,48 +54,35 @@ public:
     std::string Text() const
     {
         std::string text;
-        for (const Step& step : m_steps)
+        for (const std::string& step : m_steps)
         {
-            text += step.answers;
-            for (const std::string& line : step.log)
-            {
-                text += "\n  " + line;
-            }
-            text += '\n';
+            text += step + '\n';
         }
         return text;
     }
 
-    // The first step that isn't as in `good`, with its last line of the log, and how many other steps aren't.
-    // Empty for no difference.
+    // The first step that isn't as in `good`, with its last line, and how many other steps aren't. Empty for
+    // no difference.
     std::string Effect(const Protocol& good) const
     {
         std::string effect;
         int others = -1;
         for (std::size_t place = 0; place < m_steps.size(); ++place)
         {
-            const Step& step = m_steps[place];
+            const std::string& step = m_steps[place];
             if ((place >= good.m_steps.size() || step != good.m_steps[place]) && others++ < 0)
             {
-                effect = step.answers.substr(0, step.answers.find('\n')) +
-                         (step.log.empty() ? "" : " | " + step.log.back());
+                const std::size_t last = step.rfind("\n  ");
+                effect = step.substr(0, step.find('\n')) +
+                         (last == step.npos ? "" : " | " + step.substr(last + 3));
             }
         }
         return others > 0 ? effect + " ... " + std::to_string(others) : effect;
     }
 
     bool showsInputs = false; ///< what went to the driver
-    std::string driversOwn;   ///< bytes among them that are others in each run
 
 private:
-    struct Step
-    {
-        std::string answers; ///< behind the call
-        std::vector<std::string> log;
-
-        bool operator==(const Step&) const = default;
-    };
-
     static std::string Show(std::int64_t number)
     {
         std::ostringstream text;
@@ -114,7 +96,7 @@ private:
         return '"' + seeding::Utf8(text) + '"';
     }
 
-    std::vector<Step> m_steps;
+    std::vector<std::string> m_steps;
 };
 
 void UseBatteries(Protocol& run)
@@ -211,7 +193,7 @@ void UseHardware(Protocol& run)
     run("WritePCIConfig", hardware.WritePCIConfig(L"\\Device\\NTPNP_PCI0005", 0x80, &data, 4));
     run("MapMemorySpace",
         hardware.MapMemorySpace(reinterpret_cast<void*>(ULONG_PTR{0xFED1C010}), 4, &mapping));
-    run.driversOwn = mapping == nullptr ? "" : AgentsTest::Hex({static_cast<const BYTE*>(mapping), 8});
+    run.showsInputs = false; // they hold the mapping's address
     run("WriteMemory", hardware.WriteMemory(mapping, &data, 4));
     run("ReadMemory", hardware.ReadMemory(mapping, &data, 4), data);
     run("UnmapMemorySpace", hardware.UnmapMemorySpace(mapping));
