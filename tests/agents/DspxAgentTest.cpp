@@ -15,24 +15,21 @@ namespace
 
 using Words = std::vector<DWORD>;
 
-/// The records of the three policies as the driver holds them.
-struct Policies
-{
-    Words frqg = {0};
-    Words abr = {0, 0, 0, 0, 0};
-    Words lums = {0, 0, 0, 0, 0};
+constexpr const char* kNames[] = {"FRQG", "ABR", "LUMS"};
 
-    bool operator==(const Policies&) const = default;
-};
+/// The records of the three policies as the driver holds them.
+using Policies = std::vector<Words>;
+const Policies kNone = {{0}, {0, 0, 0, 0, 0}, {0, 0, 0, 0, 0}};
 
 class DspxAgentTest : public AgentsTest
 {
 protected:
     static void UsePolicies(const Policies& policies)
     {
-        Graphics::SetPolicy("FRQG", policies.frqg);
-        Graphics::SetPolicy("ABR", policies.abr);
-        Graphics::SetPolicy("LUMS", policies.lums);
+        for (std::size_t place = 0; place < policies.size(); ++place)
+        {
+            Graphics::SetPolicy(kNames[place], policies[place]);
+        }
     }
     static Policies Present()
     {
@@ -46,7 +43,7 @@ TEST_F(DspxAgentTest, WordStandsForTheThreePolicies)
         {{{1}, {0, 0, 0, 0, 0}, {1, 0, 0, 2, 0}}, 0x44000002},
         {{{0}, {1, 0, 0, 0, 0}, {0, 0, 0, 0, 0}}, 0x10000000},
         {{{0}, {0, 1, 0, 0, 0}, {1, 0, 0, 0xFFFFF, 0}}, 0x240FFFFF},
-        {{}, 0},
+        {kNone, 0},
     };
     CDspxAgent agent;
     ASSERT_EQ(kSucceeded, agent.Setup());
@@ -65,7 +62,7 @@ TEST_F(DspxAgentTest, WordStandsForTheThreePolicies)
     UsePolicies({{0}, {0, 0, 0, 0, 0}, {1, 0, 0, 0xFFF00001, 0}});
     EXPECT_EQ(0x04000001, agent.GetEblLevel());
     EXPECT_EQ(3, agent.SetEblLevel(3));
-    EXPECT_EQ(0U, Present().lums[0]) << "the level's bits are none of the feature's";
+    EXPECT_EQ(0U, Present()[2][0]) << "the level's bits are none of the feature's";
     NewLogLines();
     EXPECT_EQ(-1, agent.SetEblLevel(-1));
     EXPECT_THAT(NewLogLines(), testing::ElementsAre("Wrong level!"));
@@ -87,12 +84,12 @@ TEST_F(DspxAgentTest, FeatureThatTheDriverDoesntHaveIsPassedOverAndOtherFailures
         EXPECT_THAT(NewLogLines(), testing::Each(std::string("Unsupported power policy ") + policy + '!'));
     }
     // The driver's own error counts beside the result of the call.
-    UsePolicies({});
+    UsePolicies(kNone);
     Graphics::Refuse("GetPowerPolicy.ABR", {0, 7});
     Graphics::Refuse("SetPowerPolicy.ABR", {0, 7});
     EXPECT_EQ(-1, agent.GetEblLevel());
     EXPECT_EQ(-1, agent.SetEblLevel(0x74000001));
-    EXPECT_EQ((Policies{{1}}), Present());
+    EXPECT_EQ((Policies{{1}, kNone[1], kNone[2]}), Present());
     Graphics::Refuse("GetPowerConsCaps", {0, 7});
     EXPECT_EQ(0U, agent.CheckSupportStatus());
     Graphics::Refuse("PowerApiClose", {0, 7});

@@ -90,10 +90,9 @@ TEST_F(LanAgentTest, WithoutInitializeNoAdapterMatches)
     CLanAgent fresh;
     EXPECT_EQ(-1, fresh.SetLanSpeed(5));
     EXPECT_EQ("1 2 3 4", Stored(0) + ' ' + Stored(1));
-    EXPECT_EQ(-1, fresh.GetLanSpeed());
-    EXPECT_EQ(-1, fresh.ApplySettings());
-    EXPECT_EQ(-1, fresh.GetLANConnectStatus());
-    EXPECT_EQ(-1, fresh.SetWLANConnectStatus(0));
+    EXPECT_THAT((std::array{fresh.GetLanSpeed(), fresh.ApplySettings(), fresh.GetLANConnectStatus(),
+                            fresh.SetWLANConnectStatus(0)}),
+                testing::Each(-1));
 }
 
 TEST_F(LanAgentTest, SpeedIsReadFromTheFirstAdapterThatHasOne)

@@ -9,9 +9,13 @@
 #include "agents/BatAgent.h"
 #include "agents/CpuAgent.h"
 #include "agents/DevMgr.h"
+#include "agents/DisplayAgent.h"
 #include "agents/DspxAgent.h"
+#include "agents/EblTuner.h"
+#include "agents/EcAgent.h"
 #include "agents/HwSBX.h"
 #include "agents/LanAgent.h"
+#include "foundation/OrvlProfile.h"
 #include "notebook/Adapters.h"
 #include "notebook/Batteries.h"
 #include "notebook/Chipset.h"
@@ -210,6 +214,22 @@ void UseChipset(Protocol& run)
     run("GetFunctionDisable(InMemory)", chipset.GetFunctionDisable(L"InMemory", &disabled), disabled);
 }
 
+// What all classes have in common, and the tuners without a function.
+void UseTuners(Protocol& run)
+{
+    CEblTuner any;
+    CDisplayAgent display;
+    CLanAgent adapter;
+    run("GetVersion", CBatAgent().GetVersion(), CCpuAgent().GetVersion(), CDevMgr().GetVersion(),
+        display.GetVersion(), CDspxAgent().GetVersion(), any.GetVersion(), CEcAgent().GetVersion(),
+        CHwSBX().GetVersion(), CHwXA().GetVersion(), adapter.GetVersion(), CORVLCfg().GetVersion(),
+        CORVLProfile().GetVersion());
+    run("GetEblLevel", any.GetEblLevel(), adapter.GetEblLevel(), display.GetEblLevel());
+    run("SetEblLevel", any.SetEblLevel(5), adapter.SetEblLevel(5), display.SetEblLevel(5));
+    run("CheckSupportStatus", any.CheckSupportStatus(), adapter.CheckSupportStatus(),
+        display.CheckSupportStatus());
+}
+
 class Operations : public AgentsTest
 {
 protected:
@@ -297,6 +317,7 @@ TEST_F(Operations, OfGraphicsHaveTheirReviewedOutcomes) { Sweep("DspxAgent", Use
 TEST_F(Operations, OfTheChipsetHaveTheirReviewedOutcomes) { Sweep("HwSBX", UseChipset); }
 TEST_F(Operations, OfHardwareHaveTheirReviewedOutcomes) { Sweep("HwXA", UseHardware); }
 TEST_F(Operations, OfAdaptersHaveTheirReviewedOutcomes) { Sweep("LanAgent", UseAdapter); }
+TEST_F(Operations, OfTunersHaveTheirReviewedOutcomes) { Sweep("Tuners", UseTuners); }
 // clang-format on
 
 } // namespace
