@@ -3,10 +3,8 @@
 // What the registry functions do, in plain Win32 below one key of the running user: the simulated platform
 // and Windows itself are held to the same tables.
 //
-// Wine, on which the Windows build runs in the tests, differs where a row says what it does there:
-//  - it opens a key for no access at all, and takes names of 256 characters;
-//  - it calls a key new that is created by the empty path;
-//  - it orders names by their small letters, so that "_" comes before them.
+// Wine, on which the Windows build runs in the tests, differs where a row says what it does there: it orders
+// names by their small letters, so that "_" comes before them.
 
 #include "RegistryScript.h"
 #include "kernel32/OwnedHandle.h"
@@ -57,8 +55,6 @@ struct Case
     const char* onWine = nullptr;
 };
 
-const std::string kLongestName(255, 'n');
-
 // The registry functions answer their error and leave the last error alone, so each row looks at it too.
 TEST_F(RegistryConformance, Scripts)
 {
@@ -69,29 +65,19 @@ TEST_F(RegistryConformance, Scripts)
         {"no default", "get null", "2"},
         {"no value", "get absent", "2"},
         {"case doesn't matter", "-set NaMe x; get nAmE", "x"},
-        {"the first spelling stays", "-set NaMe x; -set name y; value 0 9 9; get NAME", "NaMe:4:1:4 y"},
-        {"a long name of a value",
-         "set " + kLongestName.substr(0, 200) + " x; get " + kLongestName.substr(0, 200), "0 x"},
         // Paths
         {"child", "-make Child; open Child", "0"},
         {"case of a path", "-make Child\\Grand; open cHILD\\gRAND", "0"},
         {"backslash at the end", "-make Child; open Child\\", "0"},
-        {"doubled inside", "-make Child\\Grand; open Child\\\\Grand", "0"},
         {"backslash in front", "-make Child; open \\Child", "161"},
         {"slash is a character", "-make a/b; open a/b; open a\\b", "0 2"},
         {"missing", "open Missing", "2"},
         {"missing in between", "open Missing\\Child", "2"},
         {"null opens anew", "open null", "0"},
         {"empty opens anew", "open ''", "0"},
-        {"percent sign and equal sign", "make %3D; make =; keys", "new new %3D = 259"},
-        {"longest name", "make " + kLongestName + "; open " + kLongestName, "new 0"},
-        {"too long a name", "make n" + kLongestName, "87", "new"},
         // Creating
         {"new and old", "make a; make A", "new old"},
         {"with all on the way", "make a\\b\\c; make a\\b; open a", "new old 0"},
-        {"created by the empty path", "make ''", "old", "new"},
-        // Access
-        {"access to nothing", "-make Child; open Child none", "5", "0"},
         // Enumerating
         {"no keys", "keys", "259"},
         {"in the order of names", "-make b; -make 10; -make A; -make 2; -make a_; -make aB; -make C; keys",
@@ -99,9 +85,6 @@ TEST_F(RegistryConformance, Scripts)
         {"just room for a key's name", "-make abc; key 0 4", "abc:3 abc"},
         {"no room for it", "-make abc; key 0 3", "234 234"},
         {"behind the last key", "-make abc; key 1 9", "259 259"},
-        {"name, type and size of a value", "-set val xy; value 0 4 6", "val:3:1:6"},
-        {"no room for a value's name", "-set val xy; value 0 3 6", "234"},
-        {"no room for its data", "-set val xy; value 0 4 5", "234:size"},
         // Deleting
         {"a key", "-make Child; delete cHILD; open Child", "0 2"},
         {"a key with subkeys", "-make Child\\Grand; delete Child; open Child\\Grand", "5 0"},
@@ -109,8 +92,8 @@ TEST_F(RegistryConformance, Scripts)
         {"no name", "delete null", "87"},
         {"what is open",
          "-make Child; -hold Child all; delete Child; @set v x; @make Grand; @get v; @keys; "
-         "@drop v; @value 0 9 9; @open Grand; @delete Grand",
-         "0 1018 1018 1018 1018 1018 1018 1018 1018"},
+         "@drop v; @open Grand; @delete Grand",
+         "0 1018 1018 1018 1018 1018 1018 1018"},
         {"a value", "-set Val x; drop vAL; drop Val", "0 2"},
         {"the default value", "-set null x; drop null; drop ''", "0 2"},
         // Handles
@@ -135,23 +118,19 @@ TEST_F(RegistryConformance, Scripts)
 // subkeys doesn't.
 TEST_F(RegistryConformance, AccessRights)
 {
-    // get, value, set, drop, keys, make, delete
+    // get, set, drop, keys, make, delete
     const std::pair<std::string, const char*> rows[] = {
-        {"all", "x v:1:1:4 0 0 Grand 259 new 0"},
-        {"read", "x v:1:1:4 5 5 Grand 259 new 0"},
-        {"write", "5 5 0 0 5 new 0"},
-        {"query", "x v:1:1:4 5 5 5 new 0"},
-        {"set", "5 5 0 0 5 new 0"},
-        {"enumerate", "5 5 5 5 Grand 259 new 0"},
-        {"create", "5 5 5 5 5 new 0"},
+        {"all", "x 0 0 Grand 259 new 0"}, {"read", "x 5 5 Grand 259 new 0"},
+        {"write", "5 0 0 5 new 0"},       {"query", "x 5 5 5 new 0"},
+        {"set", "5 0 0 5 new 0"},         {"enumerate", "5 5 5 Grand 259 new 0"},
+        {"create", "5 5 5 5 new 0"},
     };
     for (const auto& [access, told] : rows)
     {
         Refresh();
-        EXPECT_EQ(
-            told,
-            Play(m_key, "-make Child\\Grand; -hold Child all; -@set v x; -close; -hold Child " + access +
-                            "; @get v; @value 0 9 9; @set v y; @drop v; @keys; @make New; @delete Grand"))
+        EXPECT_EQ(told,
+                  Play(m_key, "-make Child\\Grand; -hold Child all; -@set v x; -close; -hold Child " +
+                                  access + "; @get v; @set v y; @drop v; @keys; @make New; @delete Grand"))
             << access;
     }
 }

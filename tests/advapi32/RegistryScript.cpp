@@ -46,7 +46,6 @@ struct State
 };
 
 const std::map<std::string, REGSAM> kAccesses = {
-    {"none", 0},
     {"", KEY_READ},
     {"read", KEY_READ},
     {"write", KEY_WRITE},
@@ -109,22 +108,6 @@ std::string KeyAt(State& state)
     return shown + ' ' + Outcome(simply, Narrow(name));
 }
 
-/// "value INDEX NAMEROOM DATAROOM": name, length, type, size.
-std::string ValueAt(State& state)
-{
-    wchar_t name[kRoom] = {};
-    BYTE data[kRoom] = {};
-    DWORD length = state.Number(2);
-    DWORD size = state.Number(3);
-    DWORD type = 0;
-    const LONG status =
-        RegEnumValueW(state.target, state.Number(1), name, &length, nullptr, &type, data, &size);
-    const std::string shown = Narrow(name, length) + ':' + std::to_string(length) + ':' +
-                              std::to_string(type) + ':' + std::to_string(size);
-    return status == ERROR_SUCCESS ? shown
-                                   : std::to_string(status) + (size != state.Number(3) ? ":size" : "");
-}
-
 std::string Keys(State& state)
 {
     std::string names;
@@ -158,7 +141,6 @@ const std::map<std::string, Word> kWords = {
     {"drop", [](State& state) { return std::to_string(RegDeleteValueW(state.target, state.Text(1))); }},
     {"delete", [](State& state) { return std::to_string(RegDeleteKeyW(state.target, state.Text(1))); }},
     {"key", &KeyAt},
-    {"value", &ValueAt},
     {"keys", &Keys},
 };
 
