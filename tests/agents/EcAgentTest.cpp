@@ -15,22 +15,7 @@ using namespace simulated;
 namespace
 {
 
-class EcAgentTest : public AgentsTest
-{
-protected:
-    void SetUp() override
-    {
-        AgentsTest::SetUp();
-        ASSERT_EQ(kSucceeded, agent.Setup());
-    }
-    void TearDown() override
-    {
-        agent.Cleanup();
-        AgentsTest::TearDown();
-    }
-
-    CEcAgent agent;
-};
+using EcAgentTest = AgentsTest;
 
 ULONG word;
 _BATTERY_EXTEND_FIELDS fields;
@@ -67,7 +52,9 @@ constexpr struct
 TEST_F(EcAgentTest, EachOperationSendsItsControlMethodAndFailsWithTheDriver)
 {
     EmbeddedController::SetBattery(15, {0x12, 0x34, 0x56, 0x78, 0x1FF, 0x00, 0x9A, 0xFFFFFFBC, 1, 2, 3, 4});
+    CEcAgent agent;
     CEcAgent fresh;
+    ASSERT_EQ(kSucceeded, agent.Setup());
     for (const auto& row : kMethodCalls)
     {
         std::string expected = row.input;
@@ -97,6 +84,9 @@ TEST_F(EcAgentTest, EachOperationSendsItsControlMethodAndFailsWithTheDriver)
 
 TEST_F(EcAgentTest, RefusedArgumentsCostNoDriverCall)
 {
+    CEcAgent agent;
+    ASSERT_EQ(kSucceeded, agent.Setup());
+    EXPECT_EQ(kAlreadySetUp, agent.Setup());
     EXPECT_EQ(-1, agent.SetBacklightLevel(-1));
     for (const LONG refused : {agent.GetStatus(nullptr), agent.GeneralRead(0xC0, nullptr),
                                agent.GeneralWrite(0xC0, 1, nullptr), agent.GetBatteryExtends(nullptr, 15)})
@@ -105,7 +95,6 @@ TEST_F(EcAgentTest, RefusedArgumentsCostNoDriverCall)
     }
     EXPECT_THAT((std::array{agent.GetAudioJackin(), agent.GetBatteryTemp(), agent.GetHotkeyIndex()}),
                 testing::Each(kGeneralFailure));
-    EXPECT_EQ(kAlreadySetUp, agent.Setup());
     EXPECT_TRUE(NewDriverInputs().empty());
     EXPECT_EQ(1U, Calls("CreateFileW"));
 }
@@ -121,8 +110,8 @@ TEST_F(EcAgentTest, SwitchingANetworkOnBringsItsAdapterBack)
         bool disabled;       ///< the adapter, before
         int status;
         int result;
-        const char*
-            order; ///< F: firmware asked or told, a second for the radio, ?: adapter looked at, !: changed
+        /// F: firmware asked or told, a second for the radio, ?: adapter looked at, !: changed
+        const char* order;
         bool runs; ///< the adapter, afterwards
     } kCases[] = {
         {&CEcAgent::SetWifiStatus, 0xC1, "Vendor Wireless Card", 1, true, 1, 1, "F?\?!", true},
@@ -134,6 +123,8 @@ TEST_F(EcAgentTest, SwitchingANetworkOnBringsItsAdapterBack)
         {&CEcAgent::SetLANStatus, 0xC2, "JMicron Card", 0, false, 1, 7, "FF?", true},
         {&CEcAgent::SetLANStatus, 0xC2, "Realtek Card", 1, true, 0, 7, "F", false},
     };
+    CEcAgent agent;
+    ASSERT_EQ(kSucceeded, agent.Setup());
     for (const auto& row : kCases)
     {
         SCOPED_TRACE(&row - kCases);
