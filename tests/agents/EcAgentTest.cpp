@@ -49,6 +49,8 @@ constexpr struct
 };
 // clang-format on
 
+const std::string kZeros = " 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00";
+
 TEST_F(EcAgentTest, EachOperationSendsItsControlMethodAndFailsWithTheDriver)
 {
     EmbeddedController::SetBattery(15, {0x12, 0x34, 0x56, 0x78, 0x1FF, 0x00, 0x9A, 0xFFFFFFBC, 1, 2, 3, 4});
@@ -57,11 +59,7 @@ TEST_F(EcAgentTest, EachOperationSendsItsControlMethodAndFailsWithTheDriver)
     ASSERT_EQ(kSucceeded, agent.Setup());
     for (const auto& row : kMethodCalls)
     {
-        std::string expected = row.input;
-        while (expected.size() < 16 * 3 - 1)
-        {
-            expected += " 00";
-        }
+        const std::string expected = (row.input + kZeros).substr(0, kZeros.size() - 1);
         for (DWORD item = EmbeddedController::kBacklight; item <= EmbeddedController::kBluetooth; ++item)
         {
             EmbeddedController::SetItem(item, item - 0xBE);

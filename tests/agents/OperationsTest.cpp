@@ -212,6 +212,9 @@ void UseChipset(Protocol& run)
     run("FunctionDisable(InMemory)", chipset.FunctionDisable(L"InMemory", 1));
     run("FunctionDisable(InPorts)", chipset.FunctionDisable(L"InPorts", 1));
     run("GetFunctionDisable(InMemory)", chipset.GetFunctionDisable(L"InMemory", &disabled), disabled);
+    std::array<BYTE, 2> inPci = {};
+    PciBus::Read({0, 31, 0}, 0x80, inPci);
+    run("(registers)", inPci[0], PhysicalMemory::Word(0xFED1F418), IoPorts::Read(0x1080, 2).value_or(0));
 }
 
 // What all classes have in common, and the tuners without a function.
@@ -253,7 +256,7 @@ protected:
         WriteInstalled("ORVLCfg.ini", "[OrvlDevMgr]\nDmOptions=0\n[DevGUIDs]\nNum=1\n"
                                       "GUID0={4D36E972-E325-11CE-BFC1-08002BE10318}\n");
         const std::string bridge = "Bus=0\nDevice=31\nFunction=0\n";
-        const std::string bit = bridge + "ValueSize=2\nBit=4\nDisableType=0\n";
+        const std::string bit = bridge + "ValueSize=2\nBit=5\nDisableType=0\n";
         const std::string base = "AddressSize=4\nAddressMask=0xFFFFC000\nAddressOffset=";
         WriteInstalled("SBXCfg.ini",
                        "[Device Identifications]\nSBXIdNumbers=1\n[SBX Identification 0]\n"
