@@ -59,8 +59,6 @@ TEST_F(RegistryFilesTest, EachValueHasAReadableFormThatGivesItBack)
         {{REG_BINARY, bytes}, shown},
         {{REG_BINARY, ""}, "hex:"},
         {{REG_SZ, std::string("a\0\0\0\0\0", 6)}, "hex(1):61,00,00,00,00,00"},
-        {{REG_SZ, std::string("\0\xD8\0\0", 4)}, "hex(1):00,d8,00,00"},
-        {{0x12345, ""}, "hex(12345):"},
     };
     for (const auto& [value, text] : rows)
     {

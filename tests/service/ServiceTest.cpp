@@ -1,6 +1,7 @@
 // tests/service/ServiceTest.cpp
 //
-// The service as the plug-in sees it: over the boards, in a process of its own.
+// The service as the plug-in sees it: over the boards, in a process of its own. What it does when it refuses,
+// stays silent or takes its time is in tests/sessions.
 
 #include "service/ServiceProcess.h"
 #include "support/NotebookTest.h"
@@ -19,7 +20,6 @@
 #include <setupapi.h>
 
 #include <algorithm>
-#include <chrono>
 #include <thread>
 #include <tuple>
 
@@ -96,23 +96,6 @@ TEST_F(ServiceTest, ASchemeIsStoredWithoutAListenerToo)
     EXPECT_EQ(0, Call(3, L"a\r\nserving\n\x1B[2J\x7F\x9B\x00A0\x00E4 ~\\", 17));
     EXPECT_TRUE(service.WaitFor("text \"a\\x0D\\x0Aserving\\x0A\\x1B[2J\\x7F\\x9B\xA0\xE4 ~\\\""));
     EXPECT_TRUE(service.WaitFor("answered code 1, value 0x0"));
-}
-
-// What it does when it refuses or stays silent is in tests/sessions.
-TEST_F(ServiceTest, ASlowAnswerIsWaitedForAsLongAsTheCallerWants)
-{
-    for (const auto& [delay, timeout, result] :
-         {std::tuple("300", kLongEnough, LONG{0}), {"1000", ULONG{200}, kGeneralFailure}})
-    {
-        Recreate({});
-        ServiceProcess service(Folder(), {"--slow", delay});
-        ASSERT_TRUE(service.IsServing());
-        const auto begin = std::chrono::steady_clock::now();
-        EXPECT_EQ(result, Call(3, L"x", 5, timeout));
-        EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(200));
-        EXPECT_TRUE(service.WaitFor("stored"));
-        EXPECT_EQ(5, StoredScheme());
-    }
 }
 
 TEST_F(ServiceTest, ADeviceIsSwitchedByItsInstanceId)
