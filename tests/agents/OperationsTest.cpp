@@ -65,20 +65,25 @@ public:
         return text;
     }
 
-    // The first step that isn't as in `good`, with its last line, and how many other steps aren't. Empty for
-    // no difference.
+    // The first step that isn't as in `good`, with the last line that is new in its log, and how many others
+    // aren't. Empty for no difference.
     std::string Effect(const Protocol& good) const
     {
         std::string effect;
         int others = -1;
         for (std::size_t place = 0; place < m_steps.size(); ++place)
         {
-            const std::string& step = m_steps[place];
-            if ((place >= good.m_steps.size() || step != good.m_steps[place]) && others++ < 0)
+            const std::string wanted = place < good.m_steps.size() ? good.m_steps[place] : "";
+            if (m_steps[place] != wanted && others++ < 0)
             {
-                const std::size_t last = step.rfind("\n  ");
-                effect = step.substr(0, step.find('\n')) +
-                         (last == step.npos ? "" : " | " + step.substr(last + 3));
+                std::istringstream lines(m_steps[place]);
+                std::getline(lines, effect);
+                std::string news;
+                for (std::string line; std::getline(lines, line);)
+                {
+                    news = wanted.find(line) == wanted.npos ? " |" + line.substr(1) : news;
+                }
+                effect += news;
             }
         }
         return others > 0 ? effect + " ... " + std::to_string(others) : effect;
