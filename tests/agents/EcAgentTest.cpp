@@ -73,6 +73,8 @@ TEST_F(EcAgentTest, EachOperationSendsItsControlMethodAndFailsWithTheDriver)
         EXPECT_LT(row.call(fresh), 0) << expected << " without Setup";
     }
     EXPECT_EQ(9U, word);
+    KernelDriver::RefuseRequests(ERROR_BUSY);
+    EXPECT_EQ(static_cast<LONG>(0x800700AA), agent.GetStatus(&word)) << "the driver's own answer";
     EXPECT_THAT(fields.field, testing::ElementsAre(0x5678, 0x1234, 0xFF00, 0x9ABC));
     EXPECT_EQ(kNotSetUp, fresh.GetStatus(&word));
     EXPECT_EQ(kNotSetUp, fresh.GetBatteryExtends(&fields, 15));

@@ -245,15 +245,12 @@ protected:
     {
         AgentsTest::SetUp();
         Batteries::Add();
-        for (const auto& [key, value] : {std::pair{"FullChargedCapacity", "43210"},
-                                         {"Temperature", "2999"},
-                                         {"ManufactureDate", "2008-03-17"},
-                                         {"ManufactureName", "Maker"},
-                                         {"UniqueID", "U-1"},
-                                         {"SerialNumber", "S-1"}})
-        {
-            Batteries::SetValue(0, key, value);
-        }
+        Batteries::SetValue(0, "FullChargedCapacity", "43210");
+        Batteries::SetValue(0, "Temperature", "2999");
+        Batteries::SetValue(0, "ManufactureDate", "2008-03-17");
+        Batteries::SetValue(0, "ManufactureName", "Maker");
+        Batteries::SetValue(0, "UniqueID", "U-1");
+        Batteries::SetValue(0, "SerialNumber", "S-1");
         Batteries::SetStatus(0, BATTERY_STATUS{5, 30000, 11100, -900});
         Batteries::RefuseOpening(1, ERROR_ACCESS_DENIED);
         Adapters::Clear();
