@@ -54,28 +54,6 @@ bool GetValue(HKEY root, std::string_view key, std::string_view name, void* data
 
 } // namespace
 
-std::vector<wchar_t> Wide(std::string_view text)
-{
-    std::vector<wchar_t> wide(text.size() + 1);
-    if (!text.empty())
-    {
-        MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), wide.data(),
-                            static_cast<int>(text.size()));
-    }
-    return wide;
-}
-
-std::string Utf8(const wchar_t* text)
-{
-    const int length = lstrlenW(text);
-    std::string narrow(static_cast<std::size_t>(length) * 3, '\0');
-    const int size = length == 0 ? 0
-                                 : WideCharToMultiByte(CP_UTF8, 0, text, length, narrow.data(),
-                                                       static_cast<int>(narrow.size()), nullptr, nullptr);
-    narrow.resize(static_cast<std::size_t>(size));
-    return narrow;
-}
-
 bool MakeKey(HKEY root, std::string_view key)
 {
     return static_cast<bool>(Made(root, key));

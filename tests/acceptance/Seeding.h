@@ -4,6 +4,8 @@
 // and on Windows. Texts are UTF-8 here.
 #pragma once
 
+#include "support/WideText.h"
+
 #include <windows.h>
 
 #include <optional>
@@ -14,9 +16,8 @@
 namespace seeding
 {
 
-/// `text` in wide characters with its terminator, and back.
-std::vector<wchar_t> Wide(std::string_view text);
-std::string Utf8(const wchar_t* text);
+using ::Utf8;
+using ::Wide;
 
 /// Makes a key, or writes a value and makes its key; false when the registry refuses.
 bool MakeKey(HKEY root, std::string_view key);

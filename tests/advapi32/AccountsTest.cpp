@@ -37,7 +37,7 @@ TEST_F(AccountsTest, NamesLeadToSids)
         SID_NAME_USE use = SidTypeUnknown;
         const BOOL found =
             LookupAccountNameW(nullptr, Wide(name).data(), sid, &sidSize, domain, &domainSize, &use);
-        EXPECT_EQ(expected, found && ConvertSidToStringSidW(sid, &text) ? Narrow(domain) + ' ' + Narrow(text)
+        EXPECT_EQ(expected, found && ConvertSidToStringSidW(sid, &text) ? Utf8(domain) + ' ' + Utf8(text)
                                                                         : std::to_string(GetLastError()));
         EXPECT_EQ(nullptr, LocalFree(text));
     }

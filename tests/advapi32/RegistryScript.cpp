@@ -93,7 +93,7 @@ std::string Get(State& state)
     DWORD size = sizeof text;
     const LONG status =
         RegQueryValueExW(state.target, state.Text(1), nullptr, nullptr, reinterpret_cast<BYTE*>(text), &size);
-    return Outcome(status, Narrow(text));
+    return Outcome(status, Utf8(text));
 }
 
 /// "key INDEX ROOM": the name and its length, and what the simpler function gives.
@@ -103,9 +103,9 @@ std::string KeyAt(State& state)
     DWORD length = state.Number(2);
     const LONG status =
         RegEnumKeyExW(state.target, state.Number(1), name, &length, nullptr, nullptr, nullptr, nullptr);
-    const std::string shown = Outcome(status, Narrow(name, length) + ':' + std::to_string(length));
+    const std::string shown = Outcome(status, Utf8(name) + ':' + std::to_string(length));
     const LONG simply = RegEnumKeyW(state.target, state.Number(1), name, state.Number(2));
-    return shown + ' ' + Outcome(simply, Narrow(name));
+    return shown + ' ' + Outcome(simply, Utf8(name));
 }
 
 std::string Keys(State& state)
@@ -119,7 +119,7 @@ std::string Keys(State& state)
         {
             return names + std::to_string(status);
         }
-        names += Narrow(name) + ' ';
+        names += Utf8(name) + ' ';
     }
 }
 

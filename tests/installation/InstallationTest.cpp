@@ -38,7 +38,7 @@ protected:
         wchar_t value[256];
         const std::string path = simulated::Notebook::kInstallationFolder + file;
         GetPrivateProfileStringW(Wide(section).data(), Wide(key).data(), L"", value, 256, Wide(path).data());
-        return Narrow(value);
+        return Utf8(value);
     }
 
     static int Number(const std::string& file, const std::string& section, const std::string& key)
@@ -80,7 +80,7 @@ TEST_F(InstallationTest, TheCatalogueDescribesEachVariable)
     for (int number = 0; number < kVariableCount; ++number)
     {
         const Variable& variable = VariableOf(number);
-        const std::string name = Narrow(variable.name);
+        const std::string name = Utf8(variable.name);
         SCOPED_TRACE(name);
         const std::vector<int> options = Options(name);
         EXPECT_GE(options.size(), 2u);
@@ -103,7 +103,7 @@ TEST_F(InstallationTest, EachSettingOfTheSystemIsOneThatAFreshMachineKnows)
     ASSERT_EQ(0u, PowerGetActiveScheme(nullptr, &active));
     for (int number = 0; number < kVariableCount; ++number)
     {
-        const std::string name = Narrow(VariableOf(number).name);
+        const std::string name = Utf8(VariableOf(number).name);
         SCOPED_TRACE(name);
         if (!HasSetting(VariableOf(number)))
         {

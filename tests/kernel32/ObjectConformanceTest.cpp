@@ -70,7 +70,7 @@ TEST(ObjectConformance, NamesAreToldApart)
     for (const auto& [name, error] : cases)
     {
         const OwnedHandle opened(OpenEventW(EVENT_ALL_ACCESS, FALSE, name));
-        EXPECT_EQ(error, ErrorOf(opened != nullptr)) << (name == nullptr ? "null" : Narrow(name));
+        EXPECT_EQ(error, ErrorOf(opened != nullptr)) << (name == nullptr ? "null" : Utf8(name));
     }
 }
 

@@ -46,8 +46,8 @@ BOOLEAN CALLBACK Note(UINT number, DWORD nameSize, LPWSTR name, DWORD, LPWSTR de
 {
     Walk& walk = *reinterpret_cast<Walk*>(argument);
     walk.numbers.push_back(number);
-    walk.told.push_back(Narrow(name) + ' ' + std::to_string(nameSize / sizeof(wchar_t)) + ' ' +
-                        Narrow(description) + ' ' + std::to_string(policy->user.VideoTimeoutAc));
+    walk.told.push_back(Utf8(name) + ' ' + std::to_string(nameSize / sizeof(wchar_t)) + ' ' +
+                        Utf8(description) + ' ' + std::to_string(policy->user.VideoTimeoutAc));
     return walk.told.size() < walk.stopAfter ? TRUE : FALSE;
 }
 
