@@ -3,7 +3,6 @@
 // The call to the service behind the boards, with a service that answers as each test wants it.
 
 #include "acceptance/Seeding.h"
-#include "foundation/InterProcessBoard.h"
 #include "foundation/OrvlCfg.h"
 #include "foundation/Results.h"
 #include "notebook/Clock.h"
@@ -16,8 +15,6 @@ using simulated::Faults;
 namespace
 {
 
-constexpr LONG kSize = 0x400;
-
 class ServiceCall : public NotebookTest
 {
 protected:
@@ -29,12 +26,12 @@ protected:
     }
 
     // The result, and the last line of the log, whose format ends in a line end of its own.
-    std::pair<LONG, std::string> Call(const std::string& text, ULONG timeout = 2000)
+    std::pair<LONG, std::string> Call(const std::string& text)
     {
         seeding::Remove("C:\\temp1234567890\\orvl.log");
         CORVLCfg anyObject;
         IpbDataHeader reply{7, 7, 7};
-        const LONG result = anyObject.ServiceCall(3, seeding::Wide(text).data(), 5, &reply, timeout);
+        const LONG result = anyObject.ServiceCall(3, seeding::Wide(text).data(), 5, &reply, 2000);
         EXPECT_EQ(7U, reply.code);
         std::string lines;
         for (const std::string& line : seeding::LogLines("orvl.log"))
@@ -50,7 +47,10 @@ using Outcome = std::pair<LONG, std::string>;
 TEST_F(ServiceCall, TheRequestArrivesWholeAndTheValueComesBack)
 {
     const std::string longest(505, 't');
-    BoardService service([](const service::Request&) { return service::Answer{1, 42}; });
+    BoardService service(
+        [](const service::Request& request) {
+            return service::Answer{*request.text == L'f' ? 0U : 1U, 42};
+        });
     EXPECT_EQ(Outcome(42, "CDevMgr::DoStateChangeRemote got result 2a$"), Call("x"));
     EXPECT_EQ(42, Call(longest).first);
     EXPECT_EQ(42, CORVLCfg().ServiceCall(3, nullptr, 5, nullptr, 2000));
@@ -60,27 +60,10 @@ TEST_F(ServiceCall, TheRequestArrivesWholeAndTheValueComesBack)
     EXPECT_EQ("x", seeding::Utf8(requests[0].text));
     EXPECT_EQ(longest, seeding::Utf8(requests[1].text));
     EXPECT_EQ("", seeding::Utf8(requests[2].text));
+    EXPECT_EQ(Outcome(kGeneralFailure, "A failure notice received in CDevMgr$"), Call("fail"));
     simulated::Trace::Clear();
     EXPECT_EQ(Outcome(kGeneralFailure, "Data too long for outbound board in CDevMgr.$"), Call(longest + 't'));
     EXPECT_TRUE(simulated::Trace::CallsOf("OpenEventW").empty());
-}
-
-TEST_F(ServiceCall, AFailureNoticeFailsWhateverItsValue)
-{
-    const BoardService service([](const service::Request&) { return service::Answer{0, 0}; });
-    EXPECT_EQ(Outcome(kGeneralFailure, "A failure notice received in CDevMgr$"), Call("x"));
-}
-
-// An answer that came too late for an earlier request must not count for this one.
-TEST_F(ServiceCall, AnOldAnswerIsNotTakenForThatOfASilentService)
-{
-    const BoardService service([](const service::Request&) { return std::nullopt; });
-    CInterProcessBoard results;
-    ASSERT_EQ(kSucceeded, results.Reset(L"ORVL_IPB_RSLT", kSize, 0, 0));
-    IpbDataHeader old{1, 13, 0};
-    ASSERT_EQ(kSucceeded, results.Paste(0, &old, sizeof old));
-    results.Flag(0);
-    EXPECT_EQ(Outcome(kGeneralFailure, "Waiting inbound board data timeout.$"), Call("x", 50));
 }
 
 // The other steps are in the failure rows of commands.
