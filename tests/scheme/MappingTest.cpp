@@ -36,13 +36,6 @@ TEST_F(XpMapping, MajorVersionSixAloneTakesTheVistaPath)
     }
 }
 
-TEST_F(VistaMapping, AFailedStartLeavesThePathAsItWas)
-{
-    Faults::Inject("GetVersionExW", 1, ERROR_INVALID_PARAMETER);
-    engine.Initialize();
-    EXPECT_EQ(1, engine.m_bVista);
-}
-
 // Without a function what needs it fails, whatever the others could do, and no row is taken for stale.
 TEST_F(VistaMapping, AMissingFunctionFailsWhatNeedsIt)
 {
@@ -90,18 +83,16 @@ TEST_F(XpMapping, SchemesAreTheSubkeysOfTheStores)
     Run("find 0 -> 1");
 }
 
-TEST_F(VistaMapping, RowsAndGuidsLeadToEachOther)
+TEST_F(VistaMapping, SchemesAreRowsAndHaveNoNames)
 {
     GUID guid{};
+    EXPECT_EQ(-1, engine.SchemeGuidToIndex(nullptr));
+    EXPECT_EQ(0, engine.SchemeIndexToGuid(-1, &guid) + engine.SchemeIndexToGuid(1, nullptr));
     EXPECT_EQ(1, engine.SchemeIndexToGuid(1, &guid));
     EXPECT_EQ(BytesOf(kBalanced), BytesOf(guid));
-    EXPECT_EQ(1, engine.SchemeGuidToIndex(&guid));
-    Run("next -> 3");
-    EXPECT_EQ(-1, engine.SchemeGuidToIndex(&kUnknown));
-    EXPECT_EQ(-1, engine.SchemeGuidToIndex(nullptr));
-    EXPECT_EQ(0, engine.SchemeIndexToGuid(-1, &guid));
-    EXPECT_EQ(0, engine.SchemeIndexToGuid(1, nullptr));
-    Run("find 7 -> 0");
+    EXPECT_EQ(-1, engine.FindPwrScheme(L"Portable/Laptop"));
+    EXPECT_EQ(-1, engine.SetPwrSchemeNameDesc(1, L"Mine", L""));
+    Run("delete 0 -> 0; delete 2 -> 0");
 }
 
 TEST_F(VistaMapping, AStaleRowGoesWithAllThatItHolds)
@@ -176,8 +167,13 @@ TEST_F(VistaMapping, ASearchThatEndsEarlyAddsOneRowOnly)
     EXPECT_EQ(-1, engine.SchemeGuidToIndex(&kBalanced)) << "no row is looked at";
 }
 
-TEST_F(VistaMapping, GuidTextsNeedRoomForTheirTerminator)
+TEST_F(VistaMapping, GuidTextsAreReadAndNeedRoomForTheirTerminator)
 {
+    GUID read{};
+    EXPECT_NE(0, engine.GuidFromString(seeding::Wide(kUnknownText).data(), &read));
+    EXPECT_EQ(BytesOf(kUnknown), BytesOf(read));
+    EXPECT_EQ(0, engine.GuidFromString(L"no", &read) + engine.GuidFromString(nullptr, &read) +
+                     engine.GuidFromString(seeding::Wide(kUnknownText).data(), nullptr));
     wchar_t buffer[40] = L"untouched";
     GUID guid = kBalanced;
     ULONG room = 0;

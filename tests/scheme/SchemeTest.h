@@ -31,6 +31,7 @@ class Engine : public CSchemeEx
 public:
     using CSchemeEx::FindPwrScheme;
     using CSchemeEx::GetHiberTimeFromStandbyTime;
+    using CSchemeEx::GuidFromString;
     using CSchemeEx::GuidIntoString;
     using CSchemeEx::ParseVarName;
     using CSchemeEx::ValidateData;
