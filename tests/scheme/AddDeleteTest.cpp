@@ -23,8 +23,6 @@ constexpr const char* kMachineKey =
 class AddDelete : public SchemeTest
 {
 protected:
-    using SchemeTest::SchemeTest;
-
     static int Add(Engine& who, const std::string& name, int from = 3)
     {
         return who.AddPwrScheme(seeding::Wide(name).data(), L"text", from, L"user");

@@ -21,8 +21,6 @@ constexpr const char* kProduct = "Software\\Kelvo\\ORVA";
 class Clearing : public SchemeTest
 {
 protected:
-    using SchemeTest::SchemeTest;
-
     void SetUp() override
     {
         SchemeTest::SetUp();
@@ -51,16 +49,7 @@ protected:
     }
 };
 
-class ClearingAll : public Clearing, public testing::WithParamInterface<DWORD>
-{
-protected:
-    ClearingAll() : Clearing(GetParam())
-    {
-    }
-};
-INSTANTIATE_TEST_SUITE_P(BothGenerations, ClearingAll, testing::Values(DWORD{5}, DWORD{6}));
-
-TEST_P(ClearingAll, TakesTheKeysOfThoseWhoAreNotLoggedOn)
+TEST_F(Clearing, TakesTheKeysOfThoseWhoAreNotLoggedOn)
 {
     ASSERT_TRUE(Notebook::AddStranger("dave"));
     ASSERT_TRUE(Notebook::LogOn("carol"));

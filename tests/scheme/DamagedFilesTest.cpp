@@ -140,10 +140,6 @@ TEST_F(XpDamagedFiles, AProductOfCountsEndsSoon)
     EXPECT_EQ(10005U, LooksOf([&] { EXPECT_EQ(1, engine.ClearPwrSchemes()); }));
     EXPECT_EQ(kAbsent, seeding::GetKey(Users(), "U8", "Number"));
     EXPECT_EQ("1000", seeding::GetKey(Users(), "U10", "Number"));
-    ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), "Number", "10001"));
-    ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), "Scheme0", "7"));
-    EXPECT_EQ(1, engine.ClearCurrentUserSettings());
-    EXPECT_EQ(kAbsent, seeding::GetKey(Users(), SidOf("alice"), "Number")) << "only one was there";
 }
 
 TEST_F(XpDamagedFiles, ANegativeCountIsNone)

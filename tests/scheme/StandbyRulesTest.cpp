@@ -86,14 +86,4 @@ TEST(StandbyRules, MoveOneTimeAndKeepTheOther)
     }
 }
 
-TEST(IdleTimes, FollowTheAction)
-{
-    EXPECT_EQ(600, StandbyTimeOf({600, kSleep, 1200}));
-    EXPECT_EQ(0, StandbyTimeOf({600, kHibernate, 0}));
-    EXPECT_EQ(1800, HibernateTimeOf({600, kSleep, 1200}));
-    EXPECT_EQ(0, HibernateTimeOf({600, kSleep, 0}));
-    EXPECT_EQ(600, HibernateTimeOf({600, kHibernate, 1200}));
-    EXPECT_EQ(0, HibernateTimeOf({600, kNone, 1200}));
-}
-
 } // namespace
