@@ -113,8 +113,6 @@ TEST_F(Boards, AFailingStepIsToldAndLeavesTheBoardClosedOrItsLockFree)
         EXPECT_TRUE(other.IsClosed()) << function;
         EXPECT_THAT(DebugOutput::Texts().back(), testing::StartsWith(message));
     }
-    constexpr const char* kUnlock =
-        "Fatal,calling ReleaseSemaphore in CInterProcessBoard::UnLock failed.\r\n";
     for (const auto& [function, nth, message] :
          {std::tuple{"ReleaseSemaphore", 1U, ""},
           {"WaitForSingleObject", 2U, "Fatal,CInterProcessBoard::Lock failed.\r\n"},
@@ -134,7 +132,8 @@ TEST_F(Boards, AFailingStepIsToldAndLeavesTheBoardClosedOrItsLockFree)
               DebugOutput::Texts().back());
     Faults::Inject("ReleaseSemaphore", 2, ERROR_NOT_ENOUGH_MEMORY);
     EXPECT_EQ(kSucceeded, board.Paste(0, data.data(), 4));
-    EXPECT_EQ(kUnlock, DebugOutput::Texts().back());
+    EXPECT_EQ("Fatal,calling ReleaseSemaphore in CInterProcessBoard::UnLock failed.\r\n",
+              DebugOutput::Texts().back());
     EXPECT_EQ(1, board.IsLocked());
 }
 

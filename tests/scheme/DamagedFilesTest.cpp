@@ -148,8 +148,6 @@ TEST_F(XpDamagedFiles, ANegativeCountIsNone)
     EXPECT_EQ(1, engine.AddtoUserScheme(L"name", L"alice", 42));
     EXPECT_EQ("1", seeding::GetKey(Users(), SidOf("alice"), "Number"));
     EXPECT_EQ(42, engine.FindPwrScheme(L"name", L"alice"));
-    ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), "Scheme0", ""));
-    EXPECT_EQ(0, engine.FindPwrScheme(L"name", L"alice"));
 }
 
 } // namespace

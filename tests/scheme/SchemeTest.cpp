@@ -19,45 +19,10 @@ void SchemeTest::SetUp()
     ActFor(engine, Notebook::kFirstUser);
 }
 
-std::string SchemeTest::FolderOf(const std::string& user)
-{
-    return Accounts::Find(user).value().profile + "\\Local Settings\\Application Data\\Kelvo\\ORVL\\Cfg";
-}
-
 void SchemeTest::ActFor(Engine& target, const std::string& user)
 {
     target.SetSubKeyProfilePath(seeding::Wide(user).data(), seeding::Wide(SidOf(user)).data(),
                                 seeding::Wide(FolderOf(user)).data());
-}
-
-std::string SchemeTest::SidOf(const std::string& user)
-{
-    return Accounts::Find(user).value().sid;
-}
-
-std::string SchemeTest::Values()
-{
-    return seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\PowerSchemes.ini";
-}
-
-std::string SchemeTest::Users()
-{
-    return seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\UserSchemes.ini";
-}
-
-std::string SchemeTest::Display(const std::string& user)
-{
-    return FolderOf(user) + "\\OrvProfile.ini";
-}
-
-std::string SchemeTest::Stored(int scheme, const std::string& key)
-{
-    return seeding::GetKey(Values(), "Scheme " + std::to_string(scheme), key);
-}
-
-bool SchemeTest::Store(int scheme, const std::string& key, const std::string& value)
-{
-    return seeding::SetKey(Values(), "Scheme " + std::to_string(scheme), key, value);
 }
 
 POWER_POLICY SchemeTest::Policy(int scheme)

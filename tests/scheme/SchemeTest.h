@@ -46,22 +46,44 @@ protected:
 
     /// Fills the engine's strings with those of an account.
     static void ActFor(Engine& target, const std::string& user);
-    static std::string SidOf(const std::string& user);
+    static std::string SidOf(const std::string& user)
+    {
+        return simulated::Accounts::Find(user).value().sid;
+    }
 
     /// A user's configuration folder, without a final backslash.
-    static std::string FolderOf(const std::string& user);
+    static std::string FolderOf(const std::string& user)
+    {
+        return simulated::Accounts::Find(user).value().profile +
+               "\\Local Settings\\Application Data\\Kelvo\\ORVL\\Cfg";
+    }
 
     // The files, by path.
 
     static constexpr const char* kRoot = "C:\\Program Files\\Kelvo\\ORVL\\Cfg\\ORVLCfg.ini";
     static constexpr const char* kCatalogue = "C:\\Program Files\\Kelvo\\ORVL\\Cfg\\PowerSetting.ini";
-    static std::string Values();
-    static std::string Users();
-    static std::string Display(const std::string& user);
+    static std::string Values()
+    {
+        return seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\PowerSchemes.ini";
+    }
+    static std::string Users()
+    {
+        return seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\UserSchemes.ini";
+    }
+    static std::string Display(const std::string& user)
+    {
+        return FolderOf(user) + "\\OrvProfile.ini";
+    }
 
     /// What stands under a key of a scheme's section in the scheme values file.
-    static std::string Stored(int scheme, const std::string& key);
-    static bool Store(int scheme, const std::string& key, const std::string& value);
+    static std::string Stored(int scheme, const std::string& key)
+    {
+        return seeding::GetKey(Values(), "Scheme " + std::to_string(scheme), key);
+    }
+    static bool Store(int scheme, const std::string& key, const std::string& value)
+    {
+        return seeding::SetKey(Values(), "Scheme " + std::to_string(scheme), key, value);
+    }
 
     using Lines = std::vector<std::string>;
     using Work = std::function<void()>;
