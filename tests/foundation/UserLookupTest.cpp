@@ -122,6 +122,8 @@ TEST_F(UserLookup, TheWalkPassesOverWhatBelongsToNobody)
         EXPECT_EQ((isUser ? name : Sid("alice")) + kPolicies, FindByLogon("alice"));
     }
     EXPECT_EQ("", FindByLogon("nobody"));
+    EXPECT_FALSE(seeding::GetText(HKEY_USERS, kShellFolders.substr(1) + '\\' + Sid("alice"), "Local AppData"))
+        << "a hive is found by the first name of a path alone";
     // ".DEFAULT" is another name of the service account's hive.
     ASSERT_TRUE(seeding::SetText(HKEY_USERS, ".DEFAULT" + kExplorer, "Logon User Name", "system"));
     EXPECT_EQ("S-1-5-18" + kPolicies, FindByLogon("system"));

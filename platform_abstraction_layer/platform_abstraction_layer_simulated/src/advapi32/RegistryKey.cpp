@@ -79,7 +79,9 @@ DWORD Descend(Place& place, std::string_view path)
         {
             return ERROR_INVALID_PARAMETER;
         }
-        std::string hive = place.hive.empty() ? hives::Loaded(name) : std::string();
+        // Hives are loaded right below HKEY_USERS only.
+        const bool isBelowUsers = place.hive.empty() && place.path.empty();
+        std::string hive = isBelowUsers ? hives::Loaded(name) : std::string();
         if (!hive.empty())
         {
             place.hive = std::move(hive);
