@@ -85,11 +85,6 @@ TEST_F(Clearing, WhatFailuresLeaveBehind)
     EXPECT_TRUE(HasKey(kMachine));
     EXPECT_TRUE(seeding::Exists(Users()));
 
-    // A key with subkeys can't be removed.
-    ASSERT_TRUE(seeding::MakeKey(HKEY_LOCAL_MACHINE, std::string(kProduct) + "\\Below"));
-    EXPECT_EQ(0, engine.ClearPwrSchemes());
-    EXPECT_FALSE(seeding::Exists(Users()));
-
     // No user scheme file.
     ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "UserScheme", ""));
     EXPECT_EQ("ClearPwrSchemes: initialize the user scheme cfg file failed",

@@ -36,6 +36,7 @@ TEST_F(WholeScheme, AMissingSchemeReadsAsNothing)
     std::fill_n(&set.dc.cpuSpeed, 9, -1);
     set.dc.lums = 0;
     EXPECT_EQ(BytesOf(set), BytesOf(read));
+    EXPECT_EQ(1, engine.SetPwrCfgVariable(set));
 }
 
 // A value of -1 is refused, so a record that was read leaves what it couldn't read alone.
