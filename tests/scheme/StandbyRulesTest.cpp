@@ -2,7 +2,7 @@
 //
 // Standby and hibernation in three fields: what each rule makes of each state.
 
-#include "scheme/StandbyRules.h"
+#include "scheme/xp/StandbyRules.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,18 @@
 // foundation/GuidText.h
 //
-// GUIDs as text, read by the system's own parser.
+// GUIDs as text.
 #pragma once
 
 #include <windows.h>
 
-/// Turns a GUID text in braces into `guid`. Nonzero on success; 0 for any other text and where the system
-/// has no parser. The parser's library stays loaded.
+#include <cstddef>
+
+/// Turns a GUID text in braces into `guid`, by the system's own parser. Nonzero on success; 0 for any other
+/// text and where the system has no parser. The parser's library stays loaded.
 int ParseGuid(const wchar_t* text, GUID* guid) noexcept;
+
+/// Characters of what `FormatGuid` gives, without the terminator.
+constexpr ULONG kGuidTextLength = 39;
+
+/// The text of `guid` in braces behind a blank, which a configuration file drops when it is read.
+void FormatGuid(const GUID& guid, wchar_t* target, std::size_t capacity) noexcept;

@@ -3,8 +3,9 @@
 // The companion application's entry in the machine's "Run" key, and the two records of the choice. What was
 // changed stays when a later step fails.
 
+#include "scheme/AutoRun.h"
+
 #include "foundation/Owners.h"
-#include "scheme/SchemeEx.h"
 #include "scheme/SchemeFiles.h"
 
 #include <algorithm>
@@ -38,13 +39,13 @@ void RecordFlagInFile(int flag) noexcept
 
 } // namespace
 
-int CSchemeEx::WriteAutoRunSettings(int flag, const wchar_t* path, ULONG size) noexcept
+int auto_run::WriteEntry(int flag, const wchar_t* path, ULONG size) noexcept
 {
     owners::Key key;
     const LSTATUS opened = RegOpenKeyExW(HKEY_LOCAL_MACHINE, kRunKey, 0, KEY_ALL_ACCESS, key.Receive());
     if (opened != ERROR_SUCCESS)
     {
-        DBGOUT(
+        CORVLBase::DBGOUT(
             L"WriteAutoRunSettings: Open Key Software\\Microsoft\\Windows\\CurrentVersion\\Run failed at %d!",
             opened);
         return 0;
@@ -54,7 +55,7 @@ int CSchemeEx::WriteAutoRunSettings(int flag, const wchar_t* path, ULONG size) n
         RegDeleteValueW(key.Get(), kOldEntry);
         if (const LSTATUS deleted = RegDeleteValueW(key.Get(), kEntry); deleted != ERROR_SUCCESS)
         {
-            DBGOUT(L"WriteAutoRunSettings: flag = %d delete Key failed at %d", flag, deleted);
+            CORVLBase::DBGOUT(L"WriteAutoRunSettings: flag = %d delete Key failed at %d", flag, deleted);
             return 0;
         }
     }
@@ -62,16 +63,16 @@ int CSchemeEx::WriteAutoRunSettings(int flag, const wchar_t* path, ULONG size) n
     {
         if (const LSTATUS written = WritePath(key.Get(), path, size); written != ERROR_SUCCESS)
         {
-            DBGOUT(L"WriteAutoRunSettings: Write ORVA path into Run failed at %d", written);
+            CORVLBase::DBGOUT(L"WriteAutoRunSettings: Write ORVA path into Run failed at %d", written);
             return 0;
         }
     }
     return 1;
 }
 
-int CSchemeEx::SetAutoRunORVA(int flag, const wchar_t* path, ULONG size) noexcept
+int auto_run::Set(int flag, const wchar_t* path, ULONG size) noexcept
 {
-    if (WriteAutoRunSettings(flag, path, size) != 1)
+    if (WriteEntry(flag, path, size) != 1)
     {
         return 0;
     }
@@ -80,14 +81,14 @@ int CSchemeEx::SetAutoRunORVA(int flag, const wchar_t* path, ULONG size) noexcep
         RegOpenKeyExW(HKEY_LOCAL_MACHINE, kApplicationKey, 0, KEY_ALL_ACCESS, key.Receive());
     if (opened != ERROR_SUCCESS)
     {
-        DBGOUT(L"SetAutoRunORVA: Open Key SOFTWARE\\Kelvo\\ORVA failed at %d!", opened);
+        CORVLBase::DBGOUT(L"SetAutoRunORVA: Open Key SOFTWARE\\Kelvo\\ORVA failed at %d!", opened);
         return 0;
     }
     const LSTATUS written = RegSetValueExW(key.Get(), L"AutoRunFlag", 0, REG_DWORD,
                                            reinterpret_cast<const BYTE*>(&flag), sizeof flag);
     if (written != ERROR_SUCCESS)
     {
-        DBGOUT(L"SetAutoRunORVA: Write value AutoRunFlag failed at %d", written);
+        CORVLBase::DBGOUT(L"SetAutoRunORVA: Write value AutoRunFlag failed at %d", written);
     }
     key.Reset();
     RecordFlagInFile(flag);

@@ -1,12 +1,13 @@
 // scheme/ClearAccounts.cpp
 //
-// Taking what lies in the profile and the hive of each account off the machine, whether he is logged on or
-// not. An account that can't be read is passed over.
+// Taking what lies in the profile and the hive of each account off the machine, whether its user is logged on
+// or not. An account that can't be read is passed over.
 
+#include "foundation/OrvlBase.h"
 #include "foundation/Owners.h"
 #include "foundation/Registry.h"
-#include "scheme/ClearFiles.h"
-#include "scheme/SchemeEx.h"
+#include "foundation/Text.h"
+#include "scheme/ClearSchemes.h"
 
 #include <iterator>
 
@@ -40,7 +41,7 @@ bool ReadProfilePath(HKEY list, const wchar_t* sid, Path& profile) noexcept
     return true;
 }
 
-void ClearAccount(CSchemeEx& engine, HKEY list, const wchar_t* sid) noexcept
+void ClearAccount(HKEY list, const wchar_t* sid) noexcept
 {
     Path profile;
     if (!ReadProfilePath(list, sid, profile))
@@ -54,10 +55,10 @@ void ClearAccount(CSchemeEx& engine, HKEY list, const wchar_t* sid) noexcept
 
     wchar_t hive[2 * text::kPathCapacity];
     text::Format(hive, L"%s\\NTUSER.DAT", static_cast<const wchar_t*>(folder));
-    engine.ClearUserRegSettings(hive, sid);
+    clear::UserHive(hive, sid);
     for (const wchar_t* file : kProfileFiles)
     {
-        DeleteFileBelow(folder, file, L"ClearCfgSettings: delete file = %s");
+        clear::DeleteFileBelow(folder, file, L"ClearCfgSettings: delete file = %s");
     }
 }
 
@@ -91,13 +92,13 @@ bool EnablePrivilege(HANDLE token, const LUID& privilege) noexcept
 
 } // namespace
 
-int CSchemeEx::ClearCfgSettings() noexcept
+int clear::Accounts() noexcept
 {
-    EnableRestoreBackupPrivilege();
+    EnableHivePrivileges();
     owners::Key list;
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kProfileList, 0, KEY_READ, list.Receive()) != ERROR_SUCCESS)
     {
-        DBGOUT(L"ClearCfgSettings: open key %s failed", kProfileList);
+        CORVLBase::DBGOUT(L"ClearCfgSettings: open key %s failed", kProfileList);
         return 0;
     }
     for (DWORD place = 0;; ++place)
@@ -108,38 +109,38 @@ int CSchemeEx::ClearCfgSettings() noexcept
             RegEnumKeyExW(list.Get(), place, sid, &length, nullptr, nullptr, nullptr, nullptr);
         if (result != ERROR_SUCCESS)
         {
-            DBGOUT(L"ClearCfgSettings: enumerate key failed at %d", result);
+            CORVLBase::DBGOUT(L"ClearCfgSettings: enumerate key failed at %d", result);
             return 0;
         }
-        DBGOUT(L"ClearCfgSettings: enumerate SID = %s", static_cast<const wchar_t*>(sid));
-        ClearAccount(*this, list.Get(), sid);
+        CORVLBase::DBGOUT(L"ClearCfgSettings: enumerate SID = %s", static_cast<const wchar_t*>(sid));
+        ClearAccount(list.Get(), sid);
     }
 }
 
-int CSchemeEx::ClearUserRegSettings(const wchar_t* hive, const wchar_t* sid) noexcept
+int clear::UserHive(const wchar_t* hive, const wchar_t* sid) noexcept
 {
     const LSTATUS loaded = RegLoadKeyW(HKEY_USERS, sid, hive);
     if (loaded != ERROR_SUCCESS)
     {
         // A hive that is loaded already belongs to a user who is logged on.
-        DBGOUT(L"RegLoadKey %s failed at %d", hive, loaded);
+        CORVLBase::DBGOUT(L"RegLoadKey %s failed at %d", hive, loaded);
     }
     else
     {
-        DBGOUT(L"RegLoadKey %s succeed at %d", hive, loaded);
+        CORVLBase::DBGOUT(L"RegLoadKey %s succeed at %d", hive, loaded);
         RemoveUserKey(sid);
     }
     const LSTATUS unloaded = RegUnLoadKeyW(HKEY_USERS, sid);
     if (unloaded != ERROR_SUCCESS)
     {
-        DBGOUT(L"Unload key %s failed at %d", sid, unloaded);
+        CORVLBase::DBGOUT(L"Unload key %s failed at %d", sid, unloaded);
         return 0;
     }
-    DBGOUT(L"Unload key temp successfully");
+    CORVLBase::DBGOUT(L"Unload key temp successfully");
     return 1;
 }
 
-int CSchemeEx::EnableRestoreBackupPrivilege() noexcept
+int clear::EnableHivePrivileges() noexcept
 {
     owners::Handle token;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, token.Receive()))
@@ -160,4 +161,13 @@ int CSchemeEx::EnableRestoreBackupPrivilege() noexcept
         allEnabled = EnablePrivilege(token.Get(), privilege) && allEnabled;
     }
     return allEnabled ? 1 : 0;
+}
+
+void clear::DeleteFileBelow(const wchar_t* folder, const wchar_t* suffix, const wchar_t* format) noexcept
+{
+    // Room for more than a whole path: a path that is too long must fail, not name another file.
+    wchar_t path[2 * text::kPathCapacity];
+    text::Format(path, L"%s\\%s", folder, suffix);
+    DeleteFileW(path);
+    CORVLBase::DBGOUT(format, static_cast<const wchar_t*>(path));
 }

@@ -3,9 +3,10 @@
 // Taking the schemes off the machine, one user's or everybody's, with the files and the key that belong to
 // them. Best effort: a scheme, file or key that can't be removed stays, and the clearing goes on.
 
+#include "scheme/ClearSchemes.h"
+
 #include "foundation/Owners.h"
 #include "foundation/SystemFolders.h"
-#include "scheme/ClearFiles.h"
 #include "scheme/SchemeEx.h"
 #include "scheme/UserSchemes.h"
 
@@ -89,50 +90,36 @@ bool RemoveMachineKey() noexcept
 
 } // namespace
 
-int CSchemeEx::ClearORV(int what) noexcept
+int clear::CurrentUser(CSchemeEx& engine) noexcept
 {
-    if (what == 1)
-    {
-        DBGOUT(L"enter ClearORV: ClearCurrentUserSettings");
-        ClearCurrentUserSettings();
-    }
-    else if (what == 0)
-    {
-        DBGOUT(L"enter ClearORV: ClearAllUserSettings");
-        ClearPwrSchemes();
-        ClearCfgSettings();
-    }
-    return 1;
-}
-
-int CSchemeEx::ClearCurrentUserSettings() noexcept
-{
-    SetActivePwrScheme(kDefaultScheme);
+    engine.SetActivePwrScheme(kDefaultScheme);
     CORVLProfile users;
     if (!OpenUserSchemes(users))
     {
         return -1;
     }
     EntryLimit limit(kMostCleared);
-    ClearUser(*this, users, m_szSubKey,
+    ClearUser(engine, users, engine.m_szSubKey,
               {L"ClearCurrentUserSettings: Get username=%s, Number=%d",
                L"ClearCurrentUserSettings: DeletePwrScheme(%d)"},
               limit);
-    DeleteFileBelow(m_szProfilePath, L"\\OrvProfile.ini", L"ClearCurrentUserSettings: delete file = %s");
-    DeleteFileBelow(m_szProfilePath, L"\\PowerSchemes.ini", L"ClearCurrentUserSettings: DeleteFile %s");
+    clear::DeleteFileBelow(engine.m_szProfilePath, L"\\OrvProfile.ini",
+                           L"ClearCurrentUserSettings: delete file = %s");
+    clear::DeleteFileBelow(engine.m_szProfilePath, L"\\PowerSchemes.ini",
+                           L"ClearCurrentUserSettings: DeleteFile %s");
     return 1;
 }
 
-int CSchemeEx::ClearPwrSchemes() noexcept
+int clear::AllUsers(CSchemeEx& engine) noexcept
 {
-    DBGOUT(L"enter ClearPwrSchemes");
-    SetActivePwrScheme(kDefaultScheme);
+    CORVLBase::DBGOUT(L"enter ClearPwrSchemes");
+    engine.SetActivePwrScheme(kDefaultScheme);
     CORVLProfile users;
     if (!OpenUserSchemes(users))
     {
         return -1;
     }
-    const bool isWhole = ClearAllUsers(*this, users);
+    const bool isWhole = ClearAllUsers(engine, users);
 
     wchar_t folder[text::kPathCapacity];
     if (!folders::GetConfigurationFolder(folder))
@@ -141,8 +128,8 @@ int CSchemeEx::ClearPwrSchemes() noexcept
     }
     if (isWhole)
     {
-        DeleteFileBelow(folder, L"\\UserSchemes.ini", kDeletedText);
+        clear::DeleteFileBelow(folder, L"\\UserSchemes.ini", kDeletedText);
     }
-    DeleteFileBelow(folder, L"\\PowerSchemes.ini", kDeletedText);
+    clear::DeleteFileBelow(folder, L"\\PowerSchemes.ini", kDeletedText);
     return RemoveMachineKey() ? 1 : 0;
 }

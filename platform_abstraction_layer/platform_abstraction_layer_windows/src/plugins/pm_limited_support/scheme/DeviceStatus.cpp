@@ -70,45 +70,46 @@ int WriteFunction(const wchar_t* name, int value) noexcept
 
 int CSchemeEx::GetDeviceStatus(wchar_t const* name, int* status) noexcept
 {
-    const int number = FindVariable(name);
-    if (number < 0)
+    const Variable* const variable = FindVariable(name);
+    if (variable == nullptr)
     {
         return -1;
     }
-    const Variable& variable = VariableOf(number);
     if (status == nullptr)
     {
-        return variable.device == LiveDevice::None ? 0 : -1;
+        return variable->device == LiveDevice::None ? 0 : -1;
     }
-    switch (variable.device)
+    switch (variable->device)
     {
     case LiveDevice::Bluetooth:
         return ReadRadio(Radio::Bluetooth, name, status);
     case LiveDevice::Wifi:
         return ReadRadio(Radio::Wifi, name, status);
     case LiveDevice::ChipsetFunction:
-        return ReadFunction(variable.name, status);
-    default:
-        return 0;
+        return ReadFunction(variable->name, status);
+    case LiveDevice::None:
+        break;
     }
+    return 0;
 }
 
 int CSchemeEx::SetDeviceStatus(wchar_t const* name, int value) noexcept
 {
-    const int number = FindVariable(name);
-    if (number < 0)
+    const Variable* const variable = FindVariable(name);
+    if (variable == nullptr)
     {
         return -1;
     }
-    switch (VariableOf(number).device)
+    switch (variable->device)
     {
     case LiveDevice::Bluetooth:
         return WriteRadio(Radio::Bluetooth, name, value);
     case LiveDevice::Wifi:
         return WriteRadio(Radio::Wifi, name, value);
     case LiveDevice::ChipsetFunction:
-        return WriteFunction(VariableOf(number).name, value);
-    default:
-        return 0;
+        return WriteFunction(variable->name, value);
+    case LiveDevice::None:
+        break;
     }
+    return 0;
 }

@@ -1,14 +1,18 @@
 // scheme/GlobalPolicy.cpp
 //
-// Bringing the requesting user's own power settings to the account in which this process runs: his disk and
-// hibernate times into a scheme, his buttons, lid actions and battery alarms into the global policy. Every
-// failure is logged and skips at most what depends on it.
+// Reading the user's settings from the hive and installing them. Every failure is logged and skips at most
+// what depends on it.
+
+#include "scheme/GlobalPolicy.h"
 
 #include "foundation/Modules.h"
+#include "foundation/OrvlBase.h"
 #include "foundation/Owners.h"
 #include "foundation/Registry.h"
-#include "scheme/SchemeEx.h"
+#include "foundation/Text.h"
 #include "scheme/SettingCatalogue.h"
+#include "scheme/Variables.h"
+#include "scheme/xp/PolicyStore.h"
 
 #include <cstdint>
 
@@ -25,9 +29,9 @@ using GlobalPolicyFunction = BOOLEAN(WINAPI*)(PGLOBAL_POWER_POLICY);
 class UserKey
 {
 public:
-    UserKey(const CSchemeEx& engine, const wchar_t* key) noexcept
+    UserKey(const wchar_t* user, const wchar_t* key) noexcept
     {
-        text::Format(m_path, L"%s\\%s", static_cast<const wchar_t*>(engine.m_szSubKey), key);
+        text::Format(m_path, L"%s\\%s", user, key);
     }
     const wchar_t* Path() const noexcept
     {
@@ -45,42 +49,42 @@ unsigned char* BytesOf(Record& record) noexcept
 }
 
 // A hibernate time that the target's standby time has overtaken gives way to a later one.
-void CopyHibernateTime(CSchemeEx& engine, int index, int ifAC, int time, int standby) noexcept
+void CopyHibernateTime(const PowerBackend& backend, int index, bool ac, int time, int standby) noexcept
 {
     if (time != 0 && time <= standby)
     {
         time = catalogue::HibernateTimeAfter(standby);
     }
-    engine.SetPwrVariable(index, ifAC, L"HibernateTimeOut", time);
+    variables::Write(backend, index, ac, VariableOf(kHibernateTimeOut), time);
 }
 
 // Disk and hibernate times of the user's active scheme into scheme `index`.
-void CopyTimes(CSchemeEx& engine, int index) noexcept
+void CopyTimes(const PowerBackend& backend, const wchar_t* user, int index) noexcept
 {
-    const int active = engine.ReadUserActivePowerScheme(UserKey(engine, kPowerKey).Path());
+    const int active = policy_store::ReadUserActiveScheme(UserKey(user, kPowerKey).Path());
     POWER_POLICY policy = {};
     ULONG size = sizeof policy.user;
-    if (engine.ReadUserPowerPolicy(active, UserKey(engine, kSchemesKey).Path(), BytesOf(policy.user),
-                                   &size) == 0)
+    if (policy_store::ReadUserPolicy(active, UserKey(user, kSchemesKey).Path(), BytesOf(policy.user),
+                                     &size) == 0)
     {
         CORVLBase::DBGOUT(L"SetGolbalPwrPolicyFromCurrentUser: Can't read user power policy: %ld", index);
         return;
     }
-    engine.SetPwrVariable(index, 1, L"DiskOffTimeOut", static_cast<int>(policy.user.SpindownTimeoutAc));
-    engine.SetPwrVariable(index, 0, L"DiskOffTimeOut", static_cast<int>(policy.user.SpindownTimeoutDc));
+    const Variable& diskOff = VariableOf(kDiskOffTimeOut);
+    variables::Write(backend, index, true, diskOff, static_cast<int>(policy.user.SpindownTimeoutAc));
+    variables::Write(backend, index, false, diskOff, static_cast<int>(policy.user.SpindownTimeoutDc));
 
     size = sizeof policy.mach;
-    if (engine.ReadMachinePowerPolicy(active, BytesOf(policy.mach), &size) == 0)
+    if (policy_store::ReadMachinePolicy(active, BytesOf(policy.mach), &size) == 0)
     {
         CORVLBase::DBGOUT(L"SetGolbalPwrPolicyFromCurrentUser: Can't read machine power policy: %ld", index);
         return;
     }
-    const int acTime = engine.GetHibernateTimeOutFromUserPowerPolicy(true, policy);
-    const int dcTime = engine.GetHibernateTimeOutFromUserPowerPolicy(false, policy);
-    const int acStandby = engine.GetPwrVariable(index, 1, L"StandbyTimeOut");
-    const int dcStandby = engine.GetPwrVariable(index, 0, L"StandbyTimeOut");
-    CopyHibernateTime(engine, index, 1, acTime, acStandby);
-    CopyHibernateTime(engine, index, 0, dcTime, dcStandby);
+    const Variable& standby = VariableOf(kStandbyTimeOut);
+    const int acStandby = variables::Read(backend, index, true, standby);
+    const int dcStandby = variables::Read(backend, index, false, standby);
+    CopyHibernateTime(backend, index, true, HibernateTimeOf(policy, true), acStandby);
+    CopyHibernateTime(backend, index, false, HibernateTimeOf(policy, false), dcStandby);
 }
 
 bool ReadUserGlobalPolicy(HKEY key, const wchar_t* path, GLOBAL_USER_POWER_POLICY& policy) noexcept
@@ -132,24 +136,24 @@ void InstallGlobalPolicy(const GLOBAL_USER_POWER_POLICY& user) noexcept
 
 } // namespace
 
-void CSchemeEx::SetGolbalPwrPolicyFromCurrentUser(int nIndex) noexcept
+void TakeOverUserPolicy(const PowerBackend& backend, const wchar_t* user, int index) noexcept
 {
-    DBGOUT(L"enter SetGolbalPwrPolicyFromCurrentUser");
-    CopyTimes(*this, nIndex);
+    CORVLBase::DBGOUT(L"enter SetGolbalPwrPolicyFromCurrentUser");
+    CopyTimes(backend, user, index);
 
-    const UserKey place(*this, kGlobalKey);
-    DBGOUT(L"query global power policy at %s", place.Path());
+    const UserKey place(user, kGlobalKey);
+    CORVLBase::DBGOUT(L"query global power policy at %s", place.Path());
     owners::Key key;
     if (RegOpenKeyExW(HKEY_USERS, place.Path(), 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
     {
-        DBGOUT(L"ReadUserPowerPolicy: Open key %s failed, error=%d", place.Path(), GetLastError());
+        CORVLBase::DBGOUT(L"ReadUserPowerPolicy: Open key %s failed, error=%d", place.Path(), GetLastError());
         return;
     }
-    GLOBAL_USER_POWER_POLICY user = {};
-    if (!ReadUserGlobalPolicy(key.Get(), place.Path(), user))
+    GLOBAL_USER_POWER_POLICY policy = {};
+    if (!ReadUserGlobalPolicy(key.Get(), place.Path(), policy))
     {
         return;
     }
-    InstallGlobalPolicy(user);
-    DBGOUT(L"Start recording log information:");
+    InstallGlobalPolicy(policy);
+    CORVLBase::DBGOUT(L"Start recording log information:");
 }

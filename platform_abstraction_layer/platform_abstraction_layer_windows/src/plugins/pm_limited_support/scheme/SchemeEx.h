@@ -22,7 +22,7 @@
 using PwrSchemeCallback = unsigned char(CALLBACK*)(unsigned int, ULONG, wchar_t*, ULONG, wchar_t*, LONG);
 
 /// Build the object, `Initialize`, fill the three strings, then operate. Nothing is cached: each operation
-/// goes back to the operating system and the files. `ifAC` picks the half for mains power (nonzero) or
+/// goes back to the operating system and the files. `ifAC` picks the value for AC power (nonzero) or
 /// battery power (0). Failures are results, their detail is logged; nothing is rolled back.
 class ORVL_API CSchemeEx : public CORVLBase
 {
@@ -85,7 +85,7 @@ public:
     /// The hibernate time in seconds that `policy` implies for the power source, 0 for never.
     int GetHibernateTimeOutFromUserPowerPolicy(bool ifAC, POWER_POLICY& policy) noexcept;
 
-    /// 1 on mains power, 0 on battery and where the system doesn't know.
+    /// 1 on AC power, 0 on battery and where the system doesn't know.
     int GetIfAC() noexcept;
 
     // Writing.
@@ -105,8 +105,13 @@ public:
     /// Writes the three display attributes into the user's scheme display file. Always 1.
     int SetPwrCfgVariable(PWRSET& set) noexcept;
 
-    // Mapping and the operating system's stores.
+    // Finding schemes, and the operating system's stores.
 
+protected:
+    /// 1 when the scheme exists, else 0.
+    int FindPwrScheme(int index) noexcept;
+
+public:
     /// The operating system's scheme of that name, case told apart, or -1; always -1 on the Vista path.
     int FindPwrScheme(const wchar_t* name) noexcept;
 
@@ -273,9 +278,6 @@ public:
     wchar_t m_szProfilePath[text::kPathCapacity]; ///< his configuration folder
 
 protected:
-    /// 1 when the scheme exists, else 0.
-    int FindPwrScheme(int index) noexcept;
-
     /// The variable's number, or -1. The case of the letters A to Z plays no part.
     int ParseVarName(const wchar_t* name) noexcept;
 

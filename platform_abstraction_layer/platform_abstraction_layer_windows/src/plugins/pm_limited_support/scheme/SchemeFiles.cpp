@@ -87,4 +87,11 @@ bool OpenDisplay(CORVLProfile& file, const wchar_t* folder) noexcept
     return FindName(kDisplayName, name) && file.Initialize(name, folder, 0) != 0;
 }
 
+void RemoveScheme(CORVLProfile& values, int index) noexcept
+{
+    ShortText section;
+    text::Format(section, kRowSection, index);
+    values.PutString(section, nullptr, nullptr);
+}
+
 } // namespace files

@@ -74,4 +74,7 @@ bool OpenCatalogue(CORVLCfg& file) noexcept;
 /// `folder` is the user's configuration folder.
 bool OpenDisplay(CORVLProfile& file, const wchar_t* folder) noexcept;
 
+/// Removes a scheme's section, stored variables included, from the open scheme values file.
+void RemoveScheme(CORVLProfile& values, int index) noexcept;
+
 } // namespace files

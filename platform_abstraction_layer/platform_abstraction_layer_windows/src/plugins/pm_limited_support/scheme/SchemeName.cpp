@@ -10,8 +10,7 @@ namespace
 {
 
 constexpr std::size_t kLongestGiven = 258;
-constexpr std::size_t kLongestXp = 29;
-constexpr std::size_t kLongestVista = 127;
+constexpr std::size_t kLongestStored = 29;
 
 } // namespace
 
@@ -50,9 +49,9 @@ bool SchemeName::Take(const wchar_t* name) noexcept
     return true;
 }
 
-bool SchemeName::IsShortEnough(bool isVista) const noexcept
+bool SchemeName::IsShortEnough() const noexcept
 {
-    return text::Length(m_text) <= (isVista ? kLongestVista : kLongestXp);
+    return text::Length(m_text) <= kLongestStored;
 }
 
 wchar_t* SchemeName::Text() noexcept

@@ -16,7 +16,7 @@ public:
     bool Take(const wchar_t* name) noexcept;
 
     /// True when the name isn't longer than a scheme's name may be.
-    bool IsShortEnough(bool isVista) const noexcept;
+    bool IsShortEnough() const noexcept;
 
     /// The trimmed name, as the operating system's functions want it.
     wchar_t* Text() noexcept;

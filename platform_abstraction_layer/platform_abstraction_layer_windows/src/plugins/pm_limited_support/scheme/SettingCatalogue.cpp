@@ -7,7 +7,6 @@
 #include "foundation/EntryLimit.h"
 #include "foundation/GuidText.h"
 #include "foundation/PowerProfile.h"
-#include "scheme/SchemeEx.h"
 #include "scheme/SchemeFiles.h"
 #include "scheme/VariableTable.h"
 
@@ -15,7 +14,6 @@ namespace
 {
 
 constexpr const wchar_t* kOptionCount = L"OptionNumber";
-constexpr const wchar_t* kHibernateTime = L"HibernateTimeOut";
 
 // Opens the catalogue to read of one variable. Without a name the system's functions would give the list of
 // all sections.
@@ -66,19 +64,6 @@ bool ReadGuid(CORVLCfg& file, const wchar_t* name, const wchar_t* key, GUID& gui
     return ReadText(file, name, key, value) && ParseGuid(value, &guid) != 0;
 }
 
-// Copies a text of the catalogue; its length, or -1 for none with `buffer` left alone.
-int CopyText(const wchar_t* name, const wchar_t* key, wchar_t* buffer, int size) noexcept
-{
-    CORVLCfg file;
-    files::ShortText value;
-    if (buffer == nullptr || size <= 0 || !OpenFor(file, name) || !ReadText(file, name, key, value))
-    {
-        return -1;
-    }
-    text::Copy(buffer, static_cast<std::size_t>(size), value);
-    return static_cast<int>(text::Length(buffer));
-}
-
 } // namespace
 
 bool catalogue::Offers(const wchar_t* name, int value) noexcept
@@ -96,7 +81,7 @@ int catalogue::HibernateTimeAfter(int standby) noexcept
     }
     int found = 0;
     return FindOption(
-               kHibernateTime, [standby](int option) { return option > standby; }, found)
+               VariableOf(kHibernateTimeOut).name, [standby](int option) { return option > standby; }, found)
                ? found
                : 0;
 }
@@ -108,69 +93,26 @@ bool catalogue::ReadSetting(const wchar_t* name, GUID& subGroup, GUID& setting) 
            ReadGuid(file, name, L"Guid", setting);
 }
 
-int CSchemeEx::ParseVarName(const wchar_t* name) noexcept
-{
-    return FindVariable(name);
-}
-
-int CSchemeEx::ParseVarName(const wchar_t* name, GUID* subGroup, GUID* setting) noexcept
-{
-    if (m_bVista == 0 || subGroup == nullptr || setting == nullptr)
-    {
-        return -1;
-    }
-    const int number = FindVariable(name);
-    const bool isComplete =
-        number >= 0 && (!HasSetting(VariableOf(number)) || catalogue::ReadSetting(name, *subGroup, *setting));
-    return isComplete ? number : -1;
-}
-
-int CSchemeEx::GuidFromString(const wchar_t* text, GUID* guid) noexcept
-{
-    return ParseGuid(text, guid);
-}
-
-int CSchemeEx::GetHiberTimeFromStandbyTime(int standby) noexcept
-{
-    return catalogue::HibernateTimeAfter(standby);
-}
-
-int CSchemeEx::GetPwrVariableOptCount(const wchar_t* name) noexcept
+int catalogue::OptionCount(const wchar_t* name) noexcept
 {
     CORVLCfg file;
     return OpenFor(file, name) ? file.GetInt(name, kOptionCount, -1) : -1;
 }
 
-int CSchemeEx::GetPwrVariableOptValue(const wchar_t* name, int option) noexcept
+int catalogue::Option(const wchar_t* name, int option) noexcept
 {
     CORVLCfg file;
     return OpenFor(file, name) ? ReadOption(file, name, option) : -1;
 }
 
-int CSchemeEx::GetPwrVariableOptDesc(const wchar_t* name, int option, wchar_t* buffer, int size) noexcept
+int catalogue::CopyText(const wchar_t* name, const wchar_t* key, wchar_t* buffer, int size) noexcept
 {
-    if (option >= GetPwrVariableOptCount(name))
+    CORVLCfg file;
+    files::ShortText value;
+    if (buffer == nullptr || size <= 0 || !OpenFor(file, name) || !ReadText(file, name, key, value))
     {
         return -1;
     }
-    return CopyText(name, files::NumberedKey(L"DescOption%d", option).Text(), buffer, size);
-}
-
-int CSchemeEx::GetPwrVariableUnit(const wchar_t* name, wchar_t* buffer, int size) noexcept
-{
-    return CopyText(name, L"Unit", buffer, size);
-}
-
-int CSchemeEx::GetPwrVariableName(const wchar_t* name, wchar_t* buffer, int size) noexcept
-{
-    const int number = FindVariable(name);
-    if (number < 0)
-    {
-        return -1;
-    }
-    if (number >= kFirstUsbPort)
-    {
-        return 0;
-    }
-    return CopyText(name, L"Name", buffer, size) > 0 ? 0 : -1;
+    text::Copy(buffer, static_cast<std::size_t>(size), value);
+    return static_cast<int>(text::Length(buffer));
 }

@@ -1,7 +1,6 @@
 // scheme/SettingCatalogue.h
 //
-// What the setting catalogue says of a variable, as the engine itself asks for it. The queries for callers
-// are operations of CSchemeEx.
+// What the setting catalogue says of a variable, in a section of the variable's name.
 #pragma once
 
 #include <windows.h>
@@ -19,5 +18,13 @@ int HibernateTimeAfter(int standby) noexcept;
 /// The operating system's setting behind the variable `name`; false when the catalogue names none or names
 /// it in a text that is no GUID.
 bool ReadSetting(const wchar_t* name, GUID& subGroup, GUID& setting) noexcept;
+
+// See the operations of `CSchemeEx` on the catalogue.
+
+int OptionCount(const wchar_t* name) noexcept;
+int Option(const wchar_t* name, int option) noexcept;
+
+/// Copies the text of one key; its length, or -1 for none with `buffer` left alone.
+int CopyText(const wchar_t* name, const wchar_t* key, wchar_t* buffer, int size) noexcept;
 
 } // namespace catalogue

@@ -11,22 +11,37 @@ StoredVariables::StoredVariables(int index) noexcept
     text::Format(m_section, files::kVariablesSection, index);
 }
 
-LONG StoredVariables::Read(const Variable& variable, LONG absent) noexcept
+LONG StoredVariables::ReadOr(const Variable& variable, LONG absent) noexcept
 {
     return m_fileIsOpen ? m_file.GetInt(m_section, variable.name, static_cast<int>(absent)) : absent;
 }
 
-void StoredVariables::Write(const Variable& variable, LONG value) noexcept
+LONG StoredVariables::Read(const Variable& variable) noexcept
+{
+    return ReadOr(variable, kNoValue);
+}
+
+int StoredVariables::ValueOrDefault(const Variable& variable, bool ac, LONG stored, LONG absent) noexcept
+{
+    if (stored == kNoValue)
+    {
+        stored = absent;
+        Write(variable, stored);
+    }
+    return static_cast<int>(stored == kNoValue || !variable.isPacked ? stored : ValueFor(stored, ac));
+}
+
+void StoredVariables::Write(const Variable& variable, LONG number) noexcept
 {
     if (m_fileIsOpen)
     {
-        m_file.PutInt(m_section, variable.name, static_cast<int>(value));
+        m_file.PutInt(m_section, variable.name, static_cast<int>(number));
     }
 }
 
-void StoredVariables::Merge(const Variable& variable, bool ac, LONG value) noexcept
+void StoredVariables::WriteValue(const Variable& variable, bool ac, int value) noexcept
 {
-    Write(variable, ReplaceHalf(Read(variable, 0), ac, value));
+    Write(variable, variable.isPacked ? ReplaceValue(ReadOr(variable, 0), ac, value) : value);
 }
 
 LONG StoredVariables::MaxBrightLevel() noexcept

@@ -13,18 +13,24 @@ class StoredVariables
 public:
     explicit StoredVariables(int index) noexcept;
 
-    /// The stored number, or `absent`.
-    LONG Read(const Variable& variable, LONG absent) noexcept;
+    /// The stored number, `kNoValue` for none.
+    LONG Read(const Variable& variable) noexcept;
 
-    void Write(const Variable& variable, LONG value) noexcept;
+    /// The value of a number that was read. In place of none `absent` is stored and its value given.
+    int ValueOrDefault(const Variable& variable, bool ac, LONG stored, LONG absent) noexcept;
 
-    /// Replaces the half for one power source.
-    void Merge(const Variable& variable, bool ac, LONG value) noexcept;
+    /// Stores a number as it is.
+    void Write(const Variable& variable, LONG number) noexcept;
+
+    /// Stores a value; the other power source's stays as it is.
+    void WriteValue(const Variable& variable, bool ac, int value) noexcept;
 
     /// The configured number of backlight levels, 0 when there is none.
     LONG MaxBrightLevel() noexcept;
 
 private:
+    LONG ReadOr(const Variable& variable, LONG absent) noexcept;
+
     CORVLCfg m_root;
     CORVLProfile m_file;
     bool m_rootIsOpen;

@@ -4,7 +4,6 @@
 
 #include "scheme/UserSchemes.h"
 
-#include "scheme/SchemeEx.h"
 #include "scheme/SchemeName.h"
 
 #include <iterator>
@@ -183,25 +182,18 @@ void user_schemes::Remove(CORVLProfile& users, const wchar_t* section, int schem
     users.PutInt(section, kNumber, count - 1);
 }
 
-int CSchemeEx::FindPwrScheme(const wchar_t* name, const wchar_t*) noexcept
+int user_schemes::AddUser(const wchar_t* section, const wchar_t* user) noexcept
 {
+    CORVLBase::DBGOUT(L"Enter AddtoUserList %s", user);
     CORVLProfile users;
-    return name != nullptr && files::OpenUsers(users) ? user_schemes::FindByName(users, m_szSubKey, name)
-                                                      : -1;
-}
-
-int CSchemeEx::AddtoUserList(const wchar_t* user) noexcept
-{
-    DBGOUT(L"Enter AddtoUserList %s", user);
-    CORVLProfile users;
-    if (!user_schemes::Open(users, L"AddtoUserList: the user scheme cfg file name is %s",
-                            L"AddtoUserList: initialize the user scheme cfg file failed"))
+    if (!Open(users, L"AddtoUserList: the user scheme cfg file name is %s",
+              L"AddtoUserList: initialize the user scheme cfg file failed"))
     {
         return -1;
     }
     EntryLimit limit;
-    const int count = user_schemes::CountUsers(users, limit);
-    DBGOUT(L"AddtoUserList: get number in userlist is %d", count);
+    const int count = CountUsers(users, limit);
+    CORVLBase::DBGOUT(L"AddtoUserList: get number in userlist is %d", count);
     if (limit.WasReached())
     {
         return -1;
@@ -209,43 +201,43 @@ int CSchemeEx::AddtoUserList(const wchar_t* user) noexcept
     for (int entry = 0; entry < count; ++entry)
     {
         ShortText listed;
-        user_schemes::ReadUser(users, entry, listed);
-        if (text::Equal(listed, m_szSubKey))
+        ReadUser(users, entry, listed);
+        if (text::Equal(listed, section))
         {
             return 1;
         }
     }
-    users.PutString(user_schemes::kUserList, NumberedKey(user_schemes::kUser, count).Text(), m_szSubKey);
-    users.PutInt(user_schemes::kUserList, user_schemes::kNumber, count + 1);
+    users.PutString(kUserList, NumberedKey(kUser, count).Text(), section);
+    users.PutInt(kUserList, kNumber, count + 1);
     return 1;
 }
 
-int CSchemeEx::AddtoUserScheme(const wchar_t* name, const wchar_t* user, int number) noexcept
+int user_schemes::AddScheme(const wchar_t* userKey, const wchar_t* name, const wchar_t* user,
+                            int number) noexcept
 {
     if (name != nullptr && HasLineBreak(name))
     {
         return -1;
     }
-    AddtoUserList(user);
+    AddUser(userKey, user);
     ShortText section;
-    text::Copy(section, m_szSubKey);
-    DBGOUT(L"the user id is %s", section);
+    text::Copy(section, userKey);
+    CORVLBase::DBGOUT(L"the user id is %s", section);
     CORVLProfile users;
-    if (!user_schemes::Open(users, L"the user scheme cfg file name is %s",
-                            L"initialize the user scheme cfg file failed"))
+    if (!Open(users, L"the user scheme cfg file name is %s", L"initialize the user scheme cfg file failed"))
     {
         return -1;
     }
     EntryLimit limit;
-    const int count = user_schemes::CountSchemes(users, section, limit);
-    DBGOUT(L"Get number from %s is %d", section, count);
+    const int count = CountSchemes(users, section, limit);
+    CORVLBase::DBGOUT(L"Get number from %s is %d", section, count);
     if (limit.WasReached())
     {
         return -1;
     }
     // The count goes last: until then the new entry doesn't exist.
-    users.PutInt(section, NumberedKey(user_schemes::kScheme, count).Text(), number);
+    users.PutInt(section, NumberedKey(kScheme, count).Text(), number);
     WriteName(users, section, count, name);
-    users.PutInt(section, user_schemes::kNumber, count + 1);
+    users.PutInt(section, kNumber, count + 1);
     return 1;
 }

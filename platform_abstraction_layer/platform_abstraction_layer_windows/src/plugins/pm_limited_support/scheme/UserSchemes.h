@@ -31,6 +31,11 @@ int CountSchemes(CORVLProfile& users, const wchar_t* section, EntryLimit& limit)
 /// The scheme of that name in a section, case told apart, or -1.
 int FindByName(CORVLProfile& users, const wchar_t* section, const wchar_t* name) noexcept;
 
+/// Enters a section in the list of users, unless it is there, and a scheme in a section. The results are
+/// those of `CSchemeEx::AddtoUserList` and `CSchemeEx::AddtoUserScheme`; `user` is logged.
+int AddUser(const wchar_t* section, const wchar_t* user) noexcept;
+int AddScheme(const wchar_t* section, const wchar_t* name, const wchar_t* user, int number) noexcept;
+
 /// True when the scheme stands in another listed user's section and not in `section`.
 bool BelongsToAnother(CORVLProfile& users, const wchar_t* section, int scheme, EntryLimit& limit) noexcept;
 

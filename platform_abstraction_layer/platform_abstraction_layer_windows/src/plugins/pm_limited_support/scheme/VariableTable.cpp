@@ -12,61 +12,67 @@
 namespace
 {
 
+constexpr LiveDevice kChipset = LiveDevice::ChipsetFunction;
+
 // The adaptive policy number, and full speed in percent, on both power sources.
-constexpr LONG kBothAdaptive = PackHalves(3, 3);
-constexpr LONG kBothFullSpeed = PackHalves(100, 100);
+constexpr LONG kBothAdaptive = PackValues(3, 3);
+constexpr LONG kBothFullSpeed = PackValues(100, 100);
 
 // clang-format off
 constexpr Variable kVariables[] = {
-    {L"MonitorOffTimeOut", XpPlace::Timeout, VistaPlace::Setting, &PWRVALUES::monitorOffTimeOut, LiveDevice::None, kNoValue, &PolicyFields::videoTimeout},
-    {L"DiskOffTimeOut", XpPlace::Timeout, VistaPlace::Setting, nullptr, LiveDevice::None, kNoValue, &PolicyFields::spindownTimeout},
-    {L"StandbyTimeOut", XpPlace::Standby, VistaPlace::Setting, &PWRVALUES::standbyTimeOut},
-    {L"HibernateTimeOut", XpPlace::Hibernate, VistaPlace::Setting, nullptr},
-    {L"CpuSpeedMin", XpPlace::Nowhere, VistaPlace::ThrottleMinimum, nullptr},
-    {L"CpuSpeedMax", XpPlace::Nowhere, VistaPlace::ThrottleMaximum, nullptr},
-    {L"CpuAdaptive", XpPlace::ThrottlePolicy, VistaPlace::Adaptive, nullptr, LiveDevice::None, kBothAdaptive},
-    {L"CpuSpeed", XpPlace::Speed, VistaPlace::Speed, &PWRVALUES::cpuSpeed, LiveDevice::None, kBothFullSpeed},
-    {L"BacklightLevel", XpPlace::Packed, VistaPlace::Backlight, &PWRVALUES::backlightLevel},
-    {L"BTStatus", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::Bluetooth},
-    {L"LUMS", XpPlace::Whole, VistaPlace::Whole, &PWRVALUES::lums},
-    {L"LanSpeed", XpPlace::Packed, VistaPlace::Packed, &PWRVALUES::lanSpeed},
-    {L"LANStatus", XpPlace::Packed, VistaPlace::Packed, &PWRVALUES::lanStatus},
-    {L"Display", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"LinkStepOption", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"Wifi", XpPlace::Packed, VistaPlace::Packed, &PWRVALUES::wifi, LiveDevice::Wifi},
-    {L"3G", XpPlace::Packed, VistaPlace::Packed, &PWRVALUES::threeG},
-    {L"HD Audio", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"Modem", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"DVD Drive", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"Serial ATA1", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"Serial ATA2", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"SM Bus", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"PCIE1", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"PCIE2", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"PCIE3", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"PCIE4", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"PCIE5", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"PCIE6", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"Thermal Throttle", XpPlace::Packed, VistaPlace::Packed, nullptr, LiveDevice::ChipsetFunction},
-    {L"USBPort 0", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"USBPort 1", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"USBPort 2", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"USBPort 3", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"USBPort 4", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"USBPort 5", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"USBPort 6", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"USBPort 7", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"USBPort 8", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"USBPort 9", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"USBPort 10", XpPlace::Packed, VistaPlace::Packed, nullptr},
-    {L"USBPort 11", XpPlace::Packed, VistaPlace::Packed, nullptr},
+    {.name = L"MonitorOffTimeOut", .xp = XpStorage::Timeout, .vista = VistaStorage::Setting, .member = &PWRVALUES::monitorOffTimeOut, .timeout = &PolicyFields::videoTimeout},
+    {.name = L"DiskOffTimeOut", .xp = XpStorage::Timeout, .vista = VistaStorage::Setting, .timeout = &PolicyFields::spindownTimeout},
+    {.name = L"StandbyTimeOut", .xp = XpStorage::Standby, .vista = VistaStorage::Setting, .member = &PWRVALUES::standbyTimeOut},
+    {.name = L"HibernateTimeOut", .xp = XpStorage::Hibernate, .vista = VistaStorage::Setting},
+    {.name = L"CpuSpeedMin", .xp = XpStorage::Unsupported, .vista = VistaStorage::ThrottleMinimum},
+    {.name = L"CpuSpeedMax", .xp = XpStorage::Unsupported, .vista = VistaStorage::ThrottleMaximum},
+    {.name = L"CpuAdaptive", .xp = XpStorage::ThrottlePolicy, .vista = VistaStorage::Adaptive, .vistaDefault = kBothAdaptive},
+    {.name = L"CpuSpeed", .xp = XpStorage::Speed, .vista = VistaStorage::Speed, .vistaDefault = kBothFullSpeed, .member = &PWRVALUES::cpuSpeed},
+    {.name = L"BacklightLevel", .vista = VistaStorage::Backlight, .member = &PWRVALUES::backlightLevel},
+    {.name = L"BTStatus", .device = LiveDevice::Bluetooth},
+    {.name = L"LUMS", .isPacked = false, .member = &PWRVALUES::lums},
+    {.name = L"LanSpeed", .member = &PWRVALUES::lanSpeed},
+    {.name = L"LANStatus", .member = &PWRVALUES::lanStatus},
+    {.name = L"Display"},
+    {.name = L"LinkStepOption"},
+    {.name = L"Wifi", .member = &PWRVALUES::wifi, .device = LiveDevice::Wifi},
+    {.name = L"3G", .member = &PWRVALUES::threeG},
+    {.name = L"HD Audio", .device = kChipset},
+    {.name = L"Modem", .device = kChipset},
+    {.name = L"DVD Drive", .device = kChipset},
+    {.name = L"Serial ATA1", .device = kChipset},
+    {.name = L"Serial ATA2", .device = kChipset},
+    {.name = L"SM Bus", .device = kChipset},
+    {.name = L"PCIE1", .device = kChipset},
+    {.name = L"PCIE2", .device = kChipset},
+    {.name = L"PCIE3", .device = kChipset},
+    {.name = L"PCIE4", .device = kChipset},
+    {.name = L"PCIE5", .device = kChipset},
+    {.name = L"PCIE6", .device = kChipset},
+    {.name = L"Thermal Throttle", .device = kChipset},
+    {.name = L"USBPort 0", .hasDisplayName = false},
+    {.name = L"USBPort 1", .hasDisplayName = false},
+    {.name = L"USBPort 2", .hasDisplayName = false},
+    {.name = L"USBPort 3", .hasDisplayName = false},
+    {.name = L"USBPort 4", .hasDisplayName = false},
+    {.name = L"USBPort 5", .hasDisplayName = false},
+    {.name = L"USBPort 6", .hasDisplayName = false},
+    {.name = L"USBPort 7", .hasDisplayName = false},
+    {.name = L"USBPort 8", .hasDisplayName = false},
+    {.name = L"USBPort 9", .hasDisplayName = false},
+    {.name = L"USBPort 10", .hasDisplayName = false},
+    {.name = L"USBPort 11", .hasDisplayName = false},
 };
 // clang-format on
 static_assert(std::size(kVariables) == kVariableCount);
-static_assert(kVariables[kStandbyTimeOut].member == &PWRVALUES::standbyTimeOut &&
-              kVariables[kCpuSpeed].member == &PWRVALUES::cpuSpeed &&
-              kVariables[kBacklightLevel].member == &PWRVALUES::backlightLevel &&
-              kVariables[kLums].member == &PWRVALUES::lums &&
+static_assert(kVariables[kDiskOffTimeOut].timeout == &PolicyFields::spindownTimeout &&
+              kVariables[kStandbyTimeOut].xp == XpStorage::Standby &&
+              kVariables[kHibernateTimeOut].xp == XpStorage::Hibernate &&
+              kVariables[kCpuSpeedMin].vista == VistaStorage::ThrottleMinimum &&
+              kVariables[kCpuSpeedMax].vista == VistaStorage::ThrottleMaximum &&
+              kVariables[kCpuAdaptive].vista == VistaStorage::Adaptive &&
+              kVariables[kCpuSpeed].vista == VistaStorage::Speed &&
+              kVariables[kBacklightLevel].vista == VistaStorage::Backlight && !kVariables[kLums].isPacked &&
               kVariables[kLanSpeed].member == &PWRVALUES::lanSpeed &&
               kVariables[kLanStatus].member == &PWRVALUES::lanStatus &&
               kVariables[kWifi].member == &PWRVALUES::wifi &&
@@ -79,27 +85,24 @@ const Variable& VariableOf(int number) noexcept
     return kVariables[number];
 }
 
-int FindVariable(const wchar_t* name) noexcept
+int NumberOf(const Variable& variable) noexcept
+{
+    return static_cast<int>(&variable - kVariables);
+}
+
+const Variable* FindVariable(const wchar_t* name) noexcept
 {
     if (name == nullptr)
     {
-        return -1;
+        return nullptr;
     }
     const auto* found =
         std::find_if(std::begin(kVariables), std::end(kVariables),
                      [name](const Variable& row) { return text::EqualIgnoringCase(row.name, name); });
-    return found == std::end(kVariables) ? -1 : static_cast<int>(found - kVariables);
+    return found == std::end(kVariables) ? nullptr : found;
 }
 
 bool HasSetting(const Variable& variable) noexcept
 {
-    switch (variable.vista)
-    {
-    case VistaPlace::Speed:
-    case VistaPlace::Packed:
-    case VistaPlace::Whole:
-        return false;
-    default:
-        return true;
-    }
+    return variable.vista != VistaStorage::File && variable.vista != VistaStorage::Speed;
 }

@@ -1,49 +1,70 @@
 // scheme/Variables.cpp
 //
-// One variable of a scheme: the scheme has to exist, then the path decides.
+// Reading and writing one variable.
 
-#include "scheme/SchemeEx.h"
-#include "scheme/VariableAccess.h"
+#include "scheme/Variables.h"
 
-int CSchemeEx::GetPwrVariable(int index, int ifAC, const wchar_t* name) noexcept
+#include "foundation/OrvlBase.h"
+
+namespace
 {
-    if (FindPwrScheme(index) == 0)
+
+bool CanRead(const PowerBackend& backend, int index) noexcept
+{
+    const bool exists = backend.exists(index);
+    if (!exists)
     {
-        DBGOUT(L"FindPwrScheme failed %d\n", GetLastError());
-        return -1;
+        CORVLBase::DBGOUT(L"FindPwrScheme failed %d\n", GetLastError());
     }
-    const bool ac = ifAC != 0;
-    return m_bVista != 0 ? vista::ReadVariable(index, ac, name) : xp::ReadVariable(index, ac, name);
+    return exists;
 }
 
-int CSchemeEx::GetPwrVariable(int, int, const wchar_t*, wchar_t*, int) noexcept
+bool CanWrite(const PowerBackend& backend, int index) noexcept
 {
-    return 0;
-}
-
-int CSchemeEx::SetPwrVariable(int index, int ifAC, const wchar_t* name, int value) noexcept
-{
-    if (FindPwrScheme(index) == 0)
+    const bool exists = backend.exists(index);
+    if (!exists)
     {
-        DBGOUT(L"FindPwrScheme error");
-        return -1;
+        CORVLBase::DBGOUT(L"FindPwrScheme error");
     }
-    const bool ac = ifAC != 0;
-    return m_bVista != 0 ? vista::WriteVariable(*this, index, ac, name, value)
-                         : xp::WriteVariable(index, ac, name, value);
+    return exists;
 }
 
-int CSchemeEx::SetPwrVariable(int, int, const wchar_t*, const wchar_t*) noexcept
+int RefuseUnknown(const wchar_t* format, const wchar_t* name) noexcept
 {
-    return 0;
-}
-
-int CSchemeEx::ValidateData(const wchar_t* name, int value) noexcept
-{
-    if (name == nullptr)
+    if (format != nullptr)
     {
-        return 0;
+        CORVLBase::DBGOUT(format, name);
     }
-    const bool accepted = m_bVista != 0 ? vista::Accepts(name, value) : xp::Accepts(name, value);
-    return accepted ? 1 : 0;
+    return -1;
+}
+
+} // namespace
+
+int variables::Read(const PowerBackend& backend, int index, bool ac, const Variable& variable) noexcept
+{
+    return CanRead(backend, index) ? backend.read(index, ac, variable) : -1;
+}
+
+int variables::Write(const PowerBackend& backend, int index, bool ac, const NamedVariable& variable,
+                     int value) noexcept
+{
+    return CanWrite(backend, index) ? backend.write(index, ac, variable, value) : -1;
+}
+
+int variables::Read(const PowerBackend& backend, int index, bool ac, const wchar_t* name) noexcept
+{
+    if (const Variable* const variable = FindVariable(name))
+    {
+        return Read(backend, index, ac, *variable);
+    }
+    return CanRead(backend, index) ? RefuseUnknown(backend.unknownRead, name) : -1;
+}
+
+int variables::Write(const PowerBackend& backend, int index, bool ac, const wchar_t* name, int value) noexcept
+{
+    if (const Variable* const variable = FindVariable(name))
+    {
+        return Write(backend, index, ac, NamedVariable(*variable, name), value);
+    }
+    return CanWrite(backend, index) ? RefuseUnknown(backend.unknownWrite, name) : -1;
 }

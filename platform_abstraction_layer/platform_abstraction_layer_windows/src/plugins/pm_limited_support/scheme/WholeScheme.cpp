@@ -4,9 +4,8 @@
 
 #include "scheme/WholeScheme.h"
 
-#include "scheme/SchemeEx.h"
 #include "scheme/SchemeFiles.h"
-#include "scheme/VariableTable.h"
+#include "scheme/Variables.h"
 
 namespace
 {
@@ -14,33 +13,33 @@ namespace
 struct Step
 {
     VariableNumber number;
-    int ifAC;
+    bool ac;
 };
 
 constexpr Step kSteps[] = {
-    {kCpuSpeed, 1},
-    {kCpuSpeed, 0},
-    {kStandbyTimeOut, 1},
-    {kStandbyTimeOut, 0},
-    {kMonitorOffTimeOut, 1},
-    {kMonitorOffTimeOut, 0},
-    {kBacklightLevel, 1},
-    {kBacklightLevel, 0},
-    {kLanStatus, 1},
-    {kLanStatus, 0},
-    {kLanSpeed, 1},
-    {kLanSpeed, 0},
-    {kLums, 1},
-    {kWifi, 1},
-    {kWifi, 0},
-    {kThreeG, 1},
-    {kThreeG, 0},
+    {kCpuSpeed, true},
+    {kCpuSpeed, false},
+    {kStandbyTimeOut, true},
+    {kStandbyTimeOut, false},
+    {kMonitorOffTimeOut, true},
+    {kMonitorOffTimeOut, false},
+    {kBacklightLevel, true},
+    {kBacklightLevel, false},
+    {kLanStatus, true},
+    {kLanStatus, false},
+    {kLanSpeed, true},
+    {kLanSpeed, false},
+    {kLums, true},
+    {kWifi, true},
+    {kWifi, false},
+    {kThreeG, true},
+    {kThreeG, false},
 };
 
 LONG& FieldOf(PWRSET& set, const Step& step) noexcept
 {
-    PWRVALUES& half = step.ifAC != 0 ? set.ac : set.dc;
-    return half.*VariableOf(step.number).member;
+    PWRVALUES& values = step.ac ? set.ac : set.dc;
+    return values.*VariableOf(step.number).member;
 }
 
 struct DisplayAttribute
@@ -57,53 +56,45 @@ constexpr DisplayAttribute kDisplayAttributes[] = {
 
 } // namespace
 
-void WriteWholeScheme(CSchemeEx& engine, PWRSET& set) noexcept
+void ReadWholeScheme(const PowerBackend& backend, PWRSET& set) noexcept
 {
     for (const Step& step : kSteps)
     {
-        engine.SetPwrVariable(static_cast<int>(set.schemeID), step.ifAC, VariableOf(step.number).name,
-                              static_cast<int>(FieldOf(set, step)));
+        FieldOf(set, step) =
+            variables::Read(backend, static_cast<int>(set.schemeID), step.ac, VariableOf(step.number));
     }
 }
 
-int CSchemeEx::GetPwrVariableAll(PWRSET& set, int index) noexcept
+void WriteWholeScheme(const PowerBackend& backend, PWRSET& set) noexcept
 {
-    set.schemeID = index;
     for (const Step& step : kSteps)
     {
-        FieldOf(set, step) = GetPwrVariable(index, step.ifAC, VariableOf(step.number).name);
+        variables::Write(backend, static_cast<int>(set.schemeID), step.ac, VariableOf(step.number),
+                         static_cast<int>(FieldOf(set, step)));
     }
-
-    CORVLProfile display;
-    const bool isOpen = files::OpenDisplay(display, m_szProfilePath);
-    files::ShortText section;
-    text::Format(section, files::kDisplaySection, index);
-    for (const DisplayAttribute& attribute : kDisplayAttributes)
-    {
-        set.*attribute.field = isOpen ? display.GetInt(section, attribute.key, 0) : 0;
-    }
-    return 1;
 }
 
-int CSchemeEx::SetPwrVariable(PWRSET& set) noexcept
-{
-    WriteWholeScheme(*this, set);
-    SetPwrCfgVariable(set);
-    return static_cast<int>(set.schemeID);
-}
-
-int CSchemeEx::SetPwrCfgVariable(PWRSET& set) noexcept
+void ReadDisplayAttributes(PWRSET& set, const wchar_t* folder) noexcept
 {
     CORVLProfile display;
-    if (!files::OpenDisplay(display, m_szProfilePath))
-    {
-        return 1;
-    }
-    files::ShortText section;
-    text::Format(section, files::kDisplaySection, set.schemeID);
+    const bool isOpen = files::OpenDisplay(display, folder);
+    const files::NumberedKey section(files::kDisplaySection, static_cast<int>(set.schemeID));
     for (const DisplayAttribute& attribute : kDisplayAttributes)
     {
-        display.PutInt(section, attribute.key, static_cast<int>(set.*attribute.field));
+        set.*attribute.field = isOpen ? display.GetInt(section.Text(), attribute.key, 0) : 0;
     }
-    return 1;
+}
+
+void WriteDisplayAttributes(const PWRSET& set, const wchar_t* folder) noexcept
+{
+    CORVLProfile display;
+    if (!files::OpenDisplay(display, folder))
+    {
+        return;
+    }
+    const files::NumberedKey section(files::kDisplaySection, static_cast<int>(set.schemeID));
+    for (const DisplayAttribute& attribute : kDisplayAttributes)
+    {
+        display.PutInt(section.Text(), attribute.key, static_cast<int>(set.*attribute.field));
+    }
 }

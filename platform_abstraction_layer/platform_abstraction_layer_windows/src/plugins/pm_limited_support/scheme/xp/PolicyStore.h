@@ -1,4 +1,4 @@
-// scheme/PolicyStore.h
+// scheme/xp/PolicyStore.h
 //
 // The operating system's own store of schemes in the registry, read directly: the power functions see the
 // schemes of this process's account alone, the store shows those of every account.
@@ -18,5 +18,11 @@ bool HasScheme(int index) noexcept;
 
 /// The highest number of a scheme in the machine's part, 0 for none.
 int HighestScheme() noexcept;
+
+// See `CSchemeEx::ReadUserActivePowerScheme` and its two siblings.
+
+int ReadUserActiveScheme(const wchar_t* subKey) noexcept;
+int ReadUserPolicy(int index, const wchar_t* subKey, unsigned char* data, ULONG* size) noexcept;
+int ReadMachinePolicy(int index, unsigned char* data, ULONG* size) noexcept;
 
 } // namespace policy_store

@@ -1,4 +1,4 @@
-// scheme/PowerDispatch.h
+// scheme/vista/PowerDispatch.h
 //
 // The GUID-based functions of the power manager, which exist from major version 6 on and so are bound at run
 // time. The index-based ones are bound at link time and need no table.

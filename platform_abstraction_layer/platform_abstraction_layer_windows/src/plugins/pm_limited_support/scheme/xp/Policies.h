@@ -1,4 +1,4 @@
-// scheme/XpPolicies.h
+// scheme/xp/Policies.h
 //
 // The two records in which the operating system keeps a scheme on the XP path, read together. Each writer has
 // its own order and its own log lines for writing them.

@@ -1,4 +1,4 @@
-// scheme/StandbyRules.h
+// scheme/xp/StandbyRules.h
 //
 // How a scheme of the XP path holds two times in three fields: standby and hibernation. Hibernation comes at
 // `idle` + `doze` seconds when the machine sleeps first, and at `idle` seconds when it doesn't. The rules

@@ -1,11 +1,11 @@
-// scheme/PolicyFields.h
+// scheme/xp/PolicyFields.h
 //
-// The operating system's scheme records keep each setting twice, for mains and for battery power. These views
-// show one of the two, so that no rule has to be told twice.
+// The operating system's scheme records keep each setting twice, for AC and for battery power. These views
+// show one of the two, so that no rule is written twice.
 #pragma once
 
 #include "foundation/PowerProfile.h"
-#include "scheme/StandbyRules.h"
+#include "scheme/xp/StandbyRules.h"
 
 /// The fields of one power source, in a record that outlives the view.
 struct PolicyFields
@@ -24,3 +24,6 @@ UCHAR& DynamicThrottleOf(MACHINE_PROCESSOR_POWER_POLICY& processor, bool ac) noe
 
 IdleState IdleStateOf(const PolicyFields& fields) noexcept;
 void StoreIdleState(const PolicyFields& fields, const IdleState& state) noexcept;
+
+/// When the machine hibernates on that power source, 0 for never.
+int HibernateTimeOf(POWER_POLICY& policy, bool ac) noexcept;

@@ -1,8 +1,8 @@
-// scheme/PolicyFields.cpp
+// scheme/xp/PolicyFields.cpp
 //
 // The fields of one power source in the operating system's records.
 
-#include "scheme/PolicyFields.h"
+#include "scheme/xp/PolicyFields.h"
 
 #include <cstring>
 
@@ -39,4 +39,9 @@ void StoreIdleState(const PolicyFields& fields, const IdleState& state) noexcept
     *fields.idleTimeout = static_cast<ULONG>(state.idle);
     *fields.dozeTimeout = static_cast<ULONG>(state.doze);
     std::memcpy(fields.idleAction, &state.action, sizeof state.action);
+}
+
+int HibernateTimeOf(POWER_POLICY& policy, bool ac) noexcept
+{
+    return static_cast<int>(HibernateTimeOf(IdleStateOf(FieldsOf(policy, ac))));
 }

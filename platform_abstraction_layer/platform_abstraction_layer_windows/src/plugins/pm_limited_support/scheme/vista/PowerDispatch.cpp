@@ -1,8 +1,8 @@
-// scheme/PowerDispatch.cpp
+// scheme/vista/PowerDispatch.cpp
 //
 // The process's table of the GUID-based power functions.
 
-#include "scheme/PowerDispatch.h"
+#include "scheme/vista/PowerDispatch.h"
 
 #include "foundation/Modules.h"
 

@@ -1,15 +1,13 @@
-// scheme/SchemeMapping.cpp
+// scheme/vista/SchemeRows.cpp
 //
-// Scheme indexes, rows and GUIDs.
+// Searching and changing the rows.
 
-#include "scheme/SchemeMapping.h"
+#include "scheme/vista/SchemeRows.h"
 
 #include "foundation/EntryLimit.h"
 #include "foundation/GuidText.h"
-#include "scheme/PolicyStore.h"
-#include "scheme/PowerDispatch.h"
-#include "scheme/SchemeEx.h"
 #include "scheme/SchemeFiles.h"
+#include "scheme/vista/PowerDispatch.h"
 
 #include <cstring>
 #include <iterator>
@@ -25,8 +23,6 @@ constexpr const wchar_t* kGuid = L"GUID";
 // Rows that a search looks at. Their numbers aren't used again, so a file may have more of them than schemes.
 constexpr int kMostRows = 5000;
 
-// Room of a GUID's text. The text proper has 39 characters, its leading blank included.
-constexpr ULONG kGuidLength = 39;
 using GuidText = wchar_t[text::kPathCapacity];
 
 void FormatRow(files::ShortText& section, int row) noexcept
@@ -66,30 +62,9 @@ Holds CompareRow(CORVLProfile& values, int row, const GUID& guid) noexcept
     return std::memcmp(&found, &guid, sizeof found) == 0 ? Holds::Yes : Holds::No;
 }
 
-// The blank in front is dropped when the file is read.
-void FormatGuid(const GUID& guid, wchar_t* target, std::size_t capacity) noexcept
-{
-    const unsigned char* rest = guid.Data4;
-    text::Format(target, capacity, L" {%08lX-%04X-%04x-%02X%02X-%02X%02X%02X%02X%02X%02X}", guid.Data1,
-                 guid.Data2, guid.Data3, rest[0], rest[1], rest[2], rest[3], rest[4], rest[5], rest[6],
-                 rest[7]);
-}
-
-int NextFreeRow() noexcept
-{
-    CORVLProfile values;
-    return files::OpenValues(values) ? values.GetInt(kRowsSection, kNextRow, -1) : -1;
-}
-
 } // namespace
 
-bool mapping::SchemeExists(const CSchemeEx& engine, int index) noexcept
-{
-    GUID guid;
-    return engine.m_bVista != 0 ? RowToGuid(index, guid) : policy_store::HasScheme(index);
-}
-
-bool mapping::RowToGuid(int row, GUID& guid) noexcept
+bool vista::RowToGuid(int row, GUID& guid) noexcept
 {
     CORVLProfile values;
     GuidText guidText;
@@ -108,11 +83,11 @@ bool mapping::RowToGuid(int row, GUID& guid) noexcept
     {
         return true;
     }
-    RemoveSection(values, row);
+    files::RemoveScheme(values, row);
     return false;
 }
 
-int mapping::AddRow(const GUID& guid) noexcept
+int vista::AddRow(const GUID& guid) noexcept
 {
     CORVLProfile values;
     if (!files::OpenValues(values))
@@ -145,31 +120,20 @@ int mapping::AddRow(const GUID& guid) noexcept
     return row;
 }
 
-void mapping::RemoveSection(CORVLProfile& values, int index) noexcept
-{
-    files::ShortText section;
-    FormatRow(section, index);
-    values.PutString(section, nullptr, nullptr);
-}
-
-int CSchemeEx::FindPwrScheme(int index) noexcept
-{
-    return mapping::SchemeExists(*this, index) ? 1 : 0;
-}
-
-int CSchemeEx::SchemeIndexToGuid(int index, GUID* guid) noexcept
-{
-    return guid != nullptr && mapping::RowToGuid(index, *guid) ? 1 : 0;
-}
-
-int CSchemeEx::SchemeGuidToIndex(const GUID* guid) noexcept
+int vista::NextFreeRow() noexcept
 {
     CORVLProfile values;
-    if (guid == nullptr || !files::OpenValues(values))
+    return files::OpenValues(values) ? values.GetInt(kRowsSection, kNextRow, -1) : -1;
+}
+
+int vista::FindRow(const GUID& guid, int (*maxIndex)() noexcept) noexcept
+{
+    CORVLProfile values;
+    if (!files::OpenValues(values))
     {
         return -1;
     }
-    const int next = GetPwrSchemeMaxIndex();
+    const int next = maxIndex();
     if (next < 0)
     {
         return -1;
@@ -178,41 +142,11 @@ int CSchemeEx::SchemeGuidToIndex(const GUID* guid) noexcept
     const int last = EntryLimit(kMostRows).Take(next);
     for (int row = 0; row <= last; ++row)
     {
-        const Holds holds = CompareRow(values, row, *guid);
-        if (holds == Holds::Yes)
+        const Holds holds = CompareRow(values, row, guid);
+        if (holds != Holds::No)
         {
-            return row;
-        }
-        if (holds == Holds::NoGuid)
-        {
-            return -1;
+            return holds == Holds::Yes ? row : -1;
         }
     }
     return -1;
-}
-
-int CSchemeEx::GuidIntoString(GUID* guid, wchar_t* buffer, ULONG* size) noexcept
-{
-    if (guid == nullptr || buffer == nullptr || size == nullptr)
-    {
-        return 0;
-    }
-    if (*size < kGuidLength)
-    {
-        *size = kGuidLength;
-        return 0;
-    }
-    if (*size == kGuidLength)
-    {
-        // The text alone; its terminator wants one more.
-        *size = kGuidLength + 1;
-        return 0;
-    }
-    FormatGuid(*guid, buffer, *size);
-    return 1;
-}
-
-int CSchemeEx::GetPwrSchemeMaxIndex() noexcept
-{
-    return m_bVista != 0 ? NextFreeRow() : policy_store::HighestScheme();
 }

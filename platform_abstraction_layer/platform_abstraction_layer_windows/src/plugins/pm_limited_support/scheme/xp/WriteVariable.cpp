@@ -1,4 +1,4 @@
-// scheme/WriteVariableXp.cpp
+// scheme/xp/WriteVariable.cpp
 //
 // Writing one variable on the XP path. The two records of the operating system are read, changed and written
 // back whole, the processor's first.
@@ -6,8 +6,8 @@
 #include "foundation/OrvlBase.h"
 #include "scheme/SettingCatalogue.h"
 #include "scheme/StoredVariables.h"
-#include "scheme/VariableAccess.h"
-#include "scheme/XpPolicies.h"
+#include "scheme/xp/Policies.h"
+#include "scheme/xp/Variables.h"
 
 namespace
 {
@@ -26,7 +26,7 @@ void SetThrottle(xp::Policies& policies, bool ac, UCHAR policy, UCHAR speed) noe
 bool ChangeIdleState(const PolicyFields& fields, bool ac, const Variable& variable, LONG value) noexcept
 {
     IdleState state = IdleStateOf(fields);
-    const bool reconciled = variable.xp == XpPlace::Standby
+    const bool reconciled = variable.xp == XpStorage::Standby
                                 ? ChangeStandbyTime(state, ac, value, catalogue::HibernateTimeAfter)
                                 : ChangeHibernateTime(state, ac, value);
     if (reconciled)
@@ -42,16 +42,16 @@ bool ChangePolicies(xp::Policies& policies, bool ac, const Variable& variable, i
     const PolicyFields fields = FieldsOf(policies.power, ac);
     switch (variable.xp)
     {
-    case XpPlace::Timeout:
+    case XpStorage::Timeout:
         *(fields.*variable.timeout) = static_cast<ULONG>(value);
         return true;
-    case XpPlace::Standby:
-    case XpPlace::Hibernate:
+    case XpStorage::Standby:
+    case XpStorage::Hibernate:
         return ChangeIdleState(fields, ac, variable, value);
-    case XpPlace::ThrottlePolicy:
+    case XpStorage::ThrottlePolicy:
         SetThrottle(policies, ac, static_cast<UCHAR>(value), kFullSpeed);
         return true;
-    case XpPlace::Speed:
+    case XpStorage::Speed:
         if (value == 0)
         {
             SetThrottle(policies, ac, PO_THROTTLE_ADAPTIVE, kFullSpeed);
@@ -61,24 +61,26 @@ bool ChangePolicies(xp::Policies& policies, bool ac, const Variable& variable, i
             SetThrottle(policies, ac, PO_THROTTLE_NONE, static_cast<UCHAR>(value));
         }
         return true;
-    default:
-        return true;
+    case XpStorage::Unsupported:
+    case XpStorage::File:
+        break;
     }
+    return true;
 }
 
-int WriteToPolicies(int index, bool ac, const wchar_t* name, const Variable& variable, int value) noexcept
+int WriteToPolicies(int index, bool ac, const NamedVariable& variable, int value) noexcept
 {
     xp::Policies policies;
     if (!xp::ReadPolicies(index, policies, xp::kReadTexts))
     {
         return -1;
     }
-    if (!xp::Accepts(name, value))
+    if (!xp::Accepts(variable.name, value))
     {
         CORVLBase::DBGOUT(L"ValidateData error");
         return -1;
     }
-    if (!ChangePolicies(policies, ac, variable, value))
+    if (!ChangePolicies(policies, ac, variable.row, value))
     {
         return kIrreconcilable;
     }
@@ -97,21 +99,14 @@ int WriteToPolicies(int index, bool ac, const wchar_t* name, const Variable& var
     return 1;
 }
 
-int WriteToFile(int index, bool ac, const wchar_t* name, const Variable& variable, int value) noexcept
+int WriteToFile(int index, bool ac, const NamedVariable& variable, int value) noexcept
 {
     StoredVariables stored(index);
-    if (!xp::Accepts(name, value))
+    if (!xp::Accepts(variable.name, value))
     {
         return -1;
     }
-    if (variable.xp == XpPlace::Whole)
-    {
-        stored.Write(variable, value);
-    }
-    else
-    {
-        stored.Merge(variable, ac, value);
-    }
+    stored.WriteValue(variable.row, ac, value);
     return value;
 }
 
@@ -119,22 +114,15 @@ int WriteToFile(int index, bool ac, const wchar_t* name, const Variable& variabl
 
 bool xp::Accepts(const wchar_t* name, int value) noexcept
 {
-    if (text::Equal(name, L"HibernateTimeOut") && !IsPwrHibernateAllowed() && value != 0)
+    if (text::Equal(name, VariableOf(kHibernateTimeOut).name) && !IsPwrHibernateAllowed() && value != 0)
     {
         return false;
     }
     return catalogue::Offers(name, value);
 }
 
-int xp::WriteVariable(int index, bool ac, const wchar_t* name, int value) noexcept
+int xp::WriteVariable(int index, bool ac, const NamedVariable& variable, int value) noexcept
 {
-    const int number = FindVariable(name);
-    if (number < 0)
-    {
-        CORVLBase::DBGOUT(L"ParseVarName error");
-        return -1;
-    }
-    const Variable& variable = VariableOf(number);
-    return variable.xp < XpPlace::Packed ? WriteToPolicies(index, ac, name, variable, value)
-                                         : WriteToFile(index, ac, name, variable, value);
+    return variable.row.xp == XpStorage::File ? WriteToFile(index, ac, variable, value)
+                                              : WriteToPolicies(index, ac, variable, value);
 }

@@ -1,12 +1,12 @@
-// scheme/ReadVariableVista.cpp
+// scheme/vista/ReadVariable.cpp
 //
 // Reading one variable on the Vista path. Nothing is logged here.
 
-#include "scheme/PowerDispatch.h"
-#include "scheme/SchemeMapping.h"
 #include "scheme/SettingCatalogue.h"
 #include "scheme/StoredVariables.h"
-#include "scheme/VariableAccess.h"
+#include "scheme/vista/PowerDispatch.h"
+#include "scheme/vista/SchemeRows.h"
+#include "scheme/vista/Variables.h"
 
 namespace
 {
@@ -54,12 +54,12 @@ int ReadThrottle(const SettingReader& reader, StoredVariables& stored, const Var
     {
         return -1;
     }
-    const LONG packed = PackHalves(acValue, dcValue);
+    const LONG packed = PackValues(acValue, dcValue);
     if (copy == kNoValue)
     {
         stored.Write(variable, packed);
     }
-    return static_cast<int>(HalfOf(packed, ac));
+    return static_cast<int>(ValueFor(packed, ac));
 }
 
 int ReadBacklight(const SettingReader& reader, StoredVariables& stored, bool ac) noexcept
@@ -73,61 +73,38 @@ int ReadBacklight(const SettingReader& reader, StoredVariables& stored, bool ac)
     return static_cast<int>((percentage + 1) * (static_cast<DWORD>(levels) - 1) / 100);
 }
 
-int ReadPacked(StoredVariables& stored, const Variable& variable, LONG value, bool ac) noexcept
-{
-    if (value == kNoValue)
-    {
-        value = variable.vistaDefault;
-        stored.Write(variable, value);
-    }
-    return static_cast<int>(value == kNoValue ? value : HalfOf(value, ac));
-}
-
-int ReadWhole(StoredVariables& stored, const Variable& variable, LONG value) noexcept
-{
-    if (value == kNoValue)
-    {
-        stored.Write(variable, value);
-    }
-    return static_cast<int>(value);
-}
-
 } // namespace
 
-int vista::ReadVariable(int index, bool ac, const wchar_t* name) noexcept
+int vista::ReadVariable(int index, bool ac, const Variable& variable) noexcept
 {
     SettingReader reader;
-    if (!reader.Bind() || !mapping::RowToGuid(index, reader.scheme))
+    if (!reader.Bind() || !RowToGuid(index, reader.scheme))
     {
         return -1;
     }
-    const int number = FindVariable(name);
-    if (number < 0)
+    if (HasSetting(variable) && !catalogue::ReadSetting(variable.name, reader.subGroup, reader.setting))
     {
         return -1;
     }
-    const Variable& variable = VariableOf(number);
-    if (HasSetting(variable) && !catalogue::ReadSetting(name, reader.subGroup, reader.setting))
-    {
-        return -1;
-    }
-    if (variable.vista == VistaPlace::Setting)
+    if (variable.vista == VistaStorage::Setting)
     {
         return ReadSetting(reader, ac);
     }
 
     StoredVariables stored(index);
-    const LONG value = stored.Read(variable, kNoValue);
+    const LONG number = stored.Read(variable);
     switch (variable.vista)
     {
-    case VistaPlace::ThrottleMinimum:
-    case VistaPlace::ThrottleMaximum:
-        return ReadThrottle(reader, stored, variable, value, ac);
-    case VistaPlace::Backlight:
+    case VistaStorage::ThrottleMinimum:
+    case VistaStorage::ThrottleMaximum:
+        return ReadThrottle(reader, stored, variable, number, ac);
+    case VistaStorage::Backlight:
         return ReadBacklight(reader, stored, ac);
-    case VistaPlace::Whole:
-        return ReadWhole(stored, variable, value);
-    default:
-        return ReadPacked(stored, variable, value, ac);
+    case VistaStorage::Setting:
+    case VistaStorage::File:
+    case VistaStorage::Adaptive:
+    case VistaStorage::Speed:
+        break;
     }
+    return stored.ValueOrDefault(variable, ac, number, variable.vistaDefault);
 }

@@ -1,13 +1,13 @@
-// scheme/EnumSchemes.cpp
+// scheme/SchemeTexts.cpp
 //
-// Walking the operating system's schemes, which only the XP path can.
+// The three kinds of walk. What each hands to its callback lives on the stack of the operation that walks.
 
-#include "scheme/SchemeEx.h"
+#include "scheme/SchemeTexts.h"
+
+#include "foundation/Text.h"
 
 namespace
 {
-
-// What each kind of walk hands to its callback. It lives on the stack of the operation that walks.
 
 struct ClientWalk
 {
@@ -19,15 +19,6 @@ struct NameSearch
 {
     const wchar_t* name;
     int found;
-};
-
-struct TextRequest
-{
-    int index;
-    wchar_t* name;
-    const ULONG* nameCapacity;
-    wchar_t* description;
-    const ULONG* descriptionCapacity;
 };
 
 template <class Context>
@@ -72,7 +63,7 @@ void CopyText(wchar_t* target, const ULONG* capacity, const wchar_t* source) noe
 BOOLEAN CALLBACK CopyTexts(UINT number, DWORD, LPWSTR name, DWORD, LPWSTR description, PPOWER_POLICY,
                            LPARAM argument) noexcept
 {
-    const TextRequest* request = ContextOf<TextRequest>(argument);
+    const auto* request = ContextOf<scheme_texts::Request>(argument);
     if (static_cast<int>(number) == request->index)
     {
         CopyText(request->name, request->nameCapacity, name);
@@ -83,34 +74,20 @@ BOOLEAN CALLBACK CopyTexts(UINT number, DWORD, LPWSTR name, DWORD, LPWSTR descri
 
 } // namespace
 
-int CSchemeEx::FindPwrScheme(const wchar_t* name) noexcept
+int scheme_texts::FindByName(const PowerBackend& backend, const wchar_t* name) noexcept
 {
-    if (name == nullptr || m_bVista != 0)
-    {
-        return -1;
-    }
     NameSearch search{name, -1};
-    ::EnumPwrSchemes(CompareName, ArgumentOf(search));
+    backend.enumerate(CompareName, ArgumentOf(search));
     return search.found;
 }
 
-int CSchemeEx::EnumPwrSchemes(PwrSchemeCallback callback, LONG argument) noexcept
+int scheme_texts::Visit(const PowerBackend& backend, PwrSchemeCallback callback, LONG argument) noexcept
 {
-    if (m_bVista != 0 || callback == nullptr)
-    {
-        return 0;
-    }
     ClientWalk walk{callback, argument};
-    return ::EnumPwrSchemes(ForwardToClient, ArgumentOf(walk));
+    return backend.enumerate(ForwardToClient, ArgumentOf(walk));
 }
 
-int CSchemeEx::GetPwrSchemeNameDesc(int index, wchar_t* name, ULONG* nameLen, wchar_t* desc,
-                                    ULONG* descLen) noexcept
+int scheme_texts::Copy(const PowerBackend& backend, Request request) noexcept
 {
-    if (FindPwrScheme(index) == 0 || m_bVista != 0)
-    {
-        return 0;
-    }
-    TextRequest request{index, name, nameLen, desc, descLen};
-    return ::EnumPwrSchemes(CopyTexts, ArgumentOf(request));
+    return backend.enumerate(CopyTexts, ArgumentOf(request));
 }

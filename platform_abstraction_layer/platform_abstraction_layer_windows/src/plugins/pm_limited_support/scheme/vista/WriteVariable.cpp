@@ -1,24 +1,26 @@
-// scheme/WriteVariableVista.cpp
+// scheme/vista/WriteVariable.cpp
 //
 // Writing one variable on the Vista path. Nothing is logged here. A refusal of the operating system leaves
 // what was written before it, the copy in the file included.
 
-#include "scheme/PowerDispatch.h"
-#include "scheme/SchemeEx.h"
-#include "scheme/SchemeMapping.h"
 #include "scheme/SettingCatalogue.h"
 #include "scheme/StoredVariables.h"
-#include "scheme/VariableAccess.h"
+#include "scheme/Variables.h"
 #include "scheme/Wrapping.h"
-
-#include <algorithm>
-#include <iterator>
+#include "scheme/vista/PowerDispatch.h"
+#include "scheme/vista/SchemeRows.h"
+#include "scheme/vista/Variables.h"
 
 namespace
 {
 
 constexpr int kAdaptivePolicy = 3;
 constexpr int kFullSpeed = 100;
+
+// Numbers of the operating system's two policy settings.
+constexpr int kVaryingPolicy = 2;
+constexpr int kFixedPolicy = 4;
+constexpr int kOnBattery = 1; // more
 
 // Settings of the processor. These are fixed: a write doesn't go by what the catalogue names for the
 // processor's variables.
@@ -73,7 +75,7 @@ private:
 // Not adaptive fixes the processor at full speed.
 bool WriteAdaptive(const SettingWriter& writer, bool ac, int value) noexcept
 {
-    const int policy = (value == 0 ? 4 : 2) + (ac ? 0 : 1);
+    const int policy = (value == 0 ? kFixedPolicy : kVaryingPolicy) + (ac ? 0 : kOnBattery);
     if (!writer.WriteProcessor(kFirstPolicySetting, policy) ||
         !writer.WriteProcessor(kSecondPolicySetting, policy))
     {
@@ -102,79 +104,65 @@ int WriteBacklight(const SettingWriter& writer, StoredVariables& stored, int lev
     return isWritten ? percentage : -1;
 }
 
-bool IsTimeOut(const wchar_t* name) noexcept
-{
-    constexpr const wchar_t* kTimeOuts[] = {L"HibernateTimeOut", L"DiskOffTimeOut", L"StandbyTimeOut",
-                                            L"MonitorOffTimeOut"};
-    return std::any_of(std::begin(kTimeOuts), std::end(kTimeOuts),
-                       [name](const wchar_t* timeOut) { return text::Equal(name, timeOut); });
-}
-
 // What follows from a variable that has been stored. The result is that of the whole write.
-int PassOn(CSchemeEx& engine, const SettingWriter& writer, StoredVariables& stored, const Variable& variable,
-           int index, bool ac, int value) noexcept
+int ApplySideEffects(const SettingWriter& writer, StoredVariables& stored, VistaStorage storage, int index,
+                     bool ac, int value) noexcept
 {
-    switch (variable.vista)
+    switch (storage)
     {
-    case VistaPlace::ThrottleMinimum:
+    case VistaStorage::ThrottleMinimum:
         return writer.WriteProcessor(kThrottleMinimum, value) ? value : -1;
-    case VistaPlace::ThrottleMaximum:
+    case VistaStorage::ThrottleMaximum:
         return writer.WriteProcessor(kThrottleMaximum, value) ? value : -1;
-    case VistaPlace::Adaptive:
+    case VistaStorage::Adaptive:
         return WriteAdaptive(writer, ac, value) ? value : -1;
-    case VistaPlace::Backlight:
+    case VistaStorage::Backlight:
         return WriteBacklight(writer, stored, value);
-    case VistaPlace::Speed:
+    case VistaStorage::Speed:
         if (value == 0)
         {
-            engine.SetPwrVariable(index, ac ? 1 : 0, VariableOf(kCpuAdaptive).name, kAdaptivePolicy);
+            variables::Write(vista::kBackend, index, ac, VariableOf(kCpuAdaptive), kAdaptivePolicy);
         }
-        return value;
-    default:
-        return value;
+        break;
+    case VistaStorage::Setting:
+    case VistaStorage::File:
+        break;
     }
+    return value;
 }
 
 } // namespace
 
 bool vista::Accepts(const wchar_t* name, int value) noexcept
 {
-    // Any number of whole minutes, in seconds, whether the catalogue offers it or not.
-    return IsTimeOut(name) ? value >= 0 && value % 60 == 0 : catalogue::Offers(name, value);
+    // A time may be any number of whole minutes, in seconds, whether the catalogue offers it or not.
+    const Variable* const variable = FindVariable(name);
+    const bool isTime =
+        variable != nullptr && variable->vista == VistaStorage::Setting && text::Equal(name, variable->name);
+    return isTime ? value >= 0 && value % 60 == 0 : catalogue::Offers(name, value);
 }
 
-int vista::WriteVariable(CSchemeEx& engine, int index, bool ac, const wchar_t* name, int value) noexcept
+int vista::WriteVariable(int index, bool ac, const NamedVariable& variable, int value) noexcept
 {
     SettingWriter writer;
-    if (!writer.Bind(ac) || !mapping::RowToGuid(index, writer.scheme))
+    if (!writer.Bind(ac) || !RowToGuid(index, writer.scheme))
     {
         return -1;
     }
-    const int number = FindVariable(name);
-    if (number < 0)
+    const Variable& row = variable.row;
+    if (HasSetting(row) && !catalogue::ReadSetting(row.name, writer.subGroup, writer.setting))
     {
         return -1;
     }
-    const Variable& variable = VariableOf(number);
-    if (HasSetting(variable) && !catalogue::ReadSetting(name, writer.subGroup, writer.setting))
+    if (row.vista == VistaStorage::Setting)
     {
-        return -1;
+        return Accepts(variable.name, value) && writer.Write(value) ? 1 : -1;
     }
-    if (variable.vista == VistaPlace::Setting)
-    {
-        return vista::Accepts(name, value) && writer.Write(value) ? 1 : -1;
-    }
-
     StoredVariables stored(index);
-    if (!vista::Accepts(name, value))
+    if (!Accepts(variable.name, value))
     {
         return -1;
     }
-    if (variable.vista == VistaPlace::Whole)
-    {
-        stored.Write(variable, value);
-        return value;
-    }
-    stored.Merge(variable, ac, value);
-    return PassOn(engine, writer, stored, variable, index, ac, value);
+    stored.WriteValue(row, ac, value);
+    return ApplySideEffects(writer, stored, row.vista, index, ac, value);
 }

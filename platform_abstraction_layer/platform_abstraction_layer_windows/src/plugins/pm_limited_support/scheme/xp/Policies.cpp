@@ -1,8 +1,8 @@
-// scheme/XpPolicies.cpp
+// scheme/xp/Policies.cpp
 //
 // Reading the two records of a scheme on the XP path.
 
-#include "scheme/XpPolicies.h"
+#include "scheme/xp/Policies.h"
 
 #include "foundation/OrvlBase.h"
 

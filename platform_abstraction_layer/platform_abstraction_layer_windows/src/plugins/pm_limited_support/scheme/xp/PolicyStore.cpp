@@ -1,12 +1,14 @@
-// scheme/PolicyStore.cpp
+// scheme/xp/PolicyStore.cpp
 //
 // The operating system's schemes in the registry.
 
-#include "scheme/PolicyStore.h"
+#include "scheme/xp/PolicyStore.h"
 
+#include "foundation/OrvlBase.h"
 #include "foundation/Owners.h"
+#include "foundation/PowerProfile.h"
 #include "foundation/Registry.h"
-#include "scheme/SchemeEx.h"
+#include "foundation/Text.h"
 
 #include <algorithm>
 #include <iterator>
@@ -98,12 +100,12 @@ int policy_store::HighestScheme() noexcept
     return highest;
 }
 
-int CSchemeEx::ReadUserActivePowerScheme(const wchar_t* subKey) noexcept
+int policy_store::ReadUserActiveScheme(const wchar_t* subKey) noexcept
 {
     owners::Key key;
     if (RegOpenKeyExW(HKEY_USERS, subKey, 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
     {
-        DBGOUT(L"ReadUserActivePowerScheme: Open key %s failed, error=%d", subKey, GetLastError());
+        CORVLBase::DBGOUT(L"ReadUserActivePowerScheme: Open key %s failed, error=%d", subKey, GetLastError());
         return 0;
     }
     wchar_t number[130];
@@ -112,16 +114,15 @@ int CSchemeEx::ReadUserActivePowerScheme(const wchar_t* subKey) noexcept
     if (registry::ReadText(key.Get(), L"CurrentPowerPolicy", number, &type) != ERROR_SUCCESS ||
         (type != REG_SZ && type != REG_EXPAND_SZ))
     {
-        DBGOUT(L"ReadUserActivePowerScheme: Query CurrentPowerPolicy at Key %s failed", subKey);
+        CORVLBase::DBGOUT(L"ReadUserActivePowerScheme: Query CurrentPowerPolicy at Key %s failed", subKey);
         return 0;
     }
     const int active = text::ToInt(number);
-    DBGOUT(L"ReadUserActivePowerScheme: Query current ID is %d", active);
+    CORVLBase::DBGOUT(L"ReadUserActivePowerScheme: Query current ID is %d", active);
     return active;
 }
 
-int CSchemeEx::ReadUserPowerPolicy(int index, const wchar_t* subKey, unsigned char* data,
-                                   ULONG* size) noexcept
+int policy_store::ReadUserPolicy(int index, const wchar_t* subKey, unsigned char* data, ULONG* size) noexcept
 {
     const PolicyKey place{HKEY_USERS, subKey, sizeof(USER_POWER_POLICY),
                           L"ReadUserPowerPolicy: Open key %s failed, error=%d",
@@ -129,7 +130,7 @@ int CSchemeEx::ReadUserPowerPolicy(int index, const wchar_t* subKey, unsigned ch
     return ReadPolicy(place, index, data, size);
 }
 
-int CSchemeEx::ReadMachinePowerPolicy(int index, unsigned char* data, ULONG* size) noexcept
+int policy_store::ReadMachinePolicy(int index, unsigned char* data, ULONG* size) noexcept
 {
     const PolicyKey place{HKEY_LOCAL_MACHINE, kMachineSchemes, sizeof(MACHINE_POWER_POLICY),
                           L"ReadMachinePowerPolicy: Open key %s failed, error=%d",

@@ -1,8 +1,8 @@
-// scheme/StandbyRules.cpp
+// scheme/xp/StandbyRules.cpp
 //
 // Standby and hibernation in the three fields of the XP path.
 
-#include "scheme/StandbyRules.h"
+#include "scheme/xp/StandbyRules.h"
 
 #include "foundation/PowerProfile.h"
 #include "scheme/Wrapping.h"

@@ -1,11 +1,11 @@
-// scheme/ReadVariableXp.cpp
+// scheme/xp/ReadVariable.cpp
 //
 // Reading one variable on the XP path.
 
 #include "foundation/OrvlBase.h"
 #include "scheme/StoredVariables.h"
-#include "scheme/VariableAccess.h"
-#include "scheme/XpPolicies.h"
+#include "scheme/xp/Policies.h"
+#include "scheme/xp/Variables.h"
 
 namespace
 {
@@ -35,47 +35,36 @@ int ReadFromPolicies(int index, bool ac, const Variable& variable) noexcept
     const PolicyFields fields = FieldsOf(policies.power, ac);
     switch (variable.xp)
     {
-    case XpPlace::Timeout:
+    case XpStorage::Timeout:
         return static_cast<int>(*(fields.*variable.timeout));
-    case XpPlace::Standby:
+    case XpStorage::Standby:
         return ReadStandbyTime(fields, ac);
-    case XpPlace::Hibernate:
+    case XpStorage::Hibernate:
         return static_cast<int>(HibernateTimeOf(IdleStateOf(fields)));
-    case XpPlace::ThrottlePolicy:
+    case XpStorage::ThrottlePolicy:
         return *fields.throttlePolicy;
-    case XpPlace::Speed:
+    case XpStorage::Speed:
     {
         const bool isAdaptive = *fields.throttlePolicy != 0 && DynamicThrottleOf(policies.processor, ac) != 0;
         return isAdaptive ? 0 : *fields.forcedThrottle;
     }
-    default:
-        return -1;
+    case XpStorage::Unsupported:
+    case XpStorage::File:
+        break;
     }
+    return -1;
 }
 
 int ReadFromFile(int index, bool ac, const Variable& variable) noexcept
 {
     StoredVariables stored(index);
-    const LONG value = stored.Read(variable, kNoValue);
-    if (value == kNoValue)
-    {
-        stored.Write(variable, kNoValue);
-        return -1;
-    }
-    return static_cast<int>(variable.xp == XpPlace::Whole ? value : HalfOf(value, ac));
+    return stored.ValueOrDefault(variable, ac, stored.Read(variable), kNoValue);
 }
 
 } // namespace
 
-int xp::ReadVariable(int index, bool ac, const wchar_t* name) noexcept
+int xp::ReadVariable(int index, bool ac, const Variable& variable) noexcept
 {
-    const int number = FindVariable(name);
-    if (number < 0)
-    {
-        CORVLBase::DBGOUT(L"ParseVarName(%s) error\n", name);
-        return -1;
-    }
-    const Variable& variable = VariableOf(number);
-    return variable.xp < XpPlace::Packed ? ReadFromPolicies(index, ac, variable)
-                                         : ReadFromFile(index, ac, variable);
+    return variable.xp == XpStorage::File ? ReadFromFile(index, ac, variable)
+                                          : ReadFromPolicies(index, ac, variable);
 }

@@ -1,0 +1,26 @@
+// scheme/vista/SchemeRows.h
+//
+// The rows of the scheme values file: a scheme's index is its row, and the row holds the GUID by which the
+// operating system knows the scheme.
+#pragma once
+
+#include <windows.h>
+
+namespace vista
+{
+
+/// The GUID of a row. A row whose scheme the operating system no longer knows is removed with all that it
+/// holds, and doesn't count.
+bool RowToGuid(int row, GUID& guid) noexcept;
+
+/// The row that holds `guid`, or -1. It looks at the rows up to the number that `maxIndex` gives; a row with
+/// a text that is no GUID ends the search.
+int FindRow(const GUID& guid, int (*maxIndex)() noexcept) noexcept;
+
+/// The next free row, or -1.
+int NextFreeRow() noexcept;
+
+/// Gives a scheme the next free row unless the row before is the scheme's already; the row, or -1.
+int AddRow(const GUID& guid) noexcept;
+
+} // namespace vista

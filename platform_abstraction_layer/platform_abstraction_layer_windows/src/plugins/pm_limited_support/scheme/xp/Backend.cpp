@@ -1,0 +1,104 @@
+// scheme/xp/Backend.cpp
+//
+// The power manager by scheme numbers, as every generation before Vista has it.
+
+#include "foundation/OrvlBase.h"
+#include "scheme/SchemeFiles.h"
+#include "scheme/xp/CopyScheme.h"
+#include "scheme/xp/PolicyStore.h"
+#include "scheme/xp/Variables.h"
+
+namespace
+{
+
+constexpr unsigned int kLastStandardNumber = 5;
+
+int Active() noexcept
+{
+    auto active = static_cast<UINT>(-1);
+    return GetActivePwrScheme(&active) ? static_cast<int>(active) : -1;
+}
+
+bool Activate(int index, const ActivationTexts& texts, int& previous) noexcept
+{
+    if (index < 0)
+    {
+        CORVLBase::DBGOUT(texts.negative, index);
+        return false;
+    }
+    if (!policy_store::HasScheme(index))
+    {
+        if (texts.notFound != nullptr)
+        {
+            CORVLBase::DBGOUT(texts.notFound, index);
+        }
+        return false;
+    }
+    previous = Active();
+    // Without policies: neither the scheme's nor the global one is replaced.
+    if (!SetActivePwrScheme(static_cast<UINT>(index), nullptr, nullptr))
+    {
+        CORVLBase::DBGOUT(texts.refused, index, GetLastError());
+        return false;
+    }
+    return true;
+}
+
+bool FindSetting(const Variable&, GUID&, GUID&) noexcept
+{
+    return false;
+}
+
+// A negative number isn't protected; the operating system refuses it.
+bool IsProtected(int index) noexcept
+{
+    return static_cast<unsigned int>(index) <= kLastStandardNumber;
+}
+
+bool Remove(int index) noexcept
+{
+    if (!DeletePwrScheme(static_cast<UINT>(index)))
+    {
+        CORVLBase::DBGOUT(L"delete windows power scheme failed %d", GetLastError());
+        return false;
+    }
+    CORVLCfg root;
+    if (!files::OpenRoot(root))
+    {
+        CORVLBase::DBGOUT(L"orvlCfg.Initialize finished");
+        return false;
+    }
+    CORVLProfile values;
+    if (!files::OpenOwn(values, root, files::kValuesName))
+    {
+        CORVLBase::DBGOUT(L"orvlScheme.Initialize(buffer) failed");
+        return false;
+    }
+    files::RemoveScheme(values, index);
+    return true;
+}
+
+int Enumerate(PWRSCHEMESENUMPROC callback, LPARAM argument) noexcept
+{
+    return EnumPwrSchemes(callback, argument);
+}
+
+} // namespace
+
+constexpr PowerBackend xp::kBackend{
+    .unknownRead = L"ParseVarName(%s) error\n",
+    .unknownWrite = L"ParseVarName error",
+    .exists = policy_store::HasScheme,
+    .maxIndex = policy_store::HighestScheme,
+    .active = Active,
+    .activate = Activate,
+    .read = ReadVariable,
+    .write = WriteVariable,
+    .accepts = Accepts,
+    .findSetting = FindSetting,
+    .isProtected = IsProtected,
+    .remove = Remove,
+    .enumerate = Enumerate,
+    .copy = CopyScheme,
+    .rename = RenameScheme,
+};

@@ -1,0 +1,15 @@
+// scheme/xp/Variables.h
+//
+// Reading, checking and writing one variable on the XP path, as in `PowerBackend`.
+#pragma once
+
+#include "scheme/PowerBackend.h"
+
+namespace xp
+{
+
+int ReadVariable(int index, bool ac, const Variable& variable) noexcept;
+int WriteVariable(int index, bool ac, const NamedVariable& variable, int value) noexcept;
+bool Accepts(const wchar_t* name, int value) noexcept;
+
+} // namespace xp
