@@ -21,7 +21,7 @@ using TextSearch = bool (*)(const wchar_t* whole, const wchar_t* part) noexcept;
 /// matches no adapter.
 bool HoldsWord(const wchar_t* description, const wchar_t* word, TextSearch contains) noexcept;
 
-/// What to look for and what to log. A message gets the last error; a null one stands for silence.
+/// What to look for and what to log. A message gets the last error; null: nothing is logged.
 struct AdapterSearch
 {
     const wchar_t* firstWord;

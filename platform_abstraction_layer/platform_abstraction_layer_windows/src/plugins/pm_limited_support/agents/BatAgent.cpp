@@ -70,7 +70,7 @@ Found OpenBattery(HDEVINFO list, DWORD index, HANDLE& battery) noexcept
     return Found::Battery;
 }
 
-// The state of the whole system's battery; all zeros when the system doesn't tell.
+// The state of the whole system's battery; all zeros when the system gives none.
 SYSTEM_BATTERY_STATE ReadSystemState() noexcept
 {
     SYSTEM_BATTERY_STATE state = {};

@@ -43,7 +43,7 @@ bool InitializeChipsetFile(CORVLCfg& file) noexcept;
 /// The kind that a section's "RegisterType" names. False for none.
 bool ReadRegisterKind(CORVLCfg& file, const wchar_t* section, RegisterKind& kind) noexcept;
 
-/// True when `name`, case told apart, stands in the chipset's list of functions.
+/// True when `name`, case-sensitive, stands in the chipset's list of functions.
 bool IsListed(CORVLCfg& file, const wchar_t* chipset, const wchar_t* name) noexcept;
 
 /// Reads a function's section. False when it lacks something that its kind of register needs.

@@ -15,7 +15,7 @@ enum OrvlDeviceAction : ULONG
     OrvlDeviceDisable = DICS_DISABLE
 };
 
-/// `Setup` gathers the devices, which `index` then counts from 0. Failures are 0x80004005 unless told
+/// `Setup` gathers the devices, which `index` then counts from 0. Failures are 0x80004005 unless stated
 /// otherwise. The device list is copied with the object, so only one of the copies may clean up.
 class ORVL_API CDevMgr : public CORVLBase
 {

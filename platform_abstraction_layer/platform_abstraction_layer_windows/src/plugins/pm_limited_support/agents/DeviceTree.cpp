@@ -65,9 +65,9 @@ LONG Fail(const wchar_t* message, ULONG number) noexcept
 LONG GetInstanceId(DEVINST device, wchar_t* instanceId, ULONG size) noexcept
 {
     ULONG length = 0;
-    if (const CONFIGRET told = CM_Get_Device_ID_Size(&length, device, 0); told != CR_SUCCESS)
+    if (const CONFIGRET result = CM_Get_Device_ID_Size(&length, device, 0); result != CR_SUCCESS)
     {
-        return Fail(L"Cannot Get_Device_ID_Size for %ld", told);
+        return Fail(L"Cannot Get_Device_ID_Size for %ld", result);
     }
     if (size < length + 1)
     {

@@ -11,7 +11,7 @@
 LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD dataLength,
                 DWORD& returned) noexcept;
 
-/// The same for a caller whom the number of bytes doesn't concern.
+/// The same for a caller that doesn't need the number of bytes.
 LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD dataLength) noexcept;
 
 /// Reads a model-specific register.

@@ -238,11 +238,11 @@ ULONG CDspxAgent::CheckSupportStatus() noexcept
     }
     ULONG capabilities = 0;
     ULONG driverError = 0;
-    const HRESULT told =
+    const HRESULT result =
         m_pInterface->slots->getPowerConsCaps(m_pInterface, m_nPowerHandle, &capabilities, &driverError);
-    if (!HasSucceeded(told, driverError))
+    if (!HasSucceeded(result, driverError))
     {
-        DBGOUT(L"GetPowerConsCaps failed with %x", told);
+        DBGOUT(L"GetPowerConsCaps failed with %x", result);
         return 0;
     }
     return capabilities;

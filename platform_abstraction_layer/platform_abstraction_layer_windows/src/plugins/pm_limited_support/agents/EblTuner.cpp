@@ -1,6 +1,6 @@
 // agents/EblTuner.cpp
 //
-// The tuner of nothing.
+// The no-op tuner.
 
 #include "agents/EblTuner.h"
 

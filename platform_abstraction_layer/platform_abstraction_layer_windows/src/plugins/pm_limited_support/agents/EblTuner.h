@@ -1,6 +1,6 @@
 // agents/EblTuner.h
 //
-// The tuner of nothing: the three operations of a tuner with no subsystem behind them.
+// A no-op tuner: the three operations of a tuner without a subsystem behind them.
 #pragma once
 
 #include "foundation/OrvlBase.h"

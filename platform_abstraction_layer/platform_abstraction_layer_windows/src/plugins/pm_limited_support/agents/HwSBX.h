@@ -1,7 +1,7 @@
 // agents/HwSBX.h
 //
 // Switches on-board functions of the chipset off and on, each by one bit. Which chipset it is and where a
-// function's bit lies is told by the file "SBXCfg.ini" alone.
+// function's bit lies is configured in the file "SBXCfg.ini" alone.
 #pragma once
 
 #include "agents/HwXA.h"
@@ -24,7 +24,7 @@ public:
     /// Opens the channel and, with `identify` nonzero, finds the chipset. 1 when it is known already.
     LONG Setup(int identify) noexcept;
 
-    /// Writes the bit of the function of that name, case told apart.
+    /// Writes the bit of the function of that name, case-sensitive.
     LONG FunctionDisable(const wchar_t* name, int disable) noexcept;
 
     /// `*disabled` becomes 1 or 0.

@@ -1,7 +1,7 @@
 // agents/OrvlDrvMgr.h
 //
 // The process's one connection to the kernel driver: when it is opened and closed, who may be in the driver,
-// and how the driver's errors are told. What is sent is told by DriverRecords.h.
+// and how the driver's errors are reported. DriverRecords.h documents what is sent.
 #pragma once
 
 #include "foundation/Api.h"
@@ -27,7 +27,7 @@ public:
     LONG Close() noexcept;
 
     /// Sends one request. 0, the driver's translated error, or 0x80004005 when the channel is closed or
-    /// another thread is in a driver call: nobody waits for the driver.
+    /// another thread is in a driver call: there is no waiting for the driver.
     LONG DeviceIoControl(DWORD dwIoControlCode, LPVOID lpInBuffer, DWORD nInBufferSize, LPVOID lpOutBuffer,
                          DWORD nOutBufferSize, LPDWORD lpBytesReturned, LPOVERLAPPED lpOverlapped) noexcept;
 

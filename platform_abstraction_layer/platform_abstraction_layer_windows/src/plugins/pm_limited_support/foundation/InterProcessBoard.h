@@ -1,7 +1,7 @@
 // foundation/InterProcessBoard.h
 //
 // A board: a small shared memory area with a doorbell and a lock, reachable by name from any session.
-// Results are 0 and 0x80004005 unless told otherwise; failures are reported to the debugger alone.
+// Results are 0 and 0x80004005 unless stated otherwise; failures are reported to the debugger alone.
 #pragma once
 
 #include "foundation/Api.h"

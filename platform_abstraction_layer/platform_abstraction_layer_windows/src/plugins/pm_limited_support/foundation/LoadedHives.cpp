@@ -20,7 +20,7 @@ constexpr const wchar_t* kPowerPolicies = L"Control Panel\\PowerCfg\\PowerPolici
 // Room of a logon name, in characters.
 constexpr std::size_t kLogonNameCapacity = 130;
 
-// The defaults of users to come, and the halves of hives that hold file associations, belong to nobody.
+// The defaults of users to come, and the hives of file associations, belong to no user.
 bool IsUserHive(const wchar_t* name) noexcept
 {
     return !text::EqualIgnoringCase(name, L".default") && !text::Contains(name, L"Classes");

@@ -35,9 +35,9 @@ public:
                      ULONG timeout) noexcept;
 
     /// Looks for the loaded hive whose "Logon User Name" is `userName`. 1 when it was found and read:
-    /// `subKey` (260 characters) is then the user's power policies below HKEY_USERS, `profilePath` his
-    /// local application data folder, whose capacity in bytes `profileSize` gives on entry and whose size
-    /// in bytes on return. Else 0. `subKeySize` isn't used.
+    /// `subKey` (260 characters) is then the user's power policies below HKEY_USERS, `profilePath` the
+    /// user's local application data folder, whose capacity in bytes `profileSize` gives on entry and whose
+    /// size in bytes on return. Else 0. `subKeySize` isn't used.
     int GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t* subKey, ULONG* subKeySize,
                                         wchar_t* profilePath, ULONG* profileSize) noexcept;
 };

@@ -93,7 +93,7 @@ wchar_t* CORVLCfg::GetDllPath(wchar_t* buffer, int size) noexcept
     {
         return nullptr;
     }
-    // A cut name fills the buffer whole and, before Windows Vista, has no terminator.
+    // A cut name fills the whole buffer and, before Windows Vista, has no terminator.
     const auto capacity = static_cast<DWORD>(size);
     const DWORD length = GetModuleFileNameW(module, buffer, capacity);
     if (length == 0 || length >= capacity)

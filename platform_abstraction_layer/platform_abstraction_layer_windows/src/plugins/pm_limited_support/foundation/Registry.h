@@ -12,7 +12,7 @@ namespace registry
 {
 
 /// Reads the value `name` of `key` into `target`, which has room for `bytes` bytes; on return `bytes` is the
-/// value's own size. The text in `target` is always terminated; a value that fills the room whole loses its
+/// value's own size. The text in `target` is always terminated; a value that fills the whole buffer loses its
 /// last character to the terminator. The system's code: ERROR_MORE_DATA when the room is too small, and
 /// `target` is then empty, as after every failure. The value may be of any type; who asks gets it in `type`.
 LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t* target, DWORD& bytes,

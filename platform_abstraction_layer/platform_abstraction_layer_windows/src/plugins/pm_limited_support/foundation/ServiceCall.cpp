@@ -1,7 +1,7 @@
 // foundation/ServiceCall.cpp
 //
 // One request to the service in another process: out over one board, the answer back over another. The
-// service creates both; what it does with a request is its own business.
+// service creates both; what it does with a request is up to the service.
 
 #include "foundation/OrvlBase.h"
 #include "foundation/Results.h"

@@ -207,7 +207,7 @@ std::size_t FormatV(wchar_t* target, std::size_t capacity, const wchar_t* format
     {
         return 0;
     }
-    // A text that fills the room whole or doesn't fit comes back without a terminator.
+    // A text that fills the buffer or doesn't fit comes back without a terminator.
     target[0] = L'\0';
     const int length = _vsnwprintf(target, capacity, format, arguments);
     if (length >= 0 && static_cast<std::size_t>(length) < capacity)

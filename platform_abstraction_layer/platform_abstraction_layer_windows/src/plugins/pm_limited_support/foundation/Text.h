@@ -23,10 +23,10 @@ std::size_t Length(const char* source, std::size_t capacity) noexcept;
 /// Characters before the terminator of a text that is known to be terminated.
 std::size_t Length(const wchar_t* source) noexcept;
 
-/// Copies `source`; true when it fitted whole. A null `source` counts as empty.
+/// Copies `source`; true when all of it fitted. A null `source` counts as empty.
 bool Copy(wchar_t* target, std::size_t capacity, const wchar_t* source) noexcept;
 
-/// Appends `source` to the text in `target`; true when it fitted whole.
+/// Appends `source` to the text in `target`; true when all of it fitted.
 bool Append(wchar_t* target, std::size_t capacity, const wchar_t* source) noexcept;
 
 /// Appends a backslash unless the text is empty or ends in one; true when the text then ends in one or is
@@ -42,10 +42,10 @@ bool EqualIgnoringCase(const wchar_t* left, const wchar_t* right) noexcept;
 /// Without regard to case in the whole alphabet: the system's comparison, character for character.
 bool EqualNames(const wchar_t* left, const wchar_t* right) noexcept;
 
-/// True when `part` stands somewhere in `whole`, case told apart.
+/// True when `whole` contains `part`, case-sensitive.
 bool Contains(const wchar_t* whole, const wchar_t* part) noexcept;
 
-/// True when one of `characters` stands somewhere in `whole`.
+/// True when `whole` contains one of `characters`.
 bool ContainsAny(const wchar_t* whole, const wchar_t* characters) noexcept;
 
 /// printf formatting with the rules of the Microsoft runtime (`%s` is wide text). Gives the characters

@@ -44,7 +44,7 @@ owners::LocalBlock FindSid(const wchar_t* userName) noexcept
     return owners::LocalBlock(sidText);
 }
 
-// Reads the user's local application data folder. False, with the reason logged, when his hive isn't loaded
+// Reads the user's local application data folder. False, with the reason logged, when the hive isn't loaded
 // or lacks it.
 bool ReadLocalAppData(const wchar_t* keyName, wchar_t (&folder)[text::kPathCapacity]) noexcept
 {

@@ -1,6 +1,6 @@
 // foundation/UserLookup.h
 //
-// From an account name to the user's loaded hive and his configuration folder, by way of the account
+// From an account name to the user's loaded hive and configuration folder, by way of the account
 // database.
 #pragma once
 

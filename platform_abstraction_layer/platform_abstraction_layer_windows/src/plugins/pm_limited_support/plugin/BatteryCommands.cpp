@@ -130,7 +130,7 @@ LONG GetBatteryInfo(CPluginHelper&, const PM_Request& request) noexcept
     exchange::WriteReply(request, info);
     if (!extended)
     {
-        // The rest of the record stands, but the host is told of no reply.
+        // The rest of the record stands, but it isn't counted as a reply.
         exchange::WriteReplySize(request, 0);
         return TRX_OPERATION_FAIL;
     }

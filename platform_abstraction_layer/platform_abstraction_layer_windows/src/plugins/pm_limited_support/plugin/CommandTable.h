@@ -41,7 +41,7 @@ LONG ProcessPwrSchemeFunc(CPluginHelper& context, const PM_Request& request, con
 /// The companion application's start with Windows.
 LONG ProcessORVARequest(CPluginHelper& context, const PM_Request& request, const Command& command) noexcept;
 
-/// Gives the number of the command that bears this name, told apart by case; `name` ends at its first NUL or
+/// The number of the command of this name, case-sensitively; `name` ends at its first NUL or
 /// after 32 bytes. 1, or 0 with `number` left alone for any other name.
 int CommandNumberFromName(const char* name, LONG* number) noexcept;
 

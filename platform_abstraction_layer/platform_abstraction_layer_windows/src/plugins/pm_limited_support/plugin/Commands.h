@@ -8,7 +8,7 @@
 
 #include <iterator>
 
-/// The numbers of the commands. 8, 12 and 34 belong to nobody.
+/// The numbers of the commands. 8, 12 and 34 aren't used.
 enum PmCommand : LONG
 {
     PM_GET_CPU_SPEED = 0,

@@ -42,7 +42,7 @@ void WriteReply(const PM_Request& request, const Record& record) noexcept
 std::size_t ConvertText(const wchar_t* source, const wchar_t* format, char* target,
                         std::size_t capacity) noexcept;
 
-/// The room that the host says there is, and what it is told there is now; 0 and nothing for a null pointer.
+/// The capacity that the host gives, and the size that it gets back; 0 and nothing for a null pointer.
 DWORD ReadReplySize(const PM_Request& request) noexcept;
 void WriteReplySize(const PM_Request& request, DWORD size) noexcept;
 

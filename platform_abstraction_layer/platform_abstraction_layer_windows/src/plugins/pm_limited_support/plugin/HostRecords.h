@@ -14,9 +14,9 @@ constexpr std::size_t kCommandNameSize = 32;
 /// One request, 56 bytes. The record and its buffers are the host's and valid for the call.
 struct PM_Request
 {
-    DWORD reserved;                 ///< offset 0: the host's business
+    DWORD reserved;                 ///< offset 0: reserved for the host
     char command[kCommandNameSize]; ///< offset 4: the command's name in ASCII
-    const char* userId;             ///< offset 36: the account for whom the request is made, below 1024 bytes
+    const char* userId;             ///< offset 36: the account that the request is made for, below 1024 bytes
     const void* params;             ///< offset 40: the payload
     DWORD paramsLen;                ///< offset 44: its size in bytes
     void* result;                   ///< offset 48: where the reply goes
@@ -31,7 +31,7 @@ static_assert(sizeof(void*) != 4 ||
 /// The table that the host hands over, 8 bytes.
 struct PM_HostInterface
 {
-    DWORD reserved; ///< offset 0: the host's business
+    DWORD reserved; ///< offset 0: reserved for the host
 
     /// offset 4: takes an event. `data` is valid for the call; what the function answers is ignored. It is
     /// called on the request's thread and on the notification thread, also by both at once.

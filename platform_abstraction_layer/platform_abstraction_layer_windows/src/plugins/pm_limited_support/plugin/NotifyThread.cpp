@@ -37,7 +37,8 @@ void Delete(Run* run) noexcept
 
 using OwnedRun = owners::Owner<Run*, Delete>;
 
-// Guards the context's two handles and what follows. Nobody waits for a thread or calls the host under it.
+// Guards the context's two handles and what follows. It is never held while waiting for a thread or calling
+// the host.
 CRITICAL_SECTION section;
 
 // The starts whose threads may still run, the latest first. The context's handles are the latest's, or null

@@ -16,8 +16,8 @@ struct UserInfo
 {
     LONG inUse;                               ///< 1 when the slot holds a resolved user, 0 when it is free
     wchar_t userName[text::kPathCapacity];    ///< the account name as the first request gave it
-    wchar_t subKey[text::kPathCapacity];      ///< his key below HKEY_USERS, a SID string
-    wchar_t profilePath[text::kPathCapacity]; ///< his configuration folder
+    wchar_t subKey[text::kPathCapacity];      ///< the user's key below HKEY_USERS, a SID string
+    wchar_t profilePath[text::kPathCapacity]; ///< the user's configuration folder
 };
 
 /// There is exactly one object per process.
@@ -39,7 +39,7 @@ public:
     /// request.
     LONG HandleRequest(const PM_Request* request) noexcept;
 
-    /// The slot of `userName`, 0 to 15; a new user is resolved first. -1 when he can't be.
+    /// The slot of `userName`, 0 to 15; a new user is resolved first. -1 when that fails.
     int GetUserInfoIndex(const wchar_t* userName) noexcept;
 
     /// Tells the host of a change; without a host or its function the event is dropped.

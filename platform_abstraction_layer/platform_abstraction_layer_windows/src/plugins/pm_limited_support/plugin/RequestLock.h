@@ -23,8 +23,8 @@ public:
     Scope& operator=(const Scope&) = delete;
 };
 
-/// Gives the lock up whole for the length of a scope when the calling thread holds it, however often it took
-/// it, and takes it back as often afterwards.
+/// Releases the lock completely for the length of a scope when the calling thread holds it, however often it
+/// took it, and takes it back as often afterwards.
 class Pause
 {
 public:

@@ -41,7 +41,7 @@ bool ReadUser(const PM_Request& request, User& user) noexcept
     return text::ToWide(user.id, size, user.name, std::size(user.name)) <= kLongestUserName;
 }
 
-// The slot of the requesting user, whose name comes back in both forms; -1 when he can't be resolved.
+// The slot of the requesting user, whose name comes back in both forms; -1 when the lookup fails.
 int FindSlot(CPluginHelper& context, const PM_Request& request, const Command& command, User& user) noexcept
 {
     if (!ReadUser(request, user))

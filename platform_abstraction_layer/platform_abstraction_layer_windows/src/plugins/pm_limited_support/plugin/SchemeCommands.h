@@ -1,7 +1,7 @@
 // plugin/SchemeCommands.h
 //
 // The commands on schemes, one function each. When they run, the requesting user is known, the engine is set
-// up for him, and payload and pointers have been checked; all give the result code.
+// up for the user, and payload and pointers have been checked; all give the result code.
 #pragma once
 
 #include "foundation/Text.h"

@@ -28,7 +28,8 @@ struct FieldPair
         offsetof(PM_Power_Scheme_Data_ALL, field), offsetof(PWRSET, field)                                   \
     }
 
-// In the order of the wire. Each half has LAN status before 3G here and behind it in the engine.
+// In the order of the wire. On either power source LAN status comes before 3G here and after it in the
+// engine.
 constexpr FieldPair kNumbers[] = {
     ORVL_PAIR(ac.cpuSpeed),
     ORVL_PAIR(ac.backlightLevel),

@@ -11,8 +11,8 @@
 /// its own 32 bytes runs on into the description.
 void ConvertPwrSchemeData(const PM_Power_Scheme_Data_ALL& wire, PWRSET& setting) noexcept;
 
-/// The record of a scheme's settings. Name and description stay empty, and the battery half's `LUMS` level is
-/// the mains half's: there is one for both.
+/// The record of a scheme's settings. Name and description stay empty, and the `LUMS` level for battery
+/// power is the one for AC power: there is one for both.
 void ConvertPwrSet(const PWRSET& setting, PM_Power_Scheme_Data_ALL& wire) noexcept;
 
 /// Name and description of a record that begins with them, under the rules of `ConvertPwrSchemeData`.

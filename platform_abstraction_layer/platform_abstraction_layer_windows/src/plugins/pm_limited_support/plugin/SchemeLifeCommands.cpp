@@ -32,7 +32,7 @@ struct SchemeTexts
 };
 
 // Copies name and description into the record, each with its terminator. The description comes last, so it
-// stands whole where a name was too long for its field.
+// is complete where a name was too long for its field.
 void FillIdentity(const SchemeTexts& texts, PM_Power_Scheme_Data& reply) noexcept
 {
     char name[256];

@@ -35,14 +35,14 @@ struct Variable
 };
 
 // The answer is the reply in any case; a negative one is a failure too.
-LONG ReplyAndJudge(const Call& call, LONG answer) noexcept
+LONG ReplyAlways(const Call& call, LONG answer) noexcept
 {
     ReplyNumber(call, answer);
     return answer < 0 ? TRX_OPERATION_FAIL : TRX_OPERATION_OK;
 }
 
 // A negative answer is a failure without a reply.
-LONG JudgeAndReply(const Call& call, LONG answer) noexcept
+LONG ReplyOnSuccess(const Call& call, LONG answer) noexcept
 {
     if (answer < 0)
     {
@@ -58,7 +58,7 @@ LONG GetActiveScheme(const Call& call) noexcept
 {
     const LONG active = call.engine.GetActivePwrScheme(0);
     PmLog(L"PM_GET_ACTIVE_SCHEME activeScheme=%d\n", active);
-    return ReplyAndJudge(call, active);
+    return ReplyAlways(call, active);
 }
 
 LONG ApplyScheme(const Call& call) noexcept
@@ -81,14 +81,14 @@ LONG EditScheme(const Call& call) noexcept
         call.engine.SetPwrVariable(static_cast<int>(record.schemeID), static_cast<int>(record.ifAC),
                                    variable.name, static_cast<int>(record.val));
     PmLog(L"PM_EDIT_SCHEME result=%d\n", answer);
-    return JudgeAndReply(call, answer);
+    return ReplyOnSuccess(call, answer);
 }
 
 LONG EditSchemeAll(const Call& call) noexcept
 {
     PWRSET setting{};
     ConvertPwrSchemeData(exchange::ReadPayload<PM_Power_Scheme_Data_ALL>(call.request), setting);
-    return JudgeAndReply(call, call.engine.SetPwrVariable(setting));
+    return ReplyOnSuccess(call, call.engine.SetPwrVariable(setting));
 }
 
 LONG QueryScheme(const Call& call) noexcept
@@ -102,7 +102,7 @@ LONG QueryScheme(const Call& call) noexcept
     const LONG answer = call.engine.GetPwrVariable(static_cast<int>(record.schemeID),
                                                    static_cast<int>(record.ifAC), variable.name);
     PmLog(L"PM_QUERY_SCHEME result=%d\n", answer);
-    return ReplyAndJudge(call, answer);
+    return ReplyAlways(call, answer);
 }
 
 LONG QuerySchemeAll(const Call& call) noexcept
@@ -123,7 +123,7 @@ LONG GetSchemeVarCount(const Call& call) noexcept
     PmLog(L"PM_GET_SCHEME_VAR_COUNT valName=%s\n", variable.name);
     const LONG answer = call.engine.GetPwrVariableOptCount(variable.name);
     PmLog(L"PM_GET_SCHEME_VAR_COUNT result=%d\n", answer);
-    return ReplyAndJudge(call, answer);
+    return ReplyAlways(call, answer);
 }
 
 LONG GetSchemeVarOptValue(const Call& call) noexcept
@@ -133,7 +133,7 @@ LONG GetSchemeVarOptValue(const Call& call) noexcept
     const LONG answer =
         call.engine.GetPwrVariableOptValue(variable.name, static_cast<int>(variable.record.val));
     PmLog(L"PM_GET_SCHEME_VAR_OPT_VALUE result=%d\n", answer);
-    return ReplyAndJudge(call, answer);
+    return ReplyAlways(call, answer);
 }
 
 LONG GetUserId(const Call& call) noexcept

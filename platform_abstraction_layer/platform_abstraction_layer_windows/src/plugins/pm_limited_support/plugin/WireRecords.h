@@ -13,7 +13,7 @@
 struct PM_Variable_Data
 {
     LONG schemeID;    ///< offset 0
-    LONG ifAC;        ///< offset 4: nonzero for mains, 0 for battery
+    LONG ifAC;        ///< offset 4: nonzero for AC power, 0 for battery
     char valName[32]; ///< offset 8: the variable's name
     LONG val;         ///< offset 40: the value to write, or an option's index
 };
@@ -53,7 +53,7 @@ struct PM_Power_Scheme_Data_ALL
     char name[32];             ///< offset 0
     char desc[512];            ///< offset 32: at most 255 bytes coming in
     LONG schemeID;             ///< offset 544
-    PM_Power_Scheme_Values ac; ///< offset 548: on mains
+    PM_Power_Scheme_Values ac; ///< offset 548: on AC power
     PM_Power_Scheme_Values dc; ///< offset 584: on battery
     LONG IfDefault;            ///< offset 620
     LONG IconNum;              ///< offset 624

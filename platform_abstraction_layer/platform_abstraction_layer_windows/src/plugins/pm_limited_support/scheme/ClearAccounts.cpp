@@ -165,7 +165,7 @@ int clear::EnableHivePrivileges() noexcept
 
 void clear::DeleteFileBelow(const wchar_t* folder, const wchar_t* suffix, const wchar_t* format) noexcept
 {
-    // Room for more than a whole path: a path that is too long must fail, not name another file.
+    // Room for more than one path: a path that is too long must fail, not name another file.
     wchar_t path[2 * text::kPathCapacity];
     text::Format(path, L"%s\\%s", folder, suffix);
     DeleteFileW(path);

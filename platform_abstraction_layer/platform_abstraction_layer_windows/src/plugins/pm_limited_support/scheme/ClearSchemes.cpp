@@ -18,7 +18,7 @@ constexpr int kMostCleared = 10000; // entries; each deletion goes to files of i
 constexpr const wchar_t* kProductKey = L"Software\\Kelvo";
 constexpr const wchar_t* kDeletedText = L"ClearPwrSchemes: DeleteFile %s";
 
-// What is logged of a user, with his section and the number of his schemes, and of each scheme.
+// What is logged for a user, with section and number of schemes, and for each scheme.
 struct UserTexts
 {
     const wchar_t* user;
@@ -32,7 +32,7 @@ bool OpenUserSchemes(CORVLProfile& users) noexcept
 }
 
 // Removes one user's schemes and the section. False when there are more than the limit allows: the section
-// then stays, or the rest would belong to nobody.
+// then stays, or the rest would have no owner.
 bool ClearUser(CSchemeEx& engine, CORVLProfile& users, const wchar_t* section, const UserTexts& texts,
                EntryLimit& limit) noexcept
 {

@@ -48,7 +48,7 @@ unsigned char* BytesOf(Record& record) noexcept
     return reinterpret_cast<unsigned char*>(&record);
 }
 
-// A hibernate time that the target's standby time has overtaken gives way to a later one.
+// A hibernate time that the target's standby time has overtaken is replaced by a later one.
 void CopyHibernateTime(const PowerBackend& backend, int index, bool ac, int time, int standby) noexcept
 {
     if (time != 0 && time <= standby)

@@ -33,7 +33,7 @@ struct PWRSET
     LONG schemeID;                     ///< offset 0: the scheme index
     wchar_t name[kSchemeTextCapacity]; ///< offset 4: read only when a scheme is added
     wchar_t desc[kSchemeTextCapacity]; ///< offset 516: read only when a scheme is added
-    PWRVALUES ac;                      ///< offset 1028: on mains power
+    PWRVALUES ac;                      ///< offset 1028: on AC power
     PWRVALUES dc;                      ///< offset 1064: on battery power
     LONG IfDefault;                    ///< offset 1100: how the companion application shows the scheme
     LONG IconNum;                      ///< offset 1104: likewise

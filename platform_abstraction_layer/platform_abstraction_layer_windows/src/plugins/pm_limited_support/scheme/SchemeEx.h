@@ -112,10 +112,10 @@ protected:
     int FindPwrScheme(int index) noexcept;
 
 public:
-    /// The operating system's scheme of that name, case told apart, or -1; always -1 on the Vista path.
+    /// The operating system's scheme of that name, case-sensitive, or -1; always -1 on the Vista path.
     int FindPwrScheme(const wchar_t* name) noexcept;
 
-    /// The scheme of that name in the section `m_szSubKey` of the user scheme file, case told apart, or
+    /// The scheme of that name in the section `m_szSubKey` of the user scheme file, case-sensitive, or
     /// -1. `userId` isn't used.
     int FindPwrScheme(const wchar_t* name, const wchar_t* userId) noexcept;
 
@@ -145,12 +145,12 @@ public:
     /// active before, or -1; when the service alone fails, the scheme is active all the same.
     int SetActivePwrScheme(int nIndex) noexcept;
 
-    /// The same for a user: takes his own disk, hibernate and button policies over first and records his
-    /// choice. `user` isn't read; the user is the one of `m_szSubKey`.
+    /// The same for a user: takes over the user's own disk, hibernate and button policies first and records
+    /// the choice. `user` isn't read; the user is the one of `m_szSubKey`.
     int SetActivePwrScheme(int nIndex, const wchar_t* user) noexcept;
 
     /// Copies the disk and hibernate times of the user's own active scheme into scheme `nIndex` and
-    /// installs his global policy for the account of this process.
+    /// installs the user's global policy for the account of this process.
     void SetGolbalPwrPolicyFromCurrentUser(int nIndex) noexcept;
 
     // Adding and renaming; on the XP path alone.
@@ -200,7 +200,7 @@ public:
     /// 1 clears for the user of `m_szSubKey`, 0 for all; other numbers do nothing. Always 1.
     int ClearORV(int what) noexcept;
 
-    /// The user's schemes, his section and the files in his folder. 1, or -1 when the user scheme file
+    /// The user's schemes, section and files. 1, or -1 when the user scheme file
     /// can't be opened.
     int ClearCurrentUserSettings() noexcept;
 
@@ -232,7 +232,7 @@ public:
     int GetCPUSpeed() noexcept;
 
     /// Writes the speed and applies the scheme anew. The speed before, or -1 when there was none to read;
-    /// the result of the write isn't told.
+    /// the result of the write isn't reported.
     int SetCPUSpeed(int speed) noexcept;
 
     // Batteries, each query with an agent of its own. See CBatAgent for the answers.
@@ -272,10 +272,10 @@ public:
     /// Other variables: 0, nothing done; -1 for an unknown name.
     int SetDeviceStatus(wchar_t const* name, int value) noexcept;
 
-    LONG m_bVista;                                ///< 1 on the Vista path, else 0; set only by `Initialize`
-    wchar_t m_szUserId[text::kPathCapacity];      ///< the requesting user's account name
-    wchar_t m_szSubKey[text::kPathCapacity];      ///< his key below HKEY_USERS and his section in the files
-    wchar_t m_szProfilePath[text::kPathCapacity]; ///< his configuration folder
+    LONG m_bVista;                           ///< 1 on the Vista path, else 0; set only by `Initialize`
+    wchar_t m_szUserId[text::kPathCapacity]; ///< the requesting user's account name
+    wchar_t m_szSubKey[text::kPathCapacity]; ///< the user's key below HKEY_USERS and section in the files
+    wchar_t m_szProfilePath[text::kPathCapacity]; ///< the user's configuration folder
 
 protected:
     /// The variable's number, or -1. The case of the letters A to Z plays no part.

@@ -19,7 +19,7 @@ struct Request
     const ULONG* descriptionCapacity;
 };
 
-/// The scheme of that name, case told apart, or -1.
+/// The scheme of that name, case-sensitive, or -1.
 int FindByName(const PowerBackend& backend, const wchar_t* name) noexcept;
 
 // Nonzero when the walk took place.

@@ -28,7 +28,7 @@ void ReadUser(CORVLProfile& users, int place, files::ShortText& section) noexcep
 /// How many schemes a user's section has; likewise.
 int CountSchemes(CORVLProfile& users, const wchar_t* section, EntryLimit& limit) noexcept;
 
-/// The scheme of that name in a section, case told apart, or -1.
+/// The scheme of that name in a section, case-sensitive, or -1.
 int FindByName(CORVLProfile& users, const wchar_t* section, const wchar_t* name) noexcept;
 
 /// Enters a section in the list of users, unless it is there, and a scheme in a section. The results are

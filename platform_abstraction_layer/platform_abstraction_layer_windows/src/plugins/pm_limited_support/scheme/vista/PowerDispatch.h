@@ -12,7 +12,7 @@ using PowerValueReader = DWORD(WINAPI*)(HKEY, const GUID*, const GUID*, const GU
 using PowerValueWriter = DWORD(WINAPI*)(HKEY, const GUID*, const GUID*, const GUID*, DWORD);
 
 /// One entry for each function, null where the system lacks it. The root key of all calls is null, and their
-/// results are Win32 error numbers. Whoever binds stores the same values, so a reader meets either null or
+/// results are Win32 error numbers. Every caller binds the same values, so a reader sees either null or
 /// the right one.
 struct PowerFunctions
 {

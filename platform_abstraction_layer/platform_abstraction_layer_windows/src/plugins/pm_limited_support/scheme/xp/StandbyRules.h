@@ -33,5 +33,5 @@ bool ChangeStandbyTime(IdleState& state, bool ac, LONG value, LaterHibernateTime
 
 /// Moves the hibernate time to `value` and leaves the standby time where it is; false as above. 0 turns
 /// hibernation off after standby. A time before the standby time is refused. An equal time is refused on
-/// mains power; on battery it turns hibernation off. A state that hibernates without standby takes any time.
+/// AC power; on battery it turns hibernation off. A state that hibernates without standby takes any time.
 bool ChangeHibernateTime(IdleState& state, bool ac, LONG value) noexcept;
