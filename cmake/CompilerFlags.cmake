@@ -52,6 +52,7 @@ if(NOT WIN32)
   # The failure rows name each place of a call once, and inlining multiplies places.
   target_compile_options(plugin_flags INTERFACE $<$<CONFIG:Debug>:-fno-inline>)
 else()
-  # Nothing is thrown through the plug-in, and tables for unwinding it would be a seventh of the DLL.
-  target_compile_options(plugin_flags INTERFACE -fno-asynchronous-unwind-tables)
+  # Nothing is thrown through the plug-in, and tables for unwinding it would be a seventh of the DLL. The
+  # compiler's name would stand in it once for each source.
+  target_compile_options(plugin_flags INTERFACE -fno-asynchronous-unwind-tables -fno-ident)
 endif()

@@ -31,7 +31,7 @@ LSTATUS StoreScheme(DWORD scheme)
     owners::Key key;
     const LSTATUS created =
         RegCreateKeyExW(HKEY_LOCAL_MACHINE, kCompanionKey, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_SET_VALUE,
-                        nullptr, key.Receive(), nullptr);
+                        nullptr, key.Put(), nullptr);
     if (created != ERROR_SUCCESS)
     {
         return created;

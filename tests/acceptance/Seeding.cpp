@@ -27,14 +27,14 @@ std::string LogFile(std::string_view log)
 owners::Key Opened(HKEY root, std::string_view path)
 {
     owners::Key key;
-    RegOpenKeyExW(root, Wide(path).data(), 0, KEY_ALL_ACCESS, key.Receive());
+    RegOpenKeyExW(root, Wide(path).data(), 0, KEY_ALL_ACCESS, key.Put());
     return key;
 }
 
 owners::Key Made(HKEY root, std::string_view path)
 {
     owners::Key key;
-    RegCreateKeyExW(root, Wide(path).data(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.Receive(), nullptr);
+    RegCreateKeyExW(root, Wide(path).data(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key.Put(), nullptr);
     return key;
 }
 

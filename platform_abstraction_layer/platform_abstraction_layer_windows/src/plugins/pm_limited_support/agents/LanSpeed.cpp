@@ -47,7 +47,7 @@ owners::Key OpenAdapter(const owners::Key& adapterClass, DWORD index, REGSAM acc
     owners::Key adapter;
     if (RegEnumKeyW(adapterClass.Get(), index, name, static_cast<DWORD>(std::size(name))) == ERROR_SUCCESS)
     {
-        RegOpenKeyExW(adapterClass.Get(), name, 0, access, adapter.Receive());
+        RegOpenKeyExW(adapterClass.Get(), name, 0, access, adapter.Put());
     }
     return adapter;
 }

@@ -88,7 +88,7 @@ LONG COsWin::ReadRegValue(HKEY root, const wchar_t* subkey, const wchar_t* name,
         return kGeneralFailure;
     }
     owners::Key key;
-    if (RegOpenKeyExW(root, subkey, 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(root, subkey, 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
     {
         return FailedRegistryCall(L"failed to open %s to read.", subkey);
     }
@@ -108,7 +108,7 @@ LONG COsWin::WriteRegValue(HKEY root, const wchar_t* subkey, const wchar_t* name
         return kGeneralFailure;
     }
     owners::Key key;
-    if (RegOpenKeyExW(root, subkey, 0, KEY_ALL_ACCESS, key.Receive()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(root, subkey, 0, KEY_ALL_ACCESS, key.Put()) != ERROR_SUCCESS)
     {
         return FailedRegistryCall(L"failed to open %s to write.", subkey);
     }

@@ -31,7 +31,7 @@ owners::Key OpenBelow(HKEY users, const wchar_t* hive, const wchar_t* path) noex
     wchar_t name[text::kPathCapacity * 2];
     text::Format(name, L"%s\\%s", hive, path);
     owners::Key key;
-    RegOpenKeyExW(users, name, 0, KEY_READ, key.Receive());
+    RegOpenKeyExW(users, name, 0, KEY_READ, key.Put());
     return key;
 }
 
@@ -50,7 +50,7 @@ int CORVLBase::GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t*
 {
     DBGOUT(L"enter GetCurrentUserSubkeyProfilePath");
     owners::Key users;
-    if (RegOpenKeyW(HKEY_USERS, nullptr, users.Receive()) != ERROR_SUCCESS)
+    if (RegOpenKeyW(HKEY_USERS, nullptr, users.Put()) != ERROR_SUCCESS)
     {
         DBGOUT(L"GetCurrentUserSubkeyProfilePath: Open key HKEY_USERS failed");
         return 0;

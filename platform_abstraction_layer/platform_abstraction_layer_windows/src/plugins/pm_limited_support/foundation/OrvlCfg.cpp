@@ -52,7 +52,7 @@ ULONG CORVLCfg::GetVersion() noexcept
 int CORVLCfg::Initialize(const wchar_t* file) noexcept
 {
     owners::Key key;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kInstallationKey, 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kInstallationKey, 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
     {
         return 0;
     }

@@ -14,7 +14,7 @@
 namespace owners
 {
 
-/// Holds one pointer-like value and gives it to `Release` unless it is the one that stands for nothing.
+/// Holds one pointer-like value and gives it to `Release` unless it is the empty one.
 template <class Pointer, void (*Release)(Pointer) noexcept, LONG_PTR kEmpty = 0>
 class Owner
 {
@@ -48,13 +48,13 @@ public:
     {
         return m_value != Empty();
     }
-    /// Releases what is held and holds `value` from now on.
+    /// Releases what is held and holds `value` from now on. The last error stays that of the call before.
     void Reset(Value value = Empty()) noexcept
     {
         const Value old = std::exchange(m_value, value);
         if (old != Empty())
         {
-            Release(old);
+            ReleaseQuietly(old);
         }
     }
     /// Gives the value away; the caller owns it.
@@ -63,7 +63,7 @@ public:
         return std::exchange(m_value, Empty());
     }
     /// Where a function stores the value that it hands out. What was held is released first.
-    Value* Receive() noexcept
+    Value* Put() noexcept
     {
         Reset();
         return &m_value;
@@ -73,6 +73,13 @@ private:
     static Value Empty() noexcept
     {
         return reinterpret_cast<Value>(kEmpty);
+    }
+
+    static void ReleaseQuietly(Value value) noexcept
+    {
+        const DWORD error = GetLastError();
+        Release(value);
+        SetLastError(error);
     }
 
     Value m_value = Empty();

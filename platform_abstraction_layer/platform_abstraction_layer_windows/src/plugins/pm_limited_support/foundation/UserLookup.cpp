@@ -49,7 +49,7 @@ owners::LocalBlock FindSid(const wchar_t* userName) noexcept
 bool ReadLocalAppData(const wchar_t* keyName, wchar_t (&folder)[text::kPathCapacity]) noexcept
 {
     owners::Key key;
-    LSTATUS status = RegOpenKeyExW(HKEY_USERS, keyName, 0, KEY_READ, key.Receive());
+    LSTATUS status = RegOpenKeyExW(HKEY_USERS, keyName, 0, KEY_READ, key.Put());
     if (status != ERROR_SUCCESS)
     {
         PmLog(L"GetCurrentUserSubkeyProfilePath: open shell folder key %s failed %d", keyName, status);

@@ -6,8 +6,8 @@
 #include "agents/LanAgent.h"
 #include "foundation/PmLog.h"
 #include "plugin/DeviceCommands.h"
-#include "plugin/Exchange.h"
 #include "plugin/PluginHelper.h"
+#include "plugin/RequestIo.h"
 
 #include <algorithm>
 #include <iterator>
@@ -30,7 +30,7 @@ LONG ReplyEnabled(const PM_Request& request, int (CLanAgent::*get)() noexcept) n
     {
         return TRX_OPERATION_FAIL;
     }
-    exchange::WriteReply(request, status);
+    request_io::WriteReply(request, status);
     return TRX_OPERATION_OK;
 }
 
@@ -56,13 +56,13 @@ LONG GetLanSpeed(CPluginHelper&, const PM_Request& request) noexcept
     {
         return TRX_OPERATION_FAIL;
     }
-    exchange::WriteReply(request, static_cast<LONG>(found - std::begin(kSpeedLevels)));
+    request_io::WriteReply(request, static_cast<LONG>(found - std::begin(kSpeedLevels)));
     return TRX_OPERATION_OK;
 }
 
 LONG SetLanSpeed(CPluginHelper& context, const PM_Request& request) noexcept
 {
-    const auto value = exchange::ReadPayload<LONG>(request);
+    const auto value = request_io::ReadPayload<LONG>(request);
     if (value < 0 || value >= static_cast<LONG>(std::size(kSpeedLevels)))
     {
         return TRX_OPERATION_FAIL;

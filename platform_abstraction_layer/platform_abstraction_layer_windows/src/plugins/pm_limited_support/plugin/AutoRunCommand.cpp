@@ -6,7 +6,7 @@
 #include "foundation/PmLog.h"
 #include "foundation/Text.h"
 #include "plugin/CommandTable.h"
-#include "plugin/Exchange.h"
+#include "plugin/RequestIo.h"
 #include "scheme/SchemeEx.h"
 
 #include <iterator>
@@ -14,11 +14,11 @@
 LONG ProcessORVARequest(CPluginHelper&, const PM_Request& request, const Command& command) noexcept
 {
     PmLog(L"enter ProcessORVARequest %d", command.info.number);
-    if (!exchange::HasRequiredPointers(request, command.info))
+    if (!request_io::HasRequiredPointers(request, command.info))
     {
         return TRX_OPERATION_FAIL;
     }
-    const auto record = exchange::ReadPayload<PM_AutoRun_Data>(request);
+    const auto record = request_io::ReadPayload<PM_AutoRun_Data>(request);
     wchar_t path[text::kPathCapacity];
     text::ToWide(record.path, sizeof record.path, path, std::size(path));
     PmLog(L"PM_AUTORUN_ORVA: get autorun flag=%d, orva path is %s", record.flag, path);

@@ -5,7 +5,7 @@
 #include "agents/EcAgent.h"
 #include "foundation/PmLog.h"
 #include "plugin/DeviceCommands.h"
-#include "plugin/Exchange.h"
+#include "plugin/RequestIo.h"
 #include "plugin/WireRecords.h"
 #include "scheme/SchemeEx.h"
 
@@ -93,20 +93,20 @@ LONG GetBatteryCount(CPluginHelper&, const PM_Request& request) noexcept
     {
         return TRX_OPERATION_FAIL;
     }
-    exchange::WriteReply(request, count);
+    request_io::WriteReply(request, count);
     PmLog(L"Get battery count %d.\n", count);
     return TRX_OPERATION_OK;
 }
 
 LONG GetBatteryInfo(CPluginHelper&, const PM_Request& request) noexcept
 {
-    const auto index = exchange::ReadPayload<LONG>(request);
-    if (exchange::ReadReplySize(request) < sizeof(PM_Battery_Info) || index < 0)
+    const auto index = request_io::ReadPayload<LONG>(request);
+    if (request_io::ReadReplySize(request) < sizeof(PM_Battery_Info) || index < 0)
     {
         return TRX_OPERATION_FAIL;
     }
     PM_Battery_Info info{};
-    exchange::WriteReply(request, info);
+    request_io::WriteReply(request, info);
 
     CSchemeEx engine;
     engine.Initialize();
@@ -116,7 +116,7 @@ LONG GetBatteryInfo(CPluginHelper&, const PM_Request& request) noexcept
         info.powerState = BATTERY_POWER_ON_LINE;
         info.percent = kUnknown;
         info.time = kUnknown;
-        exchange::WriteReply(request, info);
+        request_io::WriteReply(request, info);
         return TRX_OPERATION_OK;
     }
 
@@ -127,11 +127,11 @@ LONG GetBatteryInfo(CPluginHelper&, const PM_Request& request) noexcept
     }
     const bool extended = FillExtendedFields(agent, info);
     FillBattery(engine, static_cast<int>(index), power, info);
-    exchange::WriteReply(request, info);
+    request_io::WriteReply(request, info);
     if (!extended)
     {
         // The rest of the record stands, but it isn't counted as a reply.
-        exchange::WriteReplySize(request, 0);
+        request_io::WriteReplySize(request, 0);
         return TRX_OPERATION_FAIL;
     }
     return TRX_OPERATION_OK;
@@ -139,7 +139,7 @@ LONG GetBatteryInfo(CPluginHelper&, const PM_Request& request) noexcept
 
 LONG GetPowerInfo(CPluginHelper&, const PM_Request& request) noexcept
 {
-    if (exchange::ReadReplySize(request) < sizeof(PM_Power_Info))
+    if (request_io::ReadReplySize(request) < sizeof(PM_Power_Info))
     {
         PmLog(L"Get power information failed for smaller length.\n");
         return TRX_OPERATION_FAIL;
@@ -166,7 +166,7 @@ LONG GetPowerInfo(CPluginHelper&, const PM_Request& request) noexcept
     {
         info.powerState = BATTERY_POWER_ON_LINE;
     }
-    exchange::WriteReply(request, info);
+    request_io::WriteReply(request, info);
     PmLog(L"Get Power status=%d, Percent=%d, Time=%d\n", info.powerState, info.percent, info.time);
     return TRX_OPERATION_OK;
 }

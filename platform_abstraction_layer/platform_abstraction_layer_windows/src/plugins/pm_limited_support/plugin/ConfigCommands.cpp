@@ -8,8 +8,8 @@
 #include "foundation/OrvlProfile.h"
 #include "foundation/PmLog.h"
 #include "plugin/CommandTable.h"
-#include "plugin/Exchange.h"
 #include "plugin/FileName.h"
+#include "plugin/RequestIo.h"
 
 #include <algorithm>
 #include <iterator>
@@ -97,7 +97,7 @@ LONG GetInt(const Access& access) noexcept
     const ConfigData& data = access.data;
     const LONG number =
         CanExist(data) ? access.file.GetInt(data.section, data.item, data.defaultValue) : data.defaultValue;
-    exchange::WriteReply(access.request, number);
+    request_io::WriteReply(access.request, number);
     return TRX_OPERATION_OK;
 }
 
@@ -116,9 +116,9 @@ LONG GetString(const Access& access) noexcept
     char narrow[256];
     const std::size_t size =
         data.fileType == kProfileFile
-            ? exchange::ConvertText(text, L"the needed string len is %d", narrow, std::size(narrow))
+            ? request_io::ConvertText(text, L"the needed string len is %d", narrow, std::size(narrow))
             : ConvertInstallationText(text, narrow);
-    exchange::WriteReply(access.request, narrow, static_cast<DWORD>(size + 1));
+    request_io::WriteReply(access.request, narrow, static_cast<DWORD>(size + 1));
     return TRX_OPERATION_OK;
 }
 
@@ -162,14 +162,14 @@ void ConvertConfigData(const PM_Config_Data& wire, ConfigData& local) noexcept
 
 LONG ProcessConfigFunc(CPluginHelper&, const PM_Request& request, const Command& command) noexcept
 {
-    if (!exchange::IsLengthRight(request, command.info) ||
-        !exchange::HasRequiredPointers(request, command.info))
+    if (!request_io::IsLengthRight(request, command.info) ||
+        !request_io::HasRequiredPointers(request, command.info))
     {
         return TRX_OPERATION_FAIL;
     }
 
     ConfigData data;
-    ConvertConfigData(exchange::ReadPayload<PM_Config_Data>(request), data);
+    ConvertConfigData(request_io::ReadPayload<PM_Config_Data>(request), data);
     PmLog(L"File=%s, Sec=%s, Item=%s, val=%d \n", data.file, data.section, data.item, data.value);
     switch (data.fileType)
     {

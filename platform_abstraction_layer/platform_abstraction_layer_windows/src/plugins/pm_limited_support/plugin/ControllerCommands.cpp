@@ -6,8 +6,8 @@
 #include "agents/Radio.h"
 #include "foundation/PmLog.h"
 #include "plugin/DeviceCommands.h"
-#include "plugin/Exchange.h"
 #include "plugin/PluginHelper.h"
+#include "plugin/RequestIo.h"
 
 namespace device_commands
 {
@@ -31,7 +31,7 @@ LONG WithController(Work work) noexcept
 
 LONG ReplyNumber(const PM_Request& request, LONG number) noexcept
 {
-    exchange::WriteReply(request, number);
+    request_io::WriteReply(request, number);
     return TRX_OPERATION_OK;
 }
 
@@ -120,7 +120,7 @@ LONG SwitchRadio(const RadioCommands& commands, CPluginHelper& context, CEcAgent
 
 LONG SwitchRadio(const RadioCommands& commands, CPluginHelper& context, const PM_Request& request) noexcept
 {
-    const auto value = exchange::ReadPayload<LONG>(request);
+    const auto value = request_io::ReadPayload<LONG>(request);
     if (!IsSwitch(value))
     {
         return TRX_OPERATION_FAIL;
@@ -150,7 +150,7 @@ LONG GetLcdBrightness(CPluginHelper&, const PM_Request& request) noexcept
 
 LONG SetLcdBrightness(CPluginHelper& context, const PM_Request& request) noexcept
 {
-    const auto level = exchange::ReadPayload<LONG>(request);
+    const auto level = request_io::ReadPayload<LONG>(request);
     if (level < 0)
     {
         PmLog(L"set LCD level %d ", level);
@@ -184,7 +184,7 @@ LONG GetLanStatus(CPluginHelper&, const PM_Request& request) noexcept
 
 LONG SetLanStatus(CPluginHelper& context, const PM_Request& request) noexcept
 {
-    const auto value = exchange::ReadPayload<LONG>(request);
+    const auto value = request_io::ReadPayload<LONG>(request);
     if (value == 0)
     {
         return TRX_OPERATION_REFUSED;

@@ -6,7 +6,7 @@
 
 #include "foundation/PmLog.h"
 #include "plugin/CommandTable.h"
-#include "plugin/Exchange.h"
+#include "plugin/RequestIo.h"
 
 // The live setting isn't served; it exists as a variable of a scheme.
 LONG device_commands::Refuse(CPluginHelper&, const PM_Request&) noexcept
@@ -20,8 +20,8 @@ LONG ProcessDeviceFunc(CPluginHelper& context, const PM_Request& request, const 
     {
         PmLog(command.entryLog);
     }
-    if (!exchange::IsLengthRight(request, command.info) ||
-        !exchange::HasRequiredPointers(request, command.info))
+    if (!request_io::IsLengthRight(request, command.info) ||
+        !request_io::HasRequiredPointers(request, command.info))
     {
         return TRX_OPERATION_FAIL;
     }

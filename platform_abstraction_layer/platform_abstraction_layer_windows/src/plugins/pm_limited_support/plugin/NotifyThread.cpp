@@ -120,7 +120,7 @@ OwnedRun StartThread() noexcept
     start.appliedEvent.Reset(CreateEventW(nullptr, TRUE, FALSE, L"ApplySchemeEvent"));
     start.stopEvent.Reset(CreateEventW(nullptr, TRUE, FALSE, nullptr));
     if (start.appliedEvent && start.stopEvent &&
-        GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, inside, start.module.Receive()))
+        GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, inside, start.module.Put()))
     {
         start.thread.Reset(CreateThread(nullptr, 0, &PMNotifyHandler, nullptr, 0, &start.threadId));
     }
@@ -137,7 +137,7 @@ LONG ReadAppliedScheme() noexcept
 {
     owners::Key key;
     const LSTATUS opened =
-        RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Kelvo\\ORVA", 0, KEY_READ, key.Receive());
+        RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Kelvo\\ORVA", 0, KEY_READ, key.Put());
     if (opened != ERROR_SUCCESS)
     {
         PmLog(L"PMNotifyHandler: open key failed %d ", opened);

@@ -6,8 +6,8 @@
 
 #include "foundation/PmLog.h"
 #include "plugin/CommandTable.h"
-#include "plugin/Exchange.h"
 #include "plugin/PluginHelper.h"
+#include "plugin/RequestIo.h"
 
 #include <cstring>
 #include <iterator>
@@ -63,7 +63,7 @@ LONG Run(const Command& command, CPluginHelper& context, const PM_Request& reque
     {
         PmLog(command.entryLog, request.paramsLen);
     }
-    if (!exchange::IsLengthRight(request, command.info))
+    if (!request_io::IsLengthRight(request, command.info))
     {
         if (command.lengthLog != nullptr)
         {
@@ -78,13 +78,13 @@ LONG Run(const Command& command, CPluginHelper& context, const PM_Request& reque
 
 void scheme_commands::ReplyNumber(const Call& call, LONG number) noexcept
 {
-    exchange::WriteReply(call.request, number);
+    request_io::WriteReply(call.request, number);
 }
 
 LONG ProcessPwrSchemeFunc(CPluginHelper& context, const PM_Request& request, const Command& command) noexcept
 {
     PmLog(L"enter ProcessPwrSchemeFunc %d", command.info.number);
-    if (!exchange::HasRequiredPointers(request, command.info))
+    if (!request_io::HasRequiredPointers(request, command.info))
     {
         return TRX_OPERATION_FAIL;
     }

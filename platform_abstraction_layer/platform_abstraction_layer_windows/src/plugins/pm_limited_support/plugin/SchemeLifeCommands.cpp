@@ -3,8 +3,8 @@
 // The commands that create, name, delete and clear schemes, and those on the speed of the processor.
 
 #include "foundation/PmLog.h"
-#include "plugin/Exchange.h"
 #include "plugin/PluginHelper.h"
+#include "plugin/RequestIo.h"
 #include "plugin/SchemeCommands.h"
 #include "plugin/SchemeConversion.h"
 
@@ -37,10 +37,10 @@ void FillIdentity(const SchemeTexts& texts, PM_Power_Scheme_Data& reply) noexcep
 {
     char name[256];
     const std::size_t nameSize =
-        exchange::ConvertText(texts.name, L"the needed name len is %d", name, sizeof name);
+        request_io::ConvertText(texts.name, L"the needed name len is %d", name, sizeof name);
     char description[sizeof reply.desc];
-    const std::size_t size = exchange::ConvertText(texts.description, L"the needed desc len is %d",
-                                                   description, sizeof description);
+    const std::size_t size = request_io::ConvertText(texts.description, L"the needed desc len is %d",
+                                                     description, sizeof description);
 
     char* const record = reinterpret_cast<char*>(&reply);
     static_assert(offsetof(PM_Power_Scheme_Data, name) + sizeof name <= sizeof reply);
@@ -64,7 +64,7 @@ LONG GetCpuSpeed(const Call& call) noexcept
 
 LONG SetCpuSpeed(const Call& call) noexcept
 {
-    const auto value = exchange::ReadPayload<LONG>(call.request);
+    const auto value = request_io::ReadPayload<LONG>(call.request);
     if (value < 0 || value >= static_cast<LONG>(std::size(kSpeedPercentages)))
     {
         return TRX_OPERATION_FAIL;
@@ -81,7 +81,7 @@ LONG SetCpuSpeed(const Call& call) noexcept
 
 LONG GetSchemeName(const Call& call) noexcept
 {
-    const auto scheme = exchange::ReadPayload<LONG>(call.request);
+    const auto scheme = request_io::ReadPayload<LONG>(call.request);
     SchemeTexts texts{};
     ULONG nameCapacity = std::size(texts.name);
     ULONG descriptionCapacity = std::size(texts.description);
@@ -100,13 +100,13 @@ LONG GetSchemeName(const Call& call) noexcept
         PmLog(L"GetPwrSchemeNameDesc failed");
         result = TRX_OPERATION_FAIL;
     }
-    exchange::WriteReply(call.request, reply);
+    request_io::WriteReply(call.request, reply);
     return result;
 }
 
 LONG AddScheme(const Call& call) noexcept
 {
-    const auto record = exchange::ReadPayload<PM_Power_Scheme_Data>(call.request);
+    const auto record = request_io::ReadPayload<PM_Power_Scheme_Data>(call.request);
     wchar_t name[256];
     wchar_t description[256];
     ConvertSchemeTexts(&record, name, description);
@@ -125,7 +125,7 @@ LONG AddScheme(const Call& call) noexcept
 LONG AddSchemeAll(const Call& call) noexcept
 {
     PWRSET setting{};
-    ConvertPwrSchemeData(exchange::ReadPayload<PM_Power_Scheme_Data_ALL>(call.request), setting);
+    ConvertPwrSchemeData(request_io::ReadPayload<PM_Power_Scheme_Data_ALL>(call.request), setting);
     const LONG added = call.engine.AddPwrScheme(setting, call.userName);
     if (added < 0)
     {
@@ -137,7 +137,7 @@ LONG AddSchemeAll(const Call& call) noexcept
 
 LONG DeleteScheme(const Call& call) noexcept
 {
-    const auto scheme = exchange::ReadPayload<LONG>(call.request);
+    const auto scheme = request_io::ReadPayload<LONG>(call.request);
     PmLog(L"delete schemeID=%d", scheme);
     if (call.engine.DeletePwrScheme(static_cast<int>(scheme), call.userName) == 0)
     {
@@ -150,7 +150,7 @@ LONG DeleteScheme(const Call& call) noexcept
 
 LONG ClearSchemes(const Call& call) noexcept
 {
-    const auto selector = exchange::ReadPayload<LONG>(call.request);
+    const auto selector = request_io::ReadPayload<LONG>(call.request);
     if (selector == kClearCurrentUser)
     {
         CORVLBase::DBGOUT(L"enter ClearORV: ClearCurrentUserSettings");
@@ -162,7 +162,7 @@ LONG ClearSchemes(const Call& call) noexcept
         call.engine.ClearPwrSchemes();
         call.engine.ClearCfgSettings();
     }
-    exchange::WriteReplySize(call.request, 0);
+    request_io::WriteReplySize(call.request, 0);
     return TRX_OPERATION_OK;
 }
 

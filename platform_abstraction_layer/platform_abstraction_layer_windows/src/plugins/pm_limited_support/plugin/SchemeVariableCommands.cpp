@@ -3,7 +3,7 @@
 // The commands that read, edit and apply schemes.
 
 #include "foundation/PmLog.h"
-#include "plugin/Exchange.h"
+#include "plugin/RequestIo.h"
 #include "plugin/SchemeCommands.h"
 #include "plugin/SchemeConversion.h"
 
@@ -20,7 +20,7 @@ namespace
 struct Variable
 {
     explicit Variable(const PM_Request& request) noexcept
-        : record(exchange::ReadPayload<PM_Variable_Data>(request)),
+        : record(request_io::ReadPayload<PM_Variable_Data>(request)),
           nameSize(text::Length(record.valName, sizeof record.valName))
     {
         std::memcpy(narrowName, record.valName, nameSize);
@@ -63,7 +63,7 @@ LONG GetActiveScheme(const Call& call) noexcept
 
 LONG ApplyScheme(const Call& call) noexcept
 {
-    const auto scheme = exchange::ReadPayload<LONG>(call.request);
+    const auto scheme = request_io::ReadPayload<LONG>(call.request);
     const LONG previous = call.engine.SetActivePwrScheme(static_cast<int>(scheme), call.userName);
     PmLog(L"PM_APPLY_SCHEME %d\n", previous);
     // The host learns of a failure from the reply alone.
@@ -87,7 +87,7 @@ LONG EditScheme(const Call& call) noexcept
 LONG EditSchemeAll(const Call& call) noexcept
 {
     PWRSET setting{};
-    ConvertPwrSchemeData(exchange::ReadPayload<PM_Power_Scheme_Data_ALL>(call.request), setting);
+    ConvertPwrSchemeData(request_io::ReadPayload<PM_Power_Scheme_Data_ALL>(call.request), setting);
     return ReplyOnSuccess(call, call.engine.SetPwrVariable(setting));
 }
 
@@ -107,13 +107,13 @@ LONG QueryScheme(const Call& call) noexcept
 
 LONG QuerySchemeAll(const Call& call) noexcept
 {
-    const auto scheme = exchange::ReadPayload<LONG>(call.request);
+    const auto scheme = request_io::ReadPayload<LONG>(call.request);
     PmLog(L"enter PM_QUERY_SCHEME_ALL, id=%d", scheme);
     PWRSET setting{};
     call.engine.GetPwrVariableAll(setting, static_cast<int>(scheme));
     PM_Power_Scheme_Data_ALL reply;
     ConvertPwrSet(setting, reply);
-    exchange::WriteReply(call.request, reply);
+    request_io::WriteReply(call.request, reply);
     return TRX_OPERATION_OK;
 }
 
@@ -138,7 +138,7 @@ LONG GetSchemeVarOptValue(const Call& call) noexcept
 
 LONG GetUserId(const Call& call) noexcept
 {
-    exchange::WriteReply(call.request, call.userId, static_cast<DWORD>(std::strlen(call.userId) + 1));
+    request_io::WriteReply(call.request, call.userId, static_cast<DWORD>(std::strlen(call.userId) + 1));
     return TRX_OPERATION_OK;
 }
 

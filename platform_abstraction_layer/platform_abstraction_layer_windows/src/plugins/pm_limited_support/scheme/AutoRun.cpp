@@ -42,7 +42,7 @@ void RecordFlagInFile(int flag) noexcept
 int auto_run::WriteEntry(int flag, const wchar_t* path, ULONG size) noexcept
 {
     owners::Key key;
-    const LSTATUS opened = RegOpenKeyExW(HKEY_LOCAL_MACHINE, kRunKey, 0, KEY_ALL_ACCESS, key.Receive());
+    const LSTATUS opened = RegOpenKeyExW(HKEY_LOCAL_MACHINE, kRunKey, 0, KEY_ALL_ACCESS, key.Put());
     if (opened != ERROR_SUCCESS)
     {
         CORVLBase::DBGOUT(
@@ -77,8 +77,7 @@ int auto_run::Set(int flag, const wchar_t* path, ULONG size) noexcept
         return 0;
     }
     owners::Key key;
-    const LSTATUS opened =
-        RegOpenKeyExW(HKEY_LOCAL_MACHINE, kApplicationKey, 0, KEY_ALL_ACCESS, key.Receive());
+    const LSTATUS opened = RegOpenKeyExW(HKEY_LOCAL_MACHINE, kApplicationKey, 0, KEY_ALL_ACCESS, key.Put());
     if (opened != ERROR_SUCCESS)
     {
         CORVLBase::DBGOUT(L"SetAutoRunORVA: Open Key SOFTWARE\\Kelvo\\ORVA failed at %d!", opened);

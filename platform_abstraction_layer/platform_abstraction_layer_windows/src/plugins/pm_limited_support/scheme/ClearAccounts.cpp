@@ -27,7 +27,7 @@ using Path = wchar_t[text::kPathCapacity];
 bool ReadProfilePath(HKEY list, const wchar_t* sid, Path& profile) noexcept
 {
     owners::Key key;
-    if (RegOpenKeyExW(list, sid, 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(list, sid, 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
     {
         CORVLBase::DBGOUT(L"ClearCfgSettings: open subkey %s failed", sid);
         return false;
@@ -68,7 +68,7 @@ void RemoveUserKey(const wchar_t* sid) noexcept
     wchar_t path[2 * text::kPathCapacity];
     text::Format(path, L"%s\\Software\\Kelvo", sid);
     owners::Key key;
-    LSTATUS result = RegOpenKeyExW(HKEY_USERS, path, 0, KEY_ALL_ACCESS, key.Receive());
+    LSTATUS result = RegOpenKeyExW(HKEY_USERS, path, 0, KEY_ALL_ACCESS, key.Put());
     if (result == ERROR_SUCCESS)
     {
         result = RegDeleteKeyW(key.Get(), L"ORVA");
@@ -96,7 +96,7 @@ int clear::Accounts() noexcept
 {
     EnableHivePrivileges();
     owners::Key list;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kProfileList, 0, KEY_READ, list.Receive()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kProfileList, 0, KEY_READ, list.Put()) != ERROR_SUCCESS)
     {
         CORVLBase::DBGOUT(L"ClearCfgSettings: open key %s failed", kProfileList);
         return 0;
@@ -143,7 +143,7 @@ int clear::UserHive(const wchar_t* hive, const wchar_t* sid) noexcept
 int clear::EnableHivePrivileges() noexcept
 {
     owners::Handle token;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, token.Receive()))
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, token.Put()))
     {
         return 0;
     }

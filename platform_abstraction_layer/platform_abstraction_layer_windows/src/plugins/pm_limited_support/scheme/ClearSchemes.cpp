@@ -75,7 +75,7 @@ bool ClearAllUsers(CSchemeEx& engine, CORVLProfile& users) noexcept
 bool RemoveMachineKey() noexcept
 {
     owners::Key key;
-    LSTATUS result = RegOpenKeyExW(HKEY_LOCAL_MACHINE, kProductKey, 0, KEY_ALL_ACCESS, key.Receive());
+    LSTATUS result = RegOpenKeyExW(HKEY_LOCAL_MACHINE, kProductKey, 0, KEY_ALL_ACCESS, key.Put());
     if (result == ERROR_SUCCESS)
     {
         result = RegDeleteKeyW(key.Get(), L"ORVA");

@@ -144,7 +144,7 @@ void TakeOverUserPolicy(const PowerBackend& backend, const wchar_t* user, int in
     const UserKey place(user, kGlobalKey);
     CORVLBase::DBGOUT(L"query global power policy at %s", place.Path());
     owners::Key key;
-    if (RegOpenKeyExW(HKEY_USERS, place.Path(), 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(HKEY_USERS, place.Path(), 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
     {
         CORVLBase::DBGOUT(L"ReadUserPowerPolicy: Open key %s failed, error=%d", place.Path(), GetLastError());
         return;

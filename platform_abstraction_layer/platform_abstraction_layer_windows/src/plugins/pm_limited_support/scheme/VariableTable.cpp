@@ -35,7 +35,7 @@ constexpr Variable kVariables[] = {
     {.name = L"LANStatus", .member = &PWRVALUES::lanStatus},
     {.name = L"Display"},
     {.name = L"LinkStepOption"},
-    {.name = L"Wifi", .member = &PWRVALUES::wifi, .device = LiveDevice::Wifi},
+    {.name = L"Wifi", .device = LiveDevice::Wifi, .member = &PWRVALUES::wifi},
     {.name = L"3G", .member = &PWRVALUES::threeG},
     {.name = L"HD Audio", .device = kChipset},
     {.name = L"Modem", .device = kChipset},

@@ -11,7 +11,7 @@
 #include <windows.h>
 
 /// Where a variable is stored on the XP path.
-enum class XpStorage
+enum class XpStorage : unsigned char
 {
     File,           ///< the scheme values file; everything else is in the operating system's records
     Timeout,        ///< a time in a field of its own
@@ -23,7 +23,7 @@ enum class XpStorage
 };
 
 /// Where a variable is stored on the Vista path: all but `Setting` in the scheme values file.
-enum class VistaStorage
+enum class VistaStorage : unsigned char
 {
     File,            ///< the file alone
     Setting,         ///< a setting of the operating system alone
@@ -35,7 +35,7 @@ enum class VistaStorage
 };
 
 /// The device whose live state goes by a variable's name.
-enum class LiveDevice
+enum class LiveDevice : unsigned char
 {
     None,
     Bluetooth,
@@ -48,12 +48,12 @@ struct Variable
     const wchar_t* name;
     XpStorage xp = XpStorage::File;
     VistaStorage vista = VistaStorage::File;
-    bool isPacked = true;                    ///< in the file: a value for AC and one for battery power
+    LiveDevice device = LiveDevice::None; ///< for the device status operations
+    bool isPacked = true;                 ///< in the file: a value for AC and one for battery power
+    bool hasDisplayName = true;
     LONG vistaDefault = kNoValue;            ///< what an absent key becomes on the Vista path
     LONG PWRVALUES::*member = nullptr;       ///< in the whole-scheme record, or null
     ULONG* PolicyFields::*timeout = nullptr; ///< the field of `XpStorage::Timeout`
-    LiveDevice device = LiveDevice::None;    ///< for the device status operations
-    bool hasDisplayName = true;
 };
 
 enum VariableNumber : int

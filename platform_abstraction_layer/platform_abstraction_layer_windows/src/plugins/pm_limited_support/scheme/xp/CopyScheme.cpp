@@ -28,7 +28,7 @@ bool WriteScheme(int number, SchemeName& name, const wchar_t* description, POWER
 void RecordLastId(int number) noexcept
 {
     owners::Key key;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, policy_store::kMachineKey, 0, KEY_ALL_ACCESS, key.Receive()) !=
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, policy_store::kMachineKey, 0, KEY_ALL_ACCESS, key.Put()) !=
         ERROR_SUCCESS)
     {
         return;

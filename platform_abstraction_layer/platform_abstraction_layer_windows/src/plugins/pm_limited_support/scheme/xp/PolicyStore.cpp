@@ -37,7 +37,7 @@ template <class Visitor>
 void VisitSchemes(HKEY root, const wchar_t* parent, Visitor visit) noexcept
 {
     owners::Key key;
-    if (RegOpenKeyExW(root, parent, 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(root, parent, 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
     {
         return;
     }
@@ -60,7 +60,7 @@ int ReadPolicy(const PolicyKey& place, int index, unsigned char* data, ULONG* si
     wchar_t path[text::kPathCapacity];
     text::Format(path, L"%s\\%d", place.parent, index);
     owners::Key key;
-    if (RegOpenKeyExW(place.root, path, 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(place.root, path, 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
     {
         CORVLBase::DBGOUT(place.openText, path, GetLastError());
         return 0;
@@ -103,7 +103,7 @@ int policy_store::HighestScheme() noexcept
 int policy_store::ReadUserActiveScheme(const wchar_t* subKey) noexcept
 {
     owners::Key key;
-    if (RegOpenKeyExW(HKEY_USERS, subKey, 0, KEY_READ, key.Receive()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(HKEY_USERS, subKey, 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
     {
         CORVLBase::DBGOUT(L"ReadUserActivePowerScheme: Open key %s failed, error=%d", subKey, GetLastError());
         return 0;

@@ -1,13 +1,13 @@
-// plugin/Exchange.cpp
+// plugin/RequestIo.cpp
 //
 // The host's buffers.
 
-#include "plugin/Exchange.h"
+#include "plugin/RequestIo.h"
 
 #include "foundation/PmLog.h"
 #include "foundation/Text.h"
 
-namespace exchange
+namespace request_io
 {
 
 bool IsLengthRight(const PM_Request& request, const CommandInfo& command) noexcept
@@ -73,4 +73,4 @@ void WriteReplySize(const PM_Request& request, DWORD size) noexcept
     }
 }
 
-} // namespace exchange
+} // namespace request_io

@@ -1,4 +1,4 @@
-// plugin/Exchange.h
+// plugin/RequestIo.h
 //
 // The host's two buffers, as the handlers use them: checks against what a command wants, and the copies in
 // and out. Host buffers may lie at any address.
@@ -9,7 +9,7 @@
 
 #include <cstring>
 
-namespace exchange
+namespace request_io
 {
 
 /// True when `paramsLen` is as the command wants it.
@@ -46,4 +46,4 @@ std::size_t ConvertText(const wchar_t* source, const wchar_t* format, char* targ
 DWORD ReadReplySize(const PM_Request& request) noexcept;
 void WriteReplySize(const PM_Request& request, DWORD size) noexcept;
 
-} // namespace exchange
+} // namespace request_io
