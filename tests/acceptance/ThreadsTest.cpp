@@ -6,6 +6,7 @@
 #include "acceptance/HostThread.h"
 
 #include <atomic>
+#include <utility>
 
 namespace
 {
@@ -55,17 +56,23 @@ TEST_F(Threads, RequestsRunOneAfterTheOther)
     EXPECT_TRUE(host.WaitForEvent().has_value());
 }
 
-// The request gives its lock up whole while the plug-in stops: here the notification thread waits for it.
+// A request and one from within its event give their lock up whole while the plug-in stops: here the
+// notification thread waits for it.
 TEST_F(Threads, ARequestsEventMayStopThePlugIn)
 {
     std::atomic<bool> isNotified = false;
     LONG innerCode = -1;
+    bool isNested = false;
     host.onEvent = [&](const Event& event)
     {
         if (!IsFromRequest(event))
         {
             isNotified = true;
             innerCode = host.Send("GET_CPU_SPEED").code;
+        }
+        else if (!std::exchange(isNested, true))
+        {
+            EXPECT_EQ(0, host.Send(kRequestWithEvent, Payload(LONG{3})).code);
         }
         else
         {
@@ -76,7 +83,7 @@ TEST_F(Threads, ARequestsEventMayStopThePlugIn)
         }
     };
     EXPECT_EQ(0, host.Send(kRequestWithEvent, Payload(LONG{2})).code);
-    EXPECT_EQ(0, host.Send("GET_CPU_SPEED").code);
+    HostThread other([&] { EXPECT_EQ(0, host.Send("GET_CPU_SPEED").code) << "the lock is free again"; });
 }
 
 // Whoever stops the plug-in meets no event of a request any more when that has returned.

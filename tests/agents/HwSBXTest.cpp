@@ -114,6 +114,9 @@ TEST_F(HwSBXTest, IncompleteSectionsAreRefusedAndChangeNothing)
         }
     }
     EXPECT_EQ(0U, Register());
+    UseFile("AddressSize=1\n" + kInPorts);
+    EXPECT_EQ(ResultFromWin32(ERROR_FILE_NOT_FOUND), chipset.GetFunctionDisable(L"HD Audio", &disabled))
+        << "a base of one byte is read, and no port is there";
 }
 
 TEST_F(HwSBXTest, FunctionIsFoundByItsExactNameInTheChipsetsList)

@@ -151,6 +151,8 @@ TEST_F(ConfigurationFiles, FoldersAreBoundedByTheCallersRoom)
     EXPECT_EQ(FolderOf({}).substr(0, 9), told(file.GetHomePath(folder, 10)));
     EXPECT_EQ(L'#', folder[10]);
     EXPECT_EQ("none none", told(file.GetHomePath(folder, 0)) + ' ' + told(file.GetHomePath(nullptr, 10)));
+    ASSERT_TRUE(RemoveDirectoryW(Wide(seeding::LocalAppData()).data()));
+    EXPECT_EQ("none", told(file.GetHomePath(folder, 260))) << "an account without the folder";
     // The installation's module tells its folder and the parent.
     EXPECT_EQ("none none", told(cfg.GetDllPath(folder, 260)) + ' ' + told(cfg.GetHomePath(folder, 260)));
     ASSERT_TRUE(simulated::Machine::Write("Modules", "ORVLDLL.DLL", "C:\\ORVL\\Bin\\ORVLDLL.DLL"));

@@ -118,6 +118,7 @@ TEST_F(AddDelete, WithoutAnOwnerTheOperatingSystemsNamesCount)
 {
     EXPECT_EQ(1, engine.FindPwrScheme(L"Portable/Laptop"));
     EXPECT_EQ(-1, engine.FindPwrScheme(L"portable/laptop"));
+    EXPECT_EQ(-1, engine.FindPwrScheme(nullptr));
     EXPECT_EQ(-2, engine.AddPwrScheme(L"Portable/Laptop", L"", 3));
     Run("set 3 dc BacklightLevel = 5 -> 5");
     EXPECT_EQ(6, engine.AddPwrScheme(L"Nobody's", L"", 3));

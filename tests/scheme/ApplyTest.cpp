@@ -74,6 +74,7 @@ TEST_F(XpApply, TheServiceIsToldWhateverCanBeRead)
 TEST_F(XpApply, TheSystemComesBeforeTheRecordsAndTheUsersRecordFirst)
 {
     ASSERT_EQ(1, engine.AddtoUserList(L"alice"));
+    EXPECT_EQ(1, engine.AddtoUserList(L"alice")) << "listed already";
     Faults::Inject("SetActivePwrScheme", 1, ERROR_ACCESS_DENIED);
     EXPECT_EQ(-1, engine.SetActivePwrScheme(2, L"alice"));
     EXPECT_EQ("(absent) (absent)", Recorded());
@@ -202,6 +203,12 @@ TEST_F(UsersPolicy, WhatCantBeReadIsSkipped)
             Run(times);
             sound.Restore();
         }
+        ASSERT_TRUE(RegistryEditor::RemoveKey(key));
+        EXPECT_THAT(LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); }),
+                    Contains(StartsWith((key == kMachine ? "ReadMachine" : "ReadUser") +
+                                        ("PowerPolicy: Open key " + key.substr(key.find('\\') + 1)) +
+                                        " failed, error=")));
+        sound.Restore();
     }
 }
 

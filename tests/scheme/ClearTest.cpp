@@ -73,6 +73,14 @@ TEST_F(Clearing, TakesTheKeysOfThoseWhoAreNotLoggedOn)
     EXPECT_TRUE(HasKey("HKEY_USERS\\" + SidOf("alice")));
     ASSERT_TRUE(Notebook::LogOn("carol"));
     EXPECT_FALSE(HasKey("HKEY_USERS\\" + SidOf("carol")));
+    // One account alone.
+    ASSERT_TRUE(seeding::MakeKey(HKEY_USERS, SidOf("carol") + "\\" + kProduct));
+    ASSERT_TRUE(Notebook::LogOff("carol"));
+    EXPECT_EQ(0, engine.ClearUserRegSettings(L"C:\\none.dat", L"S-1-0")) << "nothing to load";
+    const std::string hive = Accounts::Find("carol")->profile + "\\NTUSER.DAT";
+    EXPECT_EQ(1, engine.ClearUserRegSettings(Wide(hive).data(), Wide(SidOf("carol")).data()));
+    ASSERT_TRUE(Notebook::LogOn("carol"));
+    EXPECT_FALSE(HasKey("HKEY_USERS\\" + SidOf("carol")));
 }
 
 // Each failure leaves what the step would have removed, and what follows still happens.

@@ -93,6 +93,8 @@ TEST_F(PresentState, BatteryItemsAreFoundByTheirConfiguredPlace)
     EXPECT_EQ(-1, engine.GetBatteryInformation(4, L"CycleCount", &value));
     EXPECT_EQ(0, engine.GetBatteryInformation(0, L"cyclecount", &value));
     EXPECT_EQ(77U, value);
+    EXPECT_EQ(-1, engine.GetBatteryInformation(0, nullptr, &value));
+    EXPECT_EQ(-1, engine.GetBatteryInformation(0, L"Capabilities", nullptr));
     // A name in both lists is the firmware's.
     ASSERT_TRUE(seeding::SetKey(kRoot, "BatteryInforList", "BEAName3", "CycleCount"));
     EXPECT_EQ(0, engine.GetBatteryInformation(4, L"CycleCount", &value));

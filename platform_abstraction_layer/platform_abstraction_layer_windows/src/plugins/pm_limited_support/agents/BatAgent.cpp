@@ -86,7 +86,7 @@ ULONG TimeFor(ULONG capacity, ULONG rate) noexcept
 
 } // namespace
 
-CBatAgent::CBatAgent() noexcept : m_hBattery(), m_nBatteryTag(), m_nBatteryCount(0)
+CBatAgent::CBatAgent() noexcept : m_hBattery(), m_nBatteryTag(), m_nBatteryCount()
 {
     std::fill(std::begin(m_hBattery), std::end(m_hBattery), INVALID_HANDLE_VALUE);
 }

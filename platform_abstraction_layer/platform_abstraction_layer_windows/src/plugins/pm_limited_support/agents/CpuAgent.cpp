@@ -207,11 +207,6 @@ int CCpuAgent::CalcVID(int cbr) noexcept
 
 int CCpuAgent::SetCBR(int cbr) noexcept
 {
-    if (!m_bInitialized)
-    {
-        DBGOUT(L"Please call Initialize() first.\n");
-        return -1;
-    }
     const auto ratio = static_cast<ULONG>(cbr);
     if (ratio < m_nMinCBR || ratio > m_nMaxCBR)
     {
@@ -237,11 +232,6 @@ int CCpuAgent::SetCBR(int cbr) noexcept
 
 int CCpuAgent::GetCBR() noexcept
 {
-    if (!m_bInitialized)
-    {
-        DBGOUT(L"Please call Initialize() first.\n");
-        return -1;
-    }
     MsrRecord performance;
     if (!Read(kPerformanceStatus, performance, L"error code of calling DeviceIoControl: 0x%x. \n"))
     {
@@ -254,11 +244,6 @@ int CCpuAgent::GetCBR() noexcept
 
 int CCpuAgent::GetModulation() noexcept
 {
-    if (!m_bInitialized)
-    {
-        DBGOUT(L"Please call Initialize() first.\n");
-        return -1;
-    }
     MsrRecord modulation;
     if (!Read(kClockModulation, modulation, L"error code of calling DeviceIoControl: 0x%x. \n"))
     {

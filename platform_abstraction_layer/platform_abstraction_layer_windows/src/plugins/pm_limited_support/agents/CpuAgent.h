@@ -29,6 +29,7 @@ public:
     int SetEblLevel(int level) noexcept;
 
 private:
+    // What follows is asked of an initialised agent.
     ULONG GetCBRRange() noexcept;
     int CalcVID(int cbr) noexcept;
     int SetCBR(int cbr) noexcept;

@@ -53,13 +53,7 @@ void EnableWiredAdapter(bool isSwitched) noexcept
 
 } // namespace
 
-CEcAgent::CEcAgent() noexcept
-    : m_bDriverSetUp(false), m_nBacklightReadItem(0), m_nBacklightWriteItem(0), m_nWifiReadItem(0),
-      m_nWifiWriteItem(0), m_nLANReadItem(0), m_nLANWriteItem(0), m_n3GReadItem(0), m_n3GWriteItem(0),
-      m_nMaxLevel(0), m_nMinLevel(0), m_nDisplayModeItem(0), m_nBluetoothReadItem(0), m_nBluetoothWriteItem(0)
-{
-}
-
+CEcAgent::CEcAgent() noexcept = default;
 CEcAgent::CEcAgent(const CEcAgent&) noexcept = default;
 CEcAgent& CEcAgent::operator=(const CEcAgent&) noexcept = default;
 

@@ -88,20 +88,20 @@ protected:
     /// Fills in the item numbers and levels. Always 0.
     LONG GetCfgSettings() noexcept;
 
-    bool m_bDriverSetUp;
-    ULONG m_nBacklightReadItem;
-    ULONG m_nBacklightWriteItem;
-    ULONG m_nWifiReadItem;
-    ULONG m_nWifiWriteItem;
-    ULONG m_nLANReadItem;
-    ULONG m_nLANWriteItem;
-    ULONG m_n3GReadItem;
-    ULONG m_n3GWriteItem;
-    LONG m_nMaxLevel;
-    LONG m_nMinLevel;
-    ULONG m_nDisplayModeItem;
-    ULONG m_nBluetoothReadItem;
-    ULONG m_nBluetoothWriteItem;
+    bool m_bDriverSetUp{};
+    ULONG m_nBacklightReadItem{};
+    ULONG m_nBacklightWriteItem{};
+    ULONG m_nWifiReadItem{};
+    ULONG m_nWifiWriteItem{};
+    ULONG m_nLANReadItem{};
+    ULONG m_nLANWriteItem{};
+    ULONG m_n3GReadItem{};
+    ULONG m_n3GWriteItem{};
+    LONG m_nMaxLevel{};
+    LONG m_nMinLevel{};
+    ULONG m_nDisplayModeItem{};
+    ULONG m_nBluetoothReadItem{};
+    ULONG m_nBluetoothWriteItem{};
 
 private:
     int ReadItem(ULONG item) noexcept;

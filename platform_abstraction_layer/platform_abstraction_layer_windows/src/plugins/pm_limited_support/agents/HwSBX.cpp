@@ -17,7 +17,7 @@ class CHwSBX::FunctionRegister
 {
 public:
     explicit FunctionRegister(CHwXA& hardware) noexcept
-        : m_hardware(hardware), m_entry(), m_deviceName(), m_address(0), m_mapping(nullptr)
+        : m_hardware(hardware), m_entry(), m_deviceName(), m_address(), m_mapping()
     {
     }
     ~FunctionRegister()

@@ -22,9 +22,9 @@ inline int GetRadio(CEcAgent& agent, Radio radio) noexcept
     case Radio::Bluetooth:
         return agent.GetBluetoothStatus();
     case Radio::ThreeG:
-        return agent.Get3GStatus();
+        break;
     }
-    return -1;
+    return agent.Get3GStatus();
 }
 
 /// Switches a radio; the agent is set up.
@@ -37,7 +37,7 @@ inline int SetRadio(CEcAgent& agent, Radio radio, int status) noexcept
     case Radio::Bluetooth:
         return agent.SetBluetoothStatus(status);
     case Radio::ThreeG:
-        return agent.Set3GStatus(status);
+        break;
     }
-    return -1;
+    return agent.Set3GStatus(status);
 }

@@ -16,7 +16,6 @@ LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t* target, DWORD& bytes, D
     {
         return ERROR_MORE_DATA;
     }
-    std::fill_n(target, capacity, L'\0');
     const LSTATUS read = RegQueryValueExW(key, name, nullptr, type, reinterpret_cast<LPBYTE>(target), &bytes);
     if (read != ERROR_SUCCESS)
     {

@@ -69,7 +69,7 @@ bool ReadLocalAppData(const wchar_t* keyName, wchar_t (&folder)[text::kPathCapac
 int GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t* subKey, wchar_t* profilePath) noexcept
 {
     PmLog(L"enter GetCurrentUserSubkeyProfilePath, %s=userID", userName);
-    owners::LocalBlock sid = FindSid(userName);
+    const owners::LocalBlock sid = FindSid(userName);
     if (!sid)
     {
         return 0;
@@ -79,7 +79,6 @@ int GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t* subKey, wc
     wchar_t keyName[text::kPathCapacity];
     text::Format(keyName, L"%s\\%s", subKey, kShellFolders);
     PmLog(L"Get shell folder subkey is %s", keyName);
-    sid.Reset();
 
     wchar_t folder[text::kPathCapacity];
     if (!ReadLocalAppData(keyName, folder))

@@ -185,7 +185,6 @@ HMODULE Leave(Run& run) noexcept
         ClearHandles(context);
     }
     run.appliedEvent.Reset();
-    run.stopEvent.Reset();
     run.threadId = 0; // from here on the number may become another thread's
     return run.module.Detach();
 }

@@ -65,10 +65,7 @@ bool ReadPlace(CORVLCfg& root, const ItemList& list, int item, std::size_t recor
 {
     const int start = root.GetInt(kSection, files::NumberedKey(list.start, item).Text(), -1);
     const int size = root.GetInt(kSection, files::NumberedKey(list.size, item).Text(), -1);
-    if (start < 0 || size < 0)
-    {
-        return false;
-    }
+    // What is negative or missing lies behind every record.
     place = {static_cast<std::size_t>(start), static_cast<std::size_t>(size)};
     return place.size <= recordSize && place.start <= recordSize - place.size;
 }

@@ -8,7 +8,6 @@
 
 bool xp::ReadPolicies(int index, Policies& policies, const ReadTexts& texts) noexcept
 {
-    policies = {};
     const auto scheme = static_cast<UINT>(index);
     if (!ReadPwrScheme(scheme, &policies.power))
     {
