@@ -153,6 +153,9 @@ TEST_F(LanAgentTest, AdapterStateDecidesWhatCanBeReadAndChanged)
             }
         }
     }
+    const std::string tooLong = "REALTEK" + std::string(254, 'x');
+    UseAdapters({{tooLong.c_str(), {}}});
+    EXPECT_EQ(-1, agent.GetLANConnectStatus()) << "a description that doesn't fit is none";
 }
 
 } // namespace

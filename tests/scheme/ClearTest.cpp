@@ -73,6 +73,7 @@ TEST_F(Clearing, TakesTheKeysOfThoseWhoAreNotLoggedOn)
     EXPECT_TRUE(HasKey("HKEY_USERS\\" + SidOf("alice")));
     ASSERT_TRUE(Notebook::LogOn("carol"));
     EXPECT_FALSE(HasKey("HKEY_USERS\\" + SidOf("carol")));
+    EXPECT_EQ(1, engine.ClearCurrentUserSettings());
     // One account alone.
     ASSERT_TRUE(seeding::MakeKey(HKEY_USERS, SidOf("carol") + "\\" + kProduct));
     ASSERT_TRUE(Notebook::LogOff("carol"));
