@@ -1,7 +1,9 @@
 # add_test_program(NAME SOURCES... [LIBRARIES ...] [PARTS ...])
 #
-# A test program of GoogleTest and one CTest entry that runs it whole, or one for each part of a long one: the tests
-# with that in their names. A skipped test fails the entry: no skip is allowed.
+# A test program of GoogleTest and a CTest entry NAME.Suite.Test for each of its tests, or NAME.PART for all those with
+# PART in their names where their common set-up costs more than they do. A skipped test fails: no skip is allowed.
+
+include(GoogleTest)
 
 set(GTEST_SOURCES /usr/src/googletest CACHE PATH "Where the sources of GoogleTest lie")
 if(NOT EXISTS ${GTEST_SOURCES}/CMakeLists.txt)
@@ -53,13 +55,16 @@ function(add_test_program name)
   if(WIN32)
     target_compile_options(${name} PRIVATE -Wa,-mbig-obj)
   endif()
+  if(CMAKE_CROSSCOMPILING)
+    return()
+  endif()
+  set(no_skip FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\]")
   if(NOT ARG_PARTS)
-    add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
-    set(entries ${name})
+    gtest_discover_tests(${name} TEST_PREFIX ${name}. DISCOVERY_MODE PRE_TEST NO_PRETTY_VALUES
+      EXTRA_ARGS --gtest_brief=1 PROPERTIES ${no_skip})
   endif()
   foreach(part IN LISTS ARG_PARTS)
-    add_test(NAME ${name}_${part} COMMAND ${name} --gtest_brief=1 --gtest_filter=*${part}*)
-    list(APPEND entries ${name}_${part})
+    add_test(NAME ${name}.${part} COMMAND ${name} --gtest_brief=1 --gtest_filter=*${part}*)
+    set_tests_properties(${name}.${part} PROPERTIES ${no_skip})
   endforeach()
-  set_tests_properties(${entries} PROPERTIES FAIL_REGULAR_EXPRESSION "\\[  SKIPPED \\]")
 endfunction()
