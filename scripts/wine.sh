@@ -18,6 +18,51 @@ export WINEPREFIX=$PWD/build/wine
 # The 64-bit Wine, empty when there is none. Debian's isn't on the path.
 wine64=$(PATH=$PATH:/usr/lib/wine command -v wine64) || wine64=
 
+# kernel_runs_x86: true when a 32-bit program, one that only ends, can be started.
+kernel_runs_x86() {
+  local program status=0
+  program=$(mktemp)
+  # An ELF header, one segment from 0x8048000, and at its end: xor eax, eax; inc eax; xor ebx, ebx; int 0x80.
+  printf '%b' '\x7fELF\x01\x01\x01\0\0\0\0\0\0\0\0\0\x02\0\x03\0\x01\0\0\0\x54\x80\x04\x08\x34\0\0\0\0\0\0\0' \
+    '\0\0\0\0\x34\0\x20\0\x01\0\0\0\0\0\0\0' \
+    '\x01\0\0\0\0\0\0\0\0\x80\x04\x08\0\x80\x04\x08\x5b\0\0\0\x5b\0\0\0\x05\0\0\0\0\x10\0\0' \
+    '\x31\xc0\x40\x31\xdb\xcd\x80' >"$program"
+  chmod +x "$program"
+  "$program" 2>/dev/null || status=$?
+  rm "$program"
+  return "$status"
+}
+
+# install_wine: what of Wine the machine lacks, from Debian's packages. Beside a 64-bit Wine the 32-bit packages can't
+# always be installed, so their files are unpacked. Otherwise the reason is printed.
+install_wine() {
+  command -v wine >/dev/null && [ -e "$lib32/wine/i386-windows/ntdll.dll" ] && return
+  kernel_runs_x86 || { echo "this kernel doesn't execute 32-bit programs"; return 1; }
+  [ "$(id -u)" = 0 ] && command -v apt-get >/dev/null && [ "$(dpkg --print-architecture)" = amd64 ] ||
+    { echo "there is no 32-bit wine, and only root on a 64-bit Debian can have it installed"; return 1; }
+  local work packages=(libwine wine32 libunwind8 liblzma5 libgcc-s1 libc6) loader=/lib/ld-linux.so.2
+  work=$(mktemp -d)
+  if ! {
+    dpkg --add-architecture i386
+    timeout 300 apt-get update -qq || true # the index of one suite may fail
+    DEBIAN_FRONTEND=noninteractive timeout 900 apt-get install -y -qq wine wine64 &&
+      (cd "$work" && timeout 300 apt-get download -qq "${packages[@]/%/:i386}")
+  } >/dev/null 2>&1; then
+    rm -rf "$work"
+    echo "apt-get doesn't give the packages of a 32-bit wine"
+    return 1
+  fi
+  for package in "$work"/*.deb; do dpkg -x "$package" "$work/root"; done
+  mkdir -p "$lib32" /usr/lib/wine
+  cp -a "$work/root$lib32/." "$lib32/"
+  ! [ -d "$work/root/lib/i386-linux-gnu" ] || cp -a "$work/root/lib/i386-linux-gnu/." "$lib32/"
+  cp -a "$work/root/usr/lib/wine/." /usr/lib/wine/
+  [ -e $loader ] || cp -aL "$(find "$work/root" -name ld-linux.so.2 | head -n 1)" $loader
+  local zlib=/usr/lib/x86_64-linux-gnu/wine/i386-windows/zlib1.dll # Debian keeps it with the 64-bit files
+  ! [ -e $zlib ] || cp -a $zlib "$lib32/wine/i386-windows/"
+  rm -rf "$work"
+}
+
 # in_time SECONDS COMMAND...: its exit status, or 124 when it was ended because it took longer.
 in_time() {
   timeout "$(($1 * ${WINE_PATIENCE:-1}))" "${@:2}"
@@ -26,7 +71,7 @@ in_time() {
 # wine_is_available, wine64_is_available: true when a Windows program of that width has run. Otherwise the reason is
 # printed, and nothing is left running.
 wine_is_available() {
-  command -v wine >/dev/null || { echo "there is no wine on this machine"; return 1; }
+  install_wine || return
   in_time 60 wine --version >/dev/null 2>&1 ||
     { echo "wine doesn't start; this kernel may not execute 32-bit programs"; return 1; }
   prepare_prefix wine && runs x86 wine
