@@ -79,8 +79,7 @@ void MakeLogon(HKEY root, const std::string& hive, const std::string& user, cons
 void RemoveTraces()
 {
     seeding::SwitchLogsOff();
-    power_store::Key::RemoveTree(HKEY_LOCAL_MACHINE, power_store::ToText(L"Software\\Kelvo\\ORVL"));
-    power_store::Key::RemoveTree(HKEY_LOCAL_MACHINE, power_store::ToText(L"Software\\Kelvo\\ORVA"));
+    power_store::Key::RemoveTree(HKEY_LOCAL_MACHINE, power_store::ToText(L"Software\\Kelvo"));
     seeding::RemoveValue(HKEY_LOCAL_MACHINE, kRunKey, "ORVA");
     for (const std::string& local : {seeding::LocalAppData(), std::string(kOtherLocalAppData)})
     {

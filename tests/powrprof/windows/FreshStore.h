@@ -13,6 +13,18 @@ class FreshStore : public testing::Test
 protected:
     void SetUp() override
     {
+        Renew();
+    }
+
+    // What a test damaged, the next program on the machine would meet.
+    void TearDown() override
+    {
+        Renew();
+    }
+
+private:
+    static void Renew()
+    {
         constexpr DWORD kMajorVersion = 6;
         ASSERT_EQ(DWORD{ERROR_SUCCESS}, power_store::RemoveStore());
         ASSERT_EQ(DWORD{ERROR_SUCCESS}, power_store::SeedMachine(kMajorVersion));
