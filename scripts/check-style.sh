@@ -6,8 +6,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-mapfile -t sources < <(git ls-files '*.cpp' '*.h')
-clang-format --dry-run --Werror "${sources[@]}"
+scripts/format.sh --check
 
 # An option that only g++ knows stops clang-tidy.
 database=$(mktemp -d)
