@@ -66,7 +66,7 @@ Graphics::Refusal Graphics::RefusalOf(const std::string& method)
 void Graphics::Refuse(const std::string& method, const Refusal& refusal)
 {
     Machine::Write(kGraphicsSection, {{method + ".Result", ToHex(static_cast<DWORD>(refusal.result), 8)},
-                              {method + ".Error", std::to_string(refusal.driverError)}});
+                                      {method + ".Error", std::to_string(refusal.driverError)}});
 }
 
 bool Graphics::IsComposed()

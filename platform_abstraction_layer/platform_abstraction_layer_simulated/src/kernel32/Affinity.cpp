@@ -37,7 +37,8 @@ DWORD_PTR SystemMask()
 DWORD_PTR ProcessMask()
 {
     const DWORD_PTR all = SystemMask();
-    const auto share = static_cast<DWORD_PTR>(Machine::ReadNumber(kProcessorSection, "ProcessMask", all)) & all;
+    const auto share =
+        static_cast<DWORD_PTR>(Machine::ReadNumber(kProcessorSection, "ProcessMask", all)) & all;
     return share == 0 ? all : share;
 }
 
