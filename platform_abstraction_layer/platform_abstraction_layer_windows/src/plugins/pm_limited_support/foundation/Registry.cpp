@@ -33,7 +33,11 @@ LSTATUS ReadRecord(HKEY key, const wchar_t* name, unsigned char* target, DWORD* 
     DWORD type = REG_NONE;
     const LSTATUS read = RegQueryValueExW(key, name, nullptr, &type, target, bytes);
     const bool isRecord = type == REG_BINARY && bytes != nullptr && *bytes >= recordSize;
-    return read == ERROR_SUCCESS && !isRecord ? ERROR_INVALID_DATA : read;
+    if (read == ERROR_SUCCESS && !isRecord)
+    {
+        return ERROR_INVALID_DATA;
+    }
+    return read;
 }
 
 DWORD ErrorOfRecord(LSTATUS failed) noexcept
