@@ -60,7 +60,7 @@ TEST_F(AddDelete, NamesAreTrimmedTestedAndComparedExactly)
     const std::string blanks(258, ' ');
     EXPECT_EQ(number, Add(engine, blanks.substr(1) + "y"));
     for (const std::string& name :
-         Lines{"", "   ", longest + "x", blanks + "z", "a\r\nNumber=9", "\nMine", "Mine\r "})
+         Lines{"", "   ", longest + "x", "z" + blanks, "a\r\nNumber=9", "\nMine", "Mine\r "})
     {
         EXPECT_EQ(-1, Add(engine, name)) << name;
     }
@@ -237,6 +237,7 @@ unsigned char CALLBACK Note(unsigned int number, ULONG nameSize, wchar_t* name, 
 
 TEST_F(AddDelete, EnumeratingAndNaming)
 {
+    EXPECT_EQ(1000U, engine.GetVersion());
     s_noted.clear();
     ASSERT_EQ(6, engine.AddPwrScheme(L"abcdef", L"described", 3, L"alice"));
     EXPECT_NE(0, engine.EnumPwrSchemes(Note, 2));

@@ -36,7 +36,10 @@ TEST_F(WholeScheme, AMissingSchemeReadsAsNothing)
     std::fill_n(&set.dc.cpuSpeed, 9, -1);
     set.dc.lums = 0;
     EXPECT_EQ(BytesOf(set), BytesOf(read));
+    set.IconNum = 8;
     EXPECT_EQ(1, engine.SetPwrCfgVariable(set));
+    EXPECT_EQ(1, engine.GetPwrVariableAll(read, 42));
+    EXPECT_EQ(8, read.IconNum);
 }
 
 // A value of -1 is refused, so a record that was read leaves what it couldn't read alone.
