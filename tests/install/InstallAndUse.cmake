@@ -12,6 +12,7 @@ endif()
 
 run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${PREFIX} --component library)
 run(${CMAKE_COMMAND} -S ${CONSUMER} -B ${CONSUMER_BUILD} -G ${GENERATOR}
+  -D CMAKE_C_COMPILER=${C_COMPILER} -D CMAKE_C_FLAGS=${flags}
   -D CMAKE_CXX_COMPILER=${COMPILER} -D CMAKE_CXX_FLAGS=${flags} -D CMAKE_PREFIX_PATH=${PREFIX}
   -D HEADERS=${PREFIX}/include/pm_limited_support)
 run(${CMAKE_COMMAND} --build ${CONSUMER_BUILD})

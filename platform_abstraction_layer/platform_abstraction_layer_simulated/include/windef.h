@@ -2,10 +2,12 @@
 //
 // The basic types of Windows with their documented widths, and the words that stand in declarations.
 // Natively handles are as wide as a pointer; everything that the documentation calls 32 bits has 32 bits.
+// It compiles as C too.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
+#include <assert.h>
+#include <stddef.h>
+#include <stdint.h>
 
 // Calling conventions have one form natively.
 #define WINAPI
@@ -24,81 +26,80 @@
 
 static_assert(sizeof(wchar_t) == 2, "build with -fshort-wchar: wchar_t has 16 bits on Windows");
 
-using BOOL = int;
-using BYTE = std::uint8_t;
-using UCHAR = std::uint8_t;
-using BOOLEAN = std::uint8_t;
-using WORD = std::uint16_t;
-using USHORT = std::uint16_t;
-using INT = int;
-using UINT = unsigned int;
-using LONG = std::int32_t;
-using ULONG = std::uint32_t;
-using DWORD = std::uint32_t;
-using LONGLONG = std::int64_t;
-using ULONGLONG = std::uint64_t;
-using WCHAR = wchar_t;
-using HRESULT = std::int32_t;
-using LSTATUS = std::int32_t;
-using NTSTATUS = std::int32_t;
-using INT_PTR = std::intptr_t;
-using UINT_PTR = std::uintptr_t;
-using LONG_PTR = std::intptr_t;
-using ULONG_PTR = std::uintptr_t;
-using DWORD_PTR = std::uintptr_t;
-using SIZE_T = std::size_t;
-using WPARAM = UINT_PTR;
-using LPARAM = LONG_PTR;
-using LRESULT = LONG_PTR;
-using ACCESS_MASK = DWORD;
-using REGSAM = DWORD;
+typedef int BOOL;
+typedef uint8_t BYTE;
+typedef uint8_t UCHAR;
+typedef uint8_t BOOLEAN;
+typedef uint16_t WORD;
+typedef uint16_t USHORT;
+typedef int INT;
+typedef unsigned int UINT;
+typedef int32_t LONG;
+typedef uint32_t ULONG;
+typedef uint32_t DWORD;
+typedef int64_t LONGLONG;
+typedef uint64_t ULONGLONG;
+typedef wchar_t WCHAR;
+typedef int32_t HRESULT;
+typedef int32_t LSTATUS;
+typedef int32_t NTSTATUS;
+typedef intptr_t INT_PTR;
+typedef uintptr_t UINT_PTR;
+typedef intptr_t LONG_PTR;
+typedef uintptr_t ULONG_PTR;
+typedef uintptr_t DWORD_PTR;
+typedef size_t SIZE_T;
+typedef UINT_PTR WPARAM;
+typedef LONG_PTR LPARAM;
+typedef LONG_PTR LRESULT;
+typedef DWORD ACCESS_MASK;
+typedef DWORD REGSAM;
 #define __int64 long long
 
-using PVOID = void*;
-using LPVOID = void*;
-using LPCVOID = const void*;
-using PBYTE = BYTE*;
-using LPBYTE = BYTE*;
-using PUCHAR = UCHAR*;
-using LPBOOL = BOOL*;
-using PLONG = LONG*;
-using LPLONG = LONG*;
-using PULONG = ULONG*;
-using PDWORD = DWORD*;
-using LPDWORD = DWORD*;
-using PDWORD_PTR = DWORD_PTR*;
-using PUINT = UINT*;
-using LPSTR = char*;
-using LPCSTR = const char*;
-using LPWSTR = wchar_t*;
-using PWSTR = wchar_t*;
-using LPCWSTR = const wchar_t*;
-using PCWSTR = const wchar_t*;
-using LPCCH = const char*;
-using LPCWCH = const wchar_t*;
+typedef void* PVOID;
+typedef void* LPVOID;
+typedef const void* LPCVOID;
+typedef BYTE* PBYTE;
+typedef BYTE* LPBYTE;
+typedef UCHAR* PUCHAR;
+typedef BOOL* LPBOOL;
+typedef LONG* PLONG;
+typedef LONG* LPLONG;
+typedef ULONG* PULONG;
+typedef DWORD* PDWORD;
+typedef DWORD* LPDWORD;
+typedef DWORD_PTR* PDWORD_PTR;
+typedef UINT* PUINT;
+typedef char* LPSTR;
+typedef const char* LPCSTR;
+typedef wchar_t* LPWSTR;
+typedef wchar_t* PWSTR;
+typedef const wchar_t* LPCWSTR;
+typedef const wchar_t* PCWSTR;
+typedef const char* LPCCH;
+typedef const wchar_t* LPCWCH;
 
-using HANDLE = void*;
-using PHANDLE = HANDLE*;
-using HLOCAL = void*;
+typedef void* HANDLE;
+typedef HANDLE* PHANDLE;
+typedef void* HLOCAL;
 
 // NOLINTBEGIN(bugprone-macro-parentheses): the argument is a name to be declared.
 #define SIM_DECLARE_HANDLE(name)                                                                             \
-    struct name##__                                                                                          \
+    typedef struct name##__                                                                                  \
     {                                                                                                        \
         int unused;                                                                                          \
-    };                                                                                                       \
-    using name = name##__*
+    } * name
 // NOLINTEND(bugprone-macro-parentheses)
 SIM_DECLARE_HANDLE(HKEY);
 SIM_DECLARE_HANDLE(HINSTANCE);
 SIM_DECLARE_HANDLE(HWND);
 SIM_DECLARE_HANDLE(HICON);
-using HMODULE = HINSTANCE;
-using HCURSOR = HICON;
-using PHKEY = HKEY*;
+typedef HINSTANCE HMODULE;
+typedef HICON HCURSOR;
+typedef HKEY* PHKEY;
 
 // The exact type that GetProcAddress answers is cast by its caller.
-using FARPROC = INT_PTR(WINAPI*)();
+typedef INT_PTR(WINAPI* FARPROC)();
 
 #ifndef TRUE
 #define TRUE 1
@@ -107,27 +108,30 @@ using FARPROC = INT_PTR(WINAPI*)();
 #define MAX_PATH 260
 
 /// Tenths of microseconds since the year 1601.
-struct FILETIME
+typedef struct FILETIME
 {
     DWORD dwLowDateTime;
     DWORD dwHighDateTime;
-};
-using PFILETIME = FILETIME*;
+} FILETIME;
+typedef FILETIME* PFILETIME;
 
-struct GUID
+typedef struct GUID
 {
     DWORD Data1;
     WORD Data2;
     WORD Data3;
     BYTE Data4[8];
-};
-static_assert(sizeof(GUID) == 16);
-using _GUID = GUID;
-using IID = GUID;
-using CLSID = GUID;
+} GUID;
+static_assert(sizeof(GUID) == 16, "as documented");
+typedef GUID _GUID;
+typedef GUID IID;
+typedef GUID CLSID;
+typedef CLSID* LPCLSID;
+
+#ifdef __cplusplus
+
 using REFIID = const IID&;
 using REFCLSID = const CLSID&;
-using LPCLSID = CLSID*;
 
 constexpr WORD LOWORD(DWORD_PTR value)
 {
@@ -147,3 +151,5 @@ constexpr BYTE HIBYTE(DWORD_PTR value)
 }
 #define MAKEINTRESOURCEW(number) (reinterpret_cast<LPWSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(number))))
 #define MAKEINTRESOURCEA(number) (reinterpret_cast<LPSTR>(static_cast<ULONG_PTR>(static_cast<WORD>(number))))
+
+#endif

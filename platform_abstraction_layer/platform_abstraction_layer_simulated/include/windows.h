@@ -1,10 +1,13 @@
 // windows.h
 //
 // The part of Windows that the plug-in, its host and its service use, declared with the documented names,
-// values and layouts. Functions stand in the header of the area that Windows documents them in.
+// values and layouts. Functions stand in the header of the area that Windows documents them in. C gets the
+// basic types alone, which are what the plug-in's interface is made of.
 #pragma once
 
 #include <windef.h>
+
+#ifdef __cplusplus
 
 #include <winerror.h>
 #include <winnt.h>
@@ -19,3 +22,5 @@
 #include <winversion.h>
 
 #include <runtime.h>
+
+#endif
