@@ -80,7 +80,7 @@ foreach(program IN ITEMS trxhost orvlservice notebook hardware_tour)
   endif()
 endforeach()
 
-# `cpack` gives one zip of all of it. That of the product holds what an integrator reads, and an example that builds
+# `cpack` gives one zip of all of it. That of the product holds what an integrator reads, and examples that build
 # from the zip alone.
 if(WIN32)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/installation.md ${PROJECT_SOURCE_DIR}/docs/requests.md
@@ -90,7 +90,8 @@ else()
   install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION . COMPONENT programs)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION docs COMPONENT programs)
 endif()
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/hardware_tour DESTINATION examples COMPONENT programs)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/hardware_tour ${PROJECT_SOURCE_DIR}/examples/minimal_host
+  DESTINATION examples COMPONENT programs)
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_NAME pm_limited_support)
 set(CPACK_PACKAGE_VENDOR Kelvo)

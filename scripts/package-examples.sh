@@ -1,20 +1,23 @@
 #!/usr/bin/env bash
-# package-example.sh BUILD
+# package-examples.sh BUILD
 #
-# Builds the example of the Windows package from that package alone, as its README has it, and leaves it in
-# BUILD/package-example, where its trial on Wine finds it.
+# Builds the examples of the Windows package from that package alone, as its README has it, and leaves them in
+# BUILD/package-examples, where the package's trial on Wine finds them.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/common.sh
 
 package=$(mktemp -d)/package
 trap 'rm -rf "$(dirname "$package")"' EXIT
-example=$1/package-example
-log=$example.log
+examples=$1/package-examples
 unpack_package "$1" "$package"
-rm -rf "$example"
-if ! { cmake -S "$package/examples/hardware_tour" -B "$example" -D CMAKE_PREFIX_PATH="$package" \
-  --toolchain "$package/examples/mingw-i686-win32.cmake" && cmake --build "$example"; } >"$log" 2>&1; then
-  cat "$log" >&2
-  die "The example doesn't build from the package"
-fi
+rm -rf "$examples"
+mkdir "$examples"
+for name in hardware_tour minimal_host; do
+  log=$examples/$name.log
+  if ! { cmake -S "$package/examples/$name" -B "$examples/$name" -D CMAKE_PREFIX_PATH="$package" \
+    --toolchain "$package/examples/mingw-i686-win32.cmake" && cmake --build "$examples/$name"; } >"$log" 2>&1; then
+    cat "$log" >&2
+    die "The example $name doesn't build from the package"
+  fi
+done

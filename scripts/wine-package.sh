@@ -2,7 +2,7 @@
 # wine-package.sh BUILD PROMPT [--commands-alone]
 #
 # The package of that build folder as its user gets it: unpacked, installed, tried with a host, a service and the
-# example that package-example.sh built, updated, and removed. Afterwards files and registry of the machine must be
+# example that package-examples.sh built, updated, and removed. Afterwards files and registry of the machine must be
 # what they were.
 #
 # PROMPT is the width of the command prompt, 32 or 64. --commands-alone leaves out what runs the package's programs,
@@ -131,7 +131,7 @@ self_test() {
 
 # The example runs to its end without the driver that it asks for.
 run_example() {
-  cp "$build/package-example/hardware_tour.exe" "$deep/example.exe"
+  cp "$build/package-examples/hardware_tour/hardware_tour.exe" "$deep/example.exe"
   (cd "$deep" && in_time 60 wine example.exe >"$work/said" 2>&1) || true
   rm "$deep/example.exe"
   said "gather the devices" || fail "the example doesn't run"

@@ -22,7 +22,7 @@ fi
 build=$1
 passed=$PWD/build/wine-tests.passed
 sum=$(cat "$build"/bin/*.exe "$build"/bin/*.dll installation/* cmake/Install.cmake \
-  examples/hardware_tour/* scripts/common.sh scripts/package-example.sh scripts/wine*.sh | sha256sum)
+  examples/*/* scripts/common.sh scripts/package-examples.sh scripts/wine*.sh | sha256sum)
 if [ "${WINE_TESTS:-}" != again ] && [ -e "$passed" ] && [ "$(cat "$passed")" = "$sum" ]; then
   echo "unchanged since they passed on $(date -r "$passed" '+%Y-%m-%d %H:%M')"
   exit
