@@ -14,8 +14,11 @@
 
 #include <algorithm>
 #include <bit>
+#include <cctype>
+#include <fstream>
 #include <set>
 #include <span>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -93,6 +96,68 @@ TEST_F(InstallationTest, TheCatalogueDescribesEachVariable)
         }
         EXPECT_NE("", Text(kCatalogue, name, "Unit"));
         EXPECT_EQ(variable.hasDisplayName, Text(kCatalogue, name, "Name") != "");
+    }
+}
+
+// How the table of variables in the document words where a variable is kept.
+std::string StorageOnXp(const Variable& variable)
+{
+    switch (variable.xp)
+    {
+    case XpStorage::File:
+        return "file";
+    case XpStorage::Unsupported:
+        return "none";
+    case XpStorage::Timeout:
+    case XpStorage::Standby:
+    case XpStorage::Hibernate:
+    case XpStorage::ThrottlePolicy:
+    case XpStorage::Speed:
+        break;
+    }
+    return "Windows";
+}
+
+std::string StorageOnVista(const Variable& variable)
+{
+    switch (variable.vista)
+    {
+    case VistaStorage::File:
+    case VistaStorage::Speed:
+        return "file";
+    case VistaStorage::Adaptive:
+        return "file, sets Windows";
+    case VistaStorage::ThrottleMinimum:
+    case VistaStorage::ThrottleMaximum:
+    case VistaStorage::Backlight:
+        return "Windows, copy in file";
+    case VistaStorage::Setting:
+        break;
+    }
+    return "Windows";
+}
+
+TEST_F(InstallationTest, TheDocumentHasARowForEachVariable)
+{
+    std::stringstream document;
+    document << std::ifstream(INSTALLATION_DOCUMENT).rdbuf();
+    for (int number = 0; number < kVariableCount; ++number)
+    {
+        const Variable& variable = VariableOf(number);
+        const std::string name = Utf8(variable.name);
+        const std::size_t row = document.str().find("\n| `" + name + "` |");
+        ASSERT_NE(std::string::npos, row) << name << " isn't in the table of variables";
+        std::string unit = Text(kCatalogue, name, "Unit");
+        unit[0] = static_cast<char>(std::tolower(unit[0]));
+        std::string values;
+        for (const int option : Options(name))
+        {
+            values += (values.empty() ? "" : ", ") + std::to_string(option);
+        }
+        const std::string end = " | " + unit + " | " + values + " | " + (variable.isPacked ? "each" : "one") +
+                                " | " + StorageOnXp(variable) + " | " + StorageOnVista(variable) + " |";
+        const std::string line = document.str().substr(row + 1, document.str().find('\n', row + 1) - row - 1);
+        EXPECT_TRUE(line.ends_with(end)) << line << "\ndoesn't end with\n" << end;
     }
 }
 
