@@ -27,19 +27,46 @@ TEST(Catalogue, HasEachCommandWithRecordsOfItsSizes)
     }
 }
 
-TEST(Documents, NameEachCommandInTheTableOfRequests)
+// The row of the table of requests that names a command, from the end of its name on, or nothing. A row may
+// name several commands.
+std::string RowFrom(const std::string& document, const std::string& name)
 {
-    std::ifstream file(REQUESTS_DOCUMENT);
-    std::stringstream text;
-    text << file.rdbuf();
+    std::istringstream lines(document);
+    for (std::string line; std::getline(lines, line);)
+    {
+        const std::size_t place = line.find('`' + name + '`');
+        if (line.starts_with("| `") && place < line.find(" |"))
+        {
+            return line.substr(place + name.size() + 2);
+        }
+    }
+    return "";
+}
+
+// The text of one cell of a row, counted from where the row begins.
+std::string Cell(const std::string& row, int number)
+{
+    std::istringstream cells(row);
+    std::string cell;
+    for (int i = 0; i <= number; ++i)
+    {
+        std::getline(cells, cell, '|');
+    }
+    const std::size_t begin = cell.find_first_not_of(' ');
+    return begin == std::string::npos ? "" : cell.substr(begin, cell.find_last_not_of(' ') + 1 - begin);
+}
+
+TEST(Documents, HaveEachCommandInTheTableOfRequests)
+{
+    constexpr int kRoom = 3;
+    std::stringstream document;
+    document << std::ifstream(REQUESTS_DOCUMENT).rdbuf();
     for (const CommandInfo& info : commands::kAll)
     {
-        const std::string name = '`' + std::string(info.name) + '`';
-        const std::size_t place = text.str().find("\n| " + name);
-        const std::size_t shared = text.str().find(", " + name); // a row of two
-        ASSERT_NE(std::string::npos, std::min(place, shared)) << info.name;
-        const std::string row = text.str().substr(std::min(place, shared) + 1, name.size() + 4);
-        EXPECT_EQ(info.needsUser, row.ends_with(" U")) << row;
+        const std::string row = RowFrom(document.str(), info.name);
+        ASSERT_NE("", row) << info.name;
+        EXPECT_EQ(info.needsUser, row.starts_with(" U")) << info.name;
+        EXPECT_EQ(info.reply.size == 0 ? "" : std::to_string(info.reply.size), Cell(row, kRoom)) << info.name;
     }
 }
 
