@@ -3,8 +3,10 @@
 // Each command's transcript on both generations of Windows: result, reply, events, what the service hears,
 // both logs, what changes on the machine, and how many platform calls of which kind it takes.
 
+#include "plugin/Commands.h"
 #include "transcripts/Transcript.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <map>
@@ -75,6 +77,14 @@ const std::map<std::string, std::string>& Texts()
         return made;
     }();
     return texts;
+}
+
+TEST(Samples, ShowEachCommand)
+{
+    for (const CommandInfo& info : commands::kAll)
+    {
+        EXPECT_THAT(CommandsOfSamples(), testing::Contains(info.name)) << "no line in Samples.cpp";
+    }
 }
 
 class Transcripts : public testing::TestWithParam<std::string>
