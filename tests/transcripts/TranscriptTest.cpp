@@ -3,8 +3,8 @@
 // Each command's transcript on both generations of Windows: result, reply, events, what the service hears,
 // both logs, what changes on the machine, and how many platform calls of which kind it takes.
 
-#include "plugin/Commands.h"
 #include "transcripts/Transcript.h"
+#include "plugin/Commands.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -8,6 +8,10 @@
 #include <assert.h>
 #include <stddef.h>
 #include <stdint.h>
+#ifdef __cplusplus
+#include <cstddef>
+#include <cstdint>
+#endif
 
 // Calling conventions have one form natively.
 #define WINAPI
