@@ -100,41 +100,22 @@ TEST_F(InstallationTest, TheCatalogueDescribesEachVariable)
 }
 
 // How the table of variables in the document words where a variable is kept.
-std::string StorageOnXp(const Variable& variable)
+const char* StorageOnXp(XpStorage storage)
 {
-    switch (variable.xp)
-    {
-    case XpStorage::File:
-        return "file";
-    case XpStorage::Unsupported:
-        return "none";
-    case XpStorage::Timeout:
-    case XpStorage::Standby:
-    case XpStorage::Hibernate:
-    case XpStorage::ThrottlePolicy:
-    case XpStorage::Speed:
-        break;
-    }
-    return "Windows";
+    return storage == XpStorage::File ? "file" : storage == XpStorage::Unsupported ? "none" : "Windows";
 }
 
-std::string StorageOnVista(const Variable& variable)
+const char* StorageOnVista(VistaStorage storage)
 {
-    switch (variable.vista)
+    if (storage == VistaStorage::File || storage == VistaStorage::Speed)
     {
-    case VistaStorage::File:
-    case VistaStorage::Speed:
         return "file";
-    case VistaStorage::Adaptive:
-        return "file, sets Windows";
-    case VistaStorage::ThrottleMinimum:
-    case VistaStorage::ThrottleMaximum:
-    case VistaStorage::Backlight:
-        return "Windows, copy in file";
-    case VistaStorage::Setting:
-        break;
     }
-    return "Windows";
+    if (storage == VistaStorage::Adaptive)
+    {
+        return "file, sets Windows";
+    }
+    return storage == VistaStorage::Setting ? "Windows" : "Windows, copy in file";
 }
 
 TEST_F(InstallationTest, TheDocumentHasARowForEachVariable)
@@ -155,7 +136,8 @@ TEST_F(InstallationTest, TheDocumentHasARowForEachVariable)
             values += (values.empty() ? "" : ", ") + std::to_string(option);
         }
         const std::string end = " | " + unit + " | " + values + " | " + (variable.isPacked ? "each" : "one") +
-                                " | " + StorageOnXp(variable) + " | " + StorageOnVista(variable) + " |";
+                                " | " + StorageOnXp(variable.xp) + " | " + StorageOnVista(variable.vista) +
+                                " |";
         const std::string line = document.str().substr(row + 1, document.str().find('\n', row + 1) - row - 1);
         EXPECT_TRUE(line.ends_with(end)) << line << "\ndoesn't end with\n" << end;
     }
