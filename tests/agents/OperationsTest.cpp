@@ -25,6 +25,8 @@
 #include "support/Snapshot.h"
 #include "transcripts/Golden.h"
 
+#include <concepts>
+#include <cstdint>
 #include <sstream>
 
 using namespace simulated;
@@ -92,8 +94,10 @@ public:
     bool showsInputs = false; ///< what went to the driver
 
 private:
-    static std::string Show(std::int64_t number)
+    template <std::integral Number>
+    static std::string Show(Number answer)
     {
+        const auto number = static_cast<std::int64_t>(answer);
         std::ostringstream text;
         const bool isHex = number < -1 || number > 0xFFFFF;
         text << (isHex ? "0x" : "") << (isHex ? std::hex : std::dec) << std::uppercase

@@ -13,7 +13,6 @@
 #include <cstring>
 #include <iterator>
 #include <string>
-#include <tuple>
 
 namespace
 {
@@ -32,31 +31,35 @@ std::string Shown(std::string bytes)
 
 TEST_F(TextTest, Conversions)
 {
-    // Code page, text, and what it is in wide characters.
-    const std::tuple<UINT, const char*, const wchar_t*> rows[] = {
+    const struct
+    {
+        UINT codePage;
+        const char* narrow;
+        const wchar_t* wide;
+    } rows[] = {
         {CP_ACP, "ab", L"ab"},
         {CP_ACP, "\x80\x81\xE4", L"\x20AC\x0081\x00E4"},
         {CP_UTF8, "\xE2\x82\xAC\xC3\xA4", L"\x20AC\x00E4"},
         {CP_UTF8, "\xF0\x9F\x98\x80z", L"\xD83D\xDE00z"},
     };
-    for (const auto& [codePage, narrow, wide] : rows)
+    for (const auto& row : rows)
     {
-        const auto wideSize = lstrlenW(wide) + 1;
-        const auto narrowSize = static_cast<int>(std::strlen(narrow)) + 1;
+        const auto wideSize = lstrlenW(row.wide) + 1;
+        const auto narrowSize = static_cast<int>(std::strlen(row.narrow)) + 1;
         wchar_t wideTarget[16];
         char narrowTarget[16];
         const auto toWide = [&](wchar_t* target, int room)
-        { return MultiByteToWideChar(codePage, 0, narrow, -1, target, room); };
+        { return MultiByteToWideChar(row.codePage, 0, row.narrow, -1, target, room); };
         const auto toNarrow = [&](char* target, int room)
-        { return WideCharToMultiByte(codePage, 0, wide, -1, target, room, nullptr, nullptr); };
+        { return WideCharToMultiByte(row.codePage, 0, row.wide, -1, target, room, nullptr, nullptr); };
         EXPECT_EQ(wideSize, toWide(nullptr, 0));
         EXPECT_EQ(narrowSize, toNarrow(nullptr, 0));
         EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, ErrorOf(toWide(wideTarget, wideSize - 1) != 0));
         EXPECT_EQ(ERROR_INSUFFICIENT_BUFFER, ErrorOf(toNarrow(narrowTarget, narrowSize - 1) != 0));
         EXPECT_EQ(wideSize, toWide(wideTarget, 16));
         EXPECT_EQ(narrowSize, toNarrow(narrowTarget, 16));
-        EXPECT_EQ(ToUtf8(wide), ToUtf8(wideTarget));
-        EXPECT_STREQ(narrow, narrowTarget);
+        EXPECT_EQ(ToUtf8(row.wide), ToUtf8(wideTarget));
+        EXPECT_STREQ(row.narrow, narrowTarget);
     }
     char narrow[8];
     EXPECT_EQ(4, WideCharToMultiByte(CP_ACP, 0, L"\x4E00\x0100?", -1, narrow, 8, nullptr, nullptr));
