@@ -27,7 +27,8 @@ static LONG Send(const char* account, const char* command, const LONG* payload, 
 {
     DWORD replyLen = sizeof *reply;
     PM_Request request = {0};
-    strncpy(request.command, command, sizeof request.command); /* a name of 32 characters has no terminator */
+    const size_t length = strlen(command); /* a name of 32 characters has no terminator */
+    memcpy(request.command, command, length < sizeof request.command ? length : sizeof request.command);
     request.userId = account;
     request.params = payload;
     request.paramsLen = payload != NULL ? sizeof *payload : 0;
