@@ -146,6 +146,7 @@ TEST_F(LifeCycle, ManyCyclesLeaveNothing)
         ASSERT_TRUE(host.Load()) << cycle;
         ASSERT_EQ(0, host.Initialize()) << cycle;
         ASSERT_EQ(0, host.Send("GET_ACTIVE_SCHEME").code) << cycle;
+        host.Send("GET_LCD_BRIGHTNESS"); // opens the driver where there is one
         if (cycle % 10 == 0)
         {
             SignalApplied();

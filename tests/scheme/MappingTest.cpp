@@ -93,6 +93,10 @@ TEST_F(VistaMapping, SchemesAreRowsAndHaveNoNames)
     EXPECT_EQ(-1, engine.FindPwrScheme(L"Portable/Laptop"));
     EXPECT_EQ(-1, engine.SetPwrSchemeNameDesc(1, L"Mine", L""));
     Run("delete 0 -> 0; delete 2 -> 0");
+    GUID saver{};
+    ASSERT_EQ(1, engine.SchemeIndexToGuid(0, &saver));
+    ASSERT_EQ(ERROR_SUCCESS, PowerSetActiveScheme(nullptr, &saver));
+    Run("active 0 -> 0; delete 1 -> 0; find 1 -> 1");
 }
 
 TEST_F(VistaMapping, AStaleRowGoesWithAllThatItHolds)

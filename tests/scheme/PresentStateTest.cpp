@@ -69,10 +69,13 @@ TEST_F(PresentState, AutoRunTakesBothEntriesOutAndRecordsAnyFlag)
                   seeding::GetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag"));
     }
     EXPECT_FALSE(seeding::GetText(HKEY_LOCAL_MACHINE, kRunKey, "ORVA.exe").has_value());
+    EXPECT_THAT(LinesOf([&] { engine.SetAutoRunORVA(1, nullptr, 9); }),
+                ElementsAre("WriteAutoRunSettings: Write ORVA path into Run failed at 87"));
 }
 
 TEST_F(PresentState, BatteryItemsAreFoundByTheirConfiguredPlace)
 {
+    EXPECT_GT(engine.GetRemainBatPer(0), 0.0F);
     _BATTERY_INFORMATION info{};
     ASSERT_EQ(0, engine.GetBatteryInfo(0, info));
     for (const auto& [start, size, result] :

@@ -95,11 +95,15 @@ SIM_API LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved
         });
 }
 
-SIM_API LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD, DWORD type, const BYTE* data, DWORD size)
+SIM_API LSTATUS WINAPI RegSetValueExW(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
+                                      DWORD size)
 {
     PlatformCall call(CallClass::Registry, "RegSetValueExW", SIM_CALLER);
     registry::NoteArguments(call, key, name, type, size);
-    return call.Status([&] { return registry::SetValue(key, name, type, data, size); });
+    return call.Status(
+        [&]() -> DWORD {
+            return reserved != 0 ? ERROR_INVALID_PARAMETER : registry::SetValue(key, name, type, data, size);
+        });
 }
 
 SIM_API LSTATUS WINAPI RegDeleteValueW(HKEY key, LPCWSTR name)

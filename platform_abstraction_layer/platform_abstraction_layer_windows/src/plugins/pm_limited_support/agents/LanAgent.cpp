@@ -148,11 +148,7 @@ int SetConnectStatus(const wchar_t* firstWord, const wchar_t* secondWord, int en
 
 } // namespace
 
-CLanAgent::CLanAgent() noexcept
-    : m_nSupportStatus(0), m_szLanDesc1(), m_szLanDesc2(), m_szWlanDesc1(), m_szWlanDesc2(), m_szSpeedValue()
-{
-}
-
+CLanAgent::CLanAgent() noexcept = default;
 CLanAgent::CLanAgent(const CLanAgent&) noexcept = default;
 CLanAgent& CLanAgent::operator=(const CLanAgent&) noexcept = default;
 CLanAgent::~CLanAgent() = default;

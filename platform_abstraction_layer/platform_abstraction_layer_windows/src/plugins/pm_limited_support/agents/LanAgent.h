@@ -50,12 +50,12 @@ public:
     int SetEblLevel(int level) noexcept;
 
 protected:
-    ULONG m_nSupportStatus;
-    wchar_t m_szLanDesc1[text::kPathCapacity];
-    wchar_t m_szLanDesc2[text::kPathCapacity];
-    wchar_t m_szWlanDesc1[text::kPathCapacity];
-    wchar_t m_szWlanDesc2[text::kPathCapacity];
-    wchar_t m_szSpeedValue[text::kPathCapacity];
+    ULONG m_nSupportStatus = 0;
+    wchar_t m_szLanDesc1[text::kPathCapacity] = {};
+    wchar_t m_szLanDesc2[text::kPathCapacity] = {};
+    wchar_t m_szWlanDesc1[text::kPathCapacity] = {};
+    wchar_t m_szWlanDesc2[text::kPathCapacity] = {};
+    wchar_t m_szSpeedValue[text::kPathCapacity] = {};
 
 private:
     bool TakesSpeedFrom(HKEY adapter) noexcept;
