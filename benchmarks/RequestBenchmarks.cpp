@@ -4,8 +4,8 @@
 // simulated one, whose files and registry are slower or faster than Windows'; so a request that asks the
 // platform stands beside the same platform calls made by hand, and the difference is the plug-in's share.
 
+#include "control/Notebook.h"
 #include "foundation/Text.h"
-#include "notebook/Notebook.h"
 #include "plugin/CommandTable.h"
 #include "plugin/ConfigCommands.h"
 #include "plugin/PluginExports.h"

@@ -7,8 +7,8 @@
 #include "TextTools.h"
 
 #ifndef _WIN32
-#include "notebook/Notebook.h"
-#include "notebook/Trace.h"
+#include "base/Trace.h"
+#include "control/Notebook.h"
 #endif
 
 #include <getopt.h>

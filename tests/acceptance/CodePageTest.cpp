@@ -4,7 +4,7 @@
 
 #include "acceptance/AcceptanceTest.h"
 #include "acceptance/RequestWords.h"
-#include "notebook/Notebook.h"
+#include "control/Notebook.h"
 
 using simulated::Notebook;
 

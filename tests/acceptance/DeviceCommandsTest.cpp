@@ -4,12 +4,12 @@
 
 #include "acceptance/AcceptanceTest.h"
 #include "acceptance/RequestWords.h"
-#include "notebook/Adapters.h"
-#include "notebook/Batteries.h"
-#include "notebook/EmbeddedController.h"
-#include "notebook/KernelDriver.h"
-#include "notebook/PowerSource.h"
-#include "notebook/Trace.h"
+#include "base/Trace.h"
+#include "control/Adapters.h"
+#include "control/Batteries.h"
+#include "control/PowerSource.h"
+#include "machine/EmbeddedController.h"
+#include "machine/KernelDriver.h"
 
 #include <gmock/gmock.h>
 

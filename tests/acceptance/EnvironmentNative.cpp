@@ -4,11 +4,11 @@
 
 #include "acceptance/Environment.h"
 
-#include "notebook/Adapters.h"
-#include "notebook/Batteries.h"
-#include "notebook/KernelDriver.h"
-#include "notebook/PowerSource.h"
-#include "notebook/Trace.h"
+#include "base/Trace.h"
+#include "control/Adapters.h"
+#include "control/Batteries.h"
+#include "control/PowerSource.h"
+#include "machine/KernelDriver.h"
 #include "support/NotebookTest.h"
 
 #include <memory>

@@ -3,7 +3,7 @@
 // Start, stop and notification when Windows refuses something, and the order of what they ask of it.
 
 #include "acceptance/AcceptanceTest.h"
-#include "notebook/Trace.h"
+#include "base/Trace.h"
 
 #include <utility>
 

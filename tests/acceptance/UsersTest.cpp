@@ -4,8 +4,8 @@
 
 #include "acceptance/AcceptanceTest.h"
 #include "acceptance/RequestWords.h"
-#include "notebook/Notebook.h"
-#include "notebook/Trace.h"
+#include "base/Trace.h"
+#include "control/Notebook.h"
 
 using simulated::Notebook;
 using simulated::Trace;

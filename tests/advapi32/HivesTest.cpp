@@ -5,9 +5,9 @@
 #include "support/NotebookTest.h"
 #include "support/WideText.h"
 
-#include "notebook/DriveC.h"
-#include "notebook/Machine.h"
-#include "notebook/RegistryEditor.h"
+#include "control/DriveC.h"
+#include "control/RegistryEditor.h"
+#include "machine/Machine.h"
 
 #include <windows.h>
 

@@ -5,10 +5,10 @@
 #include "support/ChildProcess.h"
 #include "support/NotebookTest.h"
 
-#include "advapi32/ValueText.h"
-#include "notebook/Machine.h"
-#include "notebook/RegistryEditor.h"
-#include "notebook/WholeFile.h"
+#include "base/WholeFile.h"
+#include "control/RegistryEditor.h"
+#include "machine/Machine.h"
+#include "modules/advapi32/ValueText.h"
 
 #include <windows.h>
 

@@ -4,12 +4,12 @@
 
 #include "agents/AgentsTest.h"
 
-#include "notebook/Chipset.h"
-#include "notebook/DeviceTree.h"
-#include "notebook/EmbeddedController.h"
-#include "notebook/Graphics.h"
-#include "notebook/KernelDriver.h"
-#include "notebook/Processor.h"
+#include "machine/Chipset.h"
+#include "machine/DeviceTree.h"
+#include "machine/EmbeddedController.h"
+#include "machine/Graphics.h"
+#include "machine/KernelDriver.h"
+#include "machine/Processor.h"
 
 #include <devguid.h>
 

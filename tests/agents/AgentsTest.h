@@ -6,7 +6,7 @@
 #include "acceptance/Seeding.h"
 #include "support/NotebookTest.h"
 
-#include "notebook/Trace.h"
+#include "base/Trace.h"
 
 #include <gmock/gmock.h>
 

@@ -6,10 +6,10 @@
 #include "agents/AgentsTest.h"
 
 #include "agents/BatAgent.h"
+#include "base/Clock.h"
+#include "control/Batteries.h"
+#include "control/PowerSource.h"
 #include "foundation/Results.h"
-#include "notebook/Batteries.h"
-#include "notebook/Clock.h"
-#include "notebook/PowerSource.h"
 
 using namespace simulated;
 
@@ -24,9 +24,9 @@ TEST_F(BatAgentTest, AtMostFiveBatteriesAreOpenedAndAllAreClosed)
     BATTERY_INFORMATION info = {};
     for (const unsigned present : {6U, 5U, 0U})
     {
-        while (Batteries::All().size() != present)
+        while (Batteries::Count() != present)
         {
-            Batteries::All().size() < present ? void(Batteries::Add()) : Batteries::Remove(0);
+            Batteries::Count() < present ? void(Batteries::Add()) : Batteries::Remove(0);
         }
         Trace::Clear();
         EXPECT_EQ(kSucceeded, agent.Setup());

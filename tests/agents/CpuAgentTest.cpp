@@ -5,9 +5,9 @@
 #include "agents/AgentsTest.h"
 
 #include "agents/CpuAgent.h"
-#include "notebook/KernelDriver.h"
-#include "notebook/Machine.h"
-#include "notebook/Processor.h"
+#include "machine/KernelDriver.h"
+#include "machine/Machine.h"
+#include "machine/Processor.h"
 
 using namespace simulated;
 

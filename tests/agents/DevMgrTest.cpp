@@ -6,9 +6,9 @@
 #include "agents/AgentsTest.h"
 
 #include "agents/DevMgr.h"
+#include "base/ListBox.h"
 #include "foundation/Results.h"
-#include "notebook/DeviceTree.h"
-#include "notebook/ListBox.h"
+#include "machine/DeviceTree.h"
 #include "support/BoardService.h"
 
 #include <devguid.h>

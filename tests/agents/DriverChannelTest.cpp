@@ -7,7 +7,7 @@
 #include "agents/DriverRecords.h"
 #include "agents/OrvlDrvMgr.h"
 #include "foundation/Results.h"
-#include "notebook/KernelDriver.h"
+#include "machine/KernelDriver.h"
 
 #include <thread>
 

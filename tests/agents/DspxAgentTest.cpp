@@ -6,7 +6,7 @@
 
 #include "agents/DspxAgent.h"
 #include "foundation/Results.h"
-#include "notebook/Graphics.h"
+#include "machine/Graphics.h"
 
 using namespace simulated;
 

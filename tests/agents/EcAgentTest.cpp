@@ -6,9 +6,9 @@
 
 #include "agents/EcAgent.h"
 #include "foundation/Results.h"
-#include "notebook/DeviceTree.h"
-#include "notebook/EmbeddedController.h"
-#include "notebook/KernelDriver.h"
+#include "machine/DeviceTree.h"
+#include "machine/EmbeddedController.h"
+#include "machine/KernelDriver.h"
 
 using namespace simulated;
 

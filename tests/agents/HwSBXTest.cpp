@@ -6,7 +6,7 @@
 
 #include "agents/HwSBX.h"
 #include "foundation/Results.h"
-#include "notebook/Chipset.h"
+#include "machine/Chipset.h"
 
 using namespace simulated;
 

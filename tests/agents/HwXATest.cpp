@@ -7,8 +7,8 @@
 
 #include "agents/HwXA.h"
 #include "foundation/Results.h"
-#include "notebook/Chipset.h"
-#include "notebook/KernelDriver.h"
+#include "machine/Chipset.h"
+#include "machine/KernelDriver.h"
 
 using namespace simulated;
 

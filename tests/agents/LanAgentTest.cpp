@@ -5,8 +5,8 @@
 #include "agents/AgentsTest.h"
 
 #include "agents/LanAgent.h"
-#include "notebook/Adapters.h"
-#include "notebook/DeviceTree.h"
+#include "control/Adapters.h"
+#include "machine/DeviceTree.h"
 
 using namespace simulated;
 

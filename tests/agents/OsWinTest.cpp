@@ -6,7 +6,7 @@
 
 #include "agents/OsWin.h"
 #include "foundation/Results.h"
-#include "notebook/Machine.h"
+#include "machine/Machine.h"
 
 using namespace simulated;
 

@@ -3,10 +3,10 @@
 // Finding configuration files, and the numbers in them.
 
 #include "acceptance/Seeding.h"
+#include "base/Trace.h"
 #include "foundation/OrvlProfile.h"
-#include "notebook/Accounts.h"
-#include "notebook/Machine.h"
-#include "notebook/Trace.h"
+#include "machine/Accounts.h"
+#include "machine/Machine.h"
 #include "support/NotebookTest.h"
 
 using seeding::Utf8;

@@ -3,9 +3,9 @@
 // The two logs: their switch, their limits, their line ends.
 
 #include "acceptance/Seeding.h"
+#include "base/Trace.h"
 #include "foundation/OrvlBase.h"
 #include "foundation/PmLog.h"
-#include "notebook/Trace.h"
 #include "support/NotebookTest.h"
 
 namespace

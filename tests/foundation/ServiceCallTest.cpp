@@ -3,10 +3,10 @@
 // The call to the service behind the boards, with a service that answers as each test wants it.
 
 #include "acceptance/Seeding.h"
+#include "base/Clock.h"
+#include "base/Trace.h"
 #include "foundation/OrvlCfg.h"
 #include "foundation/Results.h"
-#include "notebook/Clock.h"
-#include "notebook/Trace.h"
 #include "support/BoardService.h"
 #include "support/NotebookTest.h"
 

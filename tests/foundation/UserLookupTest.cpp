@@ -4,11 +4,11 @@
 
 #include "foundation/UserLookup.h"
 #include "acceptance/Seeding.h"
-#include "advapi32/Hives.h"
+#include "base/Trace.h"
+#include "control/RegistryEditor.h"
 #include "foundation/OrvlCfg.h"
-#include "notebook/Accounts.h"
-#include "notebook/RegistryEditor.h"
-#include "notebook/Trace.h"
+#include "machine/Accounts.h"
+#include "modules/advapi32/Hives.h"
 #include "support/NotebookTest.h"
 
 using seeding::Utf8;

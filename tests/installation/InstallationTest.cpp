@@ -7,7 +7,7 @@
 
 #include "agents/HwSBX.h"
 #include "foundation/GuidText.h"
-#include "notebook/Chipset.h"
+#include "machine/Chipset.h"
 #include "scheme/VariableTable.h"
 
 #include <powrprof.h>

@@ -2,9 +2,9 @@
 //
 // What all tests of the plug-in trust: its calls, and no others, are traced, refused and counted.
 
+#include "base/PlugInModule.h"
+#include "base/Trace.h"
 #include "kernel32/OwnedHandle.h"
-#include "notebook/PlugInModule.h"
-#include "notebook/Trace.h"
 #include "support/NotebookTest.h"
 
 #include <objbase.h>

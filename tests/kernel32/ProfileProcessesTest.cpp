@@ -8,7 +8,7 @@
 #include "support/NotebookTest.h"
 #include "support/WideText.h"
 
-#include "notebook/WholeFile.h"
+#include "base/WholeFile.h"
 
 #include <windows.h>
 

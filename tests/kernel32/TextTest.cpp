@@ -5,7 +5,7 @@
 #include "support/LastError.h"
 #include "support/NotebookTest.h"
 
-#include "notebook/Text.h"
+#include "base/Text.h"
 
 #include <windows.h>
 

@@ -5,11 +5,11 @@
 
 #include "support/NotebookTest.h"
 
-#include "notebook/Accounts.h"
-#include "notebook/EmbeddedController.h"
-#include "notebook/Machine.h"
-#include "notebook/PowerSource.h"
-#include "notebook/RegistryEditor.h"
+#include "control/PowerSource.h"
+#include "control/RegistryEditor.h"
+#include "machine/Accounts.h"
+#include "machine/EmbeddedController.h"
+#include "machine/Machine.h"
 
 #include <windows.h>
 

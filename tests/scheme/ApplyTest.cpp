@@ -7,8 +7,8 @@
 #include "support/BoardService.h"
 #include "support/Snapshot.h"
 
-#include "notebook/Clock.h"
-#include "notebook/RegistryEditor.h"
+#include "base/Clock.h"
+#include "control/RegistryEditor.h"
 
 #include <gmock/gmock.h>
 

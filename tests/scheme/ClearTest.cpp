@@ -5,7 +5,7 @@
 
 #include "scheme/SchemeTest.h"
 
-#include "notebook/RegistryEditor.h"
+#include "control/RegistryEditor.h"
 
 #include <gmock/gmock.h>
 

@@ -4,7 +4,7 @@
 
 #include "scheme/SchemeTest.h"
 
-#include "notebook/RegistryEditor.h"
+#include "control/RegistryEditor.h"
 
 #include <gmock/gmock.h>
 

@@ -6,8 +6,8 @@
 #include "scheme/SchemeTest.h"
 #include "scheme/VariableTable.h"
 
-#include "notebook/PowerSource.h"
-#include "notebook/RegistryEditor.h"
+#include "control/PowerSource.h"
+#include "control/RegistryEditor.h"
 
 #include <gmock/gmock.h>
 

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "acceptance/Seeding.h"
-#include "notebook/Trace.h"
+#include "base/Trace.h"
 #include "scheme/SchemeEx.h"
 #include "support/NotebookTest.h"
 

@@ -4,7 +4,7 @@
 
 #include "scheme/SchemeTest.h"
 
-#include "notebook/Trace.h"
+#include "base/Trace.h"
 
 #include <gmock/gmock.h>
 

@@ -5,7 +5,7 @@
 #include "scheme/SchemeTest.h"
 #include "scheme/VariableTable.h"
 
-#include "notebook/PowerSource.h"
+#include "control/PowerSource.h"
 
 #include <gmock/gmock.h>
 

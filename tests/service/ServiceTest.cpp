@@ -7,14 +7,14 @@
 #include "support/NotebookTest.h"
 #include "support/WideText.h"
 
+#include "base/Clock.h"
+#include "control/Adapters.h"
+#include "control/RegistryEditor.h"
 #include "foundation/InterProcessBoard.h"
 #include "foundation/OrvlBase.h"
 #include "foundation/Owners.h"
 #include "foundation/Results.h"
-#include "notebook/Adapters.h"
-#include "notebook/Clock.h"
-#include "notebook/DeviceTree.h"
-#include "notebook/RegistryEditor.h"
+#include "machine/DeviceTree.h"
 
 #include <cfgmgr32.h>
 #include <setupapi.h>

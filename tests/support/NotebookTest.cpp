@@ -4,11 +4,11 @@
 
 #include "support/NotebookTest.h"
 
-#include "notebook/Clock.h"
-#include "notebook/DebugOutput.h"
-#include "notebook/KernelDriver.h"
-#include "notebook/Machine.h"
-#include "notebook/Trace.h"
+#include "base/Clock.h"
+#include "base/DebugOutput.h"
+#include "base/Trace.h"
+#include "machine/KernelDriver.h"
+#include "machine/Machine.h"
 
 #include <filesystem>
 #include <unistd.h>

@@ -4,7 +4,7 @@
 // trace of what the plug-in asks of the platform, and leaves nothing open behind it.
 #pragma once
 
-#include "notebook/Notebook.h"
+#include "control/Notebook.h"
 
 #include <gtest/gtest.h>
 

@@ -4,7 +4,7 @@
 
 #include "support/Snapshot.h"
 
-#include "notebook/WholeFile.h"
+#include "base/WholeFile.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 // A fresh notebook for a whole test program that is plain Win32 and knows nothing of notebooks. Linked only
 // into the native build of such a program.
 
-#include "notebook/Notebook.h"
+#include "control/Notebook.h"
 
 #include <gtest/gtest.h>
 

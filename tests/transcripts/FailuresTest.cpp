@@ -5,7 +5,7 @@
 // isn't listed changes neither result, reply, events nor logs. Afterwards the state is brought back, and the
 // same request must give its clean outcome: nothing is left in the plug-in.
 
-#include "notebook/Trace.h"
+#include "base/Trace.h"
 #include "transcripts/Transcript.h"
 
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 // Golden files, and the rows of failing calls in them.
 #pragma once
 
-#include "notebook/Trace.h"
+#include "base/Trace.h"
 
 #include <map>
 #include <string>

@@ -6,16 +6,16 @@
 
 #include "acceptance/RequestWords.h"
 #include "acceptance/Seeding.h"
-#include "notebook/Accounts.h"
-#include "notebook/Adapters.h"
-#include "notebook/Batteries.h"
-#include "notebook/DebugOutput.h"
-#include "notebook/EmbeddedController.h"
-#include "notebook/Machine.h"
-#include "notebook/Notebook.h"
-#include "notebook/PowerSource.h"
-#include "notebook/RegistryEditor.h"
-#include "notebook/Trace.h"
+#include "base/DebugOutput.h"
+#include "base/Trace.h"
+#include "control/Adapters.h"
+#include "control/Batteries.h"
+#include "control/Notebook.h"
+#include "control/PowerSource.h"
+#include "control/RegistryEditor.h"
+#include "machine/Accounts.h"
+#include "machine/EmbeddedController.h"
+#include "machine/Machine.h"
 
 #include <powrprof.h>
 

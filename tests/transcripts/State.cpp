@@ -4,11 +4,11 @@
 
 #include "transcripts/State.h"
 
-#include "notebook/Accounts.h"
-#include "notebook/IniDocument.h"
-#include "notebook/Machine.h"
-#include "notebook/RegistryEditor.h"
-#include "notebook/WholeFile.h"
+#include "base/IniDocument.h"
+#include "base/WholeFile.h"
+#include "control/RegistryEditor.h"
+#include "machine/Accounts.h"
+#include "machine/Machine.h"
 
 #include <windows.h>
 

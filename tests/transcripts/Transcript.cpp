@@ -6,7 +6,7 @@
 
 #include "acceptance/RequestWords.h"
 #include "acceptance/Seeding.h"
-#include "notebook/Accounts.h"
+#include "machine/Accounts.h"
 
 #include <gtest/gtest.h>
 

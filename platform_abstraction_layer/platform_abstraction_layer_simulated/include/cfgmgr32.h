@@ -1,4 +1,4 @@
-// cfgmgr32.h
+// include/cfgmgr32.h
 //
 // setupapi: the configuration manager, which knows the tree of devices and the state of each.
 #pragma once

@@ -1,4 +1,4 @@
-// devguid.h
+// include/devguid.h
 //
 // The setup classes of devices that the notebook has.
 #pragma once

@@ -1,4 +1,4 @@
-// dwmapi.h
+// include/dwmapi.h
 //
 // dwmapi: desktop composition. The module exists from major version 6 on, so programs bind it at run time.
 #pragma once

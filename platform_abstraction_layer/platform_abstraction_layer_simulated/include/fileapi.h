@@ -1,4 +1,4 @@
-// fileapi.h
+// include/fileapi.h
 //
 // kernel32: files and folders.
 #pragma once

@@ -1,4 +1,4 @@
-// initguid.h
+// include/initguid.h
 //
 // Included before a header that names GUIDs, it makes Windows define them there. The headers here always do.
 #pragma once

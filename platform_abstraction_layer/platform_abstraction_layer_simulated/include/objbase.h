@@ -1,4 +1,4 @@
-// objbase.h
+// include/objbase.h
 //
 // ole32: COM, as far as an object is created by the name of its class and called by slot.
 #pragma once

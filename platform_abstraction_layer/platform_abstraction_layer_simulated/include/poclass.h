@@ -1,4 +1,4 @@
-// poclass.h
+// include/poclass.h
 //
 // The records and I/O controls of the battery class driver, with their published layouts.
 #pragma once

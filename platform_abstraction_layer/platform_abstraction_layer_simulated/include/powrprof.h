@@ -1,4 +1,4 @@
-// powrprof.h
+// include/powrprof.h
 //
 // powrprof: the power manager. The index-based functions, which know a scheme by its number, and the
 // GUID-based ones of version 6, which a program that also runs on version 5 finds at run time.

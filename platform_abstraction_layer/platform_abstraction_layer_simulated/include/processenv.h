@@ -1,4 +1,4 @@
-// processenv.h
+// include/processenv.h
 //
 // kernel32: the environment of a process.
 #pragma once

@@ -1,4 +1,4 @@
-// profileapi.h
+// include/profileapi.h
 //
 // kernel32: files with sections and "key=value" lines.
 #pragma once

@@ -1,4 +1,4 @@
-// runtime.h
+// include/runtime.h
 //
 // The parts of the Microsoft C runtime that differ from the native one.
 #pragma once

@@ -1,4 +1,4 @@
-// sddl.h
+// include/sddl.h
 //
 // advapi32: security identifiers as text.
 #pragma once

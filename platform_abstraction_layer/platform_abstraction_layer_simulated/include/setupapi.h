@@ -1,4 +1,4 @@
-// setupapi.h
+// include/setupapi.h
 //
 // setupapi: the device installer. Records have the documented fields; they are packed on a 32-bit build as
 // Windows packs them there, and aligned naturally otherwise, so every size field is a sizeof.

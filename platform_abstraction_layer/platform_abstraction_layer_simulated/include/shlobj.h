@@ -1,4 +1,4 @@
-// shlobj.h
+// include/shlobj.h
 //
 // shell32: known folders.
 #pragma once

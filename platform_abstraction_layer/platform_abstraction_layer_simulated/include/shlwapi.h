@@ -1,4 +1,4 @@
-// shlwapi.h
+// include/shlwapi.h
 //
 // shlwapi: paths and text.
 #pragma once

@@ -1,4 +1,4 @@
-// winbase.h
+// include/winbase.h
 //
 // kernel32: kernel objects, waits, threads, modules, memory, time, devices. Files and profile functions stand
 // in headers of their own, which this one brings along.

@@ -1,4 +1,4 @@
-// windef.h
+// include/windef.h
 //
 // The basic types of Windows with their documented widths, and the words that stand in declarations.
 // Natively handles are as wide as a pointer; everything that the documentation calls 32 bits has 32 bits.

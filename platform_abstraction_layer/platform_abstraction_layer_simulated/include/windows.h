@@ -1,4 +1,4 @@
-// windows.h
+// include/windows.h
 //
 // The part of Windows that the plug-in, its host and its service use, declared with the documented names,
 // values and layouts. Functions stand in the header of the area that Windows documents them in. C gets the

@@ -1,4 +1,4 @@
-// winerror.h
+// include/winerror.h
 //
 // The error numbers that the simulated platform answers, with their documented values.
 #pragma once

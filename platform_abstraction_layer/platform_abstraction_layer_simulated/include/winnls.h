@@ -1,4 +1,4 @@
-// winnls.h
+// include/winnls.h
 //
 // kernel32: code pages, and the comparison of text.
 #pragma once

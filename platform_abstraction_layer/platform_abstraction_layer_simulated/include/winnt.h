@@ -1,4 +1,4 @@
-// winnt.h
+// include/winnt.h
 //
 // Access rights, kernel object constants and registry types that several modules share.
 #pragma once

@@ -1,4 +1,4 @@
-// winpower.h
+// include/winpower.h
 //
 // What the base of Windows declares of power: states, actions, the policies' building blocks, the state of
 // the batteries as a whole, and the status of the power source (kernel32). The functions of the power

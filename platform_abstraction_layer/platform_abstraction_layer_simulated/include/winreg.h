@@ -1,4 +1,4 @@
-// winreg.h
+// include/winreg.h
 //
 // advapi32: the registry. Every function answers an error number and leaves the last error alone. Sizes of
 // data are in bytes, of names in characters.

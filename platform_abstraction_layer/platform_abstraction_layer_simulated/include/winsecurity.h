@@ -1,4 +1,4 @@
-// winsecurity.h
+// include/winsecurity.h
 //
 // advapi32: accounts, security identifiers, tokens, security descriptors.
 #pragma once

@@ -1,4 +1,4 @@
-// winuser.h
+// include/winuser.h
 //
 // user32: the few window functions that a device list needs.
 #pragma once

@@ -1,4 +1,4 @@
-// winversion.h
+// include/winversion.h
 //
 // kernel32: the version of the operating system.
 #pragma once

@@ -1,0 +1,121 @@
+// base/CodePage.cpp
+//
+// Code page 1252, UTF-8 and UTF-16 as encodings of stored text.
+
+#include "base/CodePage.h"
+
+#include "base/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+namespace simulated
+{
+
+namespace
+{
+
+// Bytes 0x80 to 0x9F; all others are Latin-1.
+constexpr std::array<wchar_t, 32> kUpperControls = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+constexpr unsigned char kFirstUpperControl = 0x80;
+constexpr unsigned char kDefaultCharacter = '?';
+constexpr unsigned kLatinCodePage = 1252;
+constexpr unsigned kUtf8CodePage = 65001;
+
+// The plain letters that stand for U+0100 to U+017F. "?" marks those that have none, and those that the code
+// page holds itself.
+constexpr wchar_t kFirstLatinExtended = 0x100;
+constexpr std::string_view kLatinExtended = "AaAaAaCcCcCcCcDd\xD0"
+                                            "dEeEeEeEeEeGgGgGgGgHhHhIiIiIiIiIi??JjKk?LlLlLl??Ll"
+                                            "NnNnNn???OoOoOo??RrRrRrSsSsSs??TtTtTtUuUuUuUuUuUuWwYy?ZzZz???";
+
+} // namespace
+
+wchar_t FromWindows1252(unsigned char byte) noexcept
+{
+    const std::size_t index = static_cast<std::size_t>(byte) - kFirstUpperControl;
+    return index < kUpperControls.size() ? kUpperControls[index] : static_cast<wchar_t>(byte);
+}
+
+std::optional<unsigned char> ToWindows1252(wchar_t unit) noexcept
+{
+    if (unit < kFirstUpperControl || (unit >= 0xA0 && unit <= 0xFF))
+    {
+        return static_cast<unsigned char>(unit);
+    }
+    const auto* const found = std::find(kUpperControls.begin(), kUpperControls.end(), unit);
+    if (found != kUpperControls.end())
+    {
+        return static_cast<unsigned char>(kFirstUpperControl + std::distance(kUpperControls.begin(), found));
+    }
+    const std::size_t index = static_cast<std::size_t>(unit) - kFirstLatinExtended;
+    if (index < kLatinExtended.size() && kLatinExtended[index] != '?')
+    {
+        return static_cast<unsigned char>(kLatinExtended[index]);
+    }
+    return std::nullopt;
+}
+
+bool IsAnsiCodePage(unsigned codePage) noexcept
+{
+    return codePage == kLatinCodePage || codePage == kUtf8CodePage;
+}
+
+Encoding EncodingOf(unsigned codePage) noexcept
+{
+    return codePage == kUtf8CodePage ? Encoding::Utf8 : Encoding::Windows1252;
+}
+
+std::string Decode(Encoding encoding, std::string_view bytes)
+{
+    if (encoding == Encoding::Utf8)
+    {
+        return std::string(bytes);
+    }
+    std::vector<wchar_t> units;
+    if (encoding == Encoding::Windows1252)
+    {
+        units.reserve(bytes.size());
+        std::transform(bytes.begin(), bytes.end(), std::back_inserter(units),
+                       [](char byte) { return FromWindows1252(static_cast<unsigned char>(byte)); });
+    }
+    else
+    {
+        units.reserve(bytes.size() / 2);
+        for (std::size_t place = 0; place + 1 < bytes.size(); place += 2)
+        {
+            units.push_back(static_cast<wchar_t>(static_cast<unsigned char>(bytes[place]) |
+                                                 (static_cast<unsigned char>(bytes[place + 1]) << 8)));
+        }
+    }
+    return ToUtf8(units.data(), units.size());
+}
+
+std::string Encode(Encoding encoding, std::string_view text)
+{
+    if (encoding == Encoding::Utf8)
+    {
+        return std::string(text);
+    }
+    std::string bytes;
+    for (const wchar_t unit : ToUtf16(text))
+    {
+        if (encoding == Encoding::Windows1252)
+        {
+            bytes += static_cast<char>(ToWindows1252(unit).value_or(kDefaultCharacter));
+        }
+        else
+        {
+            bytes += static_cast<char>(unit & 0xFF);
+            bytes += static_cast<char>(unit >> 8);
+        }
+    }
+    return bytes;
+}
+
+} // namespace simulated

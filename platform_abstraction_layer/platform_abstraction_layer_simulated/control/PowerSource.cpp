@@ -1,0 +1,197 @@
+// control/PowerSource.cpp
+//
+// Changes of the power source, carried through to every answer that depends on them.
+
+#include "control/PowerSource.h"
+
+#include "modules/powrprof/PowerStoreDefaults.h"
+#include "modules/powrprof/PowerStoreMachine.h"
+
+namespace simulated
+{
+
+namespace
+{
+
+using power_store::MachineAnswers;
+
+constexpr DWORD kChargeRate = 24000;
+constexpr DWORD kDischargeRate = 16000;
+constexpr DWORD kSecondsPerHour = 3600;
+
+// The level flag of a charge, as Windows draws its lines.
+BYTE LevelFlag(DWORD percent) noexcept
+{
+    constexpr DWORD kHighAbove = 66;
+    constexpr DWORD kLowBelow = 33;
+    constexpr DWORD kCriticalBelow = 5;
+    if (percent > kHighAbove)
+    {
+        return BATTERY_FLAG_HIGH;
+    }
+    if (percent < kCriticalBelow)
+    {
+        return BATTERY_FLAG_CRITICAL;
+    }
+    return percent < kLowBelow ? BATTERY_FLAG_LOW : 0;
+}
+
+DWORD PercentOf(const SYSTEM_BATTERY_STATE& battery) noexcept
+{
+    if (battery.MaxCapacity == 0)
+    {
+        return 0;
+    }
+    const auto percent = static_cast<ULONGLONG>(battery.RemainingCapacity) * 100 / battery.MaxCapacity;
+    return percent > 100 ? 100 : static_cast<DWORD>(percent);
+}
+
+// What flows, given mains and charge.
+void SettleFlow(SYSTEM_BATTERY_STATE& battery) noexcept
+{
+    const bool present = battery.BatteryPresent != FALSE;
+    const bool mains = battery.AcOnLine != FALSE;
+    const bool full = battery.RemainingCapacity >= battery.MaxCapacity;
+    battery.Charging = present && mains && !full ? TRUE : FALSE;
+    battery.Discharging = present && !mains ? TRUE : FALSE;
+    battery.Rate = battery.Charging ? kChargeRate : battery.Discharging ? 0u - kDischargeRate : 0u;
+}
+
+// The answers that follow from the battery's state.
+void SettleStatus(MachineAnswers& answers) noexcept
+{
+    SYSTEM_BATTERY_STATE& battery = answers.battery;
+    const DWORD drain = battery.Discharging ? 0u - battery.Rate : 0u;
+    battery.EstimatedTime =
+        drain == 0
+            ? BATTERY_LIFE_UNKNOWN
+            : static_cast<DWORD>(static_cast<ULONGLONG>(battery.RemainingCapacity) * kSecondsPerHour / drain);
+
+    SYSTEM_POWER_STATUS& status = answers.status;
+    status.ACLineStatus = battery.AcOnLine ? AC_LINE_ONLINE : AC_LINE_OFFLINE;
+    status.BatteryLifeTime = battery.EstimatedTime;
+    status.BatteryFullLifeTime = BATTERY_LIFE_UNKNOWN;
+    if (!battery.BatteryPresent)
+    {
+        status.BatteryFlag = BATTERY_FLAG_NO_BATTERY;
+        status.BatteryLifePercent = BATTERY_PERCENTAGE_UNKNOWN;
+        return;
+    }
+    const DWORD percent = PercentOf(battery);
+    status.BatteryFlag =
+        static_cast<BYTE>(LevelFlag(percent) | (battery.Charging ? BATTERY_FLAG_CHARGING : 0));
+    status.BatteryLifePercent = static_cast<BYTE>(percent);
+}
+
+// Changes the battery's state, lets the rest follow and stores it.
+template <class Change>
+bool Update(Change change, bool settleFlow = true)
+{
+    MachineAnswers answers{};
+    if (power_store::ReadMachineAnswers(answers) != ERROR_SUCCESS)
+    {
+        return false;
+    }
+    change(answers.battery);
+    if (settleFlow)
+    {
+        SettleFlow(answers.battery);
+    }
+    SettleStatus(answers);
+    return power_store::WriteMachineAnswers(answers) == ERROR_SUCCESS;
+}
+
+} // namespace
+
+PowerAnswers PowerSource::Get()
+{
+    MachineAnswers answers{};
+    if (power_store::ReadMachineAnswers(answers) != ERROR_SUCCESS)
+    {
+        return {};
+    }
+    return {answers.status, answers.battery, answers.hibernateAllowed != FALSE};
+}
+
+bool PowerSource::Set(const PowerAnswers& answers)
+{
+    const MachineAnswers stored = {answers.status, answers.battery,
+                                   static_cast<BOOLEAN>(answers.hibernateAllowed ? TRUE : FALSE)};
+    return power_store::WriteMachineAnswers(stored) == ERROR_SUCCESS;
+}
+
+bool PowerSource::Plug()
+{
+    return Update([](SYSTEM_BATTERY_STATE& battery) { battery.AcOnLine = TRUE; });
+}
+
+bool PowerSource::Unplug()
+{
+    return Update([](SYSTEM_BATTERY_STATE& battery) { battery.AcOnLine = FALSE; });
+}
+
+bool PowerSource::SetCharge(unsigned percent)
+{
+    if (percent > 100)
+    {
+        return false;
+    }
+    return Update(
+        [percent](SYSTEM_BATTERY_STATE& battery)
+        {
+            battery.RemainingCapacity =
+                static_cast<DWORD>(static_cast<ULONGLONG>(battery.MaxCapacity) * percent / 100);
+        });
+}
+
+bool PowerSource::SetRate(DWORD milliwatts)
+{
+    return Update([milliwatts](SYSTEM_BATTERY_STATE& battery)
+                  { battery.Rate = battery.Discharging ? 0u - milliwatts : milliwatts; },
+                  false);
+}
+
+bool PowerSource::SetCapacity(DWORD full, DWORD remaining)
+{
+    return Update(
+        [full, remaining](SYSTEM_BATTERY_STATE& battery)
+        {
+            battery.MaxCapacity = full;
+            battery.RemainingCapacity = remaining;
+        });
+}
+
+bool PowerSource::RemoveBattery()
+{
+    return Update(
+        [](SYSTEM_BATTERY_STATE& battery)
+        {
+            const BOOLEAN mains = battery.AcOnLine;
+            battery = {};
+            battery.AcOnLine = mains;
+        });
+}
+
+bool PowerSource::InsertBattery()
+{
+    return Update(
+        [](SYSTEM_BATTERY_STATE& battery)
+        {
+            const BOOLEAN mains = battery.AcOnLine;
+            battery = power_store::DefaultMachineAnswers().battery;
+            battery.AcOnLine = mains;
+        });
+}
+
+bool PowerSource::AllowHibernate(bool allowed)
+{
+    MachineAnswers answers{};
+    if (power_store::ReadMachineAnswers(answers) != ERROR_SUCCESS)
+    {
+        return false;
+    }
+    answers.hibernateAllowed = allowed ? TRUE : FALSE;
+    return power_store::WriteMachineAnswers(answers) == ERROR_SUCCESS;
+}
+
+} // namespace simulated

@@ -1,0 +1,83 @@
+// machine/CachedFile.h
+//
+// A text file of the machine that all processes share, parsed once for each state that it has been in. A
+// change is seen by the next platform call in any process, whole or not at all; within one platform call the
+// file system is asked once whether the file has changed.
+#pragma once
+
+#include "base/PlatformCall.h"
+#include "base/WholeFile.h"
+#include "machine/Machine.h"
+
+#include <mutex>
+#include <utility>
+
+namespace simulated
+{
+
+/// `Content` has `void Load(const std::string& text)`, which makes it what the text says, and
+/// `std::string Text() const`. A file that isn't there counts as an empty one.
+template <class Content>
+class CachedFile
+{
+public:
+    /// `part` is the file's path below the notebook's folder.
+    explicit CachedFile(std::string part) : m_part(std::move(part))
+    {
+    }
+
+    /// What `look` answers to the content of the file.
+    template <class Look>
+    auto Read(Look look)
+    {
+        const std::lock_guard guard(m_mutex);
+        if (m_checkedBy == 0 || m_checkedBy != PlatformCall::Current())
+        {
+            Refresh(Machine::PathOf(m_part));
+        }
+        return look(std::as_const(m_content));
+    }
+
+    /// Lets `change` edit the content under the writers' lock. What it leaves is written when it answers
+    /// true; else it must leave what it found. False, with `errno` set, when the file can't be written.
+    template <class Change>
+    bool Edit(Change change)
+    {
+        const std::string path = Machine::PathOf(m_part);
+        const FileLock lock(path);
+        if (!lock.IsHeld())
+        {
+            return false;
+        }
+        const std::lock_guard guard(m_mutex);
+        Refresh(path);
+        if (!change(m_content))
+        {
+            return true;
+        }
+        const bool written = WriteWhole(path, m_content.Text());
+        m_state = written ? StateOf(path) : FileState(); // without a state the content is loaded anew
+        return written;
+    }
+
+private:
+    void Refresh(const std::string& path)
+    {
+        // The state is taken before the reading: a change in between is noticed by the next look.
+        FileState now = StateOf(path);
+        if (now != m_state)
+        {
+            m_content.Load(ReadWhole(path).value_or(std::string()));
+            m_state = std::move(now);
+        }
+        m_checkedBy = PlatformCall::Current();
+    }
+
+    const std::string m_part;
+    std::mutex m_mutex;
+    FileState m_state;
+    std::uint64_t m_checkedBy = 0; ///< the platform call that looked last; 0 outside of all
+    Content m_content;
+};
+
+} // namespace simulated

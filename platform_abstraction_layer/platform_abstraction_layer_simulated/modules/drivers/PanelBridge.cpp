@@ -1,0 +1,375 @@
+// modules/drivers/PanelBridge.cpp
+//
+// The COM object that the graphics driver installs, with its power interface of 25 slots. Callers know the
+// methods by slot alone, so the table of slots is laid out by hand. A caller that ignores reference counts
+// meets freed memory, as with any COM object.
+
+#include "base/GuidText.h"
+#include "base/PlatformCall.h"
+#include "base/Trace.h"
+#include "machine/Graphics.h"
+#include "modules/ole32/ClassTable.h"
+
+#include <objbase.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstddef>
+#include <cstring>
+#include <iterator>
+#include <mutex>
+#include <set>
+
+namespace simulated
+{
+
+namespace
+{
+
+constexpr CLSID kClassId = {0x3E1B7F5A, 0x90C4, 0x4D27, {0xA6, 0x1D, 0x5B, 0x0E, 0x77, 0x48, 0xC2, 0x9F}};
+constexpr IID kInterfaceId = {0xAFB6489F, 0x4515, 0x44AA, {0x8D, 0xF7, 0xED, 0x28, 0xEA, 0x46, 0x28, 0x3C}};
+constexpr HRESULT kInvalidHandle = HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE);
+
+struct Policy
+{
+    const char* name;
+    ULONG number;
+    GUID id;
+    ULONG recordSize;
+};
+
+constexpr Policy kPolicies[] = {
+    {"FRQG", 1, {0x8A2A926D, 0xFF9D, 0x4737, {0x93, 0x5B, 0x96, 0xBF, 0x28, 0x80, 0x5B, 0x73}}, 4},
+    {"LUMS", 2, {0x6D24D96F, 0x019C, 0x4BAA, {0xAC, 0xD5, 0xD4, 0x8B, 0x78, 0x05, 0x03, 0x25}}, 20},
+    {"ABR", 3, {0x2B3C5F6C, 0x97B7, 0x4C85, {0xB4, 0xF2, 0x33, 0x57, 0x19, 0xD2, 0x4F, 0x3D}}, 20},
+};
+
+struct Bridge;
+
+constexpr std::size_t kUnusedSlots = 17;
+
+struct Slots
+{
+    HRESULT(STDMETHODCALLTYPE* queryInterface)(Bridge*, REFIID, void**);
+    ULONG(STDMETHODCALLTYPE* addRef)(Bridge*);
+    ULONG(STDMETHODCALLTYPE* release)(Bridge*);
+    HRESULT(STDMETHODCALLTYPE* unused[kUnusedSlots])(Bridge*);
+    HRESULT(STDMETHODCALLTYPE* open)(Bridge*, ULONG*, ULONG*);
+    HRESULT(STDMETHODCALLTYPE* close)(Bridge*, ULONG, ULONG*);
+    HRESULT(STDMETHODCALLTYPE* getCapabilities)(Bridge*, ULONG, ULONG*, ULONG*);
+    HRESULT(STDMETHODCALLTYPE* getPolicy)(Bridge*, ULONG, ULONG, GUID*, ULONG, void*, ULONG*);
+    HRESULT(STDMETHODCALLTYPE* setPolicy)(Bridge*, ULONG, ULONG, GUID*, ULONG, void*, ULONG*);
+};
+static_assert(sizeof(Slots) == 25 * sizeof(void*) && offsetof(Slots, open) == 20 * sizeof(void*));
+
+struct Bridge
+{
+    const Slots* slots; ///< first, where COM looks for it
+    std::atomic<ULONG> references;
+};
+
+// Power handles are the driver's, whichever object opened them.
+struct PowerHandles
+{
+    std::mutex mutex;
+    std::set<ULONG> open;
+    ULONG next = 0x101;
+};
+
+PowerHandles& TheHandles()
+{
+    static PowerHandles& handles = *new PowerHandles;
+    return handles;
+}
+
+std::atomic<unsigned> liveObjects{0};
+
+const void* LeakName(ULONG handle)
+{
+    return reinterpret_cast<const void*>(static_cast<std::uintptr_t>(handle));
+}
+
+bool IsOpen(ULONG handle)
+{
+    PowerHandles& handles = TheHandles();
+    const std::lock_guard lock(handles.mutex);
+    return handles.open.contains(handle);
+}
+
+// Runs a method unless the graphics driver was told to refuse it.
+template <class Work>
+HRESULT RunUnlessRefused(const std::string& method, ULONG* driverError, Work work)
+{
+    if (driverError == nullptr)
+    {
+        return E_POINTER;
+    }
+    const Graphics::Refusal refusal = Graphics::RefusalOf(method);
+    *driverError = refusal.driverError;
+    return refusal.IsNone() ? work() : refusal.result;
+}
+
+HRESULT OpenHandle(ULONG* handle, const PlatformCall& call)
+{
+    if (handle == nullptr)
+    {
+        return E_POINTER;
+    }
+    PowerHandles& handles = TheHandles();
+    const std::lock_guard lock(handles.mutex);
+    *handle = handles.next++;
+    handles.open.insert(*handle);
+    if (call.IsObserved())
+    {
+        Leaks::Opened("power handle", LeakName(*handle), call.Function());
+    }
+    return S_OK;
+}
+
+HRESULT CloseHandle(ULONG handle)
+{
+    PowerHandles& handles = TheHandles();
+    const std::lock_guard lock(handles.mutex);
+    if (handles.open.erase(handle) == 0)
+    {
+        return kInvalidHandle;
+    }
+    Leaks::Closed("power handle", LeakName(handle));
+    return S_OK;
+}
+
+HRESULT ReadRecord(const Policy& policy, void* record, ULONG* driverError)
+{
+    const std::optional<std::vector<DWORD>> words = Graphics::Policy(policy.name);
+    if (!words)
+    {
+        *driverError = Graphics::kPolicyNotSupported;
+        return S_OK;
+    }
+    std::memset(record, 0, policy.recordSize);
+    std::memcpy(record, words->data(),
+                std::min<std::size_t>(policy.recordSize, words->size() * sizeof(DWORD)));
+    return S_OK;
+}
+
+HRESULT WriteRecord(const Policy& policy, const void* record, ULONG* driverError)
+{
+    if (!Graphics::Policy(policy.name))
+    {
+        *driverError = Graphics::kPolicyNotSupported;
+        return S_OK;
+    }
+    std::vector<DWORD> words(policy.recordSize / sizeof(DWORD));
+    std::memcpy(words.data(), record, policy.recordSize);
+    Graphics::SetPolicy(policy.name, words);
+    return S_OK;
+}
+
+// What reading and writing a policy have in common.
+struct PolicyCall
+{
+    const char* method;
+    ULONG handle;
+    ULONG number;
+    const GUID* id;
+    ULONG size;
+    void* record;
+    ULONG* driverError;
+
+    template <class Access>
+    HRESULT Run(Access access) const
+    {
+        return RunUnlessRefused(method, driverError, [&] { return RunKnown(access); });
+    }
+
+private:
+    template <class Access>
+    HRESULT RunKnown(Access access) const
+    {
+        if (!IsOpen(handle))
+        {
+            return kInvalidHandle;
+        }
+        if (id == nullptr || record == nullptr)
+        {
+            return E_POINTER;
+        }
+        const auto* const policy =
+            std::find_if(std::begin(kPolicies), std::end(kPolicies),
+                         [&](const Policy& row) { return row.number == number && IsSame(row.id, *id); });
+        if (policy == std::end(kPolicies))
+        {
+            *driverError = Graphics::kPolicyNotSupported;
+            return S_OK;
+        }
+        if (size != policy->recordSize)
+        {
+            return E_INVALIDARG;
+        }
+        return RunUnlessRefused(std::string(method) + '.' + policy->name, driverError,
+                                [&] { return access(*policy, record, driverError); });
+    }
+};
+
+ULONG AddReference(Bridge* self)
+{
+    return ++self->references;
+}
+
+ULONG ReleaseReference(Bridge* self)
+{
+    const ULONG left = --self->references;
+    if (left == 0)
+    {
+        Leaks::Closed("COM object", self);
+        --liveObjects;
+        delete self;
+    }
+    return left;
+}
+
+HRESULT Query(Bridge* self, REFIID interfaceId, void** object)
+{
+    if (object == nullptr)
+    {
+        return E_POINTER;
+    }
+    *object = nullptr;
+    if (!IsSame(interfaceId, kInterfaceId) && !IsSame(interfaceId, IID_IUnknown))
+    {
+        return E_NOINTERFACE;
+    }
+    AddReference(self);
+    *object = self;
+    return S_OK;
+}
+
+// The slots themselves.
+
+HRESULT STDMETHODCALLTYPE QueryInterfaceSlot(Bridge* self, REFIID interfaceId, void** object)
+{
+    PlatformCall call(CallClass::Com, "QueryInterface", SIM_CALLER);
+    call.Arguments(interfaceId);
+    return call.Com([&] { return Query(self, interfaceId, object); });
+}
+
+ULONG STDMETHODCALLTYPE AddRefSlot(Bridge* self)
+{
+    PlatformCall call(CallClass::Com, "AddRef", SIM_CALLER);
+    return call.Answer(AddReference(self));
+}
+
+ULONG STDMETHODCALLTYPE ReleaseSlot(Bridge* self)
+{
+    PlatformCall call(CallClass::Com, "Release", SIM_CALLER);
+    return call.Answer(ReleaseReference(self));
+}
+
+HRESULT STDMETHODCALLTYPE UnusedSlot(Bridge*)
+{
+    PlatformCall call(CallClass::Com, "PanelBridge", SIM_CALLER);
+    return call.Com([] { return E_NOTIMPL; });
+}
+
+HRESULT STDMETHODCALLTYPE OpenSlot(Bridge*, ULONG* handle, ULONG* driverError)
+{
+    PlatformCall call(CallClass::Com, "PowerApiOpen", SIM_CALLER);
+    return call.Com(
+        [&]
+        { return RunUnlessRefused("PowerApiOpen", driverError, [&] { return OpenHandle(handle, call); }); });
+}
+
+HRESULT STDMETHODCALLTYPE CloseSlot(Bridge*, ULONG handle, ULONG* driverError)
+{
+    PlatformCall call(CallClass::Com, "PowerApiClose", SIM_CALLER);
+    call.Arguments(handle);
+    return call.Com(
+        [&] { return RunUnlessRefused("PowerApiClose", driverError, [&] { return CloseHandle(handle); }); });
+}
+
+HRESULT STDMETHODCALLTYPE CapabilitiesSlot(Bridge*, ULONG handle, ULONG* capabilities, ULONG* driverError)
+{
+    PlatformCall call(CallClass::Com, "GetPowerConsCaps", SIM_CALLER);
+    call.Arguments(handle);
+    return call.Com(
+        [&]
+        {
+            return RunUnlessRefused("GetPowerConsCaps", driverError,
+                                    [&]
+                                    {
+                                        if (!IsOpen(handle) || capabilities == nullptr)
+                                        {
+                                            return capabilities == nullptr ? E_POINTER : kInvalidHandle;
+                                        }
+                                        *capabilities = Graphics::Capabilities();
+                                        return S_OK;
+                                    });
+        });
+}
+
+HRESULT STDMETHODCALLTYPE GetPolicySlot(Bridge*, ULONG handle, ULONG number, GUID* id, ULONG size,
+                                        void* record, ULONG* driverError)
+{
+    PlatformCall call(CallClass::Com, "GetPowerPolicy", SIM_CALLER);
+    call.Arguments(handle, number, size);
+    const PolicyCall policyCall = {"GetPowerPolicy", handle, number, id, size, record, driverError};
+    return call.Com([&] { return policyCall.Run(&ReadRecord); });
+}
+
+HRESULT STDMETHODCALLTYPE SetPolicySlot(Bridge*, ULONG handle, ULONG number, GUID* id, ULONG size,
+                                        void* record, ULONG* driverError)
+{
+    PlatformCall call(CallClass::Com, "SetPowerPolicy", SIM_CALLER);
+    call.Arguments(handle, number, size);
+    const PolicyCall policyCall = {"SetPowerPolicy", handle, number, id, size, record, driverError};
+    return call.Com([&] { return policyCall.Run(&WriteRecord); });
+}
+
+const Slots& TheSlots()
+{
+    static const Slots slots = []
+    {
+        Slots filled = {&QueryInterfaceSlot, &AddRefSlot,    &ReleaseSlot,  {}, &OpenSlot, &CloseSlot,
+                        &CapabilitiesSlot,   &GetPolicySlot, &SetPolicySlot};
+        std::fill(std::begin(filled.unused), std::end(filled.unused), &UnusedSlot);
+        return filled;
+    }();
+    return slots;
+}
+
+HRESULT CreateBridge(REFIID interfaceId, void** object, const PlatformCall& call)
+{
+    auto* const bridge = new Bridge{&TheSlots(), {0}};
+    ++liveObjects;
+    const HRESULT result = Query(bridge, interfaceId, object);
+    if (FAILED(result))
+    {
+        --liveObjects;
+        delete bridge;
+        return result;
+    }
+    if (call.IsObserved())
+    {
+        Leaks::Opened("COM object", bridge, call.Function());
+    }
+    return S_OK;
+}
+
+constexpr com::Class kClass = {"Pixlink.PanelBridge", kClassId, &Graphics::IsInstalled, &CreateBridge};
+const com::Registration kPanelBridge(kClass);
+
+} // namespace
+
+unsigned Graphics::LiveObjects()
+{
+    return liveObjects;
+}
+
+unsigned Graphics::OpenPowerHandles()
+{
+    PowerHandles& handles = TheHandles();
+    const std::lock_guard lock(handles.mutex);
+    return static_cast<unsigned>(handles.open.size());
+}
+
+} // namespace simulated

@@ -1,0 +1,178 @@
+// modules/kernel32/SystemModules.cpp
+//
+// The table of system modules, and what machine.ini says of them.
+//
+// Known differences from Windows: these modules are always loaded and have no count.
+
+#include "modules/kernel32/SystemModules.h"
+
+#include "base/Text.h"
+#include "machine/Machine.h"
+#include "modules/kernel32/Modules.h"
+#include "modules/kernel32/SystemVersion.h"
+
+#include <algorithm>
+#include <list>
+#include <mutex>
+
+namespace simulated
+{
+
+namespace
+{
+
+constexpr std::string_view kSystemFolder = "C:\\WINDOWS\\system32\\";
+constexpr const char* kModulesSection = "Modules";
+constexpr std::string_view kAbsent = "absent";
+
+struct SystemModule
+{
+    std::string name;
+    std::string path;
+    std::span<const modules::Export> exports;
+    DWORD sinceMajor;
+    bool isAdded; ///< by machine.ini, and there only while it says so
+};
+
+// Records never move nor go: their addresses are module handles.
+struct Table
+{
+    std::mutex mutex;
+    std::list<SystemModule> modules;
+};
+
+Table& TheTable()
+{
+    static Table& table = *new Table;
+    return table;
+}
+
+// The file name of `name`, with ".dll" when it has no extension; empty when it names another folder's file.
+std::string FileNameOf(std::string_view name)
+{
+    const bool named = name.size() > kSystemFolder.size() &&
+                       EqualIgnoringCase(name.substr(0, kSystemFolder.size()), kSystemFolder);
+    if (named)
+    {
+        name.remove_prefix(kSystemFolder.size());
+    }
+    if (name.find_first_of("/\\") != std::string_view::npos)
+    {
+        return {};
+    }
+    return name.find('.') == std::string_view::npos ? std::string(name) + ".dll" : std::string(name);
+}
+
+template <class Condition>
+SystemModule* FindRecord(Condition condition)
+{
+    Table& table = TheTable();
+    const std::lock_guard lock(table.mutex);
+    const auto found = std::find_if(table.modules.begin(), table.modules.end(), condition);
+    return found == table.modules.end() ? nullptr : &*found;
+}
+
+SystemModule* FindNamed(std::string_view name)
+{
+    return FindRecord([&](const SystemModule& module) { return EqualIgnoringCase(module.name, name); });
+}
+
+SystemModule* FindHandle(HMODULE handle)
+{
+    return FindRecord([&](const SystemModule& module)
+                      { return static_cast<const void*>(&module) == static_cast<const void*>(handle); });
+}
+
+SystemModule* Add(SystemModule module)
+{
+    Table& table = TheTable();
+    const std::lock_guard lock(table.mutex);
+    return &table.modules.emplace_back(std::move(module));
+}
+
+HMODULE HandleOf(SystemModule* module) noexcept
+{
+    return reinterpret_cast<HMODULE>(module);
+}
+
+bool Matches(const modules::Export& entry, const char* nameOrOrdinal) noexcept
+{
+    const auto number = reinterpret_cast<std::uintptr_t>(nameOrOrdinal);
+    if (HIWORD(number) == 0 && number <= 0xFFFF)
+    {
+        return entry.ordinal != 0 && entry.ordinal == number;
+    }
+    return entry.name != nullptr && std::string_view(entry.name) == nameOrOrdinal;
+}
+
+bool IsTakenAway(const std::string& key)
+{
+    return EqualIgnoringCase(Machine::Read(kModulesSection, key, ""), kAbsent);
+}
+
+bool IsTakenAway(const SystemModule& module, const modules::Export& entry)
+{
+    return (entry.name != nullptr && IsTakenAway(module.name + '.' + entry.name)) ||
+           (entry.ordinal != 0 && IsTakenAway(module.name + '.' + std::to_string(entry.ordinal)));
+}
+
+} // namespace
+
+void modules::Register(const char* name, std::span<const Export> exports, DWORD sinceMajor)
+{
+    Add({name, std::string(kSystemFolder) + name, exports, sinceMajor, false});
+}
+
+system_modules::Found system_modules::Find(const std::string& name)
+{
+    const std::string file = FileNameOf(name);
+    if (file.empty())
+    {
+        return {};
+    }
+    const std::string choice = Machine::Read(kModulesSection, file, "");
+    SystemModule* module = FindNamed(file);
+    if (EqualIgnoringCase(choice, kAbsent))
+    {
+        return {nullptr, true};
+    }
+    if (module == nullptr && !choice.empty())
+    {
+        module = Add({file, choice, {}, 0, true});
+    }
+    if (module == nullptr || (module->isAdded && choice.empty()))
+    {
+        return {};
+    }
+    return {ReadSystemVersion().major < module->sinceMajor ? nullptr : HandleOf(module), true};
+}
+
+bool system_modules::IsModule(HMODULE module)
+{
+    return FindHandle(module) != nullptr;
+}
+
+FARPROC system_modules::FindFunction(HMODULE handle, const char* nameOrOrdinal)
+{
+    const SystemModule* module = FindHandle(handle);
+    if (module == nullptr)
+    {
+        return nullptr;
+    }
+    const auto entry = std::find_if(module->exports.begin(), module->exports.end(),
+                                    [&](const modules::Export& row) { return Matches(row, nameOrOrdinal); });
+    if (entry == module->exports.end() || ReadSystemVersion().major < entry->sinceMajor ||
+        IsTakenAway(*module, *entry))
+    {
+        return nullptr;
+    }
+    return entry->address;
+}
+
+std::string system_modules::WindowsPath(HMODULE handle)
+{
+    const SystemModule* module = FindHandle(handle);
+    return module == nullptr ? std::string() : module->path;
+}
+
+} // namespace simulated

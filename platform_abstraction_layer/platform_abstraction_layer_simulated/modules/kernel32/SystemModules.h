@@ -1,0 +1,33 @@
+// modules/kernel32/SystemModules.h
+//
+// The modules that are no native libraries: the registered DLLs of the operating system and those that
+// machine.ini adds. A module handle is the address of the module's record here.
+#pragma once
+
+#include "base/PlatformCall.h"
+
+#include <string>
+
+namespace simulated::system_modules
+{
+
+/// The module that `name` means, with or without ".dll" and the system's folder. An error of
+/// ERROR_MOD_NOT_FOUND comes with a null module; `isKnown` then tells a DLL that this machine lacks from a
+/// name that means no DLL of the system.
+struct Found
+{
+    HMODULE module = nullptr;
+    bool isKnown = false;
+};
+Found Find(const std::string& name);
+
+/// True for a handle that `Find` has given.
+bool IsModule(HMODULE module);
+
+/// The address of an entry by its name, or by its number when the pointer holds one. Null when the module
+/// lacks it.
+FARPROC FindFunction(HMODULE module, const char* nameOrOrdinal);
+
+std::string WindowsPath(HMODULE module);
+
+} // namespace simulated::system_modules

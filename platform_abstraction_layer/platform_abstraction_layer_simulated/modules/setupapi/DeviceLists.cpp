@@ -1,0 +1,254 @@
+// modules/setupapi/DeviceLists.cpp
+//
+// Making lists of devices, walking them, and reading what their devices are. Known differences: a list is
+// about this machine and one class alone, and the devices of all enumerators.
+
+#include "base/GuidText.h"
+#include "base/Text.h"
+#include "machine/DeviceTree.h"
+#include "modules/setupapi/DeviceList.h"
+#include "modules/setupapi/DeviceProperties.h"
+
+#include <cstring>
+
+namespace simulated
+{
+
+namespace
+{
+
+const HDEVINFO kNoList = INVALID_HANDLE_VALUE;
+
+std::optional<GUID> Optional(const GUID* guid)
+{
+    return guid == nullptr ? std::nullopt : std::optional(*guid);
+}
+
+bool IsInterface(const std::string& instanceId, const GUID& interfaceClass)
+{
+    const auto exposed = ParseGuid(DeviceTree::Value(instanceId, "Interface").value_or(""));
+    return exposed && IsSame(*exposed, interfaceClass);
+}
+
+void Fill(DeviceList& list, const GUID& classGuid, DWORD flags)
+{
+    for (const std::string& id : DeviceTree::All())
+    {
+        if ((flags & DIGCF_PRESENT) != 0 && !DeviceTree::StateOf(id).isPresent)
+        {
+            continue;
+        }
+        if ((flags & DIGCF_DEVICEINTERFACE) == 0)
+        {
+            if (IsSame(SetupClassOf(id), classGuid))
+            {
+                list.Add(id);
+            }
+        }
+        else if (IsInterface(id, classGuid))
+        {
+            list.AddInterface(id, classGuid);
+        }
+    }
+}
+
+Outcome<HDEVINFO> List(const GUID* classGuid, PCWSTR enumerator, DWORD flags, const PlatformCall& call)
+{
+    if ((flags & ~DWORD{DIGCF_PRESENT | DIGCF_DEVICEINTERFACE}) != 0)
+    {
+        return {kNoList, ERROR_INVALID_FLAGS};
+    }
+    if (classGuid == nullptr || enumerator != nullptr)
+    {
+        return {kNoList, ERROR_INVALID_PARAMETER};
+    }
+    const bool isOneClass = (flags & DIGCF_DEVICEINTERFACE) == 0;
+    const auto list = std::make_shared<DeviceList>(isOneClass ? Optional(classGuid) : std::nullopt);
+    Fill(*list, *classGuid, flags);
+    return {HandleTable::Insert(list, call)};
+}
+
+DWORD Open(DeviceList& list, PCWSTR instanceId, DWORD flags, PSP_DEVINFO_DATA device)
+{
+    if (flags != 0)
+    {
+        return ERROR_INVALID_FLAGS;
+    }
+    if (instanceId == nullptr)
+    {
+        return ERROR_INVALID_PARAMETER;
+    }
+    const std::optional<std::string> id = DeviceTree::Find(ToUtf8(instanceId));
+    if (!id || *id == DeviceTree::kRoot)
+    {
+        return ERROR_NO_SUCH_DEVINST;
+    }
+    if (list.SetupClass() && !IsSame(*list.SetupClass(), SetupClassOf(*id)))
+    {
+        return ERROR_CLASS_MISMATCH;
+    }
+    if (device != nullptr && device->cbSize != sizeof *device)
+    {
+        return ERROR_INVALID_USER_BUFFER;
+    }
+    const std::size_t place = list.Add(*id);
+    return device == nullptr ? DWORD{ERROR_SUCCESS} : list.Describe(place, device);
+}
+
+DWORD GetInstanceId(const DeviceList::Device& device, PWSTR text, DWORD capacity, PDWORD required)
+{
+    const DWORD needed = static_cast<DWORD>(ToUtf16(device.instanceId).size() + 1);
+    if (required != nullptr)
+    {
+        *required = needed;
+    }
+    if ((text == nullptr) != (capacity == 0))
+    {
+        return ERROR_INVALID_PARAMETER;
+    }
+    return CopyToUtf16(device.instanceId, text, capacity) ? ERROR_SUCCESS : ERROR_INSUFFICIENT_BUFFER;
+}
+
+// Where a caller wants a property.
+struct Target
+{
+    PDWORD type;
+    PBYTE buffer;
+    DWORD size;
+    PDWORD required;
+};
+
+DWORD GetProperty(const DeviceList::Device& device, DWORD number, const Target& target)
+{
+    if (!properties::IsKnown(number))
+    {
+        return ERROR_INVALID_REG_PROPERTY;
+    }
+    if ((target.buffer == nullptr) != (target.size == 0))
+    {
+        return ERROR_INVALID_PARAMETER;
+    }
+    const std::optional<std::vector<wchar_t>> property = properties::Read(device.instanceId, number);
+    if (!property)
+    {
+        return ERROR_INVALID_DATA;
+    }
+    const auto size = static_cast<DWORD>(property->size() * sizeof(wchar_t));
+    if (target.type != nullptr)
+    {
+        *target.type = REG_SZ;
+    }
+    if (target.required != nullptr)
+    {
+        *target.required = size;
+    }
+    if (size > target.size)
+    {
+        return ERROR_INSUFFICIENT_BUFFER;
+    }
+    std::memcpy(target.buffer, property->data(), size);
+    return ERROR_SUCCESS;
+}
+
+DWORD DescribeList(const DeviceList& list, PSP_DEVINFO_LIST_DETAIL_DATA_W detail)
+{
+    if (detail == nullptr || detail->cbSize != sizeof *detail)
+    {
+        return ERROR_INVALID_USER_BUFFER;
+    }
+    detail->ClassGuid = list.SetupClass().value_or(GUID{});
+    detail->RemoteMachineHandle = nullptr;
+    detail->RemoteMachineName[0] = 0;
+    return ERROR_SUCCESS;
+}
+
+DWORD Destroy(HDEVINFO handle)
+{
+    return WithList(handle, [&](DeviceList&) { return HandleTable::Close(handle); });
+}
+
+} // namespace
+
+} // namespace simulated
+
+using namespace simulated;
+
+SIM_API HDEVINFO WINAPI SetupDiCreateDeviceInfoList(const GUID* classGuid, HWND)
+{
+    PlatformCall call(CallClass::Device, "SetupDiCreateDeviceInfoList", SIM_CALLER);
+    return call.Result<HDEVINFO>(kNoList,
+                                 [&] {
+                                     return Outcome<HDEVINFO>{HandleTable::Insert(
+                                         std::make_shared<DeviceList>(Optional(classGuid)), call)};
+                                 });
+}
+
+SIM_API HDEVINFO WINAPI SetupDiGetClassDevsW(const GUID* classGuid, PCWSTR enumerator, HWND, DWORD flags)
+{
+    PlatformCall call(CallClass::Device, "SetupDiGetClassDevsW", SIM_CALLER);
+    call.Arguments(classGuid == nullptr ? "null" : ToText(*classGuid).c_str(), enumerator, flags);
+    return call.Result<HDEVINFO>(kNoList, [&] { return List(classGuid, enumerator, flags, call); });
+}
+
+SIM_API BOOL WINAPI SetupDiDestroyDeviceInfoList(HDEVINFO list)
+{
+    PlatformCall call(CallClass::Device, "SetupDiDestroyDeviceInfoList", SIM_CALLER);
+    call.Arguments(list);
+    return call.Release([&] { return Destroy(list); });
+}
+
+SIM_API BOOL WINAPI SetupDiEnumDeviceInfo(HDEVINFO list, DWORD index, PSP_DEVINFO_DATA device)
+{
+    PlatformCall call(CallClass::Device, "SetupDiEnumDeviceInfo", SIM_CALLER);
+    call.Arguments(list, index);
+    return call.Boolean(
+        [&] { return WithList(list, [&](DeviceList& found) { return found.Describe(index, device); }); });
+}
+
+SIM_API BOOL WINAPI SetupDiOpenDeviceInfoW(HDEVINFO list, PCWSTR instanceId, HWND, DWORD flags,
+                                           PSP_DEVINFO_DATA device)
+{
+    PlatformCall call(CallClass::Device, "SetupDiOpenDeviceInfoW", SIM_CALLER);
+    call.Arguments(list, instanceId, flags);
+    return call.Boolean(
+        [&] {
+            return WithList(list, [&](DeviceList& found) { return Open(found, instanceId, flags, device); });
+        });
+}
+
+SIM_API BOOL WINAPI SetupDiGetDeviceInstanceIdW(HDEVINFO list, PSP_DEVINFO_DATA device, PWSTR text,
+                                                DWORD capacity, PDWORD required)
+{
+    PlatformCall call(CallClass::Device, "SetupDiGetDeviceInstanceIdW", SIM_CALLER);
+    call.Arguments(list, capacity);
+    return call.Boolean(
+        [&]
+        {
+            return WithDevice(list, device,
+                              [&](const DeviceList::Device& row)
+                              { return GetInstanceId(row, text, capacity, required); });
+        });
+}
+
+SIM_API BOOL WINAPI SetupDiGetDeviceRegistryPropertyW(HDEVINFO list, PSP_DEVINFO_DATA device, DWORD property,
+                                                      PDWORD type, PBYTE buffer, DWORD size, PDWORD required)
+{
+    PlatformCall call(CallClass::Device, "SetupDiGetDeviceRegistryPropertyW", SIM_CALLER);
+    call.Arguments(list, property, size);
+    return call.Boolean(
+        [&]
+        {
+            return WithDevice(list, device,
+                              [&](const DeviceList::Device& row) {
+                                  return GetProperty(row, property, {type, buffer, size, required});
+                              });
+        });
+}
+
+SIM_API BOOL WINAPI SetupDiGetDeviceInfoListDetailW(HDEVINFO list, PSP_DEVINFO_LIST_DETAIL_DATA_W detail)
+{
+    PlatformCall call(CallClass::Device, "SetupDiGetDeviceInfoListDetailW", SIM_CALLER);
+    call.Arguments(list);
+    return call.Boolean(
+        [&] { return WithList(list, [&](DeviceList& found) { return DescribeList(found, detail); }); });
+}
