@@ -1,43 +1,17 @@
 // agents/Radio.h
 //
-// A radio of the embedded controller by its name, for code that treats all alike.
+// A radio of the embedded controller, for code that treats all alike.
 #pragma once
 
 #include "agents/EcAgent.h"
 
-enum class Radio
+/// The two operations on a radio, of an agent that is set up.
+struct Radio
 {
-    Wifi,
-    Bluetooth,
-    ThreeG,
+    int (CEcAgent::*get)() noexcept;
+    int (CEcAgent::*set)(int status) noexcept;
 };
 
-/// The state of a radio; the agent is set up.
-inline int GetRadio(CEcAgent& agent, Radio radio) noexcept
-{
-    switch (radio)
-    {
-    case Radio::Wifi:
-        return agent.GetWifiStatus();
-    case Radio::Bluetooth:
-        return agent.GetBluetoothStatus();
-    case Radio::ThreeG:
-        break;
-    }
-    return agent.Get3GStatus();
-}
-
-/// Switches a radio; the agent is set up.
-inline int SetRadio(CEcAgent& agent, Radio radio, int status) noexcept
-{
-    switch (radio)
-    {
-    case Radio::Wifi:
-        return agent.SetWifiStatus(status);
-    case Radio::Bluetooth:
-        return agent.SetBluetoothStatus(status);
-    case Radio::ThreeG:
-        break;
-    }
-    return agent.Set3GStatus(status);
-}
+inline constexpr Radio kWifiRadio{&CEcAgent::GetWifiStatus, &CEcAgent::SetWifiStatus};
+inline constexpr Radio kBluetoothRadio{&CEcAgent::GetBluetoothStatus, &CEcAgent::SetBluetoothStatus};
+inline constexpr Radio k3GRadio{&CEcAgent::Get3GStatus, &CEcAgent::Set3GStatus};

@@ -60,18 +60,18 @@ struct RadioCommands
 
 constexpr int kNotFitted = 255;
 
-constexpr RadioCommands k3G{.radio = Radio::ThreeG,
+constexpr RadioCommands k3G{.radio = k3GRadio,
                             .enterSetLog = L"enter set 3G Status %d",
                             .unchangedLog = L"3G Status isn't changed",
                             .event = "3G_CHANGED",
                             .mayBeMissing = true};
-constexpr RadioCommands kWireless{.radio = Radio::Wifi,
+constexpr RadioCommands kWireless{.radio = kWifiRadio,
                                   .enterSetLog = L"enter Set WLAN %d.\n",
                                   .unchangedLog = L"WLAN power status isn't changed\n",
                                   .readLog = L"Get WLAN status %d.\n",
                                   .failedLog = L"set WLAN power status failed\n",
                                   .event = "WLAN_CHANGED"};
-constexpr RadioCommands kBluetooth{.radio = Radio::Bluetooth,
+constexpr RadioCommands kBluetooth{.radio = kBluetoothRadio,
                                    .enterSetLog = L"enter Set Bluetooth %d.\n",
                                    .unchangedLog = L"Bluetooth power status isn't changed\n",
                                    .readLog = L"Get Bluetooth status %d.\n",
@@ -82,7 +82,7 @@ LONG ReplyRadio(const RadioCommands& commands, const PM_Request& request) noexce
     return WithController(
         [&](CEcAgent& agent) noexcept
         {
-            const int status = GetRadio(agent, commands.radio);
+            const int status = (agent.*commands.radio.get)();
             if (commands.readLog != nullptr)
             {
                 PmLog(commands.readLog, status);
@@ -93,7 +93,7 @@ LONG ReplyRadio(const RadioCommands& commands, const PM_Request& request) noexce
 
 LONG SwitchRadio(const RadioCommands& commands, CPluginHelper& context, CEcAgent& agent, LONG value) noexcept
 {
-    const int status = GetRadio(agent, commands.radio);
+    const int status = (agent.*commands.radio.get)();
     if (commands.mayBeMissing && status == kNotFitted)
     {
         return TRX_OPERATION_FAIL;
@@ -103,7 +103,7 @@ LONG SwitchRadio(const RadioCommands& commands, CPluginHelper& context, CEcAgent
         PmLog(commands.unchangedLog);
         return TRX_OPERATION_OK;
     }
-    if (SetRadio(agent, commands.radio, static_cast<int>(value)) == -1)
+    if ((agent.*commands.radio.set)(static_cast<int>(value)) == -1)
     {
         if (commands.failedLog != nullptr)
         {
@@ -113,7 +113,7 @@ LONG SwitchRadio(const RadioCommands& commands, CPluginHelper& context, CEcAgent
     }
     if (commands.event != nullptr)
     {
-        context.SendHostEvent(commands.event, WireStatus(GetRadio(agent, commands.radio)));
+        context.SendHostEvent(commands.event, WireStatus((agent.*commands.radio.get)()));
     }
     return TRX_OPERATION_OK;
 }

@@ -22,14 +22,14 @@ int ReportFailure(const wchar_t* format, const wchar_t* name, LONG code) noexcep
     return -1;
 }
 
-int ReadRadio(Radio radio, const wchar_t* name, int* status) noexcept
+int ReadRadio(const Radio& radio, const wchar_t* name, int* status) noexcept
 {
     CEcAgent agent;
     if (const LONG opened = agent.Setup(); opened < 0)
     {
         return ReportFailure(kReadFailed, name, opened);
     }
-    const int value = GetRadio(agent, radio);
+    const int value = (agent.*radio.get)();
     if (value >= 0)
     {
         *status = value != 0 ? 1 : 0;
@@ -37,11 +37,11 @@ int ReadRadio(Radio radio, const wchar_t* name, int* status) noexcept
     return value;
 }
 
-int WriteRadio(Radio radio, const wchar_t* name, int value) noexcept
+int WriteRadio(const Radio& radio, const wchar_t* name, int value) noexcept
 {
     CEcAgent agent;
     const LONG opened = agent.Setup();
-    return opened < 0 ? ReportFailure(kWriteFailed, name, opened) : SetRadio(agent, radio, value);
+    return opened < 0 ? ReportFailure(kWriteFailed, name, opened) : (agent.*radio.set)(value);
 }
 
 int ReadFunction(const wchar_t* name, int* status) noexcept
@@ -82,9 +82,9 @@ int CSchemeEx::GetDeviceStatus(wchar_t const* name, int* status) noexcept
     switch (variable->device)
     {
     case LiveDevice::Bluetooth:
-        return ReadRadio(Radio::Bluetooth, name, status);
+        return ReadRadio(kBluetoothRadio, name, status);
     case LiveDevice::Wifi:
-        return ReadRadio(Radio::Wifi, name, status);
+        return ReadRadio(kWifiRadio, name, status);
     case LiveDevice::ChipsetFunction:
         return ReadFunction(variable->name, status);
     case LiveDevice::None:
@@ -103,9 +103,9 @@ int CSchemeEx::SetDeviceStatus(wchar_t const* name, int value) noexcept
     switch (variable->device)
     {
     case LiveDevice::Bluetooth:
-        return WriteRadio(Radio::Bluetooth, name, value);
+        return WriteRadio(kBluetoothRadio, name, value);
     case LiveDevice::Wifi:
-        return WriteRadio(Radio::Wifi, name, value);
+        return WriteRadio(kWifiRadio, name, value);
     case LiveDevice::ChipsetFunction:
         return WriteFunction(variable->name, value);
     case LiveDevice::None:
