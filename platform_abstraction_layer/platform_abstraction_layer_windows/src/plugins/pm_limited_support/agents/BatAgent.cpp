@@ -86,13 +86,13 @@ ULONG TimeFor(ULONG capacity, ULONG rate) noexcept
 
 } // namespace
 
+CBatAgent::CBatAgent(const CBatAgent&) noexcept = default;
+CBatAgent& CBatAgent::operator=(const CBatAgent&) noexcept = default;
+
 CBatAgent::CBatAgent() noexcept : m_hBattery(), m_nBatteryTag(), m_nBatteryCount()
 {
     std::fill(std::begin(m_hBattery), std::end(m_hBattery), INVALID_HANDLE_VALUE);
 }
-
-CBatAgent::CBatAgent(const CBatAgent&) noexcept = default;
-CBatAgent& CBatAgent::operator=(const CBatAgent&) noexcept = default;
 
 CBatAgent::~CBatAgent()
 {

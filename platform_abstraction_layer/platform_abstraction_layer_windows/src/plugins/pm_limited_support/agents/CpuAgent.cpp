@@ -94,11 +94,7 @@ bool WriteOnCores(const MsrRecord& record) noexcept
 
 } // namespace
 
-CCpuAgent::CCpuAgent() noexcept
-    : m_nMinCBR(0), m_nMaxCBR(0), m_nMinVID(0), m_nMaxVID(0), m_bInitialized(false)
-{
-}
-
+CCpuAgent::CCpuAgent() noexcept = default;
 CCpuAgent::CCpuAgent(const CCpuAgent&) noexcept = default;
 CCpuAgent& CCpuAgent::operator=(const CCpuAgent&) noexcept = default;
 

@@ -37,9 +37,9 @@ private:
     int GetModulation() noexcept;
     int SetModulation(int duty) noexcept;
 
-    ULONG m_nMinCBR;
-    ULONG m_nMaxCBR;
-    ULONG m_nMinVID;
-    ULONG m_nMaxVID;
-    bool m_bInitialized;
+    ULONG m_nMinCBR = 0;
+    ULONG m_nMaxCBR = 0;
+    ULONG m_nMinVID = 0;
+    ULONG m_nMaxVID = 0;
+    bool m_bInitialized = false;
 };

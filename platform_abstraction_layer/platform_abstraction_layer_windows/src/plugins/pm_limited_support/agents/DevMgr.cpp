@@ -22,7 +22,6 @@ namespace
 {
 
 constexpr wchar_t kConfigFile[] = L"ORVLCfg.ini";
-constexpr ULONG kFirstTimeout = 1000;   ///< milliseconds, until the file has been read
 constexpr int kDefaultTimeout = 100000; ///< milliseconds
 constexpr ULONG kThroughService = 1;    ///< bit 0 of the options
 constexpr DWORD kInstanceIdCapacity = text::kPathCapacity;
@@ -64,12 +63,7 @@ bool FindDevice(HDEVINFO devices, DWORD index, SP_DEVINFO_DATA& device) noexcept
 
 } // namespace
 
-CDevMgr::CDevMgr() noexcept
-    : m_hListenList(nullptr), m_hDevInfoSet(nullptr), m_nDeviceCount(0), m_nTimeout(kFirstTimeout),
-      m_nOptions(kThroughService)
-{
-}
-
+CDevMgr::CDevMgr() noexcept = default;
 CDevMgr::CDevMgr(const CDevMgr&) noexcept = default;
 CDevMgr& CDevMgr::operator=(const CDevMgr&) noexcept = default;
 

@@ -78,11 +78,11 @@ protected:
     /// Nonzero when `text` is a GUID in braces.
     int GuidFromString(const wchar_t* text, _GUID* guid) noexcept;
 
-    HWND m_hListenList;
-    HDEVINFO m_hDevInfoSet; ///< null when not set up
-    LONG m_nDeviceCount;
-    ULONG m_nTimeout; ///< milliseconds for a service call
-    ULONG m_nOptions; ///< bit 0: changes go through the service
+    HWND m_hListenList = nullptr;
+    HDEVINFO m_hDevInfoSet = nullptr; ///< null when not set up
+    LONG m_nDeviceCount = 0;
+    ULONG m_nTimeout = 1000; ///< milliseconds for a service call
+    ULONG m_nOptions = 1;    ///< bit 0: changes go through the service
 
 private:
     void AddClass(const GUID& deviceClass) noexcept;

@@ -134,10 +134,7 @@ LONG CHwSBX::FunctionRegister::Release() noexcept
     return mapping == nullptr ? kSucceeded : m_hardware.UnmapMemorySpace(mapping);
 }
 
-CHwSBX::CHwSBX() noexcept : m_szChipset()
-{
-}
-
+CHwSBX::CHwSBX() noexcept = default;
 CHwSBX::CHwSBX(const CHwSBX&) noexcept = default;
 CHwSBX& CHwSBX::operator=(const CHwSBX&) noexcept = default;
 CHwSBX::~CHwSBX() = default;

@@ -31,7 +31,7 @@ public:
     LONG GetFunctionDisable(const wchar_t* name, int* disabled) noexcept;
 
 protected:
-    wchar_t m_szChipset[text::kPathCapacity]; ///< empty until the chipset is known
+    wchar_t m_szChipset[text::kPathCapacity]{}; ///< empty until the chipset is known
 
 private:
     class FunctionRegister;

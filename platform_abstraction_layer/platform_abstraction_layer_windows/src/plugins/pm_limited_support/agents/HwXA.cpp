@@ -130,10 +130,7 @@ void Refresh(DeviceProperties& entry) noexcept
 
 } // namespace
 
-CHwXA::CHwXA() noexcept : m_bDriverSetUp(false)
-{
-}
-
+CHwXA::CHwXA() noexcept = default;
 CHwXA::CHwXA(const CHwXA&) noexcept = default;
 CHwXA& CHwXA::operator=(const CHwXA&) noexcept = default;
 

@@ -54,5 +54,5 @@ protected:
     /// other failure the entry stays as it is. Always 0.
     LONG InitDevicePropTable() noexcept;
 
-    bool m_bDriverSetUp;
+    bool m_bDriverSetUp = false;
 };

@@ -88,9 +88,7 @@ bool OnRange(HANDLE map, LONG offset, LONG size, Access access) noexcept
 
 } // namespace
 
-CInterProcessBoard::CInterProcessBoard() noexcept : m_hEvent(nullptr), m_hSemaphore(nullptr), m_hMap(nullptr)
-{
-}
+CInterProcessBoard::CInterProcessBoard() noexcept = default;
 CInterProcessBoard::CInterProcessBoard(const CInterProcessBoard&) noexcept = default;
 CInterProcessBoard& CInterProcessBoard::operator=(const CInterProcessBoard&) noexcept = default;
 

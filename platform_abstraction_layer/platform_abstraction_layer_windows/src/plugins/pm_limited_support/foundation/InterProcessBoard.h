@@ -63,7 +63,7 @@ protected:
     /// Closes the event, the mapping and the lock. Always 0.
     LONG CloseObjects() noexcept;
 
-    HANDLE m_hEvent;
-    HANDLE m_hSemaphore;
-    HANDLE m_hMap;
+    HANDLE m_hEvent = nullptr;
+    HANDLE m_hSemaphore = nullptr;
+    HANDLE m_hMap = nullptr;
 };

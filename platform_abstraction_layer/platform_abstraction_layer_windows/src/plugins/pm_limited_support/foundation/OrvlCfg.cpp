@@ -37,9 +37,7 @@ bool CutAtLastSeparator(wchar_t* path) noexcept
 
 } // namespace
 
-CORVLCfg::CORVLCfg() noexcept : m_szFullPath{}
-{
-}
+CORVLCfg::CORVLCfg() noexcept = default;
 CORVLCfg::CORVLCfg(const CORVLCfg&) noexcept = default;
 CORVLCfg& CORVLCfg::operator=(const CORVLCfg&) noexcept = default;
 CORVLCfg::~CORVLCfg() = default;

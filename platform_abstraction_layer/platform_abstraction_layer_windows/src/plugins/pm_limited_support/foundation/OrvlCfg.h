@@ -53,5 +53,5 @@ public:
     int PutHex(const wchar_t* section, const wchar_t* key, int value) noexcept;
 
 protected:
-    wchar_t m_szFullPath[text::kPathCapacity];
+    wchar_t m_szFullPath[text::kPathCapacity]{};
 };

@@ -23,10 +23,7 @@ CPluginHelper theInstance;
 
 } // namespace
 
-CPluginHelper::CPluginHelper() noexcept
-    : host(nullptr), notifyThread(nullptr), applySchemeEvent(nullptr), users{}
-{
-}
+CPluginHelper::CPluginHelper() noexcept = default;
 CPluginHelper::CPluginHelper(const CPluginHelper&) noexcept = default;
 CPluginHelper& CPluginHelper::operator=(const CPluginHelper&) noexcept = default;
 CPluginHelper::~CPluginHelper() = default;

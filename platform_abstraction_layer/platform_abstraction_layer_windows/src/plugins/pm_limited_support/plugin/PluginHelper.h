@@ -47,8 +47,8 @@ public:
 
     static constexpr int kUserSlots = 16;
 
-    PM_HostInterface* host;     ///< not owned; read and written as one by several threads
-    HANDLE notifyThread;        ///< null when there is none
-    HANDLE applySchemeEvent;    ///< null when there is none
-    UserInfo users[kUserSlots]; ///< lives as long as the process, also across `Uninitialize`
+    PM_HostInterface* host = nullptr;  ///< not owned; read and written as one by several threads
+    HANDLE notifyThread = nullptr;     ///< null when there is none
+    HANDLE applySchemeEvent = nullptr; ///< null when there is none
+    UserInfo users[kUserSlots]{};      ///< lives as long as the process, also across `Uninitialize`
 };
