@@ -2,12 +2,10 @@
 //
 // New schemes as copies of existing ones.
 
-#include "scheme/AddScheme.h"
+#include "scheme/Operations.h"
 
-#include "scheme/SchemeEx.h"
 #include "scheme/SchemeName.h"
 #include "scheme/Variables.h"
-#include "scheme/WholeScheme.h"
 
 #include <algorithm>
 

@@ -3,12 +3,10 @@
 // Applying a scheme: the operating system first, then the records of the choice, last the service. Nothing
 // is undone, so a service that doesn't answer leaves the new scheme active and recorded.
 
-#include "scheme/ApplyScheme.h"
+#include "scheme/Operations.h"
 
 #include "foundation/ServiceBoards.h"
 #include "foundation/SystemFolders.h"
-#include "scheme/PowerBackend.h"
-#include "scheme/SchemeEx.h"
 #include "scheme/SchemeFiles.h"
 
 namespace

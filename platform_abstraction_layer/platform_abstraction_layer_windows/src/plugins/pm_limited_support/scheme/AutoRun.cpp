@@ -3,9 +3,8 @@
 // The companion application's entry in the machine's "Run" key, and the two records of the choice. What was
 // changed stays when a later step fails.
 
-#include "scheme/AutoRun.h"
-
 #include "foundation/Owners.h"
+#include "scheme/SchemeEx.h"
 #include "scheme/SchemeFiles.h"
 
 #include <algorithm>
@@ -39,13 +38,13 @@ void RecordFlagInFile(int flag) noexcept
 
 } // namespace
 
-int auto_run::WriteEntry(int flag, const wchar_t* path, ULONG size) noexcept
+int CSchemeEx::WriteAutoRunSettings(int flag, const wchar_t* path, ULONG size) noexcept
 {
     owners::Key key;
     const LSTATUS opened = RegOpenKeyExW(HKEY_LOCAL_MACHINE, kRunKey, 0, KEY_ALL_ACCESS, key.Put());
     if (opened != ERROR_SUCCESS)
     {
-        CORVLBase::DBGOUT(
+        DBGOUT(
             L"WriteAutoRunSettings: Open Key Software\\Microsoft\\Windows\\CurrentVersion\\Run failed at %d!",
             opened);
         return 0;
@@ -55,7 +54,7 @@ int auto_run::WriteEntry(int flag, const wchar_t* path, ULONG size) noexcept
         RegDeleteValueW(key.Get(), kOldEntry);
         if (const LSTATUS deleted = RegDeleteValueW(key.Get(), kEntry); deleted != ERROR_SUCCESS)
         {
-            CORVLBase::DBGOUT(L"WriteAutoRunSettings: flag = %d delete Key failed at %d", flag, deleted);
+            DBGOUT(L"WriteAutoRunSettings: flag = %d delete Key failed at %d", flag, deleted);
             return 0;
         }
     }
@@ -63,16 +62,16 @@ int auto_run::WriteEntry(int flag, const wchar_t* path, ULONG size) noexcept
     {
         if (const LSTATUS written = WritePath(key.Get(), path, size); written != ERROR_SUCCESS)
         {
-            CORVLBase::DBGOUT(L"WriteAutoRunSettings: Write ORVA path into Run failed at %d", written);
+            DBGOUT(L"WriteAutoRunSettings: Write ORVA path into Run failed at %d", written);
             return 0;
         }
     }
     return 1;
 }
 
-int auto_run::Set(int flag, const wchar_t* path, ULONG size) noexcept
+int CSchemeEx::SetAutoRunORVA(int flag, const wchar_t* path, ULONG size) noexcept
 {
-    if (WriteEntry(flag, path, size) != 1)
+    if (WriteAutoRunSettings(flag, path, size) != 1)
     {
         return 0;
     }
@@ -80,14 +79,14 @@ int auto_run::Set(int flag, const wchar_t* path, ULONG size) noexcept
     const LSTATUS opened = RegOpenKeyExW(HKEY_LOCAL_MACHINE, kApplicationKey, 0, KEY_ALL_ACCESS, key.Put());
     if (opened != ERROR_SUCCESS)
     {
-        CORVLBase::DBGOUT(L"SetAutoRunORVA: Open Key SOFTWARE\\Kelvo\\ORVA failed at %d!", opened);
+        DBGOUT(L"SetAutoRunORVA: Open Key SOFTWARE\\Kelvo\\ORVA failed at %d!", opened);
         return 0;
     }
     const LSTATUS written = RegSetValueExW(key.Get(), L"AutoRunFlag", 0, REG_DWORD,
                                            reinterpret_cast<const BYTE*>(&flag), sizeof flag);
     if (written != ERROR_SUCCESS)
     {
-        CORVLBase::DBGOUT(L"SetAutoRunORVA: Write value AutoRunFlag failed at %d", written);
+        DBGOUT(L"SetAutoRunORVA: Write value AutoRunFlag failed at %d", written);
     }
     key.Reset();
     RecordFlagInFile(flag);

@@ -3,11 +3,10 @@
 // Taking what lies in the profile and the hive of each account off the machine, whether its user is logged on
 // or not. An account that can't be read is passed over.
 
-#include "foundation/OrvlBase.h"
 #include "foundation/Owners.h"
 #include "foundation/Registry.h"
-#include "foundation/Text.h"
-#include "scheme/ClearSchemes.h"
+#include "scheme/SchemeEx.h"
+#include "scheme/SchemeFiles.h"
 
 #include <iterator>
 
@@ -41,7 +40,7 @@ bool ReadProfilePath(HKEY list, const wchar_t* sid, Path& profile) noexcept
     return true;
 }
 
-void ClearAccount(HKEY list, const wchar_t* sid) noexcept
+void ClearAccount(CSchemeEx& engine, HKEY list, const wchar_t* sid) noexcept
 {
     Path profile;
     if (!ReadProfilePath(list, sid, profile))
@@ -55,10 +54,10 @@ void ClearAccount(HKEY list, const wchar_t* sid) noexcept
 
     wchar_t hive[2 * text::kPathCapacity];
     text::Format(hive, L"%s\\NTUSER.DAT", static_cast<const wchar_t*>(folder));
-    clear::UserHive(hive, sid);
+    engine.ClearUserRegSettings(hive, sid);
     for (const wchar_t* file : kProfileFiles)
     {
-        clear::DeleteFileBelow(folder, file, L"ClearCfgSettings: delete file = %s");
+        files::DeleteBelow(folder, file, L"ClearCfgSettings: delete file = %s");
     }
 }
 
@@ -92,13 +91,13 @@ bool EnablePrivilege(HANDLE token, const LUID& privilege) noexcept
 
 } // namespace
 
-int clear::Accounts() noexcept
+int CSchemeEx::ClearCfgSettings() noexcept
 {
-    EnableHivePrivileges();
+    EnableRestoreBackupPrivilege();
     owners::Key list;
     if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kProfileList, 0, KEY_READ, list.Put()) != ERROR_SUCCESS)
     {
-        CORVLBase::DBGOUT(L"ClearCfgSettings: open key %s failed", kProfileList);
+        DBGOUT(L"ClearCfgSettings: open key %s failed", kProfileList);
         return 0;
     }
     for (DWORD place = 0;; ++place)
@@ -109,38 +108,38 @@ int clear::Accounts() noexcept
             RegEnumKeyExW(list.Get(), place, sid, &length, nullptr, nullptr, nullptr, nullptr);
         if (result != ERROR_SUCCESS)
         {
-            CORVLBase::DBGOUT(L"ClearCfgSettings: enumerate key failed at %d", result);
+            DBGOUT(L"ClearCfgSettings: enumerate key failed at %d", result);
             return 0;
         }
-        CORVLBase::DBGOUT(L"ClearCfgSettings: enumerate SID = %s", static_cast<const wchar_t*>(sid));
-        ClearAccount(list.Get(), sid);
+        DBGOUT(L"ClearCfgSettings: enumerate SID = %s", static_cast<const wchar_t*>(sid));
+        ClearAccount(*this, list.Get(), sid);
     }
 }
 
-int clear::UserHive(const wchar_t* hive, const wchar_t* sid) noexcept
+int CSchemeEx::ClearUserRegSettings(const wchar_t* hive, const wchar_t* sid) noexcept
 {
     const LSTATUS loaded = RegLoadKeyW(HKEY_USERS, sid, hive);
     if (loaded != ERROR_SUCCESS)
     {
         // A hive that is loaded already belongs to a user who is logged on.
-        CORVLBase::DBGOUT(L"RegLoadKey %s failed at %d", hive, loaded);
+        DBGOUT(L"RegLoadKey %s failed at %d", hive, loaded);
     }
     else
     {
-        CORVLBase::DBGOUT(L"RegLoadKey %s succeed at %d", hive, loaded);
+        DBGOUT(L"RegLoadKey %s succeed at %d", hive, loaded);
         RemoveUserKey(sid);
     }
     const LSTATUS unloaded = RegUnLoadKeyW(HKEY_USERS, sid);
     if (unloaded != ERROR_SUCCESS)
     {
-        CORVLBase::DBGOUT(L"Unload key %s failed at %d", sid, unloaded);
+        DBGOUT(L"Unload key %s failed at %d", sid, unloaded);
         return 0;
     }
-    CORVLBase::DBGOUT(L"Unload key temp successfully");
+    DBGOUT(L"Unload key temp successfully");
     return 1;
 }
 
-int clear::EnableHivePrivileges() noexcept
+int CSchemeEx::EnableRestoreBackupPrivilege() noexcept
 {
     owners::Handle token;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, token.Put()))
@@ -161,13 +160,4 @@ int clear::EnableHivePrivileges() noexcept
         allEnabled = EnablePrivilege(token.Get(), privilege) && allEnabled;
     }
     return allEnabled ? 1 : 0;
-}
-
-void clear::DeleteFileBelow(const wchar_t* folder, const wchar_t* suffix, const wchar_t* format) noexcept
-{
-    // Room for more than one path: a path that is too long must fail, not name another file.
-    wchar_t path[2 * text::kPathCapacity];
-    text::Format(path, L"%s\\%s", folder, suffix);
-    DeleteFileW(path);
-    CORVLBase::DBGOUT(format, static_cast<const wchar_t*>(path));
 }

@@ -3,8 +3,6 @@
 // Taking the schemes off the machine, one user's or everybody's, with the files and the key that belong to
 // them. Best effort: a scheme, file or key that can't be removed stays, and the clearing goes on.
 
-#include "scheme/ClearSchemes.h"
-
 #include "foundation/Owners.h"
 #include "foundation/SystemFolders.h"
 #include "scheme/SchemeEx.h"
@@ -90,36 +88,50 @@ bool RemoveMachineKey() noexcept
 
 } // namespace
 
-int clear::CurrentUser(CSchemeEx& engine) noexcept
+int CSchemeEx::ClearORV(int what) noexcept
 {
-    engine.SetActivePwrScheme(kDefaultScheme);
+    if (what == 1)
+    {
+        DBGOUT(L"enter ClearORV: ClearCurrentUserSettings");
+        ClearCurrentUserSettings();
+    }
+    else if (what == 0)
+    {
+        DBGOUT(L"enter ClearORV: ClearAllUserSettings");
+        ClearPwrSchemes();
+        ClearCfgSettings();
+    }
+    return 1;
+}
+
+int CSchemeEx::ClearCurrentUserSettings() noexcept
+{
+    SetActivePwrScheme(kDefaultScheme);
     CORVLProfile users;
     if (!OpenUserSchemes(users))
     {
         return -1;
     }
     EntryLimit limit(kMostCleared);
-    ClearUser(engine, users, engine.m_szSubKey,
+    ClearUser(*this, users, m_szSubKey,
               {L"ClearCurrentUserSettings: Get username=%s, Number=%d",
                L"ClearCurrentUserSettings: DeletePwrScheme(%d)"},
               limit);
-    clear::DeleteFileBelow(engine.m_szProfilePath, L"\\OrvProfile.ini",
-                           L"ClearCurrentUserSettings: delete file = %s");
-    clear::DeleteFileBelow(engine.m_szProfilePath, L"\\PowerSchemes.ini",
-                           L"ClearCurrentUserSettings: DeleteFile %s");
+    files::DeleteBelow(m_szProfilePath, L"\\OrvProfile.ini", L"ClearCurrentUserSettings: delete file = %s");
+    files::DeleteBelow(m_szProfilePath, L"\\PowerSchemes.ini", L"ClearCurrentUserSettings: DeleteFile %s");
     return 1;
 }
 
-int clear::AllUsers(CSchemeEx& engine) noexcept
+int CSchemeEx::ClearPwrSchemes() noexcept
 {
-    CORVLBase::DBGOUT(L"enter ClearPwrSchemes");
-    engine.SetActivePwrScheme(kDefaultScheme);
+    DBGOUT(L"enter ClearPwrSchemes");
+    SetActivePwrScheme(kDefaultScheme);
     CORVLProfile users;
     if (!OpenUserSchemes(users))
     {
         return -1;
     }
-    const bool isWhole = ClearAllUsers(engine, users);
+    const bool isWhole = ClearAllUsers(*this, users);
 
     wchar_t folder[text::kPathCapacity];
     if (!folders::GetConfigurationFolder(folder))
@@ -128,8 +140,8 @@ int clear::AllUsers(CSchemeEx& engine) noexcept
     }
     if (isWhole)
     {
-        clear::DeleteFileBelow(folder, L"\\UserSchemes.ini", kDeletedText);
+        files::DeleteBelow(folder, L"\\UserSchemes.ini", kDeletedText);
     }
-    clear::DeleteFileBelow(folder, L"\\PowerSchemes.ini", kDeletedText);
+    files::DeleteBelow(folder, L"\\PowerSchemes.ini", kDeletedText);
     return RemoveMachineKey() ? 1 : 0;
 }

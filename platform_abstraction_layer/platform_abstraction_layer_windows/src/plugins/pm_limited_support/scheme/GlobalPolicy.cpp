@@ -3,7 +3,7 @@
 // Reading the user's settings from the hive and installing them. Every failure is logged and skips at most
 // what depends on it.
 
-#include "scheme/GlobalPolicy.h"
+#include "scheme/Operations.h"
 
 #include "foundation/Modules.h"
 #include "foundation/OrvlBase.h"

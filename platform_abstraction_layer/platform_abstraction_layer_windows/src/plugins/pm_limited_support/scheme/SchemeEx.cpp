@@ -1,25 +1,19 @@
 // scheme/SchemeEx.cpp
 //
 // The engine's operations on schemes, in the order of the header. What takes more than a few steps lies in a
-// file of its own; the operations on batteries and devices are in BatteryQueries.cpp and DeviceStatus.cpp.
+// file of its own; clearing, the start with Windows, batteries and devices are in ClearSchemes.cpp,
+// ClearAccounts.cpp, AutoRun.cpp, BatteryQueries.cpp and DeviceStatus.cpp.
 
 #include "scheme/SchemeEx.h"
 
 #include "foundation/GuidText.h"
-#include "scheme/AddScheme.h"
-#include "scheme/ApplyScheme.h"
-#include "scheme/AutoRun.h"
-#include "scheme/ClearSchemes.h"
-#include "scheme/GlobalPolicy.h"
+#include "scheme/Operations.h"
 #include "scheme/SchemeName.h"
-#include "scheme/SchemeTexts.h"
 #include "scheme/SettingCatalogue.h"
 #include "scheme/UserSchemes.h"
 #include "scheme/Variables.h"
-#include "scheme/WholeScheme.h"
 #include "scheme/vista/PowerDispatch.h"
 #include "scheme/vista/SchemeRows.h"
-#include "scheme/xp/PolicyFields.h"
 #include "scheme/xp/PolicyStore.h"
 
 namespace
@@ -37,9 +31,7 @@ const PowerBackend& BackendOf(const CSchemeEx& engine) noexcept
     return engine.m_bVista != 0 ? vista::kBackend : xp::kBackend;
 }
 
-CSchemeEx::CSchemeEx() noexcept : m_bVista(0), m_szUserId{}, m_szSubKey{}, m_szProfilePath{}
-{
-}
+CSchemeEx::CSchemeEx() noexcept = default;
 CSchemeEx::CSchemeEx(const CSchemeEx&) noexcept = default;
 CSchemeEx& CSchemeEx::operator=(const CSchemeEx&) noexcept = default;
 CSchemeEx::~CSchemeEx() = default;
@@ -343,61 +335,6 @@ int CSchemeEx::GetPwrSchemeNameDesc(int index, wchar_t* name, ULONG* nameLen, wc
 {
     const PowerBackend& backend = BackendOf(*this);
     return backend.exists(index) ? scheme_texts::Copy(backend, {index, name, nameLen, desc, descLen}) : 0;
-}
-
-// Clearing.
-
-int CSchemeEx::ClearORV(int what) noexcept
-{
-    if (what == 1)
-    {
-        DBGOUT(L"enter ClearORV: ClearCurrentUserSettings");
-        ClearCurrentUserSettings();
-    }
-    else if (what == 0)
-    {
-        DBGOUT(L"enter ClearORV: ClearAllUserSettings");
-        ClearPwrSchemes();
-        ClearCfgSettings();
-    }
-    return 1;
-}
-
-int CSchemeEx::ClearCurrentUserSettings() noexcept
-{
-    return clear::CurrentUser(*this);
-}
-
-int CSchemeEx::ClearPwrSchemes() noexcept
-{
-    return clear::AllUsers(*this);
-}
-
-int CSchemeEx::ClearCfgSettings() noexcept
-{
-    return clear::Accounts();
-}
-
-int CSchemeEx::ClearUserRegSettings(const wchar_t* hive, const wchar_t* sid) noexcept
-{
-    return clear::UserHive(hive, sid);
-}
-
-int CSchemeEx::EnableRestoreBackupPrivilege() noexcept
-{
-    return clear::EnableHivePrivileges();
-}
-
-// The companion application's start with Windows.
-
-int CSchemeEx::WriteAutoRunSettings(int flag, const wchar_t* path, ULONG size) noexcept
-{
-    return auto_run::WriteEntry(flag, path, size);
-}
-
-int CSchemeEx::SetAutoRunORVA(int flag, const wchar_t* path, ULONG size) noexcept
-{
-    return auto_run::Set(flag, path, size);
 }
 
 // The processor.

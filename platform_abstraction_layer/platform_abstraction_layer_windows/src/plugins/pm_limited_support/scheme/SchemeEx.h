@@ -272,10 +272,10 @@ public:
     /// Other variables: 0, nothing done; -1 for an unknown name.
     int SetDeviceStatus(wchar_t const* name, int value) noexcept;
 
-    LONG m_bVista;                           ///< 1 on the Vista path, else 0; set only by `Initialize`
-    wchar_t m_szUserId[text::kPathCapacity]; ///< the requesting user's account name
-    wchar_t m_szSubKey[text::kPathCapacity]; ///< the user's key below HKEY_USERS and section in the files
-    wchar_t m_szProfilePath[text::kPathCapacity]; ///< the user's configuration folder
+    LONG m_bVista = 0;                         ///< 1 on the Vista path, else 0; set only by `Initialize`
+    wchar_t m_szUserId[text::kPathCapacity]{}; ///< the requesting user's account name
+    wchar_t m_szSubKey[text::kPathCapacity]{}; ///< the user's key below HKEY_USERS and section in the files
+    wchar_t m_szProfilePath[text::kPathCapacity]{}; ///< the user's configuration folder
 
 protected:
     /// The variable's number, or -1. The case of the letters A to Z plays no part.

@@ -94,4 +94,13 @@ void RemoveScheme(CORVLProfile& values, int index) noexcept
     values.PutString(section, nullptr, nullptr);
 }
 
+void DeleteBelow(const wchar_t* folder, const wchar_t* suffix, const wchar_t* format) noexcept
+{
+    // Room for more than one path: a path that is too long must fail, not name another file.
+    wchar_t path[2 * text::kPathCapacity];
+    text::Format(path, L"%s\\%s", folder, suffix);
+    DeleteFileW(path);
+    CORVLBase::DBGOUT(format, static_cast<const wchar_t*>(path));
+}
+
 } // namespace files

@@ -77,4 +77,8 @@ bool OpenDisplay(CORVLProfile& file, const wchar_t* folder) noexcept;
 /// Removes a scheme's section, stored variables included, from the open scheme values file.
 void RemoveScheme(CORVLProfile& values, int index) noexcept;
 
+/// Deletes the file `suffix`, which begins with a backslash, below `folder` and logs `format` with its path.
+/// The line reports the attempt: whether the file was there isn't asked.
+void DeleteBelow(const wchar_t* folder, const wchar_t* suffix, const wchar_t* format) noexcept;
+
 } // namespace files

@@ -2,7 +2,7 @@
 //
 // The three kinds of walk. What each hands to its callback lives on the stack of the operation that walks.
 
-#include "scheme/SchemeTexts.h"
+#include "scheme/Operations.h"
 
 #include "foundation/Text.h"
 

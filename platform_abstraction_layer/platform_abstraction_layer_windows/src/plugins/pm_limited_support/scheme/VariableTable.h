@@ -6,7 +6,7 @@
 
 #include "scheme/PackedValue.h"
 #include "scheme/PwrSet.h"
-#include "scheme/xp/PolicyFields.h"
+#include "scheme/xp/Policies.h"
 
 #include <windows.h>
 

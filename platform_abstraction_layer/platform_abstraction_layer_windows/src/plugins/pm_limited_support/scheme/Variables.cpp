@@ -9,24 +9,25 @@
 namespace
 {
 
-bool CanRead(const PowerBackend& backend, int index) noexcept
+// Whether the scheme exists; else `absent` is logged, which may show the last error.
+bool Exists(const PowerBackend& backend, int index, const wchar_t* absent) noexcept
 {
     const bool exists = backend.exists(index);
     if (!exists)
     {
-        CORVLBase::DBGOUT(L"FindPwrScheme failed %d\n", GetLastError());
+        CORVLBase::DBGOUT(absent, GetLastError());
     }
     return exists;
 }
 
+bool CanRead(const PowerBackend& backend, int index) noexcept
+{
+    return Exists(backend, index, L"FindPwrScheme failed %d\n");
+}
+
 bool CanWrite(const PowerBackend& backend, int index) noexcept
 {
-    const bool exists = backend.exists(index);
-    if (!exists)
-    {
-        CORVLBase::DBGOUT(L"FindPwrScheme error");
-    }
-    return exists;
+    return Exists(backend, index, L"FindPwrScheme error");
 }
 
 int RefuseUnknown(const wchar_t* format, const wchar_t* name) noexcept

@@ -2,7 +2,7 @@
 //
 // A whole scheme at once: a fixed series of single variables, read or written in the same order.
 
-#include "scheme/WholeScheme.h"
+#include "scheme/Operations.h"
 
 #include "scheme/SchemeFiles.h"
 #include "scheme/Variables.h"

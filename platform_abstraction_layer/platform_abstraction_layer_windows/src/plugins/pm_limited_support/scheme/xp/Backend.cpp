@@ -4,9 +4,8 @@
 
 #include "foundation/OrvlBase.h"
 #include "scheme/SchemeFiles.h"
-#include "scheme/xp/CopyScheme.h"
+#include "scheme/xp/Operations.h"
 #include "scheme/xp/PolicyStore.h"
-#include "scheme/xp/Variables.h"
 
 namespace
 {

@@ -2,12 +2,11 @@
 //
 // Writing both records of a scheme under a number or name of its own. Nothing is undone.
 
-#include "scheme/xp/CopyScheme.h"
-
 #include "foundation/OrvlBase.h"
 #include "foundation/Owners.h"
 #include "scheme/SchemeName.h"
 #include "scheme/Wrapping.h"
+#include "scheme/xp/Operations.h"
 #include "scheme/xp/Policies.h"
 #include "scheme/xp/PolicyStore.h"
 

@@ -6,8 +6,8 @@
 #include "foundation/OrvlBase.h"
 #include "scheme/SettingCatalogue.h"
 #include "scheme/StoredVariables.h"
+#include "scheme/xp/Operations.h"
 #include "scheme/xp/Policies.h"
-#include "scheme/xp/Variables.h"
 
 namespace
 {

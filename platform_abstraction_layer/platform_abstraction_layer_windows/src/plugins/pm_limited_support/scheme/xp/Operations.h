@@ -1,6 +1,6 @@
-// scheme/xp/Variables.h
+// scheme/xp/Operations.h
 //
-// Reading, checking and writing one variable on the XP path, as in `PowerBackend`.
+// The operations of the XP path that have a source of their own, as in `PowerBackend`.
 #pragma once
 
 #include "scheme/PowerBackend.h"
@@ -11,5 +11,8 @@ namespace xp
 int ReadVariable(int index, bool ac, const Variable& variable) noexcept;
 int WriteVariable(int index, bool ac, const NamedVariable& variable, int value) noexcept;
 bool Accepts(const wchar_t* name, int value) noexcept;
+
+int CopyScheme(SchemeName& name, const wchar_t* description, int from) noexcept;
+int RenameScheme(int index, SchemeName& name, const wchar_t* description) noexcept;
 
 } // namespace xp
