@@ -151,7 +151,6 @@ TEST_F(ConfigCommands, NamesThatAreNoFilesAreRefused)
         EXPECT_EQ(kContent, seeding::ReadBytes(folder + "sub\\x"));
         seeding::Remove(folder + "sub\\x");
         seeding::Remove(folder + "..\\x");
-        RemoveDirectoryW(seeding::Wide(folder + "sub").data());
     }
 }
 

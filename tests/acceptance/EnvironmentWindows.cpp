@@ -78,17 +78,19 @@ void MakeLogon(HKEY root, const std::string& hive, const std::string& user, cons
 
 void RemoveTraces()
 {
-    seeding::SwitchLogsOff();
+    RemoveFolder("C:\\temp1234567890\\");
     power_store::Key::RemoveTree(HKEY_LOCAL_MACHINE, power_store::ToText(L"Software\\Kelvo"));
     seeding::RemoveValue(HKEY_LOCAL_MACHINE, kRunKey, "ORVA");
     for (const std::string& local : {seeding::LocalAppData(), std::string(kOtherLocalAppData)})
     {
-        for (const char* const folder : {"\\Kelvo\\ORVL\\Cfg\\", "\\Kelvo\\ORVL\\", "\\Kelvo\\"})
+        for (const char* const folder :
+             {"\\Kelvo\\ORVL\\Cfg\\sub\\", "\\Kelvo\\ORVL\\Cfg\\", "\\Kelvo\\ORVL\\", "\\Kelvo\\"})
         {
             RemoveFolder(local + folder);
         }
     }
     RemoveFolder(std::string(kOtherLocalAppData) + "\\");
+    RemoveFolder(std::string(kFolder) + "sub\\");
     RemoveFolder(kFolder);
 }
 

@@ -5,6 +5,7 @@
 #include "acceptance/Seeding.h"
 
 #include "foundation/Owners.h"
+#include "support/WholeFiles.h"
 
 #include <shlobj.h>
 #include <shlwapi.h>
@@ -106,31 +107,17 @@ std::string GetKey(std::string_view file, std::string_view section, std::string_
 bool WriteBytes(std::string_view file, std::string_view bytes)
 {
     MakeFolder(file.substr(0, file.find_last_of('\\')));
-    const owners::File opened(CreateFileW(Wide(file).data(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
-                                          FILE_ATTRIBUTE_NORMAL, nullptr));
-    DWORD written = 0;
-    return WriteFile(opened.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != 0 &&
-           written == bytes.size();
+    return ::WriteBytes(Wide(file).data(), bytes);
 }
 
 std::optional<std::string> ReadBytes(std::string_view file)
 {
-    const owners::File opened(CreateFileW(Wide(file).data(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                                          nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!opened)
-    {
-        return std::nullopt;
-    }
-    std::string bytes(GetFileSize(opened.Get(), nullptr), '\0');
-    DWORD read = 0;
-    ReadFile(opened.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr);
-    bytes.resize(read);
-    return bytes;
+    return ::ReadBytes(Wide(file).data());
 }
 
 bool Exists(std::string_view path)
 {
-    return GetFileAttributesW(Wide(path).data()) != INVALID_FILE_ATTRIBUTES;
+    return PathFileExistsW(Wide(path).data()) != 0;
 }
 
 void Remove(std::string_view file)
@@ -154,13 +141,6 @@ std::string LocalAppData()
 void SwitchLogsOn()
 {
     MakeFolder(kLogFolder);
-}
-
-void SwitchLogsOff()
-{
-    Remove(LogFile("orvl.log"));
-    Remove(LogFile("trxpm.log"));
-    RemoveDirectoryW(Wide(kLogFolder).data());
 }
 
 std::vector<std::string> LogLines(std::string_view log)

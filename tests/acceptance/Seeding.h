@@ -44,7 +44,6 @@ std::string LocalAppData();
 /// The two logs: their folder is the switch. `LogLines` gives the lines of "orvl.log" or "trxpm.log" without
 /// their ends; nothing where there is no such file.
 void SwitchLogsOn();
-void SwitchLogsOff();
 std::vector<std::string> LogLines(std::string_view log);
 
 } // namespace seeding

@@ -4,6 +4,7 @@
 
 #include "acceptance/Seeding.h"
 #include "base/Trace.h"
+#include "control/DriveC.h"
 #include "foundation/OrvlProfile.h"
 #include "machine/Accounts.h"
 #include "machine/Machine.h"
@@ -151,7 +152,7 @@ TEST_F(ConfigurationFiles, FoldersAreBoundedByTheCallersRoom)
     EXPECT_EQ(FolderOf({}).substr(0, 9), told(file.GetHomePath(folder, 10)));
     EXPECT_EQ(L'#', folder[10]);
     EXPECT_EQ("none none", told(file.GetHomePath(folder, 0)) + ' ' + told(file.GetHomePath(nullptr, 10)));
-    ASSERT_TRUE(RemoveDirectoryW(Wide(seeding::LocalAppData()).data()));
+    ASSERT_TRUE(simulated::DriveC::Remove(seeding::LocalAppData()));
     EXPECT_EQ("none", told(file.GetHomePath(folder, 260))) << "an account without the folder";
     // The installation's module tells its folder and the parent.
     EXPECT_EQ("none none", told(cfg.GetDllPath(folder, 260)) + ' ' + told(cfg.GetHomePath(folder, 260)));

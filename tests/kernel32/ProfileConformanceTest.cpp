@@ -12,6 +12,7 @@
 
 #include "kernel32/OwnedHandle.h"
 #include "support/LastError.h"
+#include "support/WholeFiles.h"
 #include "support/Wine.h"
 
 #include <windows.h>
@@ -65,25 +66,12 @@ std::string Utf16(const std::string& text)
 
 void Put(const std::string& text)
 {
-    const std::string bytes = Ansi(text);
-    const OwnedHandle file(
-        CreateFileW(kFile, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    DWORD written = 0;
-    ASSERT_TRUE(WriteFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr));
+    ASSERT_TRUE(WriteBytes(kFile, Ansi(text)));
 }
 
 std::string Get()
 {
-    if (GetFileAttributesW(kFile) == INVALID_FILE_ATTRIBUTES)
-    {
-        return "no file";
-    }
-    const OwnedHandle file(CreateFileW(kFile, GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                       FILE_ATTRIBUTE_NORMAL, nullptr));
-    std::string bytes(GetFileSize(file.get(), nullptr), '\0');
-    DWORD read = 0;
-    EXPECT_TRUE(ReadFile(file.get(), bytes.data(), static_cast<DWORD>(bytes.size()), &read, nullptr));
-    return bytes;
+    return ReadBytes(kFile).value_or("no file");
 }
 
 // ASCII as it is, "|" for a zero, others by number.

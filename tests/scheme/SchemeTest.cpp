@@ -4,6 +4,8 @@
 
 #include "scheme/SchemeTest.h"
 
+#include "control/DriveC.h"
+
 #include <sstream>
 
 using namespace simulated;
@@ -84,7 +86,7 @@ SchemeTest::Lines SchemeTest::LinesOf(const Work& work)
     seeding::SwitchLogsOn();
     work();
     auto lines = seeding::LogLines("orvl.log");
-    seeding::SwitchLogsOff();
+    EXPECT_TRUE(DriveC::Remove("C:\\temp1234567890"));
     return lines;
 }
 

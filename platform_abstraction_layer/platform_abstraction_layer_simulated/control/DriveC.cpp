@@ -6,7 +6,6 @@
 
 #include "base/HostFiles.h"
 #include "base/WholeFile.h"
-#include "modules/kernel32/Files.h"
 #include "modules/kernel32/Paths.h"
 
 #include <winerror.h>
@@ -27,7 +26,7 @@ bool DriveC::Write(std::string_view path, std::string_view bytes)
     {
         return false;
     }
-    files::CreateFolders(path.substr(0, last)); // what it answers shows in the next step
+    paths::CreateFolders(path.substr(0, last)); // what it answers shows in the next step
     paths::Place place;
     return paths::Find(path, place) == ERROR_SUCCESS && WriteWhole(place.host, bytes);
 }

@@ -8,7 +8,7 @@
 #include <cstdarg>
 #include <cstdio>
 
-/// Opens a file of the simulated machine. The only mode is "ab": to add bytes at its end.
+/// Opens a file of the simulated machine. The modes are "ab", "rb" and "wb".
 SIM_API FILE* _wfopen(const wchar_t* path, const wchar_t* mode);
 
 /// Formats with the rules of the Microsoft runtime: "%s" is wide text and "%S" narrow, "l" is 32 bits. The

@@ -78,12 +78,6 @@ bool IsDevicePath(std::string_view path) noexcept
     return path.starts_with("\\\\.\\") || path.starts_with("\\\\?\\");
 }
 
-bool NamesDrive(std::string_view path) noexcept
-{
-    constexpr std::size_t kColon = 5;
-    return IsDevicePath(path) && path.size() > kColon && path[kColon] == ':';
-}
-
 Outcome<std::shared_ptr<Object>> Open(std::string_view path, DWORD access, DWORD share,
                                       const PlatformCall& call)
 {

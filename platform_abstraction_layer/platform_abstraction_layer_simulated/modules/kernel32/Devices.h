@@ -55,9 +55,6 @@ struct Registration
 /// True when `path` begins with "\\.\" or "\\?\" and so may name a device.
 bool IsDevicePath(std::string_view path) noexcept;
 
-/// True when a drive stands behind the beginning of such a path, as in "\\?\C:\file": it names a file there.
-bool NamesDrive(std::string_view path) noexcept;
-
 /// The device behind `path`, or the error of the opener that knew it; ERROR_FILE_NOT_FOUND when none did.
 Outcome<std::shared_ptr<Object>> Open(std::string_view path, DWORD access, DWORD share,
                                       const PlatformCall& call);

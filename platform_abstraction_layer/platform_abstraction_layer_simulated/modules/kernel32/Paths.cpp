@@ -11,10 +11,9 @@
 #include <winerror.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <filesystem>
-#include <optional>
+#include <iterator>
 #include <sys/stat.h>
 #include <vector>
 
@@ -26,121 +25,66 @@ namespace
 
 constexpr std::string_view kSeparators = "/\\";
 constexpr std::string_view kForbidden = "<>:\"|?*";
-constexpr std::string_view kLongPrefix = "\\\\?\\";
-constexpr std::size_t kLongestName = 255;
 constexpr mode_t kWriteBits = S_IWUSR | S_IWGRP | S_IWOTH;
+constexpr mode_t kFolderMode = 0777;
 
-struct DosName
-{
-    std::string_view name;
-    bool isNumbered;
-};
-
-constexpr std::array kDosNames = {
-    DosName{"CON", false}, DosName{"PRN", false}, DosName{"AUX", false},
-    DosName{"NUL", false}, DosName{"COM", true},  DosName{"LPT", true},
-};
+constexpr std::string_view kDosNames[] = {"CON", "PRN", "AUX", "NUL"};
+constexpr std::string_view kNumberedDosNames[] = {"COM", "LPT"};
 
 // A path after its text has been understood.
 struct Parts
 {
-    char drive;
+    char drive = 'C';
     std::vector<std::string_view> names;
-    bool endsInSeparator;
 };
-
-bool IsSeparator(char character)
-{
-    return kSeparators.find(character) != std::string_view::npos;
-}
 
 bool IsDosName(std::string_view name)
 {
-    const std::string_view stem = name.substr(0, name.find('.'));
-    return std::any_of(kDosNames.begin(), kDosNames.end(),
-                       [stem](const DosName& dos)
-                       {
-                           const bool fits = dos.isNumbered ? stem.size() == dos.name.size() + 1 &&
-                                                                  stem.back() >= '1' && stem.back() <= '9'
-                                                            : stem.size() == dos.name.size();
-                           return fits && EqualIgnoringCase(stem.substr(0, dos.name.size()), dos.name);
-                       });
+    const std::string stem = FoldCase(name.substr(0, name.find('.')));
+    const auto isIn = [&](const auto& names)
+    { return std::find(std::begin(names), std::end(names), stem.substr(0, 3)) != std::end(names); };
+    return stem.size() == 3 ? isIn(kDosNames)
+                            : stem.size() == 4 && stem[3] >= '1' && stem[3] <= '9' && isIn(kNumberedDosNames);
 }
 
-DWORD CheckName(std::string_view name)
+bool IsName(std::string_view name)
 {
-    const bool isForbidden = std::any_of(name.begin(), name.end(),
-                                         [](char character)
-                                         {
-                                             return static_cast<unsigned char>(character) < 0x20 ||
-                                                    kForbidden.find(character) != std::string_view::npos;
-                                         });
-    if (isForbidden || IsDosName(name) || IsHousekeepingName(name))
-    {
-        return ERROR_INVALID_NAME;
-    }
-    return name.size() > kLongestName ? ERROR_FILENAME_EXCED_RANGE : ERROR_SUCCESS;
-}
-
-// Windows drops dots and blanks at the end of a name.
-std::string_view TrimEnd(std::string_view name)
-{
-    const std::size_t last = name.find_last_not_of(". ");
-    return last == std::string_view::npos ? std::string_view() : name.substr(0, last + 1);
-}
-
-DWORD AddName(std::string_view name, std::vector<std::string_view>& names)
-{
-    if (name.empty() || name == ".")
-    {
-        return ERROR_SUCCESS;
-    }
-    if (name == "..")
-    {
-        if (!names.empty())
-        {
-            names.pop_back();
-        }
-        return ERROR_SUCCESS;
-    }
-    const std::string_view trimmed = TrimEnd(name);
-    if (trimmed.empty())
-    {
-        return ERROR_SUCCESS;
-    }
-    names.push_back(trimmed);
-    return CheckName(trimmed);
+    return std::none_of(name.begin(), name.end(),
+                        [](char character) { return static_cast<unsigned char>(character) < 0x20; }) &&
+           name.find_first_of(kForbidden) == std::string_view::npos && !IsDosName(name) &&
+           !IsHousekeepingName(name);
 }
 
 DWORD Split(std::string_view path, Parts& parts)
 {
-    if (path.starts_with(kLongPrefix))
-    {
-        path.remove_prefix(kLongPrefix.size());
-    }
-    if (path.empty())
+    if (path.empty() || path.starts_with("\\\\")) // another machine
     {
         return ERROR_PATH_NOT_FOUND;
     }
-    parts.drive = 'C';
     if (path.size() >= 2 && path[1] == ':')
     {
         parts.drive = FoldCase(path.substr(0, 1)).front();
         path.remove_prefix(2);
     }
-    else if (path.size() >= 2 && IsSeparator(path[0]) && IsSeparator(path[1]))
+    while (!path.empty())
     {
-        return ERROR_PATH_NOT_FOUND; // another machine
-    }
-    parts.endsInSeparator = !path.empty() && IsSeparator(path.back());
-    for (std::size_t begin = 0; begin <= path.size();)
-    {
-        const std::size_t end = std::min(path.find_first_of(kSeparators, begin), path.size());
-        if (const DWORD error = AddName(path.substr(begin, end - begin), parts.names); error != ERROR_SUCCESS)
+        const std::size_t end = std::min(path.find_first_of(kSeparators), path.size());
+        const std::string_view asked = path.substr(0, end);
+        path.remove_prefix(std::min(end + 1, path.size()));
+        // Windows drops dots and blanks at the end of a name.
+        const std::string_view name = asked.substr(0, asked.find_last_not_of(". ") + 1);
+        if (asked == ".." && !parts.names.empty())
         {
-            return error;
+            parts.names.pop_back();
         }
-        begin = end + 1;
+        if (!name.empty())
+        {
+            parts.names.push_back(name);
+        }
+        if (!IsName(name))
+        {
+            return ERROR_INVALID_NAME;
+        }
     }
     return parts.drive >= 'A' && parts.drive <= 'Z' ? ERROR_SUCCESS : ERROR_PATH_NOT_FOUND;
 }
@@ -151,49 +95,40 @@ mode_t ModeOf(const std::string& host)
     return stat(host.c_str(), &status) == 0 ? status.st_mode : 0;
 }
 
-// The spelling under which `name` exists in `folder`.
-std::optional<std::string> FindSpelling(const std::string& folder, std::string_view name)
+// The place of `name` in a folder, in the spelling that exists there or else in the one asked for.
+Place Descend(const std::string& folder, std::string_view name)
 {
-    std::error_code error;
-    const std::string wanted = FoldCase(name);
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error))
-    {
-        std::string spelling = entry->path().filename().string();
-        if (FoldCase(spelling) == wanted)
-        {
-            return spelling;
-        }
-    }
-    return std::nullopt;
-}
-
-// One name further: the place in the spelling asked for, or in the one that exists.
-void Descend(Place& place, std::string_view name)
-{
-    const std::string folder = place.host;
+    Place place;
     place.host = folder + '/' + std::string(name);
     place.mode = ModeOf(place.host);
     if (place.Exists())
     {
-        return;
+        return place;
     }
-    if (const std::optional<std::string> spelling = FindSpelling(folder, name))
+    std::error_code ignored;
+    const std::string wanted = FoldCase(name);
+    for (const auto& entry : std::filesystem::directory_iterator(folder, ignored))
     {
-        place.host = folder + '/' + *spelling;
-        place.mode = ModeOf(place.host);
+        if (FoldCase(entry.path().filename().string()) == wanted)
+        {
+            return {entry.path().string(), ModeOf(entry.path().string())};
+        }
     }
+    return place;
 }
 
-std::string WholePath(const std::string& drive, const Parts& parts)
+DWORD CreateFolder(std::string_view path)
 {
-    std::string host = drive;
-    for (const std::string_view name : parts.names)
+    Place place;
+    if (const DWORD error = Find(path, place); error != ERROR_SUCCESS)
     {
-        host += '/';
-        host += name;
+        return error;
     }
-    return host;
+    if (mkdir(place.host.c_str(), kFolderMode) != 0)
+    {
+        return errno == EEXIST ? ERROR_ALREADY_EXISTS : ErrorOf(errno);
+    }
+    return ERROR_SUCCESS;
 }
 
 } // namespace
@@ -215,33 +150,34 @@ bool Place::IsReadOnly() const noexcept
 
 DWORD Find(std::string_view path, Place& place)
 {
-    Parts parts = {};
+    Parts parts;
     if (const DWORD error = Split(path, parts); error != ERROR_SUCCESS)
     {
         return error;
     }
     const std::string drive = Machine::PathOf(std::string("drives/") + parts.drive);
-    place.host = WholePath(drive, parts);
-    place.mode = ModeOf(place.host);
-    if (!place.Exists())
+    place.host = drive;
+    for (const std::string_view name : parts.names)
     {
-        place.host = drive;
-        place.mode = ModeOf(drive);
-        for (const std::string_view name : parts.names)
-        {
-            if (!place.IsFolder())
-            {
-                return ERROR_PATH_NOT_FOUND;
-            }
-            Descend(place, name);
-        }
-        if (!place.Exists() && parts.names.empty())
-        {
-            return ERROR_PATH_NOT_FOUND; // no such drive
-        }
+        place.host += '/';
+        place.host += name;
     }
-    const bool isFile = place.Exists() && !place.IsFolder();
-    return isFile && parts.endsInSeparator ? ERROR_INVALID_NAME : ERROR_SUCCESS;
+    // Most paths are asked for in the spelling that exists.
+    place.mode = ModeOf(place.host);
+    if (place.Exists())
+    {
+        return ERROR_SUCCESS;
+    }
+    place = {drive, ModeOf(drive)};
+    for (const std::string_view name : parts.names)
+    {
+        if (!place.IsFolder())
+        {
+            return ERROR_PATH_NOT_FOUND;
+        }
+        place = Descend(place.host, name);
+    }
+    return parts.names.empty() ? ERROR_PATH_NOT_FOUND : ERROR_SUCCESS; // no such drive
 }
 
 DWORD FindExisting(std::string_view path, Place& place)
@@ -256,26 +192,33 @@ DWORD CheckFolder(const Place& place)
     return (mode & kWriteBits) != 0 ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
 }
 
+DWORD CreateFolders(std::string_view path)
+{
+    // From the longest part that exists down to the whole.
+    const DWORD made = CreateFolder(path);
+    const std::size_t end = path.find_last_not_of(kSeparators);
+    const std::size_t separator = end == std::string_view::npos ? end : path.find_last_of(kSeparators, end);
+    if (made != ERROR_PATH_NOT_FOUND || separator == std::string_view::npos || separator == 0)
+    {
+        return made;
+    }
+    const DWORD above = CreateFolders(path.substr(0, separator));
+    return above == ERROR_SUCCESS || above == ERROR_ALREADY_EXISTS ? CreateFolder(path) : above;
+}
+
 DWORD ErrorOf(int number) noexcept
 {
-    struct Row
+    switch (number)
     {
-        int number;
-        DWORD error;
-    };
-    static constexpr std::array kRows = {
-        Row{ENOENT, ERROR_FILE_NOT_FOUND},    Row{ENOTDIR, ERROR_PATH_NOT_FOUND},
-        Row{ELOOP, ERROR_PATH_NOT_FOUND},     Row{EACCES, ERROR_ACCESS_DENIED},
-        Row{EPERM, ERROR_ACCESS_DENIED},      Row{EROFS, ERROR_ACCESS_DENIED},
-        Row{EISDIR, ERROR_ACCESS_DENIED},     Row{EEXIST, ERROR_FILE_EXISTS},
-        Row{ENOTEMPTY, ERROR_DIR_NOT_EMPTY},  Row{ENOSPC, ERROR_DISK_FULL},
-        Row{EDQUOT, ERROR_DISK_FULL},         Row{ENAMETOOLONG, ERROR_FILENAME_EXCED_RANGE},
-        Row{ENOMEM, ERROR_NOT_ENOUGH_MEMORY}, Row{EMFILE, ERROR_NOT_ENOUGH_MEMORY},
-        Row{ENFILE, ERROR_NOT_ENOUGH_MEMORY},
-    };
-    const auto* const row = std::find_if(
-        kRows.begin(), kRows.end(), [number](const Row& candidate) { return candidate.number == number; });
-    return row == kRows.end() ? static_cast<DWORD>(ERROR_GEN_FAILURE) : row->error;
+    case ENOENT:
+        return ERROR_FILE_NOT_FOUND;
+    case ENOTDIR:
+        return ERROR_PATH_NOT_FOUND;
+    case ENOSPC:
+        return ERROR_DISK_FULL;
+    default:
+        return ERROR_ACCESS_DENIED;
+    }
 }
 
 } // namespace simulated::paths

@@ -6,8 +6,7 @@
 // second name.
 //
 // Known differences from Windows: the current folder is always the root of drive C; names of DOS devices
-// ("con", "nul") and of other machines aren't served; a name has at most 255 bytes of UTF-8, not 255
-// characters.
+// ("con", "nul") and of other machines aren't served.
 #pragma once
 
 #include <windef.h>
@@ -36,7 +35,7 @@ struct Place
 };
 
 /// Finds `path` (UTF-8). 0 when its folder exists, whether there is something of the last name or not. Else
-/// ERROR_PATH_NOT_FOUND, ERROR_INVALID_NAME for a name that can't be, or ERROR_FILENAME_EXCED_RANGE.
+/// ERROR_PATH_NOT_FOUND, or ERROR_INVALID_NAME for a name that can't be.
 DWORD Find(std::string_view path, Place& place);
 
 /// `Find` for something that must exist: ERROR_FILE_NOT_FOUND otherwise.
@@ -45,6 +44,9 @@ DWORD FindExisting(std::string_view path, Place& place);
 /// ERROR_ACCESS_DENIED when the folder that `place` lies in has a mode in which nothing can be made or
 /// removed.
 DWORD CheckFolder(const Place& place);
+
+/// Makes a folder and what is missing above it. ERROR_ALREADY_EXISTS when it was there.
+DWORD CreateFolders(std::string_view path);
 
 /// The error number for `errno` after a call on a file.
 DWORD ErrorOf(int number) noexcept;

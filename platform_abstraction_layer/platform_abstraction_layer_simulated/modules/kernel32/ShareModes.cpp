@@ -1,21 +1,16 @@
 // modules/kernel32/ShareModes.cpp
 //
-// Six bytes far behind the end of any file stand for the claims: reads, writes and deletes that are done, and
-// the three that are denied. A claim is a shared lock on its byte; whether others have it is asked for by the
-// host's query for an exclusive one.
+// Three bytes far behind the end of any file stand for what is denied: reading, writing and deleting. A claim
+// is a shared lock on its byte; whether others have it is asked for by the host's query for an exclusive one.
 
 #include "modules/kernel32/ShareModes.h"
+
+#include "base/Descriptor.h"
 
 #include <winerror.h>
 #include <winnt.h>
 
-#include <fileapi.h>
-
-#include <algorithm>
-#include <array>
 #include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 namespace simulated::share_modes
 {
@@ -23,107 +18,58 @@ namespace simulated::share_modes
 namespace
 {
 
-constexpr off_t kClaimBytes = off_t{1} << 60;
-
 struct Kind
 {
-    DWORD access; ///< the rights that make an opener one of this kind
+    DWORD access; ///< the right that makes an opener one of this kind
     DWORD share;  ///< what an opener grants who doesn't deny it
-    off_t done;
-    off_t denied;
+    off_t place;
 };
 
-constexpr std::array kKinds = {
-    Kind{GENERIC_READ | GENERIC_ALL | FILE_READ_DATA, FILE_SHARE_READ, kClaimBytes, kClaimBytes + 1},
-    Kind{GENERIC_WRITE | GENERIC_ALL | FILE_WRITE_DATA | FILE_APPEND_DATA, FILE_SHARE_WRITE, kClaimBytes + 2,
-         kClaimBytes + 3},
-    Kind{GENERIC_ALL | DELETE, FILE_SHARE_DELETE, kClaimBytes + 4, kClaimBytes + 5},
-};
+constexpr off_t kClaimBytes = off_t{1} << 60;
+constexpr Kind kKinds[] = {{GENERIC_READ, FILE_SHARE_READ, kClaimBytes},
+                           {GENERIC_WRITE, FILE_SHARE_WRITE, kClaimBytes + 1},
+                           {DELETE, FILE_SHARE_DELETE, kClaimBytes + 2}};
 
-constexpr bool IsAccessed(const Kind& kind, DWORD access)
-{
-    return (access & kind.access) != 0;
-}
-
-// An opener that neither reads nor writes nor deletes denies nothing.
-constexpr bool IsDenied(const Kind& kind, DWORD access, DWORD share)
-{
-    const bool isClaimant = std::any_of(kKinds.begin(), kKinds.end(),
-                                        [access](const Kind& any) { return IsAccessed(any, access); });
-    return isClaimant && (share & kind.share) == 0;
-}
-
-struct flock ByteLock(short type, off_t place)
+// What `command` leaves of a lock of `type` on the byte at `place`.
+short Lock(int descriptor, int command, short type, off_t place)
 {
     struct flock lock = {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
     lock.l_start = place;
     lock.l_len = 1;
-    return lock;
-}
-
-bool IsTaken(int descriptor, off_t place)
-{
-    struct flock lock = ByteLock(F_WRLCK, place);
-    return fcntl(descriptor, F_OFD_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
-}
-
-void Take(int descriptor, off_t place)
-{
-    struct flock lock = ByteLock(F_RDLCK, place);
-    fcntl(descriptor, F_OFD_SETLK, &lock);
-}
-
-bool IsRefused(int descriptor, DWORD access, DWORD share)
-{
-    return std::any_of(kKinds.begin(), kKinds.end(),
-                       [=](const Kind& kind)
-                       {
-                           return (IsAccessed(kind, access) && IsTaken(descriptor, kind.denied)) ||
-                                  (IsDenied(kind, access, share) && IsTaken(descriptor, kind.done));
-                       });
+    return fcntl(descriptor, command, &lock) == 0 ? lock.l_type : static_cast<short>(F_UNLCK);
 }
 
 } // namespace
 
-DWORD Claim(int descriptor, DWORD access, DWORD share)
+void Claim(int descriptor, DWORD share)
 {
-    // Between looking and taking nobody else may do the same.
-    flock(descriptor, LOCK_EX);
-    const bool refused = IsRefused(descriptor, access, share);
     for (const Kind& kind : kKinds)
     {
-        if (!refused && IsAccessed(kind, access))
+        if ((share & kind.share) == 0)
         {
-            Take(descriptor, kind.done);
-        }
-        if (!refused && IsDenied(kind, access, share))
-        {
-            Take(descriptor, kind.denied);
+            Lock(descriptor, F_OFD_SETLK, F_RDLCK, kind.place);
         }
     }
-    flock(descriptor, LOCK_UN);
-    return refused ? ERROR_SHARING_VIOLATION : ERROR_SUCCESS;
 }
 
 DWORD Check(const std::string& host, DWORD access)
 {
-    const int descriptor = open(host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0)
-    {
-        return ERROR_SUCCESS;
-    }
-    const DWORD error = Check(descriptor, access);
-    close(descriptor);
-    return error;
+    const Descriptor file(open(host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    return file.IsOpen() ? Check(file.Get(), access) : ERROR_SUCCESS;
 }
 
 DWORD Check(int descriptor, DWORD access)
 {
-    const bool refused =
-        IsRefused(descriptor, access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE);
-    return refused ? ERROR_SHARING_VIOLATION : ERROR_SUCCESS;
+    for (const Kind& kind : kKinds)
+    {
+        if ((access & kind.access) != 0 && Lock(descriptor, F_OFD_GETLK, F_WRLCK, kind.place) != F_UNLCK)
+        {
+            return ERROR_SHARING_VIOLATION;
+        }
+    }
+    return ERROR_SUCCESS;
 }
 
 } // namespace simulated::share_modes

@@ -1,6 +1,6 @@
 // modules/kernel32/ShareModes.h
 //
-// What openers of a file allow each other. The claims are locks on the host's file, so they hold between
+// What an opener of a file denies others. The claims are locks on the host's file, so they hold between
 // processes and end with their holder, killed or not.
 #pragma once
 
@@ -11,13 +11,11 @@
 namespace simulated::share_modes
 {
 
-/// Claims the open file `descriptor` for `access` (GENERIC_... and FILE_..._DATA bits), allowing others what
-/// `share` names. ERROR_SHARING_VIOLATION when another opener's claim stands against it. The claim lasts
-/// until the descriptor is closed. The descriptor must be open for reading.
-DWORD Claim(int descriptor, DWORD access, DWORD share);
+/// Denies others what `share` doesn't name, until the descriptor, which must be open for reading, is closed.
+void Claim(int descriptor, DWORD share);
 
-/// Whether an opener with `access` (GENERIC_READ, GENERIC_WRITE, DELETE) that allows everything would be let
-/// in just now: 0, or ERROR_SHARING_VIOLATION. A file that can't be opened counts as free.
+/// Whether an opener with `access` (GENERIC_READ, GENERIC_WRITE, DELETE) would be let in just now: 0, or
+/// ERROR_SHARING_VIOLATION. A file that can't be opened counts as free.
 DWORD Check(const std::string& host, DWORD access);
 DWORD Check(int descriptor, DWORD access);
 

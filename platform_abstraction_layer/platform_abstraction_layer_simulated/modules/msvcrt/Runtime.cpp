@@ -35,26 +35,22 @@ CallClass ClassOf(std::string path)
     return isLog ? CallClass::Log : CallClass::File;
 }
 
-DWORD OpenStream(const std::string& path, std::string_view mode, FILE*& stream)
+DWORD OpenStream(const std::string& path, const std::string& mode, FILE*& stream)
 {
-    if (mode != "ab")
-    {
-        errno = EINVAL;
-        return ERROR_INVALID_PARAMETER;
-    }
     paths::Place place;
-    if (const DWORD error = paths::Find(path, place); error != ERROR_SUCCESS)
+    DWORD error = paths::Find(path, place);
+    if (error == ERROR_SUCCESS)
     {
-        errno = error == ERROR_INVALID_NAME ? EINVAL : ENOENT;
+        const bool reads = mode == "rb";
+        error = share_modes::Check(place.host, reads ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE);
+        const bool isDenied = place.IsFolder() || (place.IsReadOnly() && !reads);
+        error = error == ERROR_SUCCESS && isDenied ? static_cast<DWORD>(ERROR_ACCESS_DENIED) : error;
+    }
+    if (error != ERROR_SUCCESS)
+    {
         return error;
     }
-    const DWORD refusal = share_modes::Check(place.host, GENERIC_READ | GENERIC_WRITE);
-    if (refusal != ERROR_SUCCESS || place.IsReadOnly() || place.IsFolder())
-    {
-        errno = EACCES;
-        return refusal != ERROR_SUCCESS ? refusal : static_cast<DWORD>(ERROR_ACCESS_DENIED);
-    }
-    stream = std::fopen(place.host.c_str(), "ae");
+    stream = std::fopen(place.host.c_str(), (mode + 'e').c_str());
     return stream != nullptr ? ERROR_SUCCESS : paths::ErrorOf(errno);
 }
 

@@ -9,7 +9,6 @@
 #include "base/PlatformCall.h"
 #include "base/Text.h"
 #include "modules/kernel32/Environment.h"
-#include "modules/kernel32/Files.h"
 #include "modules/kernel32/Paths.h"
 
 #include <windows.h>
@@ -51,7 +50,7 @@ bool IsAbsolute(std::string_view path)
 
 DWORD CreateAbsolute(const std::string& path)
 {
-    return IsAbsolute(path) ? files::CreateFolders(path) : static_cast<DWORD>(ERROR_BAD_PATHNAME);
+    return IsAbsolute(path) ? paths::CreateFolders(path) : static_cast<DWORD>(ERROR_BAD_PATHNAME);
 }
 
 } // namespace

@@ -5,8 +5,8 @@
 #include "base/GuidText.h"
 #include "base/PlatformCall.h"
 #include "base/Text.h"
-#include "modules/kernel32/Files.h"
 #include "modules/kernel32/Modules.h"
+#include "modules/kernel32/Paths.h"
 
 #include <windows.h>
 
@@ -56,8 +56,8 @@ SIM_API BOOL WINAPI PathFileExistsW(LPCWSTR path)
     return call.Boolean(
         [&]
         {
-            DWORD attributes = 0;
-            return files::Attributes(ToUtf8(path), attributes);
+            paths::Place place;
+            return paths::FindExisting(ToUtf8(path), place);
         });
 }
 
