@@ -23,7 +23,6 @@ constexpr std::array<wchar_t, 32> kUpperControls = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 constexpr unsigned char kFirstUpperControl = 0x80;
-constexpr unsigned char kDefaultCharacter = '?';
 constexpr unsigned kLatinCodePage = 1252;
 constexpr unsigned kUtf8CodePage = 65001;
 
@@ -34,32 +33,30 @@ constexpr std::string_view kLatinExtended = "AaAaAaCcCcCcCcDd\xD0"
                                             "dEeEeEeEeEeGgGgGgGgHhHhIiIiIiIiIi??JjKk?LlLlLl??Ll"
                                             "NnNnNn???OoOoOo??RrRrRrSsSsSs??TtTtTtUuUuUuUuUuUuWwYy?ZzZz???";
 
-} // namespace
-
+// The character of a byte; the five bytes without one are control characters.
 wchar_t FromWindows1252(unsigned char byte) noexcept
 {
     const std::size_t index = static_cast<std::size_t>(byte) - kFirstUpperControl;
     return index < kUpperControls.size() ? kUpperControls[index] : static_cast<wchar_t>(byte);
 }
 
-std::optional<unsigned char> ToWindows1252(wchar_t unit) noexcept
+// The byte of a character, or of the one that looks like it, or "?".
+char ToWindows1252(wchar_t unit) noexcept
 {
     if (unit < kFirstUpperControl || (unit >= 0xA0 && unit <= 0xFF))
     {
-        return static_cast<unsigned char>(unit);
+        return static_cast<char>(unit);
     }
     const auto* const found = std::find(kUpperControls.begin(), kUpperControls.end(), unit);
     if (found != kUpperControls.end())
     {
-        return static_cast<unsigned char>(kFirstUpperControl + std::distance(kUpperControls.begin(), found));
+        return static_cast<char>(kFirstUpperControl + std::distance(kUpperControls.begin(), found));
     }
     const std::size_t index = static_cast<std::size_t>(unit) - kFirstLatinExtended;
-    if (index < kLatinExtended.size() && kLatinExtended[index] != '?')
-    {
-        return static_cast<unsigned char>(kLatinExtended[index]);
-    }
-    return std::nullopt;
+    return index < kLatinExtended.size() ? kLatinExtended[index] : '?';
 }
+
+} // namespace
 
 bool IsAnsiCodePage(unsigned codePage) noexcept
 {
@@ -80,13 +77,11 @@ std::string Decode(Encoding encoding, std::string_view bytes)
     std::vector<wchar_t> units;
     if (encoding == Encoding::Windows1252)
     {
-        units.reserve(bytes.size());
         std::transform(bytes.begin(), bytes.end(), std::back_inserter(units),
                        [](char byte) { return FromWindows1252(static_cast<unsigned char>(byte)); });
     }
     else
     {
-        units.reserve(bytes.size() / 2);
         for (std::size_t place = 0; place + 1 < bytes.size(); place += 2)
         {
             units.push_back(static_cast<wchar_t>(static_cast<unsigned char>(bytes[place]) |
@@ -107,7 +102,7 @@ std::string Encode(Encoding encoding, std::string_view text)
     {
         if (encoding == Encoding::Windows1252)
         {
-            bytes += static_cast<char>(ToWindows1252(unit).value_or(kDefaultCharacter));
+            bytes += ToWindows1252(unit);
         }
         else
         {

@@ -5,7 +5,6 @@
 
 #include <windef.h>
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,12 +30,5 @@ std::string Decode(Encoding encoding, std::string_view bytes);
 
 /// UTF-8 text in `encoding`, with "?" for what it lacks.
 std::string Encode(Encoding encoding, std::string_view text);
-
-/// The character of a byte in code page 1252; the five bytes without a character are control characters.
-wchar_t FromWindows1252(unsigned char byte) noexcept;
-
-/// The byte of a character in code page 1252, or of the one that looks like it; nothing when there is
-/// neither.
-std::optional<unsigned char> ToWindows1252(wchar_t unit) noexcept;
 
 } // namespace simulated

@@ -1,13 +1,12 @@
 // base/IniDocument.cpp
 //
-// A walk over lines, and edits of the bytes at the places that it finds.
+// A walk over lines, and edits of the text at the places that it finds.
 
 #include "base/IniDocument.h"
 
 #include "base/Text.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace simulated
 {
@@ -17,344 +16,195 @@ namespace
 
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kBlanks = " \t\v\f";
 
-constexpr bool IsBlank(unsigned unit)
+std::string_view Trim(std::string_view text)
 {
-    return unit == ' ' || unit == '\t' || unit == '\v' || unit == '\f';
-}
-
-constexpr bool IsLineEnd(unsigned unit)
-{
-    return unit == '\r' || unit == '\n';
-}
-
-constexpr unsigned FoldPlain(unsigned unit)
-{
-    return unit >= 'a' && unit <= 'z' ? unit - 0x20 : unit;
-}
-
-std::string_view TrimName(std::string_view name)
-{
-    while (!name.empty() && IsBlank(static_cast<unsigned char>(name.front())))
-    {
-        name.remove_prefix(1);
-    }
-    while (!name.empty() && IsBlank(static_cast<unsigned char>(name.back())))
-    {
-        name.remove_suffix(1);
-    }
-    return name;
+    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
 }
 
 } // namespace
 
-IniDocument::IniDocument(std::string bytes, Encoding narrow)
-    : m_bytes(std::move(bytes)), m_encoding(m_bytes.starts_with(kUtf16Mark) ? Encoding::Utf16 : narrow),
-      m_width(m_encoding == Encoding::Utf16 ? 2 : 1)
+struct IniDocument::Line
+{
+    enum class Kind
+    {
+        Header,
+        Entry,
+        Blank,
+        Other ///< a comment, or nothing that means anything
+    };
+    Kind kind;
+    std::string_view name;  ///< of a header or an entry, blanks trimmed
+    std::string_view value; ///< of an entry, everything behind the "="
+    std::size_t next;       ///< where the line behind it begins
+};
+
+// Where a section stands, and what was looked for in it.
+struct IniDocument::Section
+{
+    std::size_t begin;
+    std::size_t lastEnd; ///< behind the last line that isn't blank
+    std::size_t end;     ///< where the next header begins
+    std::size_t keyBegin = 0;
+    std::optional<Line> key = {};
+};
+
+IniDocument::IniDocument(std::string_view bytes, Encoding narrow)
+    : m_isUtf16(bytes.starts_with(kUtf16Mark)), m_encoding(m_isUtf16 ? Encoding::Utf8 : narrow),
+      m_text(m_isUtf16 ? Decode(Encoding::Utf16, bytes.substr(kUtf16Mark.size())) : bytes)
 {
 }
 
-std::size_t IniDocument::Start() const noexcept
+std::string IniDocument::Bytes() const
 {
-    return m_encoding == Encoding::Utf16 ? kUtf16Mark.size() : 0;
-}
-
-// A lone byte at the end of UTF-16 text is no text, and stays the last.
-std::size_t IniDocument::End() const noexcept
-{
-    return m_bytes.size() - m_bytes.size() % m_width;
-}
-
-unsigned IniDocument::UnitAt(std::size_t place) const noexcept
-{
-    const unsigned low = static_cast<unsigned char>(m_bytes[place]);
-    return m_width == 1 ? low
-                        : low | (static_cast<unsigned>(static_cast<unsigned char>(m_bytes[place + 1])) << 8);
+    return m_isUtf16 ? std::string(kUtf16Mark) + Encode(Encoding::Utf16, m_text) : m_text;
 }
 
 IniDocument::Line IniDocument::LineAt(std::size_t begin) const noexcept
 {
-    const std::size_t end = End();
-    std::size_t place = begin;
-    if (m_width == 1)
+    const std::string_view rest = std::string_view(m_text).substr(begin);
+    const std::string_view upToFeed = rest.substr(0, rest.find('\n'));
+    const std::size_t size = std::min(upToFeed.find('\r'), upToFeed.size());
+    const std::size_t endSize = rest.substr(size).starts_with(kLineEnd) ? 2 : size < rest.size();
+    const std::size_t next = begin + size + endSize;
+    const std::string_view line = rest.substr(0, size);
+    const std::string_view text = Trim(line);
+    if (text.empty())
     {
-        const std::string_view rest = std::string_view(m_bytes).substr(begin);
-        const std::string_view line = rest.substr(0, rest.find('\n'));
-        place += std::min(line.find('\r'), line.size());
+        return {Line::Kind::Blank, {}, {}, next};
     }
-    while (place < end && !IsLineEnd(UnitAt(place)))
+    // What stands behind the last bracket is ignored; without a bracket the line is none of a header.
+    const std::size_t bracket = text.front() == '[' ? text.rfind(']') : std::string_view::npos;
+    if (bracket != std::string_view::npos)
     {
-        place += m_width;
+        return {Line::Kind::Header, Trim(text.substr(1, bracket - 1)), {}, next};
     }
-    Line line = {{begin, place}, place};
-    if (place < end)
+    const std::size_t equals = line.find('=');
+    if (text.front() == ';' || equals == std::string_view::npos)
     {
-        line.next += m_width;
-        if (UnitAt(place) == '\r' && line.next < end && UnitAt(line.next) == '\n')
-        {
-            line.next += m_width;
-        }
+        return {Line::Kind::Other, {}, {}, next};
     }
-    return line;
+    return {Line::Kind::Entry, Trim(line.substr(0, equals)), line.substr(equals + 1), next};
 }
 
-IniDocument::Span IniDocument::Trim(Span span) const noexcept
+std::string IniDocument::Text(std::string_view text) const
 {
-    while (span.begin < span.end && IsBlank(UnitAt(span.begin)))
-    {
-        span.begin += m_width;
-    }
-    while (span.begin < span.end && IsBlank(UnitAt(span.end - m_width)))
-    {
-        span.end -= m_width;
-    }
-    return span;
+    return Decode(m_encoding, text.substr(0, text.find('\0')));
 }
 
-IniDocument::Parsed IniDocument::Parse(Span line) const noexcept
+bool IniDocument::IsName(std::string_view text, std::string_view name) const
 {
-    const Span text = Trim(line);
-    if (text.begin == text.end)
+    // Most names are plain; only one with other characters is decoded.
+    const bool isPlain = std::all_of(text.begin(), text.end(), [](char byte) { return byte > 0; });
+    return isPlain ? EqualIgnoringCase(text, name) : EqualIgnoringCase(Text(text), name);
+}
+
+std::optional<IniDocument::Section> IniDocument::Find(std::string_view section, std::string_view key) const
+{
+    const std::string_view wantedSection = Trim(section);
+    const std::string_view wantedKey = Trim(key);
+    std::optional<Section> found;
+    for (std::size_t place = 0; place < m_text.size();)
     {
-        return {Kind::Blank, {}, {}};
-    }
-    const unsigned first = UnitAt(text.begin);
-    if (first == ';')
-    {
-        return {Kind::Other, {}, {}};
-    }
-    if (first == '[')
-    {
-        // What stands behind the last bracket is ignored; without a bracket the line is none of a header.
-        for (std::size_t place = text.end; place > text.begin + m_width; place -= m_width)
+        const Line line = LineAt(place);
+        if (line.kind == Line::Kind::Header)
         {
-            if (UnitAt(place - m_width) == ']')
+            if (found)
             {
-                return {Kind::Header, Trim({text.begin + m_width, place - m_width}), {}};
+                return found;
+            }
+            if (IsName(line.name, wantedSection))
+            {
+                found = Section{place, line.next, line.next};
             }
         }
-    }
-    const std::size_t equals = Find('=', text);
-    if (equals == text.end)
-    {
-        return {Kind::Other, {}, {}};
-    }
-    return {Kind::Entry, Trim({text.begin, equals}), {equals + m_width, line.end}};
-}
-
-// Where a plain character stands in `span`, or the span's end.
-std::size_t IniDocument::Find(char character, Span span) const noexcept
-{
-    if (m_width == 1)
-    {
-        const std::string_view text = std::string_view(m_bytes).substr(span.begin, span.end - span.begin);
-        return span.begin + std::min(text.find(character), text.size());
-    }
-    std::size_t place = span.begin;
-    while (place < span.end && UnitAt(place) != static_cast<unsigned char>(character))
-    {
-        place += m_width;
-    }
-    return place;
-}
-
-std::string IniDocument::Text(Span span) const
-{
-    std::string text =
-        Decode(m_encoding, std::string_view(m_bytes).substr(span.begin, span.end - span.begin));
-    text.resize(std::min(text.size(), text.find('\0')));
-    return text;
-}
-
-// Plain letters are compared in place; only a name with others is decoded.
-bool IniDocument::IsName(Span span, std::string_view name) const
-{
-    std::size_t place = span.begin;
-    for (const char wanted : name)
-    {
-        const unsigned unit = place < span.end ? UnitAt(place) : 0;
-        if (unit == 0 || unit >= 0x80 || static_cast<unsigned char>(wanted) >= 0x80)
+        else if (found)
         {
-            return EqualIgnoringCase(Text(span), name);
+            if (line.kind == Line::Kind::Entry && !found->key && IsName(line.name, wantedKey))
+            {
+                found->keyBegin = place;
+                found->key = line;
+            }
+            found->lastEnd = line.kind == Line::Kind::Blank ? found->lastEnd : line.next;
         }
-        if (FoldPlain(unit) != FoldPlain(static_cast<unsigned char>(wanted)))
+        place = line.next;
+        if (found)
         {
-            return false;
-        }
-        place += m_width;
-    }
-    return place == span.end || UnitAt(place) == 0;
-}
-
-// Visits the lines from `begin` to `end` until the visitor answers false.
-template <class Visit>
-void IniDocument::Walk(std::size_t begin, std::size_t end, Visit visit) const
-{
-    while (begin < end)
-    {
-        const Line line = LineAt(begin);
-        if (!visit(line, Parse(line.text)))
-        {
-            return;
-        }
-        begin = line.next;
-    }
-}
-
-// The first header whose line begins at `begin` or behind it. Only lines with a bracket are looked at.
-std::optional<IniDocument::Header> IniDocument::NextHeader(std::size_t begin) const noexcept
-{
-    const std::size_t end = End();
-    for (std::size_t place = Find('[', {begin, end}); place < end; place = Find('[', {place + m_width, end}))
-    {
-        std::size_t lineBegin = place;
-        while (lineBegin > begin && IsBlank(UnitAt(lineBegin - m_width)))
-        {
-            lineBegin -= m_width;
-        }
-        if (lineBegin > begin && !IsLineEnd(UnitAt(lineBegin - m_width)))
-        {
-            continue;
-        }
-        const Line line = LineAt(lineBegin);
-        if (const Parsed parsed = Parse(line.text); parsed.kind == Kind::Header)
-        {
-            return Header{line, parsed.name};
+            found->end = place;
         }
     }
-    return std::nullopt;
-}
-
-std::optional<IniDocument::Section> IniDocument::FindSection(std::string_view name) const
-{
-    const std::string_view wanted = TrimName(name);
-    std::optional<Header> header = NextHeader(Start());
-    while (header && !IsName(header->name, wanted))
-    {
-        header = NextHeader(header->line.next);
-    }
-    if (!header)
-    {
-        return std::nullopt;
-    }
-    const std::optional<Header> following = NextHeader(header->line.next);
-    return Section{header->line.text.begin, header->line.next,
-                   following ? following->line.text.begin : End()};
-}
-
-std::optional<IniDocument::Line> IniDocument::FindKey(const Section& section, std::string_view key) const
-{
-    const std::string_view wanted = TrimName(key);
-    std::optional<Line> found;
-    Walk(section.body, section.end,
-         [&](const Line& line, const Parsed& parsed)
-         {
-             if (parsed.kind == Kind::Entry && IsName(parsed.name, wanted))
-             {
-                 found = line;
-             }
-             return !found;
-         });
     return found;
 }
 
 std::optional<std::string> IniDocument::Value(std::string_view section, std::string_view key) const
 {
-    const std::optional<Section> place = FindSection(section);
-    const std::optional<Line> line = place ? FindKey(*place, key) : std::nullopt;
-    if (!line)
-    {
-        return std::nullopt;
-    }
-    return Text(Trim(Parse(line->text).value));
+    const std::optional<Section> found = Find(section, key);
+    return found && found->key ? std::optional(Text(Trim(found->key->value))) : std::nullopt;
 }
 
 std::vector<IniSection> IniDocument::Contents() const
 {
     std::vector<IniSection> sections;
-    Walk(Start(), End(),
-         [&](const Line&, const Parsed& parsed)
-         {
-             if (parsed.kind == Kind::Header)
-             {
-                 sections.push_back({Text(parsed.name), {}});
-             }
-             else if (parsed.kind == Kind::Entry && !sections.empty())
-             {
-                 sections.back().entries.emplace_back(Text(parsed.name), Text(Trim(parsed.value)));
-             }
-             return true;
-         });
+    for (std::size_t place = 0; place < m_text.size();)
+    {
+        const Line line = LineAt(place);
+        if (line.kind == Line::Kind::Header)
+        {
+            sections.push_back({Text(line.name), {}});
+        }
+        else if (line.kind == Line::Kind::Entry && !sections.empty())
+        {
+            sections.back().entries.emplace_back(Text(line.name), Text(Trim(line.value)));
+        }
+        place = line.next;
+    }
     return sections;
 }
 
 // Puts whole lines at the beginning of a line, or behind a last line that has no end yet.
 void IniDocument::InsertLines(std::size_t place, std::string_view lines)
 {
-    std::string text;
-    if (place > Start() && !IsLineEnd(UnitAt(place - m_width)))
-    {
-        text = kLineEnd;
-    }
-    text += lines;
-    m_bytes.insert(place, Encode(m_encoding, text));
+    const bool isEnded = place == 0 || kLineEnd.find(m_text[place - 1]) != std::string_view::npos;
+    m_text.insert(place, Encode(m_encoding, std::string(isEnded ? "" : kLineEnd).append(lines)));
 }
 
 void IniDocument::Set(std::string_view section, std::string_view key, std::string_view value)
 {
-    std::string entry(TrimName(key));
-    entry += '=';
-    entry += value;
-    entry += kLineEnd;
-
-    const std::optional<Section> place = FindSection(section);
-    if (!place)
+    const std::string entry = std::string(Trim(key)).append("=").append(value).append(kLineEnd);
+    const std::optional<Section> found = Find(section, key);
+    if (!found)
     {
-        std::string lines = "[";
-        lines += TrimName(section);
-        lines += ']';
-        lines += kLineEnd;
-        InsertLines(End(), lines + entry);
-        return;
+        InsertLines(m_text.size(), std::string("[").append(Trim(section)).append("]\r\n").append(entry));
     }
-    if (const std::optional<Line> line = FindKey(*place, key))
+    else if (found->key)
     {
-        const Span old = Parse(line->text).value;
-        m_bytes.replace(old.begin, old.end - old.begin, Encode(m_encoding, value));
-        return;
+        const std::string_view old = found->key->value;
+        m_text.replace(static_cast<std::size_t>(old.data() - m_text.data()), old.size(),
+                       Encode(m_encoding, value));
     }
-    // Blank lines that set the next section apart stay between the two.
-    std::size_t behind = place->body;
-    Walk(place->body, place->end,
-         [&](const Line& line, const Parsed& parsed)
-         {
-             behind = parsed.kind == Kind::Blank ? behind : line.next;
-             return true;
-         });
-    InsertLines(behind, entry);
+    else
+    {
+        // Blank lines that set the next section apart stay between the two.
+        InsertLines(found->lastEnd, entry);
+    }
 }
 
-bool IniDocument::Remove(std::string_view section, std::string_view key)
+void IniDocument::Remove(std::string_view section, std::string_view key)
 {
-    const std::optional<Section> place = FindSection(section);
-    const std::optional<Line> line = place ? FindKey(*place, key) : std::nullopt;
-    if (!line)
+    if (const std::optional<Section> found = Find(section, key); found && found->key)
     {
-        return false;
+        m_text.erase(found->keyBegin, found->key->next - found->keyBegin);
     }
-    m_bytes.erase(line->text.begin, line->next - line->text.begin);
-    return true;
 }
 
-bool IniDocument::Remove(std::string_view section)
+void IniDocument::Remove(std::string_view section)
 {
-    const std::optional<Section> place = FindSection(section);
-    if (!place)
+    if (const std::optional<Section> found = Find(section))
     {
-        return false;
+        m_text.erase(found->begin, found->end - found->begin);
     }
-    m_bytes.erase(place->begin, place->end - place->begin);
-    return true;
 }
 
 } // namespace simulated

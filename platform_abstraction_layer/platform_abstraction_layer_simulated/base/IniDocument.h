@@ -31,7 +31,7 @@ class IniDocument
 {
 public:
     /// `bytes` are UTF-16 when they begin with its little-endian mark, else in `narrow`.
-    IniDocument(std::string bytes, Encoding narrow);
+    IniDocument(std::string_view bytes, Encoding narrow);
 
     /// The text behind the "=", without the blanks around it; cut at a NUL.
     std::optional<std::string> Value(std::string_view section, std::string_view key) const;
@@ -43,71 +43,26 @@ public:
     /// section at the end.
     void Set(std::string_view section, std::string_view key, std::string_view value);
 
-    /// Removes the key's line, or the section from its header up to the next one. False when there is none.
-    bool Remove(std::string_view section, std::string_view key);
-    bool Remove(std::string_view section);
+    /// Removes the key's line, or the section from its header up to the next one, where there is one.
+    void Remove(std::string_view section, std::string_view key);
+    void Remove(std::string_view section);
 
-    const std::string& Bytes() const noexcept
-    {
-        return m_bytes;
-    }
+    /// What is to be written to the file.
+    std::string Bytes() const;
 
 private:
-    /// A stretch of the bytes.
-    struct Span
-    {
-        std::size_t begin;
-        std::size_t end;
-    };
-    struct Line
-    {
-        Span text;
-        std::size_t next; ///< behind the line's end
-    };
-    struct Header
-    {
-        Line line;
-        Span name;
-    };
-    enum class Kind
-    {
-        Header,
-        Entry,
-        Blank,
-        Other ///< a comment, or nothing that means anything
-    };
-    struct Parsed
-    {
-        Kind kind;
-        Span name;  ///< of a header or an entry, blanks trimmed
-        Span value; ///< of an entry, everything behind the "="
-    };
-    struct Section
-    {
-        std::size_t begin;
-        std::size_t body;
-        std::size_t end;
-    };
+    struct Line;
+    struct Section;
 
-    std::size_t Start() const noexcept;
-    std::size_t End() const noexcept;
-    unsigned UnitAt(std::size_t place) const noexcept;
     Line LineAt(std::size_t begin) const noexcept;
-    Parsed Parse(Span line) const noexcept;
-    std::optional<Header> NextHeader(std::size_t begin) const noexcept;
-    std::size_t Find(char character, Span span) const noexcept;
-    Span Trim(Span span) const noexcept;
-    std::string Text(Span span) const;
-    bool IsName(Span span, std::string_view name) const;
-    std::optional<Section> FindSection(std::string_view name) const;
-    std::optional<Line> FindKey(const Section& section, std::string_view key) const;
-    template <class Visit>
-    void Walk(std::size_t begin, std::size_t end, Visit visit) const;
+    bool IsName(std::string_view text, std::string_view name) const;
+    std::string Text(std::string_view text) const;
+    std::optional<Section> Find(std::string_view section, std::string_view key = {}) const;
     void InsertLines(std::size_t place, std::string_view lines);
 
-    std::string m_bytes;
-    Encoding m_encoding;
-    std::size_t m_width; ///< bytes of a unit
+    bool m_isUtf16;
+    Encoding m_encoding; ///< of `m_text`
+    std::string m_text;  ///< of a UTF-16 file as UTF-8, else the file's bytes
 };
 
 } // namespace simulated

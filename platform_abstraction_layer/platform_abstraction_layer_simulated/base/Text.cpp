@@ -4,6 +4,8 @@
 
 #include "base/Text.h"
 
+#include <algorithm>
+
 namespace simulated
 {
 
@@ -20,65 +22,42 @@ constexpr bool IsLowSurrogate(unsigned unit)
     return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
+constexpr unsigned kReplacement = 0xFFFD;
+
 void AppendUtf8(std::string& target, unsigned point)
 {
-    const auto put = [&target](unsigned byte) { target += static_cast<char>(byte); };
     if (point < 0x80)
     {
-        put(point);
+        target += static_cast<char>(point);
+        return;
     }
-    else if (point < 0x800)
+    const unsigned trailing = point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
+    target += static_cast<char>((0xFF00U >> (trailing + 1)) | (point >> (6 * trailing)));
+    for (unsigned left = trailing; left-- > 0;)
     {
-        put(0xC0 | (point >> 6));
-        put(0x80 | (point & 0x3F));
-    }
-    else if (point < 0x10000)
-    {
-        put(0xE0 | (point >> 12));
-        put(0x80 | ((point >> 6) & 0x3F));
-        put(0x80 | (point & 0x3F));
-    }
-    else
-    {
-        put(0xF0 | (point >> 18));
-        put(0x80 | ((point >> 12) & 0x3F));
-        put(0x80 | ((point >> 6) & 0x3F));
-        put(0x80 | (point & 0x3F));
+        target += static_cast<char>(0x80 | ((point >> (6 * left)) & 0x3F));
     }
 }
 
-// The code point at `place`, which moves behind it. A byte that begins no sequence stands for U+FFFD.
+// The code point at `place`, which moves behind it. What is no character of UTF-8 stands for U+FFFD.
 unsigned NextPoint(std::string_view source, std::size_t& place)
 {
-    const auto byteAt = [source](std::size_t at)
-    { return at < source.size() ? static_cast<unsigned char>(source[at]) : 0u; };
-    const unsigned lead = byteAt(place++);
-    const unsigned trailing = lead < 0x80   ? 0
-                              : lead < 0xC2 ? 4
-                              : lead < 0xE0 ? 1
-                              : lead < 0xF0 ? 2
-                              : lead < 0xF5 ? 3
-                                            : 4;
-    if (trailing == 0)
+    const unsigned lead = static_cast<unsigned char>(source[place++]);
+    if (lead < 0x80)
     {
         return lead;
     }
-    if (trailing == 4)
+    const unsigned trailing = lead < 0xC2 || lead > 0xF4 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+    unsigned point = lead & (0x3FU >> trailing);
+    unsigned met = 0;
+    for (; met < trailing && place < source.size() && (source[place] & 0xC0) == 0x80; ++met, ++place)
     {
-        return 0xFFFD;
+        point = (point << 6) | (static_cast<unsigned>(source[place]) & 0x3F);
     }
-    unsigned point = lead & (0x3Fu >> trailing);
-    for (unsigned index = 0; index < trailing; ++index)
-    {
-        const unsigned next = byteAt(place + index);
-        if ((next & 0xC0) != 0x80)
-        {
-            return 0xFFFD;
-        }
-        point = (point << 6) | (next & 0x3F);
-    }
-    place += trailing;
-    return point;
+    constexpr unsigned kLowest[] = {0, 0x80, 0x800, 0x10000};
+    const bool isCharacter =
+        trailing > 0 && met == trailing && point >= kLowest[trailing] && point <= 0x10FFFF;
+    return isCharacter ? point : kReplacement;
 }
 
 // Upper case of the alphabets that names on such a machine are written in: Latin, Greek, Cyrillic.
@@ -169,11 +148,7 @@ bool CopyToUtf16(std::string_view source, wchar_t* target, std::size_t capacity)
     {
         return false;
     }
-    for (std::size_t index = 0; index < units.size(); ++index)
-    {
-        target[index] = units[index];
-    }
-    target[units.size()] = 0;
+    *std::copy(units.begin(), units.end(), target) = 0;
     return true;
 }
 
