@@ -3,11 +3,11 @@
 // Boards: their objects, their lock, their bounds.
 
 #include "acceptance/Seeding.h"
-#include "base/DebugOutput.h"
 #include "base/Trace.h"
 #include "foundation/InterProcessBoard.h"
 #include "foundation/Results.h"
 #include "foundation/Text.h"
+#include "modules/kernel32/DebugOutput.h"
 #include "support/NotebookTest.h"
 
 #include <gmock/gmock.h>

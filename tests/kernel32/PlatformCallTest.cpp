@@ -2,7 +2,6 @@
 //
 // What all tests of the plug-in trust: its calls, and no others, are traced, refused and counted.
 
-#include "base/PlugInModule.h"
 #include "base/Trace.h"
 #include "kernel32/OwnedHandle.h"
 #include "support/NotebookTest.h"

@@ -19,7 +19,7 @@ bool Become(const std::string& notebook, const std::vector<std::string>& options
     dup2(input, STDIN_FILENO);
     dup2(output, STDOUT_FILENO);
     dup2(output, STDERR_FILENO);
-    for (const char* const name : {"SIM_ACCOUNT", "SIM_CLOCK", "SIM_DEBUG_OUTPUT", "SIM_FAULTS", "SIM_TRACE"})
+    for (const char* const name : {"SIM_ACCOUNT", "SIM_CLOCK", "SIM_DEBUG_OUTPUT", "SIM_TRACE"})
     {
         unsetenv(name);
     }

@@ -5,10 +5,10 @@
 #include "support/NotebookTest.h"
 
 #include "base/Clock.h"
-#include "base/DebugOutput.h"
 #include "base/Trace.h"
 #include "machine/KernelDriver.h"
 #include "machine/Machine.h"
+#include "modules/kernel32/DebugOutput.h"
 
 #include <filesystem>
 #include <unistd.h>

@@ -6,7 +6,6 @@
 
 #include "acceptance/RequestWords.h"
 #include "acceptance/Seeding.h"
-#include "base/DebugOutput.h"
 #include "base/Trace.h"
 #include "control/Adapters.h"
 #include "control/Batteries.h"
@@ -16,6 +15,7 @@
 #include "machine/Accounts.h"
 #include "machine/EmbeddedController.h"
 #include "machine/Machine.h"
+#include "modules/kernel32/DebugOutput.h"
 
 #include <powrprof.h>
 

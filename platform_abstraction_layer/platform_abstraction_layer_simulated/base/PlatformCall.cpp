@@ -5,10 +5,10 @@
 #include "base/PlatformCall.h"
 
 #include "base/GuidText.h"
-#include "base/PlugInModule.h"
 #include "base/Text.h"
 #include "base/Trace.h"
-#include "base/TraceSink.h"
+
+#include <winbase.h>
 
 #include <array>
 #include <atomic>
@@ -27,6 +27,7 @@ constexpr std::array<const char*, static_cast<std::size_t>(CallClass::kCount)> k
 // Long texts would drown the line; what is cut is seldom what the reader looks for.
 constexpr std::size_t kLongestText = 120;
 
+thread_local DWORD lastError = ERROR_SUCCESS;
 thread_local std::uint64_t currentCall = 0;
 std::atomic<std::uint64_t> lastCall{0};
 
@@ -39,8 +40,8 @@ const char* Name(CallClass callClass) noexcept
 
 PlatformCall::PlatformCall(CallClass callClass, const char* function, const void* caller) noexcept
     : m_class(callClass), m_function(function), m_caller(caller), m_observed(IsInPlugIn(caller)),
-      m_traced(m_observed && TraceSink::IsListening()),
-      m_fault(m_observed ? TraceSink::Enter(callClass, function) : ERROR_SUCCESS), m_outer(currentCall)
+      m_traced(m_observed && Trace::IsListening()),
+      m_fault(m_observed ? Trace::Enter(callClass, function) : ERROR_SUCCESS), m_outer(currentCall)
 {
     if (m_observed || m_outer == 0)
     {
@@ -85,6 +86,11 @@ BOOL PlatformCall::FinishBoolean(DWORD error)
     return error == ERROR_SUCCESS ? TRUE : FALSE;
 }
 
+void PlatformCall::SetError(DWORD error) noexcept
+{
+    lastError = error;
+}
+
 void PlatformCall::AnswerNothing()
 {
     if (m_traced)
@@ -95,31 +101,25 @@ void PlatformCall::AnswerNothing()
 
 void PlatformCall::AddToTrace(bool succeeded, const std::string& answer, DWORD error)
 {
-    TraceSink::Add({m_class, m_function, m_arguments, answer, succeeded, error, m_caller});
+    Trace::Add({m_class, m_function, m_arguments, answer, succeeded, error, m_caller});
 }
 
 std::string PlatformCall::Describe(const wchar_t* text)
 {
     // A resource or ordinal number travels in a text pointer.
-    if (reinterpret_cast<std::uintptr_t>(text) < 0x10000)
-    {
-        return text == nullptr ? "null" : Describe(reinterpret_cast<std::uintptr_t>(text));
-    }
-    std::string shown = ToUtf8(text);
-    if (shown.size() > kLongestText)
-    {
-        shown = shown.substr(0, kLongestText) + "...";
-    }
-    return '"' + shown + '"';
+    const auto number = reinterpret_cast<std::uintptr_t>(text);
+    return number >= 0x10000 ? Describe(ToUtf8(text).c_str()) : number == 0 ? "null" : Describe(number);
 }
 
 std::string PlatformCall::Describe(const char* text)
 {
-    if (reinterpret_cast<std::uintptr_t>(text) < 0x10000)
+    const auto number = reinterpret_cast<std::uintptr_t>(text);
+    if (number < 0x10000)
     {
-        return text == nullptr ? "null" : Describe(reinterpret_cast<std::uintptr_t>(text));
+        return number == 0 ? "null" : Describe(number);
     }
-    return '"' + std::string(text).substr(0, kLongestText) + '"';
+    const std::string_view shown = text;
+    return '"' + std::string(shown.substr(0, kLongestText)) + (shown.size() > kLongestText ? "...\"" : "\"");
 }
 
 std::string PlatformCall::Describe(const void* pointer)
@@ -155,3 +155,15 @@ std::string PlatformCall::Describe(unsigned long long number)
 }
 
 } // namespace simulated
+
+// Neither function is an entrance: looking at the last error is no work of the platform, and a fault there
+// would hide the error that it reports.
+SIM_API DWORD WINAPI GetLastError()
+{
+    return simulated::lastError;
+}
+
+SIM_API void WINAPI SetLastError(DWORD error)
+{
+    simulated::lastError = error;
+}

@@ -4,8 +4,6 @@
 
 #include "base/Trace.h"
 
-#include "base/TraceSink.h"
-
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
@@ -13,7 +11,6 @@
 #include <cstring>
 #include <map>
 #include <mutex>
-#include <sstream>
 
 namespace simulated
 {
@@ -51,31 +48,6 @@ struct TraceState
     {
         const char* trace = std::getenv("SIM_TRACE");
         printing = trace != nullptr && std::strcmp(trace, "0") != 0;
-        const char* list = std::getenv("SIM_FAULTS");
-        if (list != nullptr)
-        {
-            ReadFaults(list);
-        }
-    }
-
-    void ReadFaults(const std::string& list)
-    {
-        std::istringstream entries(list);
-        std::string entry;
-        while (std::getline(entries, entry, ';'))
-        {
-            const auto first = entry.find(':');
-            const auto second = entry.find(':', first + 1);
-            if (first == std::string::npos || second == std::string::npos)
-            {
-                std::fprintf(stderr, "SIM_FAULTS: '%s' isn't FUNCTION:NTH:ERROR\n", entry.c_str());
-                continue;
-            }
-            const unsigned long nth = std::strtoul(entry.c_str() + first + 1, nullptr, 10);
-            const unsigned long error = std::strtoul(entry.c_str() + second + 1, nullptr, 10);
-            faults.push_back({entry.substr(0, first), static_cast<unsigned>(nth), static_cast<DWORD>(error),
-                              false, false});
-        }
     }
 };
 
@@ -85,15 +57,30 @@ TraceState& TheTraceState()
     return state;
 }
 
+std::atomic<std::uintptr_t> rangeBegin{0};
+std::atomic<std::uintptr_t> rangeEnd{0};
+
 } // namespace
 
-bool TraceSink::IsListening() noexcept
+bool IsInPlugIn(const void* address) noexcept
+{
+    const auto place = reinterpret_cast<std::uintptr_t>(address);
+    return place >= rangeBegin && place < rangeEnd;
+}
+
+void SetPlugInRange(const void* begin, const void* end) noexcept
+{
+    rangeBegin = reinterpret_cast<std::uintptr_t>(begin);
+    rangeEnd = reinterpret_cast<std::uintptr_t>(end);
+}
+
+bool Trace::IsListening() noexcept
 {
     const TraceState& state = TheTraceState();
     return state.recording || state.printing;
 }
 
-DWORD TraceSink::Enter(CallClass callClass, const char* function) noexcept
+DWORD Trace::Enter(CallClass callClass, const char* function) noexcept
 {
     TraceState& state = TheTraceState();
     const std::lock_guard lock(state.mutex);
@@ -101,28 +88,15 @@ DWORD TraceSink::Enter(CallClass callClass, const char* function) noexcept
     DWORD refusal = ERROR_SUCCESS;
     for (Fault& fault : state.faults)
     {
-        if (fault.function != "*" && fault.function != function)
-        {
-            continue;
-        }
-        if (fault.callsToGo > 0)
-        {
-            --fault.callsToGo;
-        }
-        else if (!fault.repeat)
-        {
-            continue;
-        }
-        if (fault.callsToGo == 0)
-        {
-            fault.hit = true;
-            refusal = fault.error;
-        }
+        const bool isMeant = fault.function == "*" || fault.function == function;
+        const bool isDue = isMeant && (fault.callsToGo == 0 ? fault.repeat : --fault.callsToGo == 0);
+        fault.hit = fault.hit || isDue;
+        refusal = isDue ? fault.error : refusal;
     }
     return refusal;
 }
 
-void TraceSink::Add(TracedCall call)
+void Trace::Add(TracedCall call)
 {
     TraceState& state = TheTraceState();
     const std::lock_guard lock(state.mutex);

@@ -1,7 +1,7 @@
 // base/Trace.h
 //
 // What the plug-in asked of the platform, in order, and the faults that a test or a tool injects there.
-// Both see only calls that the plug-in itself makes.
+// Both see only calls that the plug-in itself makes: those that return to an address inside of it.
 #pragma once
 
 #include "base/PlatformCall.h"
@@ -12,6 +12,12 @@
 
 namespace simulated
 {
+
+/// True when `address` lies in the loaded plug-in.
+bool IsInPlugIn(const void* address) noexcept;
+
+/// Notes that the plug-in occupies the addresses from `begin` up to `end`; null and null when it is unloaded.
+void SetPlugInRange(const void* begin, const void* end) noexcept;
 
 /// One call as it was made and answered.
 struct TracedCall
@@ -42,10 +48,15 @@ public:
     /// How many calls each class has made since the last `Clear`; counted also when nothing is recorded.
     static std::array<unsigned, static_cast<std::size_t>(CallClass::kCount)> Counts();
     static unsigned Count(CallClass callClass);
+
+    /// For the entrance of the platform functions: whether calls are worth describing; a call is counted, and
+    /// answered the error of the injected fault that refuses it, or 0; a call has returned.
+    static bool IsListening() noexcept;
+    static DWORD Enter(CallClass callClass, const char* function) noexcept;
+    static void Add(TracedCall call);
 };
 
-/// Refusals that are due. `SIM_FAULTS` in the environment holds a list such as
-/// "CreateFileW:1:5;*:7:8" (function or *, which call from now on, error number).
+/// Refusals that are due.
 class Faults
 {
 public:

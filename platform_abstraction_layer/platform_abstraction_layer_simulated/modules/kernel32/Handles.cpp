@@ -6,24 +6,6 @@
 
 #include <windows.h>
 
-namespace simulated
-{
-
-namespace
-{
-
-DWORD Close(HANDLE handle)
-{
-    const auto object = HandleTable::Find(handle);
-    const bool closedElsewhere =
-        object != nullptr && (object->Kind() == ObjectKind::Key || object->Kind() == ObjectKind::DeviceList);
-    return closedElsewhere ? ERROR_INVALID_HANDLE : HandleTable::Close(handle);
-}
-
-} // namespace
-
-} // namespace simulated
-
 using namespace simulated;
 
 // The pseudo handles of process and thread are closed without effect.
@@ -34,7 +16,13 @@ SIM_API BOOL WINAPI CloseHandle(HANDLE handle)
     return call.Release(
         [&]() -> DWORD
         {
-            const bool isPseudo = handle == GetCurrentProcess() || handle == GetCurrentThread();
-            return isPseudo ? ERROR_SUCCESS : Close(handle);
+            if (handle == GetCurrentProcess() || handle == GetCurrentThread())
+            {
+                return ERROR_SUCCESS;
+            }
+            const auto object = HandleTable::Find(handle);
+            const bool isClosedElsewhere = object != nullptr && (object->Kind() == ObjectKind::Key ||
+                                                                 object->Kind() == ObjectKind::DeviceList);
+            return isClosedElsewhere ? static_cast<DWORD>(ERROR_INVALID_HANDLE) : HandleTable::Close(handle);
         });
 }

@@ -6,8 +6,8 @@
 
 #include "modules/kernel32/NativeLibraries.h"
 
-#include "base/DebugOutput.h"
 #include "base/Text.h"
+#include "modules/kernel32/DebugOutput.h"
 
 #include <algorithm>
 #include <dlfcn.h>

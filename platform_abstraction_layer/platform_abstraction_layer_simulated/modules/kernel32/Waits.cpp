@@ -1,7 +1,7 @@
 // modules/kernel32/Waits.cpp
 //
-// Waits on one or several objects. A time-out runs on the notebook's clock: when that is instant, a wait
-// keeps a short real grace and the clock moves on by the whole time-out.
+// Waits on one or several objects, sleeping, and the tick count. A time-out runs on the notebook's clock: when
+// that is instant, a wait keeps a short real grace and the clock moves on by the whole time-out.
 //
 // Known differences from Windows: waiters are not served in the order in which they came; a wait for all of
 // several objects is refused; only events, semaphores and threads can be waited for.
@@ -120,4 +120,22 @@ SIM_API DWORD WINAPI WaitForMultipleObjects(DWORD count, const HANDLE* handles, 
                                   }
                                   return WaitForAny(handles, count, timeout);
                               });
+}
+
+// INFINITE is for ever also when the clock is instant.
+SIM_API void WINAPI Sleep(DWORD milliseconds)
+{
+    PlatformCall call(CallClass::Thread, "Sleep", SIM_CALLER);
+    call.Arguments(milliseconds);
+    do
+    {
+        Clock::Sleep(milliseconds);
+    } while (milliseconds == INFINITE && !Clock::IsInstant());
+    call.AnswerNothing();
+}
+
+SIM_API DWORD WINAPI GetTickCount()
+{
+    PlatformCall call(CallClass::System, "GetTickCount", SIM_CALLER);
+    return call.Answer(static_cast<DWORD>(Clock::Now()));
 }

@@ -8,7 +8,7 @@
 // Known differences from Windows: DllMain hears nothing of threads, the end of the process looks like an
 // unload, and a library bound at link time starts whatever its DllMain answers.
 
-#include "base/PlugInModule.h"
+#include "base/Trace.h"
 
 #include <windows.h>
 

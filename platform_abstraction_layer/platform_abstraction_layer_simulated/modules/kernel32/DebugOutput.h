@@ -1,4 +1,4 @@
-// base/DebugOutput.h
+// modules/kernel32/DebugOutput.h
 //
 // What was sent to the debugger channel. `SIM_DEBUG_OUTPUT=1` in the environment shows it on standard error
 // too.
