@@ -8,19 +8,18 @@
 
 #include "modules/kernel32/KernelState.h"
 
+#include "base/Text.h"
 #include "base/WholeFile.h"
 #include "machine/Machine.h"
-#include "modules/kernel32/ObjectNames.h"
 
+#include <algorithm>
 #include <fcntl.h>
 #include <filesystem>
 #include <map>
 #include <mutex>
-#include <new>
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
-#include <vector>
 
 namespace simulated
 {
@@ -31,117 +30,125 @@ namespace
 using State = std::shared_ptr<KernelState>;
 using Found = Outcome<State>;
 
-constexpr const char* kLockedName = "/names";
-
 // One state for each object however many handles this process has, so that it holds one lock and sees one
 // address.
-struct Registry
+struct States
 {
     std::mutex mutex;
-    std::map<std::string, std::weak_ptr<KernelState>> states; ///< by path
+    std::map<std::string, std::weak_ptr<KernelState>> byPath;
 };
 
-Registry& TheRegistry()
+States& TheStates()
 {
-    static Registry& registry = *new Registry;
-    return registry;
+    static States& states = *new States;
+    return states;
 }
 
 std::string FolderLock(const std::string& path)
 {
-    return std::filesystem::path(path).parent_path().string() + kLockedName;
+    return std::filesystem::path(path).parent_path().string() + "/names";
 }
 
-void Remember(const std::string& path, const std::shared_ptr<KernelState>& state)
+// The state in `file`, which is made as `wanted` says where that isn't null; null when there is no room.
+State StateIn(Descriptor file, const std::string& path, const NewState* wanted)
 {
-    Registry& registry = TheRegistry();
-    std::erase_if(registry.states, [](const auto& entry) { return entry.second.expired(); });
-    registry.states[path] = state;
-}
-
-// States that must outlive the locks, since their destructors take one of them.
-using Kept = std::vector<State>;
-
-// The living object at `path`, or null. Removes the file of a dead one.
-State FindLiving(const std::string& path, Kept& kept)
-{
-    const State& known = kept.emplace_back(TheRegistry().states[path].lock());
-    if (known != nullptr && known->IsInPlace())
-    {
-        return known;
-    }
-    Descriptor file(open(path.c_str(), O_RDWR | O_CLOEXEC));
-    if (!file.IsOpen())
+    const std::size_t size = wanted == nullptr ? 0 : static_cast<std::size_t>(wanted->size);
+    if (wanted != nullptr && ftruncate(file.Get(), static_cast<off_t>(kPageSize + InWholePages(size))) != 0)
     {
         return nullptr;
     }
-    if (flock(file.Get(), LOCK_EX | LOCK_NB) == 0)
+    SharedPages head(file.Get(), kPageSize, true);
+    auto* const record = static_cast<StateRecord*>(head.Address());
+    if (record == nullptr)
+    {
+        return nullptr;
+    }
+    if (wanted != nullptr)
+    {
+        record->kind = static_cast<std::uint32_t>(wanted->kind);
+        record->constant = wanted->constant;
+        record->size = size;
+        record->word.store(wanted->word, std::memory_order_release);
+    }
+    return std::make_shared<KernelState>(std::move(file), path, std::move(head));
+}
+
+// The living object at `path`, or null. Removes the file of a dead one.
+State Join(const std::string& path)
+{
+    Descriptor file(open(path.c_str(), O_RDWR | O_CLOEXEC));
+    if (file.IsOpen() && flock(file.Get(), LOCK_EX | LOCK_NB) == 0)
     {
         unlink(path.c_str());
         return nullptr;
     }
-    if (flock(file.Get(), LOCK_SH | LOCK_NB) != 0)
-    {
-        return nullptr;
-    }
-    const State& joined =
-        kept.emplace_back(std::make_shared<KernelState>(WakeWord::Current(), std::move(file), path));
-    if (!joined->Join())
-    {
-        return nullptr;
-    }
-    Remember(path, joined);
-    return joined;
+    return file.IsOpen() && flock(file.Get(), LOCK_SH | LOCK_NB) == 0
+               ? StateIn(std::move(file), path, nullptr)
+               : nullptr;
 }
 
-Found MakeNew(const std::string& path, const NewState& wanted, Kept& kept)
+State Make(const std::string& path, const NewState& wanted)
 {
     Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    if (!file.IsOpen() || flock(file.Get(), LOCK_SH) != 0)
-    {
-        return {nullptr, ERROR_ACCESS_DENIED};
-    }
-    const State& made =
-        kept.emplace_back(std::make_shared<KernelState>(WakeWord::Current(), std::move(file), path));
-    if (!made->Begin(wanted))
-    {
-        return {nullptr, ERROR_NOT_ENOUGH_MEMORY};
-    }
-    Remember(path, made);
-    return {made, ERROR_SUCCESS};
+    return file.IsOpen() && flock(file.Get(), LOCK_SH) == 0 ? StateIn(std::move(file), path, &wanted)
+                                                            : nullptr;
 }
 
-// Looks `path` up and makes the object if `wanted` says so.
+// Looks `path` up and makes the object if `wanted` isn't null.
 Found LookUp(const std::string& path, ObjectKind kind, const NewState* wanted)
 {
-    Kept kept;
-    const std::lock_guard ownLock(TheRegistry().mutex);
+    // Both outlive the locks, since the end of a state takes one of them.
+    State known;
+    State living;
+    States& states = TheStates();
+    const std::lock_guard ownLock(states.mutex);
     const FileLock lock(FolderLock(path));
     if (!lock.IsHeld())
     {
         return {nullptr, ERROR_PATH_NOT_FOUND};
     }
-    const State& living = kept.emplace_back(FindLiving(path, kept));
+    known = states.byPath[path].lock();
+    living = known != nullptr && known->IsInPlace() ? known : Join(path);
+    const bool isNew = living == nullptr;
+    if (isNew && wanted == nullptr)
+    {
+        return {nullptr, ERROR_FILE_NOT_FOUND};
+    }
+    living = isNew ? Make(path, *wanted) : living;
     if (living == nullptr)
     {
-        return wanted == nullptr ? Found{nullptr, ERROR_FILE_NOT_FOUND} : MakeNew(path, *wanted, kept);
+        return {nullptr, ERROR_ACCESS_DENIED};
     }
+    std::erase_if(states.byPath, [](const auto& entry) { return entry.second.expired(); });
+    states.byPath[path] = living;
     if (living->Kind() != kind)
     {
         return {nullptr, ERROR_INVALID_HANDLE};
     }
-    return {living, static_cast<DWORD>(wanted == nullptr ? ERROR_SUCCESS : ERROR_ALREADY_EXISTS)};
+    return {living, static_cast<DWORD>(isNew || wanted == nullptr ? ERROR_SUCCESS : ERROR_ALREADY_EXISTS)};
 }
 
+// Object names tell case apart and hold any character but a backslash behind the namespace. All processes of
+// the notebook are in one session, so a name without a namespace is a local one.
 Found Named(const wchar_t* name, ObjectKind kind, const NewState* wanted)
 {
-    const Outcome<std::string> file = ObjectFileName(name);
-    if (file.error != ERROR_SUCCESS)
+    constexpr std::string_view kGlobal = "Global\\";
+    constexpr std::string_view kLocal = "Local\\";
+    if (name == nullptr)
     {
-        return {nullptr, file.error};
+        return {nullptr, ERROR_INVALID_PARAMETER};
     }
+    std::string plain = ToUtf8(name);
+    const bool isGlobal = plain.starts_with(kGlobal);
+    plain.erase(0, isGlobal ? kGlobal.size() : plain.starts_with(kLocal) ? kLocal.size() : 0);
+    if (plain.empty() || plain.find('\\') != std::string::npos)
+    {
+        return {nullptr, ERROR_PATH_NOT_FOUND};
+    }
+    // The one character that a file's name can't have gives way to the one that an object's can't.
+    std::replace(plain.begin(), plain.end(), '/', '\\');
     WakeWord::Current(); // makes the folder
-    return LookUp(Machine::PathOf("objects") + '/' + file.value, kind, wanted);
+    return LookUp(Machine::PathOf(isGlobal ? "objects/global." : "objects/local.") + plain, kind, wanted);
 }
 
 } // namespace
@@ -152,13 +159,9 @@ Found KernelState::Create(const wchar_t* name, const NewState& wanted)
     {
         return Named(name, wanted.kind, &wanted);
     }
-    Descriptor file(wanted.kind == ObjectKind::Mapping ? memfd_create("mapping", MFD_CLOEXEC) : -1);
-    auto made = std::make_shared<KernelState>(WakeWord::Current(), std::move(file), std::string());
-    if (!made->Begin(wanted))
-    {
-        return {nullptr, ERROR_NOT_ENOUGH_MEMORY};
-    }
-    return {std::move(made), ERROR_SUCCESS};
+    State made = StateIn(Descriptor(memfd_create("object", MFD_CLOEXEC)), {}, &wanted);
+    const bool isMade = made != nullptr;
+    return {std::move(made), static_cast<DWORD>(isMade ? ERROR_SUCCESS : ERROR_NOT_ENOUGH_MEMORY)};
 }
 
 Found KernelState::Open(const wchar_t* name, ObjectKind kind)
@@ -166,8 +169,8 @@ Found KernelState::Open(const wchar_t* name, ObjectKind kind)
     return Named(name, kind, nullptr);
 }
 
-KernelState::KernelState(std::shared_ptr<WakeWord> wake, Descriptor file, std::string path)
-    : m_wake(std::move(wake)), m_file(std::move(file)), m_path(std::move(path))
+KernelState::KernelState(Descriptor file, std::string path, SharedPages head)
+    : m_file(std::move(file)), m_path(std::move(path)), m_head(std::move(head))
 {
 }
 
@@ -193,39 +196,21 @@ bool KernelState::IsInPlace() const noexcept
            own.st_dev == there.st_dev && own.st_ino == there.st_ino;
 }
 
-bool KernelState::Join() noexcept
+SharedPages KernelState::Map(std::size_t size, bool writable) const noexcept
 {
-    if (!m_file.IsOpen())
-    {
-        return true;
-    }
-    m_head = SharedPages(m_file.Get(), 0, kPageSize, true);
-    if (m_head.Address() == nullptr)
-    {
-        return false;
-    }
-    m_record = static_cast<StateRecord*>(m_head.Address());
-    return true;
+    return SharedPages(m_file.Get(), size, writable, kPageSize);
 }
 
-bool KernelState::Begin(const NewState& wanted) noexcept
+void NoteSecurity(PlatformCall& call, const SECURITY_ATTRIBUTES* attributes)
 {
-    const auto length = static_cast<off_t>(kPageSize + InWholePages(static_cast<std::size_t>(wanted.size)));
-    if ((m_file.IsOpen() && ftruncate(m_file.Get(), length) != 0) ||
-        (wanted.kind == ObjectKind::Mapping && !m_file.IsOpen()) || !Join())
+    if (attributes != nullptr)
     {
-        return false;
+        const std::string size = attributes->nLength == sizeof *attributes ? "" : "of a wrong size, ";
+        const std::string shown = size +
+                                  (attributes->lpSecurityDescriptor == nullptr ? "default" : "descriptor") +
+                                  (attributes->bInheritHandle != FALSE ? ", inherited" : "");
+        call.Arguments(shown.c_str());
     }
-    m_record->kind = static_cast<std::uint32_t>(wanted.kind);
-    m_record->constant = wanted.constant;
-    m_record->size = wanted.size;
-    m_record->word.store(wanted.word, std::memory_order_release);
-    return true;
-}
-
-SharedPages KernelState::Map(std::uint64_t offset, std::size_t size, bool writable) const noexcept
-{
-    return SharedPages(m_file.Get(), static_cast<off_t>(kPageSize + offset), size, writable);
 }
 
 } // namespace simulated

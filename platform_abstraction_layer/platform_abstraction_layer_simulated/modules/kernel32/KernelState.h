@@ -1,7 +1,7 @@
 // modules/kernel32/KernelState.h
 //
 // The state of an event, a semaphore or a file mapping: a few words in a file below "objects" that every
-// process with a handle maps, or for an unnamed object in memory of the process. What changes is one atomic
+// process with a handle maps, or for an unnamed object in a file without a name. What changes is one atomic
 // word, so a killed process leaves nothing half done.
 //
 // A named object's file is held by a shared lock of each process that has a handle. The kernel gives the lock
@@ -35,10 +35,9 @@ constexpr DWORD GrantedAccess(DWORD access, DWORD all) noexcept
 struct NewState
 {
     ObjectKind kind;
-    std::uint32_t constant; ///< event: 1 when it is reset by hand; semaphore: the highest count; mapping:
-                            ///< its protection
-    std::uint32_t word = 0; ///< event: 1 when it is signalled; semaphore: the count
-    std::uint64_t size = 0; ///< mapping: its size in bytes
+    std::uint32_t constant = 0; ///< event: 1 when it is reset by hand; semaphore: the highest count
+    std::uint32_t word = 0;     ///< event: 1 when it is signalled; semaphore: the count
+    std::uint64_t size = 0;     ///< mapping: its size in bytes
 };
 
 /// The head of an object's file, in a page of its own; a mapping's bytes follow from the second page on.
@@ -61,53 +60,53 @@ public:
     /// The object of this kind and name. ERROR_FILE_NOT_FOUND, ERROR_INVALID_HANDLE as above.
     static Outcome<std::shared_ptr<KernelState>> Open(const wchar_t* name, ObjectKind kind);
 
-    /// For an unnamed object that isn't a mapping, no file. Use the functions above.
-    KernelState(std::shared_ptr<WakeWord> wake, Descriptor file, std::string path);
+    /// Use the functions above. An unnamed object has no path.
+    KernelState(Descriptor file, std::string path, SharedPages head);
     ~KernelState();
     KernelState(const KernelState&) = delete;
     KernelState& operator=(const KernelState&) = delete;
 
     ObjectKind Kind() const noexcept
     {
-        return static_cast<ObjectKind>(m_record->kind);
+        return static_cast<ObjectKind>(Record().kind);
     }
     std::uint32_t Constant() const noexcept
     {
-        return m_record->constant;
+        return Record().constant;
     }
     std::uint64_t Size() const noexcept
     {
-        return m_record->size;
+        return Record().size;
     }
     std::atomic<std::uint32_t>& Word() const noexcept
     {
-        return m_record->word;
+        return Record().word;
     }
     WakeWord& Wake() const noexcept
     {
         return *m_wake;
     }
 
-    /// `size` bytes of a mapping from `offset` on, both in whole pages.
-    SharedPages Map(std::uint64_t offset, std::size_t size, bool writable) const noexcept;
-
-    /// Makes room in the file and writes the head; false when there is no room.
-    bool Begin(const NewState& wanted) noexcept;
-
-    /// Takes the head that another process wrote; false when the file can't be mapped.
-    bool Join() noexcept;
+    /// The first `size` bytes of a mapping, in whole pages.
+    SharedPages Map(std::size_t size, bool writable) const noexcept;
 
     /// True while the object's file is the one that lies at its path.
     bool IsInPlace() const noexcept;
 
 private:
-    std::shared_ptr<WakeWord> m_wake;
+    StateRecord& Record() const noexcept
+    {
+        return *static_cast<StateRecord*>(m_head.Address());
+    }
+
+    std::shared_ptr<WakeWord> m_wake = WakeWord::Current();
     Descriptor m_file;
     std::string m_path; ///< empty when the object has no name
     SharedPages m_head;
-    StateRecord m_own{};
-    StateRecord* m_record = &m_own;
 };
+
+/// Adds to the trace whom a new object is open to and whether it is inherited, where the caller says so.
+void NoteSecurity(PlatformCall& call, const SECURITY_ATTRIBUTES* attributes);
 
 /// A handle to an object of class `Kind` on the state that was found or made, with the rights `access`. The
 /// error of the finding goes along, for it may stand beside an object: ERROR_ALREADY_EXISTS.

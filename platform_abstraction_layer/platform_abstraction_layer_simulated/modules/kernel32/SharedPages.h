@@ -28,7 +28,7 @@ public:
     SharedPages() noexcept = default;
 
     /// Maps `size` bytes from `offset` on, both whole pages; the address is null when that fails.
-    SharedPages(int descriptor, off_t offset, std::size_t size, bool writable) noexcept : m_size(size)
+    SharedPages(int descriptor, std::size_t size, bool writable, off_t offset = 0) noexcept : m_size(size)
     {
         void* const address = mmap(nullptr, size, writable ? PROT_READ | PROT_WRITE : PROT_READ, MAP_SHARED,
                                    descriptor, offset);

@@ -5,9 +5,10 @@
 // several objects, named and unnamed, needs nothing else, and nobody who is killed leaves a queue behind.
 #pragma once
 
-#include <windef.h>
+#include "modules/kernel32/SharedPages.h"
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 
 namespace simulated
@@ -19,9 +20,10 @@ public:
     /// The word of this process's notebook. Without a notebook, one of the process's own.
     static std::shared_ptr<WakeWord> Current();
 
-    virtual ~WakeWord() = default;
-    WakeWord(const WakeWord&) = delete;
-    WakeWord& operator=(const WakeWord&) = delete;
+    /// Use the function above. The word is the first of `pages`.
+    explicit WakeWord(SharedPages pages) noexcept : m_pages(std::move(pages))
+    {
+    }
 
     /// What stands there now; taken before the objects are looked at.
     std::uint32_t Value() const noexcept;
@@ -32,13 +34,13 @@ public:
     /// Sleeps until the word differs from `seen`, at most `milliseconds`; may return early.
     void Sleep(std::uint32_t seen, std::uint64_t milliseconds) noexcept;
 
-protected:
-    explicit WakeWord(std::atomic<std::uint32_t>& word) noexcept : m_word(word)
+private:
+    std::atomic<std::uint32_t>& Word() const noexcept
     {
+        return *static_cast<std::atomic<std::uint32_t>*>(m_pages.Address());
     }
 
-private:
-    std::atomic<std::uint32_t>& m_word;
+    SharedPages m_pages;
 };
 
 } // namespace simulated
