@@ -6,6 +6,7 @@
 
 #include <charconv>
 #include <cstdio>
+#include <limits>
 
 namespace simulated
 {
@@ -24,40 +25,23 @@ std::optional<std::uint64_t> Parse(std::string_view text, int base)
     return number;
 }
 
-// Calls `take` with each word of `text`; false as soon as it refuses one.
-template <class Take>
-bool ForEachWord(std::string_view text, Take take)
-{
-    constexpr std::string_view kBlanks = " \t";
-    for (std::size_t begin = text.find_first_not_of(kBlanks); begin != std::string_view::npos;)
-    {
-        const std::size_t end = std::min(text.find_first_of(kBlanks, begin), text.size());
-        if (!take(text.substr(begin, end - begin)))
-        {
-            return false;
-        }
-        begin = text.find_first_not_of(kBlanks, end);
-    }
-    return true;
-}
-
-template <class Number>
-std::optional<std::vector<Number>> ParseList(std::string_view text, std::uint64_t highest,
-                                             std::optional<std::uint64_t> (*parse)(std::string_view))
+template <class Number, class Parse>
+std::optional<std::vector<Number>> ParseList(std::string_view text, Parse parse)
 {
     std::vector<Number> numbers;
-    const bool all = ForEachWord(text,
-                                 [&](std::string_view word)
-                                 {
-                                     const std::optional<std::uint64_t> number = parse(word);
-                                     if (!number || *number > highest)
-                                     {
-                                         return false;
-                                     }
-                                     numbers.push_back(static_cast<Number>(*number));
-                                     return true;
-                                 });
-    return all ? std::optional(std::move(numbers)) : std::nullopt;
+    while (text.find_first_not_of(' ') != std::string_view::npos)
+    {
+        text.remove_prefix(text.find_first_not_of(' '));
+        const std::size_t end = std::min(text.find(' '), text.size());
+        const std::optional<std::uint64_t> number = parse(text.substr(0, end));
+        if (!number || *number > std::numeric_limits<Number>::max())
+        {
+            return std::nullopt;
+        }
+        numbers.push_back(static_cast<Number>(*number));
+        text.remove_prefix(end);
+    }
+    return numbers;
 }
 
 template <class Number, class Show>
@@ -90,7 +74,7 @@ std::optional<std::uint64_t> ParseNumber(std::string_view text)
 
 std::optional<std::vector<DWORD>> ParseWords(std::string_view text)
 {
-    return ParseList<DWORD>(text, 0xFFFFFFFF, &ParseNumber);
+    return ParseList<DWORD>(text, &ParseNumber);
 }
 
 std::string ToWords(std::span<const DWORD> words)
@@ -100,7 +84,7 @@ std::string ToWords(std::span<const DWORD> words)
 
 std::optional<std::vector<BYTE>> ParseBytes(std::string_view text)
 {
-    return ParseList<BYTE>(text, 0xFF, [](std::string_view word) { return Parse(word, 16); });
+    return ParseList<BYTE>(text, [](std::string_view word) { return Parse(word, 16); });
 }
 
 std::string ToBytes(std::span<const BYTE> bytes)

@@ -18,9 +18,6 @@
 namespace simulated::paths
 {
 
-/// Where the profile functions look for a file without a folder.
-inline constexpr std::string_view kWindowsFolder = "C:\\WINDOWS";
-
 /// A place on a drive, whose folder exists.
 struct Place
 {

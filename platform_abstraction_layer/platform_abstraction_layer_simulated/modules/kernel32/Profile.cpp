@@ -1,57 +1,48 @@
 // modules/kernel32/Profile.cpp
 //
-// One open and one walk per reading; one lock, one edit and one rename per writing.
+// The profile functions. One open and one walk per reading, which needs no lock; one lock, one edit and one
+// rename per writing.
+//
+// Known differences from Windows: there are no lists of sections and keys, so a read without a section or a
+// key gives the default; a handle that is open on the file while it is changed goes on reading the old
+// content; a last line keeps its missing end when its value is replaced.
 
-#include "modules/kernel32/Profile.h"
-
-#include "base/CodePage.h"
 #include "base/Descriptor.h"
+#include "base/IniDocument.h"
+#include "base/PlatformCall.h"
+#include "base/Text.h"
 #include "base/WholeFile.h"
 #include "machine/Machine.h"
 #include "modules/kernel32/Paths.h"
 #include "modules/kernel32/ShareModes.h"
 
-#include <winnt.h>
+#include <windows.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
+#include <charconv>
 #include <fcntl.h>
-#include <utility>
 
-namespace simulated::profile
-{
+using namespace simulated;
 
 namespace
 {
 
-// "-0x10" is -16; the letters are lower-case alone.
-struct Prefix
-{
-    std::string_view text;
-    UINT base;
-};
-constexpr std::array kPrefixes = {Prefix{"0x", 16}, Prefix{"0o", 8}, Prefix{"0b", 2}};
+constexpr std::string_view kWindowsFolder = "C:\\WINDOWS\\";
 
-std::string WithFolder(std::string_view file)
+// What stands before a number's digits; the letters are lower-case alone.
+constexpr std::pair<std::string_view, int> kPrefixes[] = {{"0x", 16}, {"0o", 8}, {"0b", 2}};
+
+// A bare name means the Windows folder.
+std::string PathOf(LPCWSTR file)
 {
-    if (file.find_first_of("/\\:") != std::string_view::npos)
-    {
-        return std::string(file);
-    }
-    std::string path(paths::kWindowsFolder);
-    path += '\\';
-    path += file;
-    return path;
+    std::string path = ToUtf8(file);
+    return path.find_first_of("/\\:") != std::string::npos ? path : std::string(kWindowsFolder) + path;
 }
 
-DWORD FindForWriting(std::string_view file, paths::Place& place)
+DWORD FindForWriting(const std::string& path, paths::Place& place)
 {
-    if (file.empty())
-    {
-        return ERROR_ACCESS_DENIED;
-    }
-    if (const DWORD error = paths::Find(WithFolder(file), place); error != ERROR_SUCCESS)
+    if (const DWORD error = paths::Find(path, place); error != ERROR_SUCCESS)
     {
         return error;
     }
@@ -65,40 +56,11 @@ DWORD FindForWriting(std::string_view file, paths::Place& place)
                : error;
 }
 
-void Change(IniDocument& document, const std::string& section, const std::optional<std::string>& key,
-            const std::optional<std::string>& value)
-{
-    if (!key)
-    {
-        document.Remove(section);
-    }
-    else if (!value)
-    {
-        document.Remove(section, *key);
-    }
-    else
-    {
-        document.Set(section, *key, *value);
-    }
-}
-
-// 36 for what is no digit of any base.
-UINT DigitOf(char character)
-{
-    if (character >= '0' && character <= '9')
-    {
-        return static_cast<UINT>(character - '0');
-    }
-    const char lower = static_cast<char>(character | 0x20);
-    return lower >= 'a' && lower <= 'z' ? static_cast<UINT>(lower - 'a' + 10) : 36;
-}
-
-} // namespace
-
-Outcome<std::optional<IniDocument>> Read(std::string_view file)
+// The content of a file, or why it can't be read.
+Outcome<std::optional<IniDocument>> Read(LPCWSTR file)
 {
     paths::Place place;
-    if (const DWORD error = paths::FindExisting(WithFolder(file), place); error != ERROR_SUCCESS)
+    if (const DWORD error = paths::FindExisting(PathOf(file), place); error != ERROR_SUCCESS)
     {
         return {std::nullopt, error};
     }
@@ -112,18 +74,15 @@ Outcome<std::optional<IniDocument>> Read(std::string_view file)
     {
         return {std::nullopt, paths::ErrorOf(errno)};
     }
-    return {IniDocument(*std::move(bytes), Machine::AnsiEncoding()), ERROR_SUCCESS};
+    return {IniDocument(*bytes, Machine::AnsiEncoding()), ERROR_SUCCESS};
 }
 
-DWORD Write(std::string_view file, const std::optional<std::string>& section,
-            const std::optional<std::string>& key, const std::optional<std::string>& value)
+// Sets or, with a null pointer in its place, removes a value or a section, and makes the file where it is
+// missing.
+DWORD Write(LPCWSTR section, LPCWSTR key, LPCWSTR value, const std::string& path)
 {
-    if (!section)
-    {
-        return ERROR_FILE_NOT_FOUND;
-    }
     paths::Place place;
-    if (const DWORD error = FindForWriting(file, place); error != ERROR_SUCCESS)
+    if (const DWORD error = FindForWriting(path, place); error != ERROR_SUCCESS)
     {
         return error;
     }
@@ -133,30 +92,34 @@ DWORD Write(std::string_view file, const std::optional<std::string>& section,
         return paths::ErrorOf(errno);
     }
     // Another writer may have made the file, under another spelling of its name, while this one waited.
-    if (const DWORD error = FindForWriting(file, place); error != ERROR_SUCCESS)
+    if (const DWORD error = FindForWriting(path, place); error != ERROR_SUCCESS)
     {
         return error;
     }
-    std::string bytes;
-    if (place.Exists())
+    const std::optional<std::string> before = place.Exists() ? ReadWhole(place.host) : std::string();
+    if (!before)
     {
-        std::optional<std::string> read = ReadWhole(place.host);
-        if (!read)
-        {
-            return paths::ErrorOf(errno);
-        }
-        bytes = *std::move(read);
+        return paths::ErrorOf(errno);
     }
-    const std::string before = bytes;
-    IniDocument document(std::move(bytes), Machine::AnsiEncoding());
-    Change(document, *section, key, value);
-    if (place.Exists() && document.Bytes() == before)
+    IniDocument document(*before, Machine::AnsiEncoding());
+    if (key == nullptr)
     {
-        return ERROR_SUCCESS;
+        document.Remove(ToUtf8(section));
     }
-    return WriteWhole(place.host, document.Bytes()) ? ERROR_SUCCESS : paths::ErrorOf(errno);
+    else if (value == nullptr)
+    {
+        document.Remove(ToUtf8(section), ToUtf8(key));
+    }
+    else
+    {
+        document.Set(ToUtf8(section), ToUtf8(key), ToUtf8(value));
+    }
+    const std::string after = document.Bytes();
+    const bool isWritten = (place.Exists() && after == *before) || WriteWhole(place.host, after);
+    return isWritten ? ERROR_SUCCESS : paths::ErrorOf(errno);
 }
 
+// One pair of matching quotes around a value is no part of it.
 std::string_view Unquote(std::string_view value) noexcept
 {
     const bool isQuoted =
@@ -164,35 +127,104 @@ std::string_view Unquote(std::string_view value) noexcept
     return isQuoted ? value.substr(1, value.size() - 2) : value;
 }
 
+// The leading number of a value; 0 where there is none.
 UINT ToNumber(std::string_view value) noexcept
 {
-    value.remove_prefix(std::min(value.find_first_not_of(" \t\v\f"), value.size()));
     const bool isNegative = value.starts_with('-');
-    if (isNegative || value.starts_with('+'))
+    value.remove_prefix(isNegative || value.starts_with('+') ? 1 : 0);
+    int base = 10;
+    for (const auto& [prefix, prefixBase] : kPrefixes)
     {
-        value.remove_prefix(1);
-    }
-    UINT base = 10;
-    for (const Prefix& prefix : kPrefixes)
-    {
-        if (value.starts_with(prefix.text))
+        if (value.starts_with(prefix))
         {
-            base = prefix.base;
-            value.remove_prefix(prefix.text.size());
+            base = prefixBase;
+            value.remove_prefix(prefix.size());
             break;
         }
     }
-    UINT number = 0;
-    for (const char character : value)
-    {
-        const UINT digit = DigitOf(character);
-        if (digit >= base)
-        {
-            break;
-        }
-        number = number * base + digit;
-    }
-    return isNegative ? 0U - number : number;
+    std::uint64_t number = 0; // of which the lower half counts
+    std::from_chars(value.data(), value.data() + value.size(), number, base);
+    return static_cast<UINT>(isNegative ? 0 - number : number);
 }
 
-} // namespace simulated::profile
+// The characters copied; of a text that doesn't fit `size` - 1.
+DWORD CopyText(std::string_view text, LPWSTR buffer, DWORD size)
+{
+    if (size == 0 || buffer == nullptr)
+    {
+        return 0;
+    }
+    const std::vector<wchar_t> units = ToUtf16(text);
+    const std::size_t count = std::min<std::size_t>(units.size(), size - 1);
+    *std::copy_n(units.begin(), count, buffer) = 0;
+    return static_cast<DWORD>(count);
+}
+
+// Blanks at the end of a default are no part of it.
+DWORD CopyDefault(LPCWSTR otherwise, LPWSTR buffer, DWORD size)
+{
+    const std::string text = ToUtf8(otherwise);
+    return CopyText(Unquote(std::string_view(text).substr(0, text.find_last_not_of(' ') + 1)), buffer, size);
+}
+
+// A value without its quotes, or why there is none.
+Outcome<std::optional<std::string>> Find(LPCWSTR section, LPCWSTR key, LPCWSTR file)
+{
+    const Outcome<std::optional<IniDocument>> document = Read(file);
+    if (!document.value || section == nullptr || key == nullptr)
+    {
+        return {std::nullopt, document.value ? static_cast<DWORD>(ERROR_NOT_SUPPORTED) : document.error};
+    }
+    const std::optional<std::string> value = document.value->Value(ToUtf8(section), ToUtf8(key));
+    return value ? Outcome<std::optional<std::string>>{std::string(Unquote(*value))}
+                 : Outcome<std::optional<std::string>>{std::nullopt, ERROR_FILE_NOT_FOUND};
+}
+
+} // namespace
+
+SIM_API DWORD WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR otherwise, LPWSTR buffer,
+                                              DWORD size, LPCWSTR file)
+{
+    PlatformCall call(CallClass::Profile, "GetPrivateProfileStringW", SIM_CALLER);
+    call.Arguments(section, key, otherwise, size, file);
+    // A read that is refused ends like one of a file that can't be opened.
+    const DWORD refused = call.IsRefused() ? CopyDefault(otherwise, buffer, size) : 0;
+    return call.Result<DWORD>(refused,
+                              [&]() -> Outcome<DWORD>
+                              {
+                                  const auto found = Find(section, key, file);
+                                  return {found.value ? CopyText(*found.value, buffer, size)
+                                                      : CopyDefault(otherwise, buffer, size),
+                                          found.error};
+                              });
+}
+
+SIM_API UINT WINAPI GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT otherwise, LPCWSTR file)
+{
+    PlatformCall call(CallClass::Profile, "GetPrivateProfileIntW", SIM_CALLER);
+    call.Arguments(section, key, otherwise, file);
+    const auto missing = static_cast<UINT>(otherwise);
+    return call.Result<UINT>(missing,
+                             [&]() -> Outcome<UINT>
+                             {
+                                 const auto found = Find(section, key, file);
+                                 const bool hasNumber = found.value && !found.value->empty();
+                                 return {hasNumber ? ToNumber(*found.value) : missing, found.error};
+                             });
+}
+
+SIM_API BOOL WINAPI WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR file)
+{
+    PlatformCall call(CallClass::Profile, "WritePrivateProfileStringW", SIM_CALLER);
+    call.Arguments(section, key, value, file);
+    return call.Boolean(
+        [&]() -> DWORD
+        {
+            if (section == nullptr)
+            {
+                return ERROR_FILE_NOT_FOUND;
+            }
+            return file == nullptr || *file == 0 ? ERROR_ACCESS_DENIED
+                                                 : Write(section, key, value, PathOf(file));
+        });
+}
