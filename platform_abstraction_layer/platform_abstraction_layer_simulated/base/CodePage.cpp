@@ -26,13 +26,6 @@ constexpr unsigned char kFirstUpperControl = 0x80;
 constexpr unsigned kLatinCodePage = 1252;
 constexpr unsigned kUtf8CodePage = 65001;
 
-// The plain letters that stand for U+0100 to U+017F. "?" marks those that have none, and those that the code
-// page holds itself.
-constexpr wchar_t kFirstLatinExtended = 0x100;
-constexpr std::string_view kLatinExtended = "AaAaAaCcCcCcCcDd\xD0"
-                                            "dEeEeEeEeEeGgGgGgGgHhHhIiIiIiIiIi??JjKk?LlLlLl??Ll"
-                                            "NnNnNn???OoOoOo??RrRrRrSsSsSs??TtTtTtUuUuUuUuUuUuWwYy?ZzZz???";
-
 // The character of a byte; the five bytes without one are control characters.
 wchar_t FromWindows1252(unsigned char byte) noexcept
 {
@@ -40,7 +33,7 @@ wchar_t FromWindows1252(unsigned char byte) noexcept
     return index < kUpperControls.size() ? kUpperControls[index] : static_cast<wchar_t>(byte);
 }
 
-// The byte of a character, or of the one that looks like it, or "?".
+// The byte of a character, or "?".
 char ToWindows1252(wchar_t unit) noexcept
 {
     if (unit < kFirstUpperControl || (unit >= 0xA0 && unit <= 0xFF))
@@ -48,12 +41,9 @@ char ToWindows1252(wchar_t unit) noexcept
         return static_cast<char>(unit);
     }
     const auto* const found = std::find(kUpperControls.begin(), kUpperControls.end(), unit);
-    if (found != kUpperControls.end())
-    {
-        return static_cast<char>(kFirstUpperControl + std::distance(kUpperControls.begin(), found));
-    }
-    const std::size_t index = static_cast<std::size_t>(unit) - kFirstLatinExtended;
-    return index < kLatinExtended.size() ? kLatinExtended[index] : '?';
+    return found == kUpperControls.end()
+               ? '?'
+               : static_cast<char>(kFirstUpperControl + (found - kUpperControls.begin()));
 }
 
 } // namespace

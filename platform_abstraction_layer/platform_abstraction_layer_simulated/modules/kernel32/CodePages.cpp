@@ -3,9 +3,9 @@
 // Narrow and wide text.
 //
 // Known differences from Windows: code pages other than 65001 and the machine's own are refused, as are flags
-// and a substitute of the caller's; of the letters that look alike only those of the Latin alphabet stand for
-// one another; bytes that are no UTF-8 become U+FFFD, which Windows XP leaves out; surrogates without their
-// partner are converted like any character.
+// and a substitute of the caller's; no letter stands for one that looks like it; bytes that are no UTF-8
+// become U+FFFD, which Windows XP leaves out; surrogates without their partner are converted like any
+// character.
 
 #include "base/CodePage.h"
 #include "base/PlatformCall.h"

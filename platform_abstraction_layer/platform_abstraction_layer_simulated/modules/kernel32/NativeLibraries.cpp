@@ -2,7 +2,7 @@
 //
 // Modules that are native libraries, through the native loader. The loader's own counts are the only ones.
 //
-// Known differences from Windows: a native library exports nothing by number.
+// Known differences from Windows: a native library exports nothing by number, and the program is no module.
 
 #include "modules/kernel32/NativeLibraries.h"
 
@@ -25,11 +25,9 @@ namespace simulated
 namespace
 {
 
-constexpr std::string_view kFolder = "C:\\Program Files\\Kelvo\\ORVL\\";
 constexpr std::string_view kNativePrefix = "lib";
 constexpr std::string_view kNativeEnd = ".so";
 constexpr std::string_view kDllEnd = ".dll";
-constexpr std::string_view kProgramEnd = ".exe";
 
 // One lock round loading and unloading, as the loader of Windows has it. What a thread did in a library
 // before it gave it back comes before the library's end also for the thread sanitizer, which doesn't know the
@@ -89,54 +87,26 @@ HMODULE ModuleOf(void* library) noexcept
 void* OpenLoaded(HMODULE module) noexcept
 {
     const std::optional<Dl_info> info = InfoOf(module);
-    if (!info.has_value() || info->dli_fbase != module)
-    {
-        return nullptr;
-    }
-    const char* const name = module == libraries::Executable() ? nullptr : info->dli_fname;
-    return Open(name, RTLD_LAZY | RTLD_NOLOAD);
-}
-
-bool EndsIgnoringCase(std::string_view text, std::string_view end)
-{
-    return text.size() >= end.size() && EqualIgnoringCase(text.substr(text.size() - end.size()), end);
-}
-
-std::string_view WithoutEnd(std::string_view text, std::string_view end)
-{
-    return EndsIgnoringCase(text, end) ? text.substr(0, text.size() - end.size()) : text;
-}
-
-std::string FolderOfExecutable()
-{
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path().string() + '/';
+    return info.has_value() && info->dli_fbase == module ? Open(info->dli_fname, RTLD_LAZY | RTLD_NOLOAD)
+                                                         : nullptr;
 }
 
 // Where the library that `name` means may lie, in the order to try.
-std::vector<std::string> Candidates(std::string name)
+std::vector<std::string> Candidates(const std::string& name)
 {
-    if (name.find('/') != std::string::npos && name.ends_with(kNativeEnd))
+    if (name.find('/') != std::string::npos)
     {
         return {name};
     }
-    if (name.size() > kFolder.size() && EqualIgnoringCase(name.substr(0, kFolder.size()), kFolder))
+    const std::size_t stem = name.size() - std::min(name.size(), kDllEnd.size());
+    std::string file = name;
+    if (EqualIgnoringCase(std::string_view(name).substr(stem), kDllEnd))
     {
-        name.erase(0, kFolder.size());
+        file = std::string(kNativePrefix).append(name.substr(0, stem)).append(kNativeEnd);
     }
-    std::replace(name.begin(), name.end(), '\\', '/');
-    const std::size_t folderLength = name.rfind('/') + 1; // 0 when there is none
-    const std::string folder = name.substr(0, folderLength);
-    std::string file = name.substr(folderLength);
-    if (!file.ends_with(kNativeEnd))
-    {
-        file = std::string(kNativePrefix).append(WithoutEnd(file, kDllEnd)).append(kNativeEnd);
-    }
-    if (!folder.empty())
-    {
-        return {folder + file};
-    }
-    return {FolderOfExecutable() + file, file};
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return {(program.parent_path() / file).string(), file};
 }
 
 } // namespace
@@ -176,52 +146,28 @@ Outcome<HMODULE> libraries::FindLoaded(const std::string& name)
             return {module, ERROR_SUCCESS};
         }
     }
-    const HMODULE executable = Executable();
-    const std::string path = WindowsPath(executable);
-    const bool isExecutable =
-        EqualIgnoringCase(name, path) || EqualIgnoringCase(name, path.substr(kFolder.size()));
-    return isExecutable ? Outcome<HMODULE>{executable, ERROR_SUCCESS}
-                        : Outcome<HMODULE>{nullptr, ERROR_MOD_NOT_FOUND};
+    return {nullptr, ERROR_MOD_NOT_FOUND};
 }
 
-HMODULE libraries::FindByAddress(const void* address) noexcept
+HMODULE libraries::AddReference(const void* address) noexcept
 {
     const std::optional<Dl_info> info = InfoOf(address);
-    return info.has_value() ? AsModule(info->dli_fbase) : nullptr;
+    const HMODULE module = info.has_value() ? AsModule(info->dli_fbase) : nullptr;
+    return OpenLoaded(module) == nullptr ? nullptr : module;
 }
 
-HMODULE libraries::Executable() noexcept
-{
-    static const HMODULE executable = []
-    {
-        void* const program = Open(nullptr, RTLD_LAZY);
-        const HMODULE module = ModuleOf(program);
-        Close(program);
-        return module;
-    }();
-    return executable;
-}
-
-bool libraries::IsLibrary(HMODULE module) noexcept
-{
-    return module != nullptr && FindByAddress(module) == module;
-}
-
-bool libraries::AddReference(HMODULE module) noexcept
-{
-    return OpenLoaded(module) != nullptr;
-}
-
-void libraries::Release(HMODULE module) noexcept
+bool libraries::Release(HMODULE module) noexcept
 {
     // The first reference is the one just taken to reach the library; the second is the caller's. A library
     // that is bound at link time has none of the caller's, which the native loader refuses to give back.
     void* const library = OpenLoaded(module);
-    if (library != nullptr)
+    if (library == nullptr)
     {
-        Close(library);
-        Close(library);
+        return false;
     }
+    Close(library);
+    Close(library);
+    return true;
 }
 
 FARPROC libraries::FindFunction(HMODULE module, const char* name) noexcept
@@ -234,27 +180,8 @@ FARPROC libraries::FindFunction(HMODULE module, const char* name) noexcept
     void* const address = dlsym(library, name);
     Close(library);
     // The native look-up goes on through the libraries that this one stands on.
-    return address != nullptr && FindByAddress(address) == module ? reinterpret_cast<FARPROC>(address)
-                                                                  : nullptr;
-}
-
-std::string libraries::WindowsPath(HMODULE module)
-{
-    if (module == Executable())
-    {
-        std::error_code error;
-        const auto program = std::filesystem::read_symlink("/proc/self/exe", error).filename().string();
-        return std::string(kFolder).append(program).append(kProgramEnd);
-    }
-    const std::optional<Dl_info> info = InfoOf(module);
-    const std::string file =
-        std::filesystem::path(info.has_value() ? info->dli_fname : "").filename().string();
-    std::string_view stem = WithoutEnd(file, kNativeEnd);
-    if (stem.starts_with(kNativePrefix))
-    {
-        stem.remove_prefix(kNativePrefix.size());
-    }
-    return std::string(kFolder).append(stem).append(kDllEnd);
+    const std::optional<Dl_info> info = InfoOf(address);
+    return info.has_value() && info->dli_fbase == module ? reinterpret_cast<FARPROC>(address) : nullptr;
 }
 
 } // namespace simulated

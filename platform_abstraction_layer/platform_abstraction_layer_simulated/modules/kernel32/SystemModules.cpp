@@ -47,20 +47,14 @@ Table& TheTable()
     return table;
 }
 
-// The file name of `name`, with ".dll" when it has no extension; empty when it names another folder's file.
+// The file name of `name`, with ".dll" when it has no extension; another folder's file keeps its folder.
 std::string FileNameOf(std::string_view name)
 {
-    const bool named = name.size() > kSystemFolder.size() &&
-                       EqualIgnoringCase(name.substr(0, kSystemFolder.size()), kSystemFolder);
-    if (named)
+    if (EqualIgnoringCase(name.substr(0, kSystemFolder.size()), kSystemFolder))
     {
         name.remove_prefix(kSystemFolder.size());
     }
-    if (name.find_first_of("/\\") != std::string_view::npos)
-    {
-        return {};
-    }
-    return name.find('.') == std::string_view::npos ? std::string(name) + ".dll" : std::string(name);
+    return std::string(name) + (name.find('.') == std::string_view::npos ? ".dll" : "");
 }
 
 template <class Condition>
@@ -90,30 +84,16 @@ SystemModule* Add(SystemModule module)
     return &table.modules.emplace_back(std::move(module));
 }
 
-HMODULE HandleOf(SystemModule* module) noexcept
-{
-    return reinterpret_cast<HMODULE>(module);
-}
-
 bool Matches(const modules::Export& entry, const char* nameOrOrdinal) noexcept
 {
     const auto number = reinterpret_cast<std::uintptr_t>(nameOrOrdinal);
-    if (HIWORD(number) == 0 && number <= 0xFFFF)
-    {
-        return entry.ordinal != 0 && entry.ordinal == number;
-    }
-    return entry.name != nullptr && std::string_view(entry.name) == nameOrOrdinal;
+    return number <= 0xFFFF ? entry.ordinal != 0 && entry.ordinal == number
+                            : entry.name != nullptr && std::string_view(entry.name) == nameOrOrdinal;
 }
 
 bool IsTakenAway(const std::string& key)
 {
     return EqualIgnoringCase(Machine::Read(kModulesSection, key, ""), kAbsent);
-}
-
-bool IsTakenAway(const SystemModule& module, const modules::Export& entry)
-{
-    return (entry.name != nullptr && IsTakenAway(module.name + '.' + entry.name)) ||
-           (entry.ordinal != 0 && IsTakenAway(module.name + '.' + std::to_string(entry.ordinal)));
 }
 
 } // namespace
@@ -123,28 +103,22 @@ void modules::Register(const char* name, std::span<const Export> exports, DWORD 
     Add({name, std::string(kSystemFolder) + name, exports, sinceMajor, false});
 }
 
-system_modules::Found system_modules::Find(const std::string& name)
+std::optional<HMODULE> system_modules::Find(const std::string& name)
 {
     const std::string file = FileNameOf(name);
-    if (file.empty())
-    {
-        return {};
-    }
     const std::string choice = Machine::Read(kModulesSection, file, "");
     SystemModule* module = FindNamed(file);
-    if (EqualIgnoringCase(choice, kAbsent))
-    {
-        return {nullptr, true};
-    }
     if (module == nullptr && !choice.empty())
     {
         module = Add({file, choice, {}, 0, true});
     }
     if (module == nullptr || (module->isAdded && choice.empty()))
     {
-        return {};
+        return std::nullopt;
     }
-    return {ReadSystemVersion().major < module->sinceMajor ? nullptr : HandleOf(module), true};
+    const bool isThere =
+        !EqualIgnoringCase(choice, kAbsent) && ReadSystemVersion().major >= module->sinceMajor;
+    return isThere ? reinterpret_cast<HMODULE>(module) : nullptr;
 }
 
 bool system_modules::IsModule(HMODULE module)
@@ -161,12 +135,12 @@ FARPROC system_modules::FindFunction(HMODULE handle, const char* nameOrOrdinal)
     }
     const auto entry = std::find_if(module->exports.begin(), module->exports.end(),
                                     [&](const modules::Export& row) { return Matches(row, nameOrOrdinal); });
-    if (entry == module->exports.end() || ReadSystemVersion().major < entry->sinceMajor ||
-        IsTakenAway(*module, *entry))
+    if (entry == module->exports.end() || ReadSystemVersion().major < entry->sinceMajor)
     {
         return nullptr;
     }
-    return entry->address;
+    const std::string name = entry->name == nullptr ? std::to_string(entry->ordinal) : entry->name;
+    return IsTakenAway(module->name + '.' + name) ? nullptr : entry->address;
 }
 
 std::string system_modules::WindowsPath(HMODULE handle)

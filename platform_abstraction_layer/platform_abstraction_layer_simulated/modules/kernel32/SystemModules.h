@@ -6,20 +6,15 @@
 
 #include "base/PlatformCall.h"
 
+#include <optional>
 #include <string>
 
 namespace simulated::system_modules
 {
 
-/// The module that `name` means, with or without ".dll" and the system's folder. An error of
-/// ERROR_MOD_NOT_FOUND comes with a null module; `isKnown` then tells a DLL that this machine lacks from a
-/// name that means no DLL of the system.
-struct Found
-{
-    HMODULE module = nullptr;
-    bool isKnown = false;
-};
-Found Find(const std::string& name);
+/// The module that `name` means, with or without ".dll" and the system's folder: null for a DLL that this
+/// machine lacks, nothing for a name that means no DLL of the system.
+std::optional<HMODULE> Find(const std::string& name);
 
 /// True for a handle that `Find` has given.
 bool IsModule(HMODULE module);
