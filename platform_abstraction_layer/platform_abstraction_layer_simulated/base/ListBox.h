@@ -5,14 +5,11 @@
 
 #include <windef.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace simulated
 {
-
-struct ListBoxContent;
 
 /// A window that takes list box messages as long as this object lives.
 class ListBox
@@ -32,7 +29,6 @@ public:
     std::vector<std::string> Items() const;
 
 private:
-    std::shared_ptr<ListBoxContent> m_content;
     HWND m_window;
 };
 

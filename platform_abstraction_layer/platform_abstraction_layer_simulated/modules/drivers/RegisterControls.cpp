@@ -5,7 +5,7 @@
 #include "machine/Chipset.h"
 #include "machine/Processor.h"
 #include "modules/drivers/DriverControls.h"
-#include "modules/kernel32/Affinity.h"
+#include "modules/kernel32/Threads.h"
 
 namespace simulated::orvlebl
 {

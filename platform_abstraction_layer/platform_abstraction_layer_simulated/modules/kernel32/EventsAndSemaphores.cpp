@@ -25,7 +25,8 @@ class Event final : public Waitable
 {
 public:
     Event(std::shared_ptr<KernelState> state, DWORD access)
-        : Waitable(ObjectKind::Event, GrantedAccess(access, EVENT_ALL_ACCESS)), m_state(std::move(state))
+        : Waitable(ObjectKind::Event, GrantedAccess(access, EVENT_ALL_ACCESS), WakeWord::Current()),
+          m_state(std::move(state))
     {
     }
 
@@ -43,11 +44,6 @@ public:
     {
         m_state->Word().fetch_and(~kSignalled);
         return ERROR_SUCCESS;
-    }
-
-    WakeWord& Wake() const noexcept override
-    {
-        return m_state->Wake();
     }
 
     std::uint32_t Begin() const noexcept override
@@ -81,7 +77,7 @@ class Semaphore final : public Waitable
 {
 public:
     Semaphore(std::shared_ptr<KernelState> state, DWORD access)
-        : Waitable(ObjectKind::Semaphore, GrantedAccess(access, SEMAPHORE_ALL_ACCESS)),
+        : Waitable(ObjectKind::Semaphore, GrantedAccess(access, SEMAPHORE_ALL_ACCESS), WakeWord::Current()),
           m_state(std::move(state))
     {
     }
@@ -108,11 +104,6 @@ public:
             *previous = static_cast<LONG>(present);
         }
         return ERROR_SUCCESS;
-    }
-
-    WakeWord& Wake() const noexcept override
-    {
-        return m_state->Wake();
     }
 
     bool TryTake(std::uint32_t) noexcept override

@@ -11,6 +11,7 @@
 #include "base/Text.h"
 #include "base/WholeFile.h"
 #include "machine/Machine.h"
+#include "modules/kernel32/WakeWord.h"
 
 #include <algorithm>
 #include <fcntl.h>

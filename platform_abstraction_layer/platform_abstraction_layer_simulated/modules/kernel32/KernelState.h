@@ -11,7 +11,6 @@
 #include "base/HandleTable.h"
 #include "base/PlatformCall.h"
 #include "modules/kernel32/SharedPages.h"
-#include "modules/kernel32/WakeWord.h"
 
 #include <winbase.h>
 
@@ -82,11 +81,6 @@ public:
     {
         return Record().word;
     }
-    WakeWord& Wake() const noexcept
-    {
-        return *m_wake;
-    }
-
     /// The first `size` bytes of a mapping, in whole pages.
     SharedPages Map(std::size_t size, bool writable) const noexcept;
 
@@ -99,7 +93,6 @@ private:
         return *static_cast<StateRecord*>(m_head.Address());
     }
 
-    std::shared_ptr<WakeWord> m_wake = WakeWord::Current();
     Descriptor m_file;
     std::string m_path; ///< empty when the object has no name
     SharedPages m_head;

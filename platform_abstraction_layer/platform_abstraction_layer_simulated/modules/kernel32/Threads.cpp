@@ -1,22 +1,24 @@
 // modules/kernel32/Threads.cpp
 //
-// Threads. Each runs above one frame of this library, the start frame. A thread that ends in the middle of
-// the plug-in, by FreeLibraryAndExitThread, jumps back to that frame, past all others, as on
-// Windows, where no destructors run either; only there, with no frame of the plug-in left, the module may go.
+// Threads and the cores that they may use. Each thread runs above one frame of this library, the start frame.
+// One that ends in the middle of the plug-in, by FreeLibraryAndExitThread, jumps back to that frame, past all
+// others, as on Windows, where no destructors run either; only there, with no frame of the plug-in left, the
+// module may go.
 //
-// Known differences from Windows: a thread takes no flags and its exit code is
-// dropped; the size of the stack is the native one;
-// only a thread that CreateThread made can end itself, any other ends the process with a message; thread
-// numbers are unique within a process only.
+// Known differences from Windows: a thread takes no flags and its exit code is dropped; the size of the stack
+// is the native one; only a thread that CreateThread made can end itself, any other ends the process with a
+// message; thread numbers are unique within a process only.
 
 #include "modules/kernel32/Threads.h"
 
-#include "modules/kernel32/Affinity.h"
+#include "machine/Machine.h"
 #include "modules/kernel32/NativeLibraries.h"
 #include "modules/kernel32/SystemModules.h"
+#include "modules/kernel32/Waits.h"
 
 #include <windows.h>
 
+#include <algorithm>
 #include <bit>
 #include <csetjmp>
 #include <cstdio>
@@ -28,6 +30,47 @@ namespace simulated
 
 namespace
 {
+
+constexpr const char* kProcessorSection = "Processor";
+constexpr std::uint64_t kDefaultCores = 4;
+constexpr std::uint64_t kMostCores = 32;
+
+DWORD NextId() noexcept
+{
+    static std::atomic<DWORD> next{0x100};
+    return next.fetch_add(4);
+}
+
+// What is kept of a thread as long as it runs or has a handle.
+struct ThreadState
+{
+    DWORD id = NextId();
+    std::shared_ptr<WakeWord> wake = WakeWord::Current();
+    std::atomic<bool> ended{false};
+    std::atomic<DWORD_PTR> affinity{0}; ///< 0 until it is set: all cores of the process
+};
+
+class Thread final : public Waitable
+{
+public:
+    explicit Thread(std::shared_ptr<ThreadState> state)
+        : Waitable(ObjectKind::Thread, THREAD_ALL_ACCESS, state->wake), m_state(std::move(state))
+    {
+    }
+
+    ThreadState& State() const noexcept
+    {
+        return *m_state;
+    }
+
+    bool TryTake(std::uint32_t) noexcept override
+    {
+        return m_state->ended.load(std::memory_order_acquire);
+    }
+
+private:
+    std::shared_ptr<ThreadState> m_state;
+};
 
 // What passes between the start frame and the thread's own frames.
 struct Start
@@ -87,27 +130,45 @@ Outcome<HANDLE> Create(LPTHREAD_START_ROUTINE routine, void* parameter, DWORD fl
         return {nullptr, ERROR_INVALID_PARAMETER};
     }
     auto state = std::make_shared<ThreadState>();
-    auto start = std::make_unique<Start>();
-    start->routine = routine;
-    start->parameter = parameter;
-    start->state = state;
-
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+    auto start = std::make_unique<Start>(Start{routine, parameter, state});
     pthread_t thread{};
-    const int result = pthread_create(&thread, &attributes, &StartFrame, start.get());
-    pthread_attr_destroy(&attributes);
-    if (result != 0)
+    if (pthread_create(&thread, nullptr, &StartFrame, start.get()) != 0)
     {
         return {nullptr, ERROR_NOT_ENOUGH_MEMORY};
     }
+    pthread_detach(thread);
     static_cast<void>(start.release()); // the thread's own from now on
     if (threadId != nullptr)
     {
         *threadId = state->id;
     }
     return {HandleTable::Insert(std::make_shared<Thread>(std::move(state)), call), ERROR_SUCCESS};
+}
+
+// One bit for each core of the machine.
+DWORD_PTR SystemMask()
+{
+    const std::uint64_t cores = Machine::ReadNumber(kProcessorSection, "Cores", kDefaultCores);
+    return static_cast<DWORD_PTR>((std::uint64_t{1} << std::clamp<std::uint64_t>(cores, 1, kMostCores)) - 1);
+}
+
+// The cores that this process may use; never 0.
+DWORD_PTR ProcessMask()
+{
+    const DWORD_PTR all = SystemMask();
+    const auto share =
+        static_cast<DWORD_PTR>(Machine::ReadNumber(kProcessorSection, "ProcessMask", all)) & all;
+    return share == 0 ? all : share;
+}
+
+// The calling thread's state, also when CreateThread didn't make the thread.
+ThreadState& CurrentThreadState()
+{
+    if (currentState == nullptr)
+    {
+        currentState = std::make_shared<ThreadState>();
+    }
+    return *currentState;
 }
 
 DWORD_PTR MaskOf(const ThreadState& state)
@@ -135,34 +196,9 @@ Outcome<DWORD_PTR> ChangeMask(HANDLE handle, DWORD_PTR mask)
 
 } // namespace
 
-DWORD ThreadState::NextId() noexcept
-{
-    static std::atomic<DWORD> next{0x100};
-    return next.fetch_add(4);
-}
-
-ThreadState& CurrentThreadState()
-{
-    if (currentState == nullptr)
-    {
-        currentState = std::make_shared<ThreadState>();
-    }
-    return *currentState;
-}
-
 unsigned CurrentCore()
 {
     return static_cast<unsigned>(std::countr_zero(MaskOf(CurrentThreadState())));
-}
-
-Thread::Thread(std::shared_ptr<ThreadState> state)
-    : Waitable(ObjectKind::Thread, THREAD_ALL_ACCESS), m_state(std::move(state))
-{
-}
-
-bool Thread::TryTake(std::uint32_t) noexcept
-{
-    return m_state->ended.load(std::memory_order_acquire);
 }
 
 } // namespace simulated
@@ -195,7 +231,33 @@ SIM_API DWORD_PTR WINAPI SetThreadAffinityMask(HANDLE thread, DWORD_PTR mask)
     return call.Result<DWORD_PTR>(0, [&] { return ChangeMask(thread, mask); });
 }
 
+SIM_API BOOL WINAPI GetProcessAffinityMask(HANDLE process, PDWORD_PTR processMask, PDWORD_PTR systemMask)
+{
+    PlatformCall call(CallClass::Thread, "GetProcessAffinityMask", SIM_CALLER);
+    call.Arguments(process);
+    return call.Boolean(
+        [&]() -> DWORD
+        {
+            if (process != GetCurrentProcess())
+            {
+                return ERROR_INVALID_HANDLE;
+            }
+            if (processMask == nullptr || systemMask == nullptr)
+            {
+                return ERROR_NOACCESS;
+            }
+            *processMask = ProcessMask();
+            *systemMask = SystemMask();
+            return ERROR_SUCCESS;
+        });
+}
+
 // What follows only tells who is there, and is no entrance.
+SIM_API HANDLE WINAPI GetCurrentProcess()
+{
+    return reinterpret_cast<HANDLE>(LONG_PTR{-1});
+}
+
 SIM_API HANDLE WINAPI GetCurrentThread()
 {
     return reinterpret_cast<HANDLE>(LONG_PTR{-2});

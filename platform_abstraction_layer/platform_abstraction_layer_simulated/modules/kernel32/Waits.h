@@ -14,7 +14,8 @@ namespace simulated
 class Waitable : public Object
 {
 public:
-    Waitable(ObjectKind kind, DWORD access) : Object(kind), m_access(access)
+    Waitable(ObjectKind kind, DWORD access, std::shared_ptr<WakeWord> wake)
+        : Object(kind), m_access(access), m_wake(std::move(wake))
     {
     }
 
@@ -25,7 +26,10 @@ public:
     }
 
     /// What moves when the object changes.
-    virtual WakeWord& Wake() const noexcept = 0;
+    WakeWord& Wake() const noexcept
+    {
+        return *m_wake;
+    }
 
     /// What a wait keeps of the object from its begin, for `TryTake`.
     virtual std::uint32_t Begin() const noexcept
@@ -38,6 +42,7 @@ public:
 
 private:
     DWORD m_access;
+    std::shared_ptr<WakeWord> m_wake;
 };
 
 /// Waits until one of the objects is signalled, the first of them counting: its place, WAIT_TIMEOUT, or
