@@ -101,9 +101,12 @@ void Snapshot::Restore()
     {
         std::filesystem::remove_all(stranger);
     }
-    for (const std::filesystem::path& folder : m_folders)
+    if (differences.folders != m_folders.size())
     {
-        std::filesystem::create_directory(folder);
+        for (const std::filesystem::path& folder : m_folders)
+        {
+            std::filesystem::create_directory(folder);
+        }
     }
     for (const std::filesystem::path& path : differences.stale)
     {

@@ -124,11 +124,8 @@ DWORD CreateFolder(std::string_view path)
     {
         return error;
     }
-    if (mkdir(place.host.c_str(), kFolderMode) != 0)
-    {
-        return errno == EEXIST ? ERROR_ALREADY_EXISTS : ErrorOf(errno);
-    }
-    return ERROR_SUCCESS;
+    const bool isMade = !place.Exists() && mkdir(place.host.c_str(), kFolderMode) == 0;
+    return isMade ? ERROR_SUCCESS : place.Exists() || errno == EEXIST ? ERROR_ALREADY_EXISTS : ErrorOf(errno);
 }
 
 } // namespace
