@@ -34,9 +34,10 @@ inline std::optional<std::string> ReadBytes(const wchar_t* path)
         return std::nullopt;
     }
     std::string bytes;
-    for (int byte = std::fgetc(file.get()); byte != EOF; byte = std::fgetc(file.get()))
+    char block[4096];
+    while (const std::size_t count = std::fread(block, 1, sizeof block, file.get()))
     {
-        bytes += static_cast<char>(byte);
+        bytes.append(block, count);
     }
     return bytes;
 }

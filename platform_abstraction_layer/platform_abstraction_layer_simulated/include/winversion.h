@@ -6,8 +6,6 @@
 #include <winnt.h>
 
 #define VER_PLATFORM_WIN32_NT 2
-#define VER_NT_WORKSTATION 0x01
-#define VER_SUITE_SINGLEUSERTS 0x0100
 
 struct OSVERSIONINFOW
 {
@@ -16,7 +14,7 @@ struct OSVERSIONINFOW
     DWORD dwMinorVersion;      ///< offset 8
     DWORD dwBuildNumber;       ///< offset 12
     DWORD dwPlatformId;        ///< offset 16
-    WCHAR szCSDVersion[128];   ///< offset 20: the service pack, "Service Pack 3"
+    WCHAR szCSDVersion[128];   ///< offset 20: the service pack; natively empty
 };
 static_assert(sizeof(OSVERSIONINFOW) == 276);
 using LPOSVERSIONINFOW = OSVERSIONINFOW*;
@@ -42,6 +40,5 @@ using LPOSVERSIONINFOEXW = OSVERSIONINFOEXW*;
 /// Major version in the low byte, minor version in the next, build number in the high word.
 SIM_API DWORD WINAPI GetVersion();
 
-/// Fills what `dwOSVersionInfoSize` has room for: 276 bytes or 284. Other sizes are refused with
-/// ERROR_INSUFFICIENT_BUFFER.
+/// Fills an `OSVERSIONINFOW`, whatever follows it; other sizes are refused with ERROR_INSUFFICIENT_BUFFER.
 SIM_API BOOL WINAPI GetVersionExW(LPOSVERSIONINFOW information);

@@ -13,7 +13,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <iterator>
 
 namespace simulated::environment
 {
@@ -23,27 +22,24 @@ namespace
 
 constexpr DWORD kLaterMajor = 6;
 
-// A value may name other variables, never its own.
-struct Variable
+// The value of a variable, whose name ignores case.
+std::optional<std::string> Find(std::string_view name)
 {
-    std::string_view name;
-    std::string_view earlierValue;
-    std::string_view laterValue;
-};
-
-constexpr Variable kVariables[] = {
-    {"SystemDrive", "C:", "C:"},
-    {"SystemRoot", "C:\\WINDOWS", "C:\\WINDOWS"},
-    {"ALLUSERSPROFILE", "C:\\Documents and Settings\\All Users", "C:\\ProgramData"},
-};
-
-constexpr std::string_view kServiceProfile = "%SystemRoot%\\system32\\config\\systemprofile";
-
-std::string AccountProfile()
-{
+    if (EqualIgnoringCase(name, "SystemDrive"))
+    {
+        return "C:";
+    }
+    if (EqualIgnoringCase(name, "SystemRoot"))
+    {
+        return "C:\\WINDOWS";
+    }
+    if (!EqualIgnoringCase(name, "USERPROFILE"))
+    {
+        return std::nullopt;
+    }
     const std::optional<Account> account = Accounts::Running();
     const bool hasProfile = account && !account->profile.empty();
-    return hasProfile ? account->profile : Expand(kServiceProfile);
+    return hasProfile ? account->profile : "C:\\WINDOWS\\system32\\config\\systemprofile";
 }
 
 } // namespace
@@ -52,25 +48,6 @@ bool HasLaterFolders()
 {
     // A notebook that was made for one generation keeps its folders when its version is changed.
     return Machine::ReadNumber("Machine", "FoldersOf", ReadSystemVersion().major) >= kLaterMajor;
-}
-
-std::optional<std::string> Find(std::string_view name)
-{
-    if (EqualIgnoringCase(name, "USERNAME"))
-    {
-        return Machine::Account();
-    }
-    if (EqualIgnoringCase(name, "USERPROFILE"))
-    {
-        return AccountProfile();
-    }
-    const auto* const row =
-        std::find_if(std::begin(kVariables), std::end(kVariables),
-                     [name](const Variable& candidate) { return EqualIgnoringCase(candidate.name, name); });
-    const std::string_view value = row == std::end(kVariables) ? std::string_view()
-                                   : HasLaterFolders()         ? row->laterValue
-                                                               : row->earlierValue;
-    return value.empty() ? std::nullopt : std::optional(Expand(value));
 }
 
 std::string Expand(std::string_view text)
@@ -110,18 +87,15 @@ SIM_API DWORD WINAPI ExpandEnvironmentStringsW(LPCWSTR source, LPWSTR target, DW
 {
     PlatformCall call(CallClass::System, "ExpandEnvironmentStringsW", SIM_CALLER);
     call.Arguments(source, size);
-    return call.Result<DWORD>(0,
-                              [&]() -> Outcome<DWORD>
-                              {
-                                  const std::vector<wchar_t> units =
-                                      ToUtf16(environment::Expand(ToUtf8(source)));
-                                  const auto needed = static_cast<DWORD>(units.size() + 1);
-                                  if (target != nullptr && size > 0)
-                                  {
-                                      const std::size_t fits = std::min<std::size_t>(units.size(), size - 1);
-                                      std::copy_n(units.begin(), fits, target);
-                                      target[fits] = 0;
-                                  }
-                                  return {needed, ERROR_SUCCESS};
-                              });
+    return call.Result<DWORD>(
+        0,
+        [&]() -> Outcome<DWORD>
+        {
+            const std::vector<wchar_t> units = ToUtf16(environment::Expand(ToUtf8(source)));
+            if (target != nullptr && size > 0)
+            {
+                *std::copy_n(units.begin(), std::min<std::size_t>(units.size(), size - 1), target) = 0;
+            }
+            return {static_cast<DWORD>(units.size() + 1), ERROR_SUCCESS};
+        });
 }

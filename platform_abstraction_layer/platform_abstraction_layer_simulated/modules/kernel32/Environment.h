@@ -1,10 +1,9 @@
 // modules/kernel32/Environment.h
 //
-// The environment variables that a process on the simulated machine finds: those of the system, and those of
-// the account that it runs as. Variables of the host are no part of it.
+// The environment variables that a process on the simulated machine finds: the system's drive and folder, and
+// the profile of the account that it runs as. Variables of the host are no part of it.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,9 +12,6 @@ namespace simulated::environment
 
 /// True when the machine has the folders of major version 6 and later ("C:\Users", "AppData\Local").
 bool HasLaterFolders();
-
-/// The value of a variable (UTF-8), whose name ignores case.
-std::optional<std::string> Find(std::string_view name);
 
 /// `text` with each "%name%" replaced by its value; what names no variable stays as it is.
 std::string Expand(std::string_view text);

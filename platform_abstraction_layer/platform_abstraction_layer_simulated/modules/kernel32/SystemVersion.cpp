@@ -2,19 +2,15 @@
 //
 // The version of the operating system, as machine.ini says it.
 //
-// Known difference from Windows: from 6.2 on the answer doesn't depend on what the program's manifest says.
+// Known differences from Windows: from 6.2 on the answer doesn't depend on what the program's manifest says;
+// GetVersionExW tells no service pack.
 
 #include "modules/kernel32/SystemVersion.h"
 
 #include "base/PlatformCall.h"
-#include "base/Text.h"
 #include "machine/Machine.h"
 
 #include <windows.h>
-
-#include <cstring>
-#include <iterator>
-#include <string>
 
 namespace simulated
 {
@@ -27,36 +23,6 @@ constexpr const char* kMachineSection = "Machine";
 DWORD ReadPart(const char* key, DWORD otherwise)
 {
     return static_cast<DWORD>(Machine::ReadNumber(kMachineSection, key, otherwise));
-}
-
-DWORD Fill(OSVERSIONINFOW* information)
-{
-    if (information == nullptr)
-    {
-        return ERROR_NOACCESS;
-    }
-    const DWORD size = information->dwOSVersionInfoSize;
-    if (size != sizeof(OSVERSIONINFOW) && size != sizeof(OSVERSIONINFOEXW))
-    {
-        return ERROR_INSUFFICIENT_BUFFER;
-    }
-    const SystemVersion version = ReadSystemVersion();
-    OSVERSIONINFOEXW filled{};
-    filled.dwOSVersionInfoSize = size;
-    filled.dwMajorVersion = version.major;
-    filled.dwMinorVersion = version.minor;
-    filled.dwBuildNumber = version.build;
-    filled.dwPlatformId = VER_PLATFORM_WIN32_NT;
-    filled.wServicePackMajor = static_cast<WORD>(version.servicePack);
-    filled.wSuiteMask = VER_SUITE_SINGLEUSERTS;
-    filled.wProductType = VER_NT_WORKSTATION;
-    if (version.servicePack != 0)
-    {
-        CopyToUtf16("Service Pack " + std::to_string(version.servicePack), filled.szCSDVersion,
-                    std::size(filled.szCSDVersion));
-    }
-    std::memcpy(static_cast<void*>(information), &filled, size);
-    return ERROR_SUCCESS;
 }
 
 } // namespace
@@ -81,5 +47,16 @@ SIM_API DWORD WINAPI GetVersion()
 SIM_API BOOL WINAPI GetVersionExW(LPOSVERSIONINFOW information)
 {
     PlatformCall call(CallClass::System, "GetVersionExW", SIM_CALLER);
-    return call.Boolean([&] { return Fill(information); });
+    return call.Boolean(
+        [&]() -> DWORD
+        {
+            if (information->dwOSVersionInfoSize != sizeof *information)
+            {
+                return ERROR_INSUFFICIENT_BUFFER;
+            }
+            const SystemVersion version = ReadSystemVersion();
+            *information = {sizeof *information, version.major,         version.minor,
+                            version.build,       VER_PLATFORM_WIN32_NT, {}};
+            return ERROR_SUCCESS;
+        });
 }
