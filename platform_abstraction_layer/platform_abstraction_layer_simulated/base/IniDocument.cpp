@@ -16,12 +16,25 @@ namespace
 
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::string_view kBlanks = " \t\v\f";
 
+constexpr bool IsBlank(char character)
+{
+    return character == ' ' || character == '\t' || character == '\v' || character == '\f';
+}
+
+// Every line that is looked at passes through here; the standard searches for one of several characters are
+// slow.
 std::string_view Trim(std::string_view text)
 {
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+    while (!text.empty() && IsBlank(text.front()))
+    {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && IsBlank(text.back()))
+    {
+        text.remove_suffix(1);
+    }
+    return text;
 }
 
 } // namespace
@@ -98,7 +111,8 @@ bool IniDocument::IsName(std::string_view text, std::string_view name) const
 {
     // Most names are plain; only one with other characters is decoded.
     const bool isPlain = std::all_of(text.begin(), text.end(), [](char byte) { return byte > 0; });
-    return isPlain ? EqualIgnoringCase(text, name) : EqualIgnoringCase(Text(text), name);
+    return isPlain ? text.size() == name.size() && EqualIgnoringCase(text, name)
+                   : EqualIgnoringCase(Text(text), name);
 }
 
 std::optional<IniDocument::Section> IniDocument::Find(std::string_view section, std::string_view key) const
@@ -108,6 +122,13 @@ std::optional<IniDocument::Section> IniDocument::Find(std::string_view section, 
     std::optional<Section> found;
     for (std::size_t place = 0; place < m_text.size();)
     {
+        if (!found)
+        {
+            // Only a line with a bracket can be the header; most others aren't looked at.
+            const std::size_t bracket = std::min(m_text.find('[', place), m_text.size());
+            const std::size_t lineBegin = m_text.find_last_of(kLineEnd, bracket) + 1; // 0 in the first line
+            place = std::max(place, lineBegin);
+        }
         const Line line = LineAt(place);
         if (line.kind == Line::Kind::Header)
         {

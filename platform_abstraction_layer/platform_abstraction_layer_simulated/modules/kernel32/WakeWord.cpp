@@ -42,10 +42,11 @@ std::shared_ptr<WakeWord> OpenWord(const std::string& path)
     std::error_code ignored;
     std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
     Descriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
-    if (!file.IsOpen() || ftruncate(file.Get(), kPageSize) != 0)
+    const auto makeRoom = [&file] { return file.IsOpen() && ftruncate(file.Get(), kPageSize) == 0; };
+    if (!makeRoom())
     {
         file = Descriptor(memfd_create("wake", MFD_CLOEXEC));
-        static_cast<void>(ftruncate(file.Get(), kPageSize));
+        makeRoom();
     }
     return std::make_shared<WakeWord>(SharedPages(file.Get(), kPageSize, true));
 }
