@@ -27,26 +27,20 @@ struct Fault
     bool hit;
 };
 
-struct HeldThing
-{
-    std::string kind;
-    std::string function;
-};
-
 // Never destroyed: a thread of the simulated platform may still call while the process ends.
 struct TraceState
 {
     std::mutex mutex;
     std::vector<TracedCall> calls;
     std::vector<Fault> faults;
-    std::map<std::pair<std::string, const void*>, HeldThing> held;
+    std::map<std::pair<std::string, const void*>, std::string> held; ///< kind and thing, and who opened it
     std::array<unsigned, static_cast<std::size_t>(CallClass::kCount)> counts{};
     std::atomic<bool> recording{false};
     std::atomic<bool> printing{false};
 
     TraceState()
     {
-        const char* trace = std::getenv("SIM_TRACE");
+        const char* const trace = std::getenv("SIM_TRACE");
         printing = trace != nullptr && std::strcmp(trace, "0") != 0;
     }
 };
@@ -182,7 +176,7 @@ void Leaks::Opened(const char* kind, const void* thing, const char* function)
 {
     TraceState& state = TheTraceState();
     const std::lock_guard lock(state.mutex);
-    state.held[{kind, thing}] = {kind, function};
+    state.held[{kind, thing}] = function;
 }
 
 void Leaks::Closed(const char* kind, const void* thing)
@@ -204,9 +198,9 @@ std::string Leaks::Describe()
     TraceState& state = TheTraceState();
     const std::lock_guard lock(state.mutex);
     std::string lines;
-    for (const auto& [key, thing] : state.held)
+    for (const auto& [thing, function] : state.held)
     {
-        lines += thing.kind + " from " + thing.function + '\n';
+        lines += thing.first + " from " + function + '\n';
     }
     return lines;
 }
