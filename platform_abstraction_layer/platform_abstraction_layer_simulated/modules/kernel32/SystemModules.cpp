@@ -35,16 +35,16 @@ struct SystemModule
 };
 
 // Records never move nor go: their addresses are module handles.
-struct Table
+struct SystemModules
 {
     std::mutex mutex;
     std::list<SystemModule> modules;
 };
 
-Table& TheTable()
+SystemModules& TheSystemModules()
 {
-    static Table& table = *new Table;
-    return table;
+    static SystemModules& modules = *new SystemModules;
+    return modules;
 }
 
 // The file name of `name`, with ".dll" when it has no extension; another folder's file keeps its folder.
@@ -60,7 +60,7 @@ std::string FileNameOf(std::string_view name)
 template <class Condition>
 SystemModule* FindRecord(Condition condition)
 {
-    Table& table = TheTable();
+    SystemModules& table = TheSystemModules();
     const std::lock_guard lock(table.mutex);
     const auto found = std::find_if(table.modules.begin(), table.modules.end(), condition);
     return found == table.modules.end() ? nullptr : &*found;
@@ -79,7 +79,7 @@ SystemModule* FindHandle(HMODULE handle)
 
 SystemModule* Add(SystemModule module)
 {
-    Table& table = TheTable();
+    SystemModules& table = TheSystemModules();
     const std::lock_guard lock(table.mutex);
     return &table.modules.emplace_back(std::move(module));
 }
