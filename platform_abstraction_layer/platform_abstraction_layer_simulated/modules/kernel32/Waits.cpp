@@ -1,7 +1,7 @@
 // modules/kernel32/Waits.cpp
 //
-// Waits on one or several objects, sleeping, and the tick count. A time-out runs on the notebook's clock: when
-// that is instant, a wait keeps a short real grace and the clock moves on by the whole time-out.
+// Waits on one or several objects, sleeping, and the tick count. A time-out runs on the notebook's clock:
+// when that is instant, a wait keeps a short real grace and the clock moves on by the whole time-out.
 //
 // Known differences from Windows: waiters are not served in the order in which they came; a wait for all of
 // several objects is refused; only events, semaphores and threads can be waited for.
