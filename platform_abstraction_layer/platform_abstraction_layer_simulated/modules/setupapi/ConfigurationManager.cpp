@@ -1,13 +1,12 @@
 // modules/setupapi/ConfigurationManager.cpp
 //
 // The device tree as the configuration manager walks it, and the state of its nodes. Known difference: only
-// nodes that are there can be located.
+// the root can be located.
 
 #include "base/PlatformCall.h"
 #include "base/Text.h"
 #include "machine/DeviceTree.h"
 #include "modules/setupapi/DeviceNodes.h"
-#include "modules/setupapi/DeviceProperties.h"
 
 #include <cfgmgr32.h>
 
@@ -61,13 +60,11 @@ CONFIGRET Locate(PDEVINST node, const wchar_t* instanceId, ULONG flags)
     {
         return CR_INVALID_FLAG;
     }
-    const bool isRoot = instanceId == nullptr || *instanceId == 0;
-    const std::optional<std::string> id = DeviceTree::Find(isRoot ? DeviceTree::kRoot : ToUtf8(instanceId));
-    if (!id || !DeviceTree::StateOf(*id).isPresent)
+    if (instanceId != nullptr)
     {
         return CR_NO_SUCH_DEVNODE;
     }
-    *node = nodes::NumberOf(*id);
+    *node = nodes::NumberOf(DeviceTree::kRoot);
     return CR_SUCCESS;
 }
 
@@ -93,12 +90,8 @@ std::string FirstChild(const std::string& id)
 
 std::string NextSibling(const std::string& id)
 {
-    const std::string parent = DeviceTree::Parent(id);
-    const std::vector<std::string> siblings =
-        parent.empty() ? std::vector<std::string>() : DeviceTree::Children(parent);
-    const auto self =
-        std::find_if(siblings.begin(), siblings.end(),
-                     [&](const std::string& sibling) { return EqualIgnoringCase(sibling, id); });
+    const std::vector<std::string> siblings = DeviceTree::Children(DeviceTree::Parent(id));
+    const auto self = std::find(siblings.begin(), siblings.end(), id);
     return self == siblings.end() || self + 1 == siblings.end() ? std::string() : *(self + 1);
 }
 
@@ -140,11 +133,11 @@ CONFIGRET GetProperty(const std::string& id, ULONG number, PULONG type, PVOID bu
     {
         return CR_INVALID_POINTER;
     }
-    if (number == 0 || !properties::IsKnown(number - 1))
+    if (number == 0 || !nodes::IsProperty(number - 1))
     {
         return CR_INVALID_PROPERTY;
     }
-    const std::optional<std::vector<wchar_t>> property = properties::Read(id, number - 1);
+    const std::optional<std::vector<wchar_t>> property = nodes::Property(id, number - 1);
     if (!property)
     {
         *size = 0;

@@ -7,7 +7,6 @@
 
 #include "base/GuidText.h"
 #include "base/Text.h"
-#include "machine/DeviceTree.h"
 #include "modules/setupapi/DeviceNodes.h"
 
 #include <algorithm>
@@ -25,11 +24,6 @@ bool IsWellFormed(const Record* record)
 }
 
 } // namespace
-
-GUID SetupClassOf(const std::string& instanceId)
-{
-    return ParseGuid(DeviceTree::Value(instanceId, "Class").value_or("")).value_or(GUID{});
-}
 
 DeviceList::DeviceList(std::optional<GUID> setupClass)
     : Object(ObjectKind::DeviceList), m_setupClass(setupClass)
@@ -69,7 +63,7 @@ DWORD DeviceList::Describe(std::size_t place, SP_DEVINFO_DATA* target) const
         return ERROR_NO_MORE_ITEMS;
     }
     const std::string& id = m_devices[place].instanceId;
-    target->ClassGuid = SetupClassOf(id);
+    target->ClassGuid = nodes::SetupClassOf(id);
     target->DevInst = nodes::NumberOf(id);
     target->Reserved = place + 1;
     return ERROR_SUCCESS;

@@ -87,7 +87,4 @@ DWORD WithDevice(HDEVINFO handle, const SP_DEVINFO_DATA* record, Work work)
     return WithList(handle, [&](DeviceList& list) { return list.With(record, work); });
 }
 
-/// The setup class of a device; all zeros when it has none.
-GUID SetupClassOf(const std::string& instanceId);
-
 } // namespace simulated

@@ -7,7 +7,7 @@
 #include "base/Text.h"
 #include "machine/DeviceTree.h"
 #include "modules/setupapi/DeviceList.h"
-#include "modules/setupapi/DeviceProperties.h"
+#include "modules/setupapi/DeviceNodes.h"
 
 #include <cstring>
 
@@ -24,32 +24,18 @@ std::optional<GUID> Optional(const GUID* guid)
     return guid == nullptr ? std::nullopt : std::optional(*guid);
 }
 
-bool IsInterface(const std::string& instanceId, const GUID& interfaceClass)
+// The devices that have `classGuid` in this line of their sections: "Class" or "Interface".
+std::vector<std::string> DevicesWith(const char* key, const GUID& classGuid, DWORD flags)
 {
-    const auto exposed = ParseGuid(DeviceTree::Value(instanceId, "Interface").value_or(""));
-    return exposed && IsSame(*exposed, interfaceClass);
-}
-
-void Fill(DeviceList& list, const GUID& classGuid, DWORD flags)
-{
-    for (const std::string& id : DeviceTree::All())
-    {
-        if ((flags & DIGCF_PRESENT) != 0 && !DeviceTree::StateOf(id).isPresent)
-        {
-            continue;
-        }
-        if ((flags & DIGCF_DEVICEINTERFACE) == 0)
-        {
-            if (IsSame(SetupClassOf(id), classGuid))
-            {
-                list.Add(id);
-            }
-        }
-        else if (IsInterface(id, classGuid))
-        {
-            list.AddInterface(id, classGuid);
-        }
-    }
+    std::vector<std::string> ids = DeviceTree::All();
+    std::erase_if(ids,
+                  [&](const std::string& id)
+                  {
+                      const auto found = ParseGuid(DeviceTree::Value(id, key).value_or(""));
+                      return !found || !IsSame(*found, classGuid) ||
+                             ((flags & DIGCF_PRESENT) != 0 && !DeviceTree::StateOf(id).isPresent);
+                  });
+    return ids;
 }
 
 Outcome<HDEVINFO> List(const GUID* classGuid, PCWSTR enumerator, DWORD flags, const PlatformCall& call)
@@ -64,7 +50,10 @@ Outcome<HDEVINFO> List(const GUID* classGuid, PCWSTR enumerator, DWORD flags, co
     }
     const bool isOneClass = (flags & DIGCF_DEVICEINTERFACE) == 0;
     const auto list = std::make_shared<DeviceList>(isOneClass ? Optional(classGuid) : std::nullopt);
-    Fill(*list, *classGuid, flags);
+    for (const std::string& id : DevicesWith(isOneClass ? "Class" : "Interface", *classGuid, flags))
+    {
+        isOneClass ? void(list->Add(id)) : list->AddInterface(id, *classGuid);
+    }
     return {HandleTable::Insert(list, call)};
 }
 
@@ -83,7 +72,7 @@ DWORD Open(DeviceList& list, PCWSTR instanceId, DWORD flags, PSP_DEVINFO_DATA de
     {
         return ERROR_NO_SUCH_DEVINST;
     }
-    if (list.SetupClass() && !IsSame(*list.SetupClass(), SetupClassOf(*id)))
+    if (list.SetupClass() && !IsSame(*list.SetupClass(), nodes::SetupClassOf(*id)))
     {
         return ERROR_CLASS_MISMATCH;
     }
@@ -95,13 +84,8 @@ DWORD Open(DeviceList& list, PCWSTR instanceId, DWORD flags, PSP_DEVINFO_DATA de
     return device == nullptr ? DWORD{ERROR_SUCCESS} : list.Describe(place, device);
 }
 
-DWORD GetInstanceId(const DeviceList::Device& device, PWSTR text, DWORD capacity, PDWORD required)
+DWORD GetInstanceId(const DeviceList::Device& device, PWSTR text, DWORD capacity)
 {
-    const DWORD needed = static_cast<DWORD>(ToUtf16(device.instanceId).size() + 1);
-    if (required != nullptr)
-    {
-        *required = needed;
-    }
     if ((text == nullptr) != (capacity == 0))
     {
         return ERROR_INVALID_PARAMETER;
@@ -109,44 +93,27 @@ DWORD GetInstanceId(const DeviceList::Device& device, PWSTR text, DWORD capacity
     return CopyToUtf16(device.instanceId, text, capacity) ? ERROR_SUCCESS : ERROR_INSUFFICIENT_BUFFER;
 }
 
-// Where a caller wants a property.
-struct Target
+DWORD GetProperty(const DeviceList::Device& device, DWORD number, PBYTE buffer, DWORD size)
 {
-    PDWORD type;
-    PBYTE buffer;
-    DWORD size;
-    PDWORD required;
-};
-
-DWORD GetProperty(const DeviceList::Device& device, DWORD number, const Target& target)
-{
-    if (!properties::IsKnown(number))
+    if (!nodes::IsProperty(number))
     {
         return ERROR_INVALID_REG_PROPERTY;
     }
-    if ((target.buffer == nullptr) != (target.size == 0))
+    if ((buffer == nullptr) != (size == 0))
     {
         return ERROR_INVALID_PARAMETER;
     }
-    const std::optional<std::vector<wchar_t>> property = properties::Read(device.instanceId, number);
+    const std::optional<std::vector<wchar_t>> property = nodes::Property(device.instanceId, number);
     if (!property)
     {
         return ERROR_INVALID_DATA;
     }
-    const auto size = static_cast<DWORD>(property->size() * sizeof(wchar_t));
-    if (target.type != nullptr)
-    {
-        *target.type = REG_SZ;
-    }
-    if (target.required != nullptr)
-    {
-        *target.required = size;
-    }
-    if (size > target.size)
+    const std::size_t needed = property->size() * sizeof(wchar_t);
+    if (needed > size)
     {
         return ERROR_INSUFFICIENT_BUFFER;
     }
-    std::memcpy(target.buffer, property->data(), size);
+    std::memcpy(buffer, property->data(), needed);
     return ERROR_SUCCESS;
 }
 
@@ -224,9 +191,10 @@ SIM_API BOOL WINAPI SetupDiGetDeviceInstanceIdW(HDEVINFO list, PSP_DEVINFO_DATA 
     return call.Boolean(
         [&]
         {
-            return WithDevice(list, device,
-                              [&](const DeviceList::Device& row)
-                              { return GetInstanceId(row, text, capacity, required); });
+            return required != nullptr ? DWORD{ERROR_INVALID_PARAMETER}
+                                       : WithDevice(list, device,
+                                                    [&](const DeviceList::Device& row)
+                                                    { return GetInstanceId(row, text, capacity); });
         });
 }
 
@@ -238,10 +206,11 @@ SIM_API BOOL WINAPI SetupDiGetDeviceRegistryPropertyW(HDEVINFO list, PSP_DEVINFO
     return call.Boolean(
         [&]
         {
-            return WithDevice(list, device,
-                              [&](const DeviceList::Device& row) {
-                                  return GetProperty(row, property, {type, buffer, size, required});
-                              });
+            return type != nullptr || required != nullptr
+                       ? DWORD{ERROR_INVALID_PARAMETER}
+                       : WithDevice(list, device,
+                                    [&](const DeviceList::Device& row)
+                                    { return GetProperty(row, property, buffer, size); });
         });
 }
 
