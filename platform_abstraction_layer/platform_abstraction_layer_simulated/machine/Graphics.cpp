@@ -27,9 +27,9 @@ bool Graphics::IsInstalled()
     return ReadWord("Installed") != 0;
 }
 
-void Graphics::SetInstalled(bool installed)
+bool Graphics::SetInstalled(bool installed)
 {
-    Machine::WriteNumber(kGraphicsSection, "Installed", installed);
+    return Machine::WriteNumber(kGraphicsSection, "Installed", installed);
 }
 
 DWORD Graphics::Capabilities()
@@ -63,10 +63,11 @@ Graphics::Refusal Graphics::RefusalOf(const std::string& method)
     return {static_cast<HRESULT>(ReadWord(method + ".Result")), ReadWord(method + ".Error")};
 }
 
-void Graphics::Refuse(const std::string& method, const Refusal& refusal)
+bool Graphics::Refuse(const std::string& method, const Refusal& refusal)
 {
-    Machine::Write(kGraphicsSection, {{method + ".Result", ToHex(static_cast<DWORD>(refusal.result), 8)},
-                                      {method + ".Error", std::to_string(refusal.driverError)}});
+    return Machine::Write(kGraphicsSection,
+                          {{method + ".Result", ToHex(static_cast<DWORD>(refusal.result), 8)},
+                           {method + ".Error", std::to_string(refusal.driverError)}});
 }
 
 bool Graphics::IsComposed()

@@ -26,12 +26,11 @@ class Graphics
 {
 public:
     // Errors of the driver itself.
-    static constexpr DWORD kNotSupported = 19;
     static constexpr DWORD kLocked = 20;
     static constexpr DWORD kPolicyNotSupported = 24;
 
     static bool IsInstalled();
-    static void SetInstalled(bool installed);
+    static bool SetInstalled(bool installed);
 
     static DWORD Capabilities();
     static void SetCapabilities(DWORD capabilities);
@@ -54,15 +53,14 @@ public:
         }
     };
     static Refusal RefusalOf(const std::string& method);
-    static void Refuse(const std::string& method, const Refusal& refusal);
+    static bool Refuse(const std::string& method, const Refusal& refusal);
 
     /// Whether the desktop is composed. Section "Desktop": "Composition=1".
     static bool IsComposed();
     static void SetComposed(bool composed);
 
-    /// Objects that exist in this process, and power handles opened through them and not closed.
+    /// Objects that exist in this process.
     static unsigned LiveObjects();
-    static unsigned OpenPowerHandles();
 };
 
 } // namespace simulated

@@ -4,11 +4,11 @@
 // methods by slot alone, so the table of slots is laid out by hand. A caller that ignores reference counts
 // meets freed memory, as with any COM object.
 
+#include "modules/drivers/PanelBridge.h"
+
 #include "base/GuidText.h"
-#include "base/PlatformCall.h"
 #include "base/Trace.h"
 #include "machine/Graphics.h"
-#include "modules/ole32/ClassTable.h"
 
 #include <objbase.h>
 
@@ -26,7 +26,6 @@ namespace simulated
 namespace
 {
 
-constexpr CLSID kClassId = {0x3E1B7F5A, 0x90C4, 0x4D27, {0xA6, 0x1D, 0x5B, 0x0E, 0x77, 0x48, 0xC2, 0x9F}};
 constexpr IID kInterfaceId = {0xAFB6489F, 0x4515, 0x44AA, {0x8D, 0xF7, 0xED, 0x28, 0xEA, 0x46, 0x28, 0x3C}};
 constexpr HRESULT kInvalidHandle = HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE);
 
@@ -138,34 +137,21 @@ HRESULT CloseHandle(ULONG handle)
     return S_OK;
 }
 
-HRESULT ReadRecord(const Policy& policy, void* record, ULONG* driverError)
+// Accesses to the record of a policy that the driver supports; `words` are what it holds, as many as the
+// policy has.
+
+void ReadRecord(const Policy&, void* record, std::vector<DWORD>& words)
 {
-    const std::optional<std::vector<DWORD>> words = Graphics::Policy(policy.name);
-    if (!words)
-    {
-        *driverError = Graphics::kPolicyNotSupported;
-        return S_OK;
-    }
-    std::memset(record, 0, policy.recordSize);
-    std::memcpy(record, words->data(),
-                std::min<std::size_t>(policy.recordSize, words->size() * sizeof(DWORD)));
-    return S_OK;
+    std::memcpy(record, words.data(), words.size() * sizeof(DWORD));
 }
 
-HRESULT WriteRecord(const Policy& policy, const void* record, ULONG* driverError)
+void WriteRecord(const Policy& policy, void* record, std::vector<DWORD>& words)
 {
-    if (!Graphics::Policy(policy.name))
-    {
-        *driverError = Graphics::kPolicyNotSupported;
-        return S_OK;
-    }
-    std::vector<DWORD> words(policy.recordSize / sizeof(DWORD));
-    std::memcpy(words.data(), record, policy.recordSize);
+    std::memcpy(words.data(), record, words.size() * sizeof(DWORD));
     Graphics::SetPolicy(policy.name, words);
-    return S_OK;
 }
 
-// What reading and writing a policy have in common.
+// Reads or writes the record of a policy.
 struct PolicyCall
 {
     const char* method;
@@ -175,16 +161,15 @@ struct PolicyCall
     ULONG size;
     void* record;
     ULONG* driverError;
+    void (*access)(const Policy& policy, void* record, std::vector<DWORD>& words);
 
-    template <class Access>
-    HRESULT Run(Access access) const
+    HRESULT Run() const
     {
-        return RunUnlessRefused(method, driverError, [&] { return RunKnown(access); });
+        return RunUnlessRefused(method, driverError, [&] { return RunAllowed(); });
     }
 
 private:
-    template <class Access>
-    HRESULT RunKnown(Access access) const
+    HRESULT RunAllowed() const
     {
         if (!IsOpen(handle))
         {
@@ -202,12 +187,22 @@ private:
             *driverError = Graphics::kPolicyNotSupported;
             return S_OK;
         }
-        if (size != policy->recordSize)
+        return size == policy->recordSize ? RunUnlessRefused(std::string(method) + '.' + policy->name,
+                                                             driverError, [&] { return Access(*policy); })
+                                          : E_INVALIDARG;
+    }
+
+    HRESULT Access(const Policy& policy) const
+    {
+        std::optional<std::vector<DWORD>> words = Graphics::Policy(policy.name);
+        if (!words)
         {
-            return E_INVALIDARG;
+            *driverError = Graphics::kPolicyNotSupported;
+            return S_OK;
         }
-        return RunUnlessRefused(std::string(method) + '.' + policy->name, driverError,
-                                [&] { return access(*policy, record, driverError); });
+        words->resize(policy.recordSize / sizeof(DWORD));
+        access(policy, record, *words);
+        return S_OK;
     }
 };
 
@@ -287,6 +282,20 @@ HRESULT STDMETHODCALLTYPE CloseSlot(Bridge*, ULONG handle, ULONG* driverError)
         [&] { return RunUnlessRefused("PowerApiClose", driverError, [&] { return CloseHandle(handle); }); });
 }
 
+HRESULT ReadCapabilities(ULONG handle, ULONG* capabilities)
+{
+    if (capabilities == nullptr)
+    {
+        return E_POINTER;
+    }
+    if (!IsOpen(handle))
+    {
+        return kInvalidHandle;
+    }
+    *capabilities = Graphics::Capabilities();
+    return S_OK;
+}
+
 HRESULT STDMETHODCALLTYPE CapabilitiesSlot(Bridge*, ULONG handle, ULONG* capabilities, ULONG* driverError)
 {
     PlatformCall call(CallClass::Com, "GetPowerConsCaps", SIM_CALLER);
@@ -295,15 +304,7 @@ HRESULT STDMETHODCALLTYPE CapabilitiesSlot(Bridge*, ULONG handle, ULONG* capabil
         [&]
         {
             return RunUnlessRefused("GetPowerConsCaps", driverError,
-                                    [&]
-                                    {
-                                        if (!IsOpen(handle) || capabilities == nullptr)
-                                        {
-                                            return capabilities == nullptr ? E_POINTER : kInvalidHandle;
-                                        }
-                                        *capabilities = Graphics::Capabilities();
-                                        return S_OK;
-                                    });
+                                    [&] { return ReadCapabilities(handle, capabilities); });
         });
 }
 
@@ -312,8 +313,9 @@ HRESULT STDMETHODCALLTYPE GetPolicySlot(Bridge*, ULONG handle, ULONG number, GUI
 {
     PlatformCall call(CallClass::Com, "GetPowerPolicy", SIM_CALLER);
     call.Arguments(handle, number, size);
-    const PolicyCall policyCall = {"GetPowerPolicy", handle, number, id, size, record, driverError};
-    return call.Com([&] { return policyCall.Run(&ReadRecord); });
+    const PolicyCall policyCall = {"GetPowerPolicy", handle,      number,     id, size,
+                                   record,           driverError, &ReadRecord};
+    return call.Com([&] { return policyCall.Run(); });
 }
 
 HRESULT STDMETHODCALLTYPE SetPolicySlot(Bridge*, ULONG handle, ULONG number, GUID* id, ULONG size,
@@ -321,8 +323,9 @@ HRESULT STDMETHODCALLTYPE SetPolicySlot(Bridge*, ULONG handle, ULONG number, GUI
 {
     PlatformCall call(CallClass::Com, "SetPowerPolicy", SIM_CALLER);
     call.Arguments(handle, number, size);
-    const PolicyCall policyCall = {"SetPowerPolicy", handle, number, id, size, record, driverError};
-    return call.Com([&] { return policyCall.Run(&WriteRecord); });
+    const PolicyCall policyCall = {"SetPowerPolicy", handle,      number,      id, size,
+                                   record,           driverError, &WriteRecord};
+    return call.Com([&] { return policyCall.Run(); });
 }
 
 const Slots& TheSlots()
@@ -337,7 +340,9 @@ const Slots& TheSlots()
     return slots;
 }
 
-HRESULT CreateBridge(REFIID interfaceId, void** object, const PlatformCall& call)
+} // namespace
+
+HRESULT panel_bridge::Create(REFIID interfaceId, void** object, const PlatformCall& call)
 {
     auto* const bridge = new Bridge{&TheSlots(), {0}};
     ++liveObjects;
@@ -355,21 +360,9 @@ HRESULT CreateBridge(REFIID interfaceId, void** object, const PlatformCall& call
     return S_OK;
 }
 
-constexpr com::Class kClass = {"Pixlink.PanelBridge", kClassId, &Graphics::IsInstalled, &CreateBridge};
-const com::Registration kPanelBridge(kClass);
-
-} // namespace
-
 unsigned Graphics::LiveObjects()
 {
     return liveObjects;
-}
-
-unsigned Graphics::OpenPowerHandles()
-{
-    PowerHandles& handles = TheHandles();
-    const std::lock_guard lock(handles.mutex);
-    return static_cast<unsigned>(handles.open.size());
 }
 
 } // namespace simulated

@@ -1,11 +1,14 @@
-// modules/ole32/Apartments.cpp
+// modules/ole32/Com.cpp
 //
-// Which threads have initialised COM, for which kind of apartment and how often.
+// Which threads have initialised COM, for which kind of apartment and how often; finding a class by its name and
+// making an object of it. Known difference: there is one class, and whether it is installed is the machine's
+// word, not that of HKEY_CLASSES_ROOT.
 
-#include "modules/ole32/Apartments.h"
-
-#include "base/PlatformCall.h"
+#include "base/GuidText.h"
+#include "base/Text.h"
 #include "base/Trace.h"
+#include "machine/Graphics.h"
+#include "modules/drivers/PanelBridge.h"
 
 #include <objbase.h>
 
@@ -94,12 +97,44 @@ HRESULT Initialize(const void* reserved, DWORD flags, const PlatformCall& call)
     return OfThisThread().Enter((flags & COINIT_APARTMENTTHREADED) == 0, call);
 }
 
-} // namespace
-
-bool IsInApartment()
+HRESULT FindByName(LPCOLESTR name, LPCLSID classId)
 {
-    return OfThisThread().IsMember() || multithreadedThreads > 0;
+    if (name == nullptr || classId == nullptr)
+    {
+        return E_INVALIDARG;
+    }
+    const bool isKnown = Graphics::IsInstalled() && EqualIgnoringCase(ToUtf8(name), panel_bridge::kProgId);
+    *classId = isKnown ? panel_bridge::kClassId : CLSID{};
+    return isKnown ? S_OK : CO_E_CLASSSTRING;
 }
+
+HRESULT Create(REFCLSID classId, const IUnknown* outer, DWORD context, REFIID interfaceId, void** object,
+               const PlatformCall& call)
+{
+    if (object == nullptr)
+    {
+        return E_POINTER;
+    }
+    *object = nullptr;
+    // Another thread of the process may keep the multithreaded apartment alive.
+    if (!OfThisThread().IsMember() && multithreadedThreads == 0)
+    {
+        return CO_E_NOTINITIALIZED;
+    }
+    if (outer != nullptr)
+    {
+        return CLASS_E_NOAGGREGATION;
+    }
+    // The class lives in a DLL.
+    if (!Graphics::IsInstalled() || !IsSame(classId, panel_bridge::kClassId) ||
+        (context & CLSCTX_INPROC_SERVER) == 0)
+    {
+        return REGDB_E_CLASSNOTREG;
+    }
+    return panel_bridge::Create(interfaceId, object, call);
+}
+
+} // namespace
 
 } // namespace simulated
 
@@ -117,4 +152,19 @@ SIM_API void WINAPI CoUninitialize()
     PlatformCall call(CallClass::Com, "CoUninitialize", SIM_CALLER);
     OfThisThread().Leave();
     call.AnswerNothing();
+}
+
+SIM_API HRESULT WINAPI CLSIDFromProgID(LPCOLESTR progId, LPCLSID classId)
+{
+    PlatformCall call(CallClass::Com, "CLSIDFromProgID", SIM_CALLER);
+    call.Arguments(progId);
+    return call.Com([&] { return FindByName(progId, classId); });
+}
+
+SIM_API HRESULT WINAPI CoCreateInstance(REFCLSID classId, LPUNKNOWN outer, DWORD context, REFIID interfaceId,
+                                        LPVOID* object)
+{
+    PlatformCall call(CallClass::Com, "CoCreateInstance", SIM_CALLER);
+    call.Arguments(classId, context, interfaceId);
+    return call.Com([&] { return Create(classId, outer, context, interfaceId, object, call); });
 }
