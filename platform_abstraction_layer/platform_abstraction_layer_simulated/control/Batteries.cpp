@@ -7,7 +7,6 @@
 #include "base/HexText.h"
 #include "machine/DeviceTree.h"
 #include "machine/Machine.h"
-#include "modules/drivers/BatteryAnswers.h"
 
 #include <devguid.h>
 
@@ -22,9 +21,14 @@ namespace
 
 constexpr const char* kInstanceBegin = "ACPI\\PNP0C0A\\";
 
+std::vector<std::string> All()
+{
+    return DeviceTree::WithInterface(GUID_DEVICE_BATTERY);
+}
+
 std::string IdOf(unsigned index)
 {
-    const std::vector<std::string> all = batteries::All();
+    const std::vector<std::string> all = All();
     return index < all.size() ? all[index] : std::string();
 }
 
@@ -32,7 +36,7 @@ std::string IdOf(unsigned index)
 
 unsigned Batteries::Count()
 {
-    return static_cast<unsigned>(batteries::All().size());
+    return static_cast<unsigned>(All().size());
 }
 
 unsigned Batteries::Add()

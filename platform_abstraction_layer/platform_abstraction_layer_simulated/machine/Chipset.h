@@ -48,11 +48,8 @@ public:
     /// Writes as the bus does: what identifies the function stays as it is. False when the space ends before.
     static bool Write(const PciAddress& address, DWORD offset, std::span<const BYTE> bytes);
 
-    /// Sets bytes whatever they are for.
+    /// Sets bytes whatever they are for; the space must have them.
     static void Set(const PciAddress& address, DWORD offset, std::span<const BYTE> bytes);
-
-    /// "\Device\NTPNP_PCI0003" for 3.
-    static std::string ObjectName(unsigned object);
 };
 
 /// The ports, a byte each. machine.ini, section "Ports": "0x00B2=0x00".

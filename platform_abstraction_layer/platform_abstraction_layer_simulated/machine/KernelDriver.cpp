@@ -4,7 +4,6 @@
 
 #include "machine/KernelDriver.h"
 
-#include "machine/DriverGate.h"
 #include "machine/Machine.h"
 
 #include <winerror.h>
@@ -39,11 +38,6 @@ DriverState& TheDriverState()
     return state;
 }
 
-DWORD ReadError(const char* key)
-{
-    return static_cast<DWORD>(Machine::ReadNumber(kDriverSection, key, ERROR_SUCCESS));
-}
-
 } // namespace
 
 bool KernelDriver::IsPresent()
@@ -51,9 +45,9 @@ bool KernelDriver::IsPresent()
     return Machine::ReadNumber(kDriverSection, "Present", 0) != 0;
 }
 
-void KernelDriver::SetPresent(bool present)
+bool KernelDriver::SetPresent(bool present)
 {
-    Machine::WriteNumber(kDriverSection, "Present", present);
+    return Machine::WriteNumber(kDriverSection, "Present", present);
 }
 
 bool KernelDriver::IsBusy()
@@ -61,19 +55,14 @@ bool KernelDriver::IsBusy()
     return Machine::ReadNumber(kDriverSection, "Busy", 0) != 0;
 }
 
-void KernelDriver::SetBusy(bool busy)
+bool KernelDriver::SetBusy(bool busy)
 {
-    Machine::WriteNumber(kDriverSection, "Busy", busy);
+    return Machine::WriteNumber(kDriverSection, "Busy", busy);
 }
 
 void KernelDriver::RefuseRequests(DWORD error)
 {
     Machine::WriteNumber(kDriverSection, "RequestError", error);
-}
-
-void KernelDriver::RefuseOpening(DWORD error)
-{
-    Machine::WriteNumber(kDriverSection, "OpenError", error);
 }
 
 std::vector<KernelDriver::Request> KernelDriver::Requests()
@@ -115,14 +104,11 @@ void KernelDriver::LetGo()
     state.changed.notify_all();
 }
 
-DWORD DriverGate::ErrorOfOpening()
-{
-    return KernelDriver::IsPresent() ? ReadError("OpenError") : ERROR_FILE_NOT_FOUND;
-}
-
 DWORD DriverGate::ErrorOfRequest()
 {
-    return KernelDriver::IsBusy() ? ERROR_BUSY : ReadError("RequestError");
+    return KernelDriver::IsBusy()
+               ? ERROR_BUSY
+               : static_cast<DWORD>(Machine::ReadNumber(kDriverSection, "RequestError", ERROR_SUCCESS));
 }
 
 void DriverGate::PassHold()

@@ -6,7 +6,6 @@
 //   Present=1        0: the device can't be opened, ERROR_FILE_NOT_FOUND
 //   Busy=0           1: every request is refused with ERROR_BUSY; opening works
 //   RequestError=0   every request is refused with this error
-//   OpenError=0      opening is refused with this error
 #pragma once
 
 #include <windef.h>
@@ -20,13 +19,12 @@ class KernelDriver
 {
 public:
     [[nodiscard]] static bool IsPresent();
-    static void SetPresent(bool present);
+    static bool SetPresent(bool present);
     [[nodiscard]] static bool IsBusy();
-    static void SetBusy(bool busy);
+    static bool SetBusy(bool busy);
 
-    /// Refuses every request, or every opening, with `error` from now on; 0 ends that.
+    /// Refuses every request with `error` from now on; 0 ends that.
     static void RefuseRequests(DWORD error);
-    static void RefuseOpening(DWORD error);
 
     /// One request as it reached the driver and left it.
     struct Request
@@ -50,9 +48,19 @@ public:
     /// True as soon as a request waits inside; false when none came for `milliseconds` of real time.
     [[nodiscard]] static bool WaitUntilHeld(unsigned milliseconds);
     static void LetGo();
+};
 
-    /// Stretches of physical memory that this process has mapped and not unmapped.
-    static unsigned LiveMappings();
+/// The side of the switches that the driver itself asks.
+class DriverGate
+{
+public:
+    /// What refuses the next request; 0 when nothing does.
+    static DWORD ErrorOfRequest();
+
+    /// Waits here when this request is to be held.
+    static void PassHold();
+
+    static void Note(KernelDriver::Request request);
 };
 
 } // namespace simulated

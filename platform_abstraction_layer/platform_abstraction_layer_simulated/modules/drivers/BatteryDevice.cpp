@@ -1,18 +1,22 @@
 // modules/drivers/BatteryDevice.cpp
 //
-// The battery class driver: opening a battery by its interface path, its tag, its information and its status.
-// Known difference: a waiting query looks at the battery every tenth of a second of the notebook's clock.
+// The battery class driver: opening a battery by its interface path, its tag, its information and its status,
+// from the lines of its section in machine.ini (control/Batteries.h) and its share of what the power manager
+// says of all batteries. Known differences: a query for the tag that waits looks at the battery every tenth
+// of a second of the notebook's clock, and one for the status doesn't wait.
 
 #include "base/Clock.h"
 #include "base/Text.h"
 #include "machine/DeviceTree.h"
-#include "modules/drivers/BatteryAnswers.h"
 #include "modules/kernel32/Devices.h"
+#include "modules/powrprof/PowerStoreMachine.h"
 
+#include <poclass.h>
 #include <winbase.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <span>
@@ -23,14 +27,71 @@ namespace simulated
 namespace
 {
 
+using power_store::MachineAnswers;
+
 constexpr ULONG kForever = 0xFFFFFFFF;
 constexpr ULONG kLookEvery = 100;
+
+std::vector<std::string> Batteries()
+{
+    return DeviceTree::WithInterface(GUID_DEVICE_BATTERY);
+}
+
+// All zeros when the machine has none.
+MachineAnswers Power()
+{
+    MachineAnswers answers{};
+    return power_store::ReadMachineAnswers(answers) == ERROR_SUCCESS ? answers : MachineAnswers{};
+}
+
+ULONG FullCapacity(const std::string& battery, const MachineAnswers& power)
+{
+    return DeviceTree::Number(battery, "FullChargedCapacity").value_or(power.battery.MaxCapacity);
+}
+
+ULONG PowerState(const MachineAnswers& power)
+{
+    ULONG state = power.battery.AcOnLine ? BATTERY_POWER_ON_LINE : 0;
+    state |= power.battery.Charging ? BATTERY_CHARGING : 0;
+    state |= power.battery.Discharging ? BATTERY_DISCHARGING : 0;
+    const bool flagsKnown = power.status.BatteryFlag != BATTERY_FLAG_UNKNOWN;
+    return state | (flagsKnown && (power.status.BatteryFlag & BATTERY_FLAG_CRITICAL) ? BATTERY_CRITICAL : 0);
+}
+
+// 0 when no battery is in the slot.
+ULONG TagOf(const std::string& battery, const MachineAnswers& power)
+{
+    return power.battery.BatteryPresent ? DeviceTree::Number(battery, "Tag").value_or(BATTERY_TAG_INVALID)
+                                        : BATTERY_TAG_INVALID;
+}
+
+// This battery's part of a figure that the power source gives for all.
+ULONG ShareOf(ULONG whole, const std::string& battery, const MachineAnswers& power)
+{
+    ULONGLONG all = 0;
+    for (const std::string& id : Batteries())
+    {
+        all += TagOf(id, power) == BATTERY_TAG_INVALID ? 0 : FullCapacity(id, power);
+    }
+    return all == 0 ? 0 : static_cast<ULONG>(ULONGLONG{whole} * FullCapacity(battery, power) / all);
+}
+
+LONG RateOf(const std::string& battery, const MachineAnswers& power)
+{
+    if (power.battery.Rate == BATTERY_UNKNOWN_RATE)
+    {
+        return static_cast<LONG>(BATTERY_UNKNOWN_RATE);
+    }
+    const auto rate = static_cast<LONG>(power.battery.Rate);
+    const ULONG size = ShareOf(static_cast<ULONG>(rate < 0 ? -rate : rate), battery, power);
+    return power.battery.Discharging ? -static_cast<LONG>(size) : static_cast<LONG>(size);
+}
 
 // What goes back to the caller.
 struct Answer
 {
     std::span<BYTE> room;
-    DWORD returned = 0;
+    DWORD& returned;
 
     DWORD Put(const void* bytes, std::size_t size)
     {
@@ -46,12 +107,6 @@ struct Answer
 
 // A level that a battery knows nothing of is refused like a function that it doesn't have.
 
-template <class Value>
-DWORD PutIfKnown(const std::optional<Value>& value, Answer& answer)
-{
-    return value ? answer.Put(&*value, sizeof *value) : DWORD{ERROR_INVALID_FUNCTION};
-}
-
 DWORD PutText(const std::string& battery, const char* key, Answer& answer)
 {
     const std::optional<std::string> text = DeviceTree::Value(battery, key);
@@ -66,75 +121,84 @@ DWORD PutText(const std::string& battery, const char* key, Answer& answer)
 
 DWORD PutInformation(const std::string& battery, Answer& answer)
 {
-    const BATTERY_INFORMATION information = batteries::Information(battery);
+    const auto number = [&](const char* key) { return DeviceTree::Number(battery, key).value_or(0); };
+    BATTERY_INFORMATION information = {};
+    information.Capabilities = number("Capabilities");
+    information.Technology = static_cast<UCHAR>(number("Technology"));
+    const std::string chemistry = DeviceTree::Value(battery, "Chemistry").value_or("");
+    std::memcpy(information.Chemistry, chemistry.data(),
+                std::min(chemistry.size(), sizeof information.Chemistry));
+    information.DesignedCapacity = number("DesignedCapacity");
+    information.FullChargedCapacity = FullCapacity(battery, Power());
+    information.DefaultAlert1 = number("DefaultAlert1");
+    information.DefaultAlert2 = number("DefaultAlert2");
+    information.CriticalBias = number("CriticalBias");
+    information.CycleCount = number("CycleCount");
     return answer.Put(&information, sizeof information);
 }
 
-struct Level
+DWORD PutTemperature(const std::string& battery, Answer& answer)
 {
-    BATTERY_QUERY_INFORMATION_LEVEL number;
-    DWORD (*put)(const std::string& battery, Answer& answer);
-};
+    const std::optional<ULONG> temperature = DeviceTree::Number(battery, "Temperature");
+    return temperature ? answer.Put(&*temperature, sizeof *temperature) : DWORD{ERROR_INVALID_FUNCTION};
+}
 
-constexpr Level kLevels[] = {
-    {BatteryInformation, &PutInformation},
-    {BatteryTemperature, [](const std::string& battery, Answer& answer)
-     { return PutIfKnown(batteries::Temperature(battery), answer); }},
-    {BatteryDeviceName,
-     [](const std::string& battery, Answer& answer) { return PutText(battery, "DeviceName", answer); }},
-    {BatteryManufactureDate, [](const std::string& battery, Answer& answer)
-     { return PutIfKnown(batteries::ManufactureDate(battery), answer); }},
-    {BatteryManufactureName,
-     [](const std::string& battery, Answer& answer) { return PutText(battery, "ManufactureName", answer); }},
-    {BatteryUniqueID,
-     [](const std::string& battery, Answer& answer) { return PutText(battery, "UniqueID", answer); }},
-    {BatterySerialNumber,
-     [](const std::string& battery, Answer& answer) { return PutText(battery, "SerialNumber", answer); }},
-};
-
-// Waits up to `milliseconds` until `isThere` answers true; what it answered last.
-template <class Condition>
-bool WaitFor(ULONG milliseconds, Condition isThere)
+DWORD PutManufactureDate(const std::string& battery, Answer& answer)
 {
-    const std::uint64_t end = Clock::Now() + milliseconds;
-    while (!isThere())
+    const std::string text = DeviceTree::Value(battery, "ManufactureDate").value_or("");
+    BATTERY_MANUFACTURE_DATE date = {};
+    return std::sscanf(text.c_str(), "%hu-%hhu-%hhu", &date.Year, &date.Month, &date.Day) == 3
+               ? answer.Put(&date, sizeof date)
+               : DWORD{ERROR_INVALID_FUNCTION};
+}
+
+DWORD PutLevel(const std::string& battery, ULONG level, Answer& answer)
+{
+    switch (level)
     {
-        if (milliseconds != kForever && Clock::Now() >= end)
-        {
-            return false;
-        }
-        Clock::Sleep(kLookEvery);
+    case BatteryInformation:
+        return PutInformation(battery, answer);
+    case BatteryTemperature:
+        return PutTemperature(battery, answer);
+    case BatteryManufactureDate:
+        return PutManufactureDate(battery, answer);
+    case BatteryDeviceName:
+        return PutText(battery, "DeviceName", answer);
+    case BatteryManufactureName:
+        return PutText(battery, "ManufactureName", answer);
+    case BatteryUniqueID:
+        return PutText(battery, "UniqueID", answer);
+    case BatterySerialNumber:
+        return PutText(battery, "SerialNumber", answer);
+    default:
+        return ERROR_INVALID_FUNCTION;
     }
-    return true;
 }
 
 DWORD QueryTag(const std::string& battery, std::span<const BYTE> in, Answer& answer)
 {
-    // Without input the query doesn't wait.
     ULONG wait = 0;
-    if (!in.empty() && in.size() < sizeof wait)
+    if (in.size() < sizeof wait)
     {
         return ERROR_INVALID_PARAMETER;
     }
-    if (!in.empty())
-    {
-        std::memcpy(&wait, in.data(), sizeof wait);
-    }
-    if (answer.room.size() < sizeof(ULONG))
-    {
-        return ERROR_INSUFFICIENT_BUFFER;
-    }
+    std::memcpy(&wait, in.data(), sizeof wait);
+    const std::uint64_t end = Clock::Now() + wait;
     ULONG tag = BATTERY_TAG_INVALID;
-    if (!WaitFor(wait, [&] { return (tag = batteries::Tag(battery)) != BATTERY_TAG_INVALID; }))
+    while ((tag = TagOf(battery, Power())) == BATTERY_TAG_INVALID)
     {
-        return ERROR_FILE_NOT_FOUND;
+        if (wait != kForever && Clock::Now() >= end)
+        {
+            return ERROR_FILE_NOT_FOUND;
+        }
+        Clock::Sleep(kLookEvery);
     }
     return answer.Put(&tag, sizeof tag);
 }
 
-bool IsCurrent(const std::string& battery, ULONG tag)
+bool IsCurrent(const std::string& battery, ULONG tag, const MachineAnswers& power)
 {
-    return tag != BATTERY_TAG_INVALID && tag == batteries::Tag(battery);
+    return tag != BATTERY_TAG_INVALID && tag == TagOf(battery, power);
 }
 
 DWORD QueryInformation(const std::string& battery, std::span<const BYTE> in, Answer& answer)
@@ -145,17 +209,10 @@ DWORD QueryInformation(const std::string& battery, std::span<const BYTE> in, Ans
     }
     // The level may be a number that the enumeration doesn't have.
     ULONG tag = BATTERY_TAG_INVALID;
-    ULONG number = 0;
+    ULONG level = 0;
     std::memcpy(&tag, in.data() + offsetof(BATTERY_QUERY_INFORMATION, BatteryTag), sizeof tag);
-    std::memcpy(&number, in.data() + offsetof(BATTERY_QUERY_INFORMATION, InformationLevel), sizeof number);
-    if (!IsCurrent(battery, tag))
-    {
-        return ERROR_FILE_NOT_FOUND;
-    }
-    const auto* const level =
-        std::find_if(std::begin(kLevels), std::end(kLevels),
-                     [&](const Level& row) { return static_cast<ULONG>(row.number) == number; });
-    return level == std::end(kLevels) ? DWORD{ERROR_INVALID_FUNCTION} : level->put(battery, answer);
+    std::memcpy(&level, in.data() + offsetof(BATTERY_QUERY_INFORMATION, InformationLevel), sizeof level);
+    return IsCurrent(battery, tag, Power()) ? PutLevel(battery, level, answer) : DWORD{ERROR_FILE_NOT_FOUND};
 }
 
 DWORD QueryStatus(const std::string& battery, std::span<const BYTE> in, Answer& answer)
@@ -166,22 +223,21 @@ DWORD QueryStatus(const std::string& battery, std::span<const BYTE> in, Answer& 
         return ERROR_INVALID_PARAMETER;
     }
     std::memcpy(&query, in.data(), sizeof query);
-    if (answer.room.size() < sizeof(BATTERY_STATUS))
+    const MachineAnswers power = Power();
+    if (!IsCurrent(battery, query.BatteryTag, power))
     {
-        return ERROR_INSUFFICIENT_BUFFER;
+        return ERROR_FILE_NOT_FOUND;
     }
-    // A query that waits ends early when the battery leaves what the caller thinks of it.
-    BATTERY_STATUS status = {};
-    bool isGone = false;
-    WaitFor(query.Timeout,
-            [&]
-            {
-                isGone = !IsCurrent(battery, query.BatteryTag);
-                status = batteries::Status(battery);
-                return isGone || status.PowerState != query.PowerState ||
-                       status.Capacity < query.LowCapacity || status.Capacity > query.HighCapacity;
-            });
-    return isGone ? DWORD{ERROR_FILE_NOT_FOUND} : answer.Put(&status, sizeof status);
+    // What has a line of its own doesn't follow the power source.
+    const std::optional<ULONG> state = DeviceTree::Number(battery, "PowerState");
+    const std::optional<ULONG> capacity = DeviceTree::Number(battery, "Capacity");
+    const std::optional<ULONG> rate = DeviceTree::Number(battery, "Rate");
+    const BATTERY_STATUS status = {state ? *state : PowerState(power),
+                                   capacity ? *capacity
+                                            : ShareOf(power.battery.RemainingCapacity, battery, power),
+                                   DeviceTree::Number(battery, "Voltage").value_or(BATTERY_UNKNOWN_VOLTAGE),
+                                   rate ? static_cast<LONG>(*rate) : RateOf(battery, power)};
+    return answer.Put(&status, sizeof status);
 }
 
 class BatteryDevice : public Device
@@ -194,26 +250,19 @@ public:
     DWORD Control(DWORD code, const void* in, DWORD inSize, void* out, DWORD outSize,
                   DWORD& returned) override
     {
-        struct Row
+        const std::span<const BYTE> input(static_cast<const BYTE*>(in), inSize);
+        Answer answer = {{static_cast<BYTE*>(out), outSize}, returned};
+        switch (code)
         {
-            DWORD code;
-            DWORD (*query)(const std::string&, std::span<const BYTE>, Answer&);
-        };
-        static constexpr Row kRows[] = {
-            {IOCTL_BATTERY_QUERY_TAG, &QueryTag},
-            {IOCTL_BATTERY_QUERY_INFORMATION, &QueryInformation},
-            {IOCTL_BATTERY_QUERY_STATUS, &QueryStatus},
-        };
-        const auto* const row = std::find_if(std::begin(kRows), std::end(kRows),
-                                             [&](const Row& candidate) { return candidate.code == code; });
-        if (row == std::end(kRows))
-        {
+        case IOCTL_BATTERY_QUERY_TAG:
+            return QueryTag(m_battery, input, answer);
+        case IOCTL_BATTERY_QUERY_INFORMATION:
+            return QueryInformation(m_battery, input, answer);
+        case IOCTL_BATTERY_QUERY_STATUS:
+            return QueryStatus(m_battery, input, answer);
+        default:
             return ERROR_INVALID_FUNCTION;
         }
-        Answer answer = {{static_cast<BYTE*>(out), outSize}};
-        const DWORD error = row->query(m_battery, {static_cast<const BYTE*>(in), inSize}, answer);
-        returned = error == ERROR_SUCCESS ? answer.returned : 0;
-        return error;
     }
 
 private:
@@ -222,18 +271,14 @@ private:
 
 Outcome<std::shared_ptr<Object>> OpenBattery(std::string_view path, DWORD, DWORD, const PlatformCall&)
 {
-    for (const std::string& battery : batteries::All())
+    for (const std::string& battery : Batteries())
     {
         if (!EqualIgnoringCase(path, DeviceTree::InterfacePath(battery, GUID_DEVICE_BATTERY)))
         {
             continue;
         }
-        const DWORD refusal = batteries::OpenError(battery);
-        if (refusal != ERROR_SUCCESS)
-        {
-            return {nullptr, refusal};
-        }
-        return {std::make_shared<BatteryDevice>(battery)};
+        const DWORD refusal = DeviceTree::Number(battery, "OpenError").value_or(ERROR_SUCCESS);
+        return {refusal == ERROR_SUCCESS ? std::make_shared<BatteryDevice>(battery) : nullptr, refusal};
     }
     return {nullptr, ERROR_FILE_NOT_FOUND};
 }

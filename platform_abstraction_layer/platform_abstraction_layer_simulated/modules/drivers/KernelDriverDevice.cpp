@@ -4,7 +4,7 @@
 // access may be asked for.
 
 #include "base/Text.h"
-#include "machine/DriverGate.h"
+#include "machine/KernelDriver.h"
 #include "modules/drivers/DriverControls.h"
 #include "modules/kernel32/Devices.h"
 #include "modules/kernel32/SystemVersion.h"
@@ -118,13 +118,9 @@ private:
 Outcome<std::shared_ptr<Object>> OpenKernelDriver(std::string_view path, DWORD, DWORD,
                                                   const PlatformCall& call)
 {
-    if (!EqualIgnoringCase(path, kDevicePath))
+    if (!EqualIgnoringCase(path, kDevicePath) || !KernelDriver::IsPresent())
     {
         return {nullptr, ERROR_FILE_NOT_FOUND};
-    }
-    if (const DWORD refusal = DriverGate::ErrorOfOpening(); refusal != ERROR_SUCCESS)
-    {
-        return {nullptr, refusal};
     }
     return {std::make_shared<KernelDriverDevice>(call.IsObserved())};
 }

@@ -5,13 +5,12 @@
 
 #include "base/Trace.h"
 #include "machine/Chipset.h"
-#include "machine/KernelDriver.h"
 #include "modules/drivers/DriverControls.h"
 
 #include <map>
 #include <mutex>
 
-namespace simulated
+namespace simulated::orvlebl
 {
 
 namespace
@@ -58,23 +57,13 @@ DWORD FindForAccess(std::uint64_t address, DWORD length, Mapped& mapped)
     const auto found = mappings.live.find(address);
     if (found == mappings.live.end())
     {
-        return orvlebl::kNoSuchThing;
+        return kNoSuchThing;
     }
     mapped = found->second;
-    return length <= mapped.length ? DWORD{ERROR_SUCCESS} : orvlebl::kWrongSize;
+    return length <= mapped.length ? DWORD{ERROR_SUCCESS} : kWrongSize;
 }
 
 } // namespace
-
-unsigned KernelDriver::LiveMappings()
-{
-    Mappings& mappings = TheMappings();
-    const std::lock_guard lock(mappings.mutex);
-    return static_cast<unsigned>(mappings.live.size());
-}
-
-namespace orvlebl
-{
 
 DWORD MapMemory(Exchange& exchange)
 {
@@ -155,6 +144,4 @@ DWORD WriteMemory(Exchange& exchange)
     return error;
 }
 
-} // namespace orvlebl
-
-} // namespace simulated
+} // namespace simulated::orvlebl
