@@ -63,7 +63,7 @@ void RemoveHardware()
 {
     simulated::KernelDriver::SetPresent(false);
     simulated::Adapters::Clear();
-    EXPECT_TRUE(simulated::PowerSource::RemoveBattery());
+    EXPECT_TRUE(simulated::PowerSource::SetBattery(false));
     simulated::Batteries::Remove(0);
 }
 

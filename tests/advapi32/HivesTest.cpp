@@ -5,7 +5,7 @@
 #include "support/NotebookTest.h"
 #include "support/WideText.h"
 
-#include "control/DriveC.h"
+#include "base/WholeFile.h"
 #include "control/RegistryEditor.h"
 #include "machine/Machine.h"
 
@@ -86,7 +86,7 @@ TEST_F(HivesTest, LoadingAndUnloadingNeedBothPrivileges)
 TEST_F(HivesTest, WhatCannotBeLoaded)
 {
     EnableBoth();
-    ASSERT_TRUE(DriveC::Write("C:\\junk.dat", "regf, or not"));
+    ASSERT_TRUE(WriteWhole(Machine::PathOf("drives/C/junk.dat"), "regf, or not"));
     const std::tuple<const char*, std::string, std::string, LONG> rows[] = {
         {"a logged-on user's", SidOf("alice"), FileOf("alice"), ERROR_SHARING_VIOLATION},
         {"a logged-on user's elsewhere", "elsewhere", FileOf("alice"), ERROR_SHARING_VIOLATION},

@@ -135,7 +135,7 @@ TEST_F(DevMgrTest, ChangeByInstanceIdPassesOverWhatCantBeDisabled)
     Trace::Clear();
     EXPECT_EQ(kSucceeded, CDevMgr::ExecStateChange(L"PCI\\VEN_10EC\\1", OrvlDeviceDisable))
         << "isn't started";
-    DeviceTree::SetDisableable(kModem, false);
+    DeviceTree::SetValue(kModem, "Disableable", "0");
     EXPECT_EQ(kSucceeded, CDevMgr::ExecStateChange(L"HDAUDIO\\FUNC_02\\2", OrvlDeviceDisable));
     EXPECT_EQ(0U, Calls("SetupDiCallClassInstaller"));
     EXPECT_EQ(kSucceeded, CDevMgr::ExecStateChange(L"HDAUDIO\\FUNC_02\\2", OrvlDeviceEnable));

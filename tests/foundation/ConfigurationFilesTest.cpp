@@ -3,8 +3,9 @@
 // Finding configuration files, and the numbers in them.
 
 #include "acceptance/Seeding.h"
+#include "base/HostFiles.h"
 #include "base/Trace.h"
-#include "control/DriveC.h"
+#include "control/Profiles.h"
 #include "foundation/OrvlProfile.h"
 #include "machine/Accounts.h"
 #include "machine/Machine.h"
@@ -152,7 +153,8 @@ TEST_F(ConfigurationFiles, FoldersAreBoundedByTheCallersRoom)
     EXPECT_EQ(FolderOf({}).substr(0, 9), told(file.GetHomePath(folder, 10)));
     EXPECT_EQ(L'#', folder[10]);
     EXPECT_EQ("none none", told(file.GetHomePath(folder, 0)) + ' ' + told(file.GetHomePath(nullptr, 10)));
-    ASSERT_TRUE(simulated::DriveC::Remove(seeding::LocalAppData()));
+    ASSERT_TRUE(simulated::host_files::RemoveAll(
+        simulated::Machine::PathOf(simulated::profiles::PartOf(seeding::LocalAppData()))));
     EXPECT_EQ("none", told(file.GetHomePath(folder, 260))) << "an account without the folder";
     // The installation's module tells its folder and the parent.
     EXPECT_EQ("none none", told(cfg.GetDllPath(folder, 260)) + ' ' + told(cfg.GetHomePath(folder, 260)));

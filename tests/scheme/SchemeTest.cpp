@@ -4,7 +4,8 @@
 
 #include "scheme/SchemeTest.h"
 
-#include "control/DriveC.h"
+#include "base/HostFiles.h"
+#include "machine/Machine.h"
 
 #include <sstream>
 
@@ -86,7 +87,7 @@ SchemeTest::Lines SchemeTest::LinesOf(const Work& work)
     seeding::SwitchLogsOn();
     work();
     auto lines = seeding::LogLines("orvl.log");
-    EXPECT_TRUE(DriveC::Remove("C:\\temp1234567890"));
+    EXPECT_TRUE(host_files::RemoveAll(Machine::PathOf("drives/C/temp1234567890")));
     return lines;
 }
 

@@ -147,7 +147,7 @@ void Scene::SeedHardware() const
     // On battery with half of the charge; the second battery is the smaller one.
     EXPECT_TRUE(PowerSource::SetCapacity(48000, 24000));
     EXPECT_TRUE(PowerSource::SetRate(12000));
-    EXPECT_TRUE(PowerSource::Unplug());
+    EXPECT_TRUE(PowerSource::SetMains(false));
     EXPECT_TRUE(PowerSource::AllowHibernate(true));
     Batteries::SetValue(0, "DesignedCapacity", "48840");
     Batteries::SetValue(0, "FullChargedCapacity", "41210");

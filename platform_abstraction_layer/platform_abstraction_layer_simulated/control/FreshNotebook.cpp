@@ -4,10 +4,9 @@
 
 #include "control/FreshNotebook.h"
 
-#include "control/HardwareSeeding.h"
 #include "control/Notebook.h"
-#include "control/PowerSeeding.h"
 #include "control/Profiles.h"
+#include "control/Seeding.h"
 #include "modules/advapi32/Hives.h"
 
 #include <winnt.h>
@@ -101,7 +100,7 @@ std::string StateText(const SystemVersion& version, unsigned codePage, const std
     {
         text += account.isLoggedOn ? line(account.sid.c_str(), account.name) : "";
     }
-    return text + '\n' + std::string(DefaultHardware());
+    return text + '\n' + DefaultHardware();
 }
 
 host_files::Tree FreshTree(DWORD major, const std::vector<Account>& accounts)

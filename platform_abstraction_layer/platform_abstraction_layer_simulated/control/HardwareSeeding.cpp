@@ -2,7 +2,7 @@
 //
 // The default notebook as a person would write it down.
 
-#include "control/HardwareSeeding.h"
+#include "control/Seeding.h"
 
 #include <winnt.h>
 
@@ -35,30 +35,6 @@ EBTR 0x0F=0x00 0x29 0x00 0x64 0x0B 0xA6 0x2E 0x42 0x00 0x00 0x00 0x00
 
 [Processor]
 Cores=4
-
-[Core 0]
-0x198=0x00000C1506000C15
-0x199=0x0000000000000C15
-0x19A=0x0000000000000000
-0x19D=0x000000000000000A
-
-[Core 1]
-0x198=0x00000C1506000C15
-0x199=0x0000000000000C15
-0x19A=0x0000000000000000
-0x19D=0x000000000000000A
-
-[Core 2]
-0x198=0x00000C1506000C15
-0x199=0x0000000000000C15
-0x19A=0x0000000000000000
-0x19D=0x000000000000000A
-
-[Core 3]
-0x198=0x00000C1506000C15
-0x199=0x0000000000000C15
-0x19A=0x0000000000000000
-0x19D=0x000000000000000A
 
 [PciObjects]
 \Device\NTPNP_PCI0000=00:00.0
@@ -180,6 +156,14 @@ SerialNumber=01207
 UniqueID=01207KelvoDS-4400
 )";
 
+constexpr unsigned kCores = 4;
+constexpr const char* kCoreRegisters = R"(
+0x198=0x00000C1506000C15
+0x199=0x0000000000000C15
+0x19A=0x0000000000000000
+0x19D=0x000000000000000A
+)";
+
 struct DriverValue
 {
     const char* number;
@@ -201,9 +185,14 @@ constexpr DriverValue kDriverValues[] = {
 
 } // namespace
 
-std::string_view DefaultHardware()
+std::string DefaultHardware()
 {
-    return kHardware.substr(1); // the line's end behind the opening parenthesis
+    std::string text(kHardware.substr(1)); // the line's end behind the opening parenthesis
+    for (unsigned core = 0; core < kCores; ++core)
+    {
+        text += "\n[Core " + std::to_string(core) + ']' + kCoreRegisters;
+    }
+    return text;
 }
 
 void SeedMachineDevices(registry::Hive& hive)

@@ -11,6 +11,7 @@
 #include "control/Profiles.h"
 #include "control/RegistryEditor.h"
 #include "machine/Machine.h"
+#include "modules/advapi32/Hives.h"
 #include "modules/advapi32/Tokens.h"
 
 #include <winnt.h>
@@ -184,7 +185,7 @@ bool Notebook::LogOn(const std::string& name)
         }
     }
     account->isLoggedOn = true;
-    return Accounts::Store(*account) && profiles::Load(*account);
+    return Accounts::Store(*account) && hives::Load(account->sid, account->name);
 }
 
 bool Notebook::LogOff(const std::string& name)
@@ -195,7 +196,8 @@ bool Notebook::LogOff(const std::string& name)
         return false;
     }
     account->isLoggedOn = false;
-    return profiles::Unload(*account) && Accounts::Store(*account);
+    hives::Unload(account->sid); // false when it wasn't loaded
+    return Accounts::Store(*account);
 }
 
 bool Notebook::RemoveUser(const std::string& name)

@@ -2,7 +2,7 @@
 //
 // From the power manager's tables to registry values.
 
-#include "control/PowerSeeding.h"
+#include "control/Seeding.h"
 
 #include "base/Text.h"
 #include "modules/powrprof/PowerStoreDefaults.h"
@@ -12,20 +12,6 @@ namespace simulated
 
 namespace
 {
-
-DWORD TypeOf(power_store::ValueKind kind) noexcept
-{
-    switch (kind)
-    {
-    case power_store::ValueKind::Text:
-        return REG_SZ;
-    case power_store::ValueKind::Number:
-        return REG_DWORD;
-    case power_store::ValueKind::Bytes:
-        break;
-    }
-    return REG_BINARY;
-}
 
 class HiveWriter : public power_store::ValueWriter
 {
@@ -37,7 +23,11 @@ public:
     bool Put(const wchar_t* path, const wchar_t* name, power_store::ValueKind kind, const void* data,
              DWORD size) override
     {
-        m_hive.Put(ToUtf8(path), ToUtf8(name), {TypeOf(kind), {static_cast<const char*>(data), size}});
+        using power_store::ValueKind;
+        const DWORD type = kind == ValueKind::Text     ? REG_SZ
+                           : kind == ValueKind::Number ? REG_DWORD
+                                                       : REG_BINARY;
+        m_hive.Put(ToUtf8(path), ToUtf8(name), {type, {static_cast<const char*>(data), size}});
         return true;
     }
 

@@ -13,8 +13,6 @@ namespace simulated
 namespace
 {
 
-using power_store::MachineAnswers;
-
 constexpr DWORD kChargeRate = 24000;
 constexpr DWORD kDischargeRate = 16000;
 constexpr DWORD kSecondsPerHour = 3600;
@@ -58,7 +56,7 @@ void SettleFlow(SYSTEM_BATTERY_STATE& battery) noexcept
 }
 
 // The answers that follow from the battery's state.
-void SettleStatus(MachineAnswers& answers) noexcept
+void SettleStatus(PowerAnswers& answers) noexcept
 {
     SYSTEM_BATTERY_STATE& battery = answers.battery;
     const DWORD drain = battery.Discharging ? 0u - battery.Rate : 0u;
@@ -87,7 +85,7 @@ void SettleStatus(MachineAnswers& answers) noexcept
 template <class Change>
 bool Update(Change change, bool settleFlow = true)
 {
-    MachineAnswers answers{};
+    PowerAnswers answers{};
     if (power_store::ReadMachineAnswers(answers) != ERROR_SUCCESS)
     {
         return false;
@@ -105,37 +103,22 @@ bool Update(Change change, bool settleFlow = true)
 
 PowerAnswers PowerSource::Get()
 {
-    MachineAnswers answers{};
-    if (power_store::ReadMachineAnswers(answers) != ERROR_SUCCESS)
-    {
-        return {};
-    }
-    return {answers.status, answers.battery, answers.hibernateAllowed != FALSE};
+    PowerAnswers answers{};
+    return power_store::ReadMachineAnswers(answers) == ERROR_SUCCESS ? answers : PowerAnswers{};
 }
 
 bool PowerSource::Set(const PowerAnswers& answers)
 {
-    const MachineAnswers stored = {answers.status, answers.battery,
-                                   static_cast<BOOLEAN>(answers.hibernateAllowed ? TRUE : FALSE)};
-    return power_store::WriteMachineAnswers(stored) == ERROR_SUCCESS;
+    return power_store::WriteMachineAnswers(answers) == ERROR_SUCCESS;
 }
 
-bool PowerSource::Plug()
+bool PowerSource::SetMains(bool on)
 {
-    return Update([](SYSTEM_BATTERY_STATE& battery) { battery.AcOnLine = TRUE; });
-}
-
-bool PowerSource::Unplug()
-{
-    return Update([](SYSTEM_BATTERY_STATE& battery) { battery.AcOnLine = FALSE; });
+    return Update([on](SYSTEM_BATTERY_STATE& battery) { battery.AcOnLine = on; });
 }
 
 bool PowerSource::SetCharge(unsigned percent)
 {
-    if (percent > 100)
-    {
-        return false;
-    }
     return Update(
         [percent](SYSTEM_BATTERY_STATE& battery)
         {
@@ -161,37 +144,26 @@ bool PowerSource::SetCapacity(DWORD full, DWORD remaining)
         });
 }
 
-bool PowerSource::RemoveBattery()
+bool PowerSource::SetBattery(bool present)
 {
     return Update(
-        [](SYSTEM_BATTERY_STATE& battery)
+        [present](SYSTEM_BATTERY_STATE& battery)
         {
             const BOOLEAN mains = battery.AcOnLine;
-            battery = {};
-            battery.AcOnLine = mains;
-        });
-}
-
-bool PowerSource::InsertBattery()
-{
-    return Update(
-        [](SYSTEM_BATTERY_STATE& battery)
-        {
-            const BOOLEAN mains = battery.AcOnLine;
-            battery = power_store::DefaultMachineAnswers().battery;
+            battery = present ? power_store::DefaultMachineAnswers().battery : SYSTEM_BATTERY_STATE{};
             battery.AcOnLine = mains;
         });
 }
 
 bool PowerSource::AllowHibernate(bool allowed)
 {
-    MachineAnswers answers{};
+    PowerAnswers answers{};
     if (power_store::ReadMachineAnswers(answers) != ERROR_SUCCESS)
     {
         return false;
     }
-    answers.hibernateAllowed = allowed ? TRUE : FALSE;
-    return power_store::WriteMachineAnswers(answers) == ERROR_SUCCESS;
+    answers.hibernateAllowed = allowed;
+    return Set(answers);
 }
 
 } // namespace simulated

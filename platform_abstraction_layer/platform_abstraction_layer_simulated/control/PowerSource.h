@@ -4,18 +4,13 @@
 // the different functions answer in agreement; `Set` makes any answer, also one that no real machine gives.
 #pragma once
 
-#include <windows.h>
+#include "modules/powrprof/PowerStoreAnswers.h"
 
 namespace simulated
 {
 
 /// Everything that the machine answers about its power.
-struct PowerAnswers
-{
-    SYSTEM_POWER_STATUS status;
-    SYSTEM_BATTERY_STATE battery;
-    bool hibernateAllowed;
-};
+using PowerAnswers = power_store::MachineAnswers;
 
 class PowerSource
 {
@@ -27,10 +22,9 @@ public:
     [[nodiscard]] static bool Set(const PowerAnswers& answers);
 
     /// Mains on or off. With a battery that isn't full the charge begins, without mains the discharge.
-    [[nodiscard]] static bool Plug();
-    [[nodiscard]] static bool Unplug();
+    [[nodiscard]] static bool SetMains(bool on);
 
-    /// The battery's charge in percent, 0 to 100.
+    /// The battery's charge in percent, at most 100.
     [[nodiscard]] static bool SetCharge(unsigned percent);
 
     /// How fast the battery charges or discharges, in mW, whichever is under way. 0 is the answer of a
@@ -40,9 +34,8 @@ public:
     /// The full capacity and the remaining one, in mWh.
     [[nodiscard]] static bool SetCapacity(DWORD full, DWORD remaining);
 
-    /// Takes the battery out, or puts a full one in.
-    [[nodiscard]] static bool RemoveBattery();
-    [[nodiscard]] static bool InsertBattery();
+    /// Puts a full battery in, or takes it out.
+    [[nodiscard]] static bool SetBattery(bool present);
 
     [[nodiscard]] static bool AllowHibernate(bool allowed);
 };

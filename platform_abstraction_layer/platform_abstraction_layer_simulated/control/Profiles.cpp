@@ -4,7 +4,7 @@
 
 #include "control/Profiles.h"
 
-#include "control/PowerSeeding.h"
+#include "control/Seeding.h"
 #include "machine/Machine.h"
 #include "modules/advapi32/Hives.h"
 
@@ -83,11 +83,6 @@ std::string PartOf(std::string_view windowsPath)
     return path;
 }
 
-std::string HostPath(std::string_view windowsPath)
-{
-    return Machine::PathOf(PartOf(windowsPath));
-}
-
 void Add(host_files::Tree& tree, const Account& account, DWORD majorVersion)
 {
     const Layout& layout = LayoutOf(majorVersion);
@@ -111,19 +106,9 @@ bool Create(const Account& account, DWORD majorVersion)
 
 bool Remove(const Account& account)
 {
-    return Unload(account) && host_files::RemoveAll(hives::FileOf(account.name)) &&
-           (account.profile.empty() || host_files::RemoveAll(HostPath(account.profile)));
-}
-
-bool Load(const Account& account)
-{
-    return hives::Load(account.sid, account.name);
-}
-
-bool Unload(const Account& account)
-{
     hives::Unload(account.sid); // false when it wasn't loaded
-    return true;
+    return host_files::RemoveAll(hives::FileOf(account.name)) &&
+           (account.profile.empty() || host_files::RemoveAll(Machine::PathOf(PartOf(account.profile))));
 }
 
 } // namespace simulated::profiles

@@ -24,9 +24,8 @@ const Layout& LayoutOf(DWORD majorVersion);
 
 inline constexpr std::string_view kEarlyLocalAppData = "Local Settings\\Application Data";
 
-/// A path on drive C below the notebook's folder, as spelled, and its path on the host.
+/// A path on drive C below the notebook's folder, as spelled.
 std::string PartOf(std::string_view windowsPath);
-std::string HostPath(std::string_view windowsPath);
 
 /// Makes profile and hive, or adds them to what is going to be made. The hive isn't loaded yet.
 void Add(host_files::Tree& tree, const Account& account, DWORD majorVersion);
@@ -34,9 +33,5 @@ void Add(host_files::Tree& tree, const Account& account, DWORD majorVersion);
 
 /// Takes both away.
 [[nodiscard]] bool Remove(const Account& account);
-
-/// Brings the hive of an account in below HKEY_USERS under its SID, and takes it out.
-[[nodiscard]] bool Load(const Account& account);
-[[nodiscard]] bool Unload(const Account& account);
 
 } // namespace simulated::profiles

@@ -109,12 +109,6 @@ bool RegistryEditor::Write(std::string_view key, std::string_view name, const re
     return base && registry::WriteValue(*base, name, value) == ERROR_SUCCESS;
 }
 
-bool RegistryEditor::WriteForm(std::string_view key, std::string_view name, std::string_view form)
-{
-    const std::optional<registry::Base> base = Find(key, true);
-    return base && registry::WriteForm(*base, name, form) == ERROR_SUCCESS;
-}
-
 bool RegistryEditor::WriteText(std::string_view key, std::string_view name, std::string_view text)
 {
     return Write(key, name, registry::TextValue(text, REG_SZ));

@@ -31,10 +31,6 @@ public:
     [[nodiscard]] static bool WriteText(std::string_view key, std::string_view name, std::string_view text);
     [[nodiscard]] static bool WriteNumber(std::string_view key, std::string_view name, DWORD number);
 
-    /// Puts `form` in the place of the value in the hive's file, as an editor of texts does it; see
-    /// advapi32/ValueText.h for what can be read again.
-    [[nodiscard]] static bool WriteForm(std::string_view key, std::string_view name, std::string_view form);
-
     [[nodiscard]] static bool HasKey(std::string_view key);
 
     /// Takes a key away with all that is below it.

@@ -16,14 +16,10 @@ struct GLOBAL_MACHINE_POWER_POLICY
     SYSTEM_POWER_STATE LidOpenWakeDc;  ///< offset 8
     ULONG BroadcastCapacityResolution; ///< offset 12: percent
 };
-using PGLOBAL_MACHINE_POWER_POLICY = GLOBAL_MACHINE_POWER_POLICY*;
 static_assert(sizeof(GLOBAL_MACHINE_POWER_POLICY) == 16);
 
 #define EnableSysTrayBatteryMeter 0x01
-#define EnableMultiBatteryDisplay 0x02
 #define EnablePasswordLogon 0x04
-#define EnableWakeOnRing 0x08
-#define EnableVideoDimDisplay 0x10
 
 /// The part of the global policy that belongs to a user: buttons, lid, battery alarms.
 struct GLOBAL_USER_POWER_POLICY
@@ -38,7 +34,6 @@ struct GLOBAL_USER_POWER_POLICY
     SYSTEM_POWER_LEVEL DischargePolicy[NUM_DISCHARGE_POLICIES]; ///< offset 76: indexed DISCHARGE_POLICY_...
     ULONG GlobalFlags;                                          ///< offset 172: Enable...
 };
-using PGLOBAL_USER_POWER_POLICY = GLOBAL_USER_POWER_POLICY*;
 static_assert(sizeof(GLOBAL_USER_POWER_POLICY) == 176);
 static_assert(offsetof(GLOBAL_USER_POWER_POLICY, GlobalFlags) == 172);
 
@@ -68,7 +63,6 @@ struct MACHINE_POWER_POLICY
     POWER_ACTION_POLICY OverThrottledAc;      ///< offset 40
     POWER_ACTION_POLICY OverThrottledDc;      ///< offset 52
 };
-using PMACHINE_POWER_POLICY = MACHINE_POWER_POLICY*;
 static_assert(sizeof(MACHINE_POWER_POLICY) == 64);
 static_assert(offsetof(MACHINE_POWER_POLICY, DozeS4TimeoutAc) == 28);
 static_assert(offsetof(MACHINE_POWER_POLICY, OverThrottledDc) == 52);
@@ -99,7 +93,6 @@ struct USER_POWER_POLICY
     UCHAR ForcedThrottleAc;        ///< offset 76: percent
     UCHAR ForcedThrottleDc;        ///< offset 77
 };
-using PUSER_POWER_POLICY = USER_POWER_POLICY*;
 static_assert(sizeof(USER_POWER_POLICY) == 80);
 static_assert(offsetof(USER_POWER_POLICY, VideoTimeoutAc) == 56);
 static_assert(offsetof(USER_POWER_POLICY, ForcedThrottleDc) == 77);

@@ -1,7 +1,7 @@
 // include/winbase.h
 //
-// kernel32: kernel objects, waits, threads, modules, memory, time, devices. Files and profile functions stand
-// in headers of their own, which this one brings along.
+// kernel32: kernel objects, waits, threads, modules, memory, time, devices, text, files with sections. Other
+// files stand in a header of their own, which this one brings along.
 #pragma once
 
 #include <winnt.h>
@@ -61,8 +61,6 @@ SIM_API DWORD WINAPI WaitForMultipleObjects(DWORD count, const HANDLE* handles, 
 
 // File mappings. Only those backed by the page file exist natively.
 
-#define FILE_MAP_WRITE SECTION_MAP_WRITE
-#define FILE_MAP_READ SECTION_MAP_READ
 #define FILE_MAP_ALL_ACCESS SECTION_ALL_ACCESS
 
 SIM_API HANDLE WINAPI CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES attributes, DWORD protection,
@@ -135,5 +133,39 @@ SIM_API BOOL WINAPI DeviceIoControl(HANDLE device, DWORD controlCode, LPVOID inp
                                     LPVOID output, DWORD outputSize, LPDWORD returned,
                                     LPOVERLAPPED overlapped);
 
+// Environment, code pages, comparison of text
+
+/// The characters of the expanded text with its terminator, also when `size` characters don't hold it.
+SIM_API DWORD WINAPI ExpandEnvironmentStringsW(LPCWSTR source, LPWSTR target, DWORD size);
+
+#define CP_ACP 0
+#define CP_UTF8 65001
+
+/// Lengths are in units of the respective text; a source length of -1 stands for a terminated text and
+/// includes the terminator, a target length of 0 asks for the length that is needed. Knows CP_ACP and
+/// CP_UTF8.
+SIM_API int WINAPI MultiByteToWideChar(UINT codePage, DWORD flags, LPCCH source, int sourceLength,
+                                       LPWSTR target, int targetLength);
+SIM_API int WINAPI WideCharToMultiByte(UINT codePage, DWORD flags, LPCWCH source, int sourceLength,
+                                       LPSTR target, int targetLength, LPCCH defaultChar,
+                                       LPBOOL usedDefaultChar);
+
+SIM_API int WINAPI lstrlenW(LPCWSTR text);
+SIM_API int WINAPI lstrcmpiW(LPCWSTR left, LPCWSTR right);
+
+// Files with sections and "key=value" lines
+
+/// The number behind the key, wrapped to 32 bits; `otherwise` when file, section or key is missing or the
+/// value is empty.
+SIM_API UINT WINAPI GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT otherwise, LPCWSTR file);
+
+/// The characters copied, without the terminator; of a cut text `size` - 1. A null `key` asks for the keys of
+/// the section, a null `section` for the sections, as texts one behind the other with an empty one at the
+/// end; a cut list gives `size` - 2.
+SIM_API DWORD WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR otherwise, LPWSTR buffer,
+                                              DWORD size, LPCWSTR file);
+
+/// A null `value` removes the key, a null `key` the section.
+SIM_API BOOL WINAPI WritePrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR value, LPCWSTR file);
+
 #include <fileapi.h>
-#include <profileapi.h>

@@ -41,7 +41,6 @@ typedef unsigned int UINT;
 typedef int32_t LONG;
 typedef uint32_t ULONG;
 typedef uint32_t DWORD;
-typedef int64_t LONGLONG;
 typedef uint64_t ULONGLONG;
 typedef wchar_t WCHAR;
 typedef int32_t HRESULT;
@@ -56,7 +55,6 @@ typedef size_t SIZE_T;
 typedef UINT_PTR WPARAM;
 typedef LONG_PTR LPARAM;
 typedef LONG_PTR LRESULT;
-typedef DWORD ACCESS_MASK;
 typedef DWORD REGSAM;
 #define __int64 long long
 
@@ -67,7 +65,6 @@ typedef BYTE* PBYTE;
 typedef BYTE* LPBYTE;
 typedef UCHAR* PUCHAR;
 typedef BOOL* LPBOOL;
-typedef LONG* PLONG;
 typedef LONG* LPLONG;
 typedef ULONG* PULONG;
 typedef DWORD* PDWORD;

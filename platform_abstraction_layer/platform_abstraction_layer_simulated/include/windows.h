@@ -12,9 +12,7 @@
 #include <winerror.h>
 #include <winnt.h>
 
-#include <processenv.h>
 #include <winbase.h>
-#include <winnls.h>
 #include <winpower.h>
 #include <winreg.h>
 #include <winsecurity.h>

@@ -12,44 +12,29 @@
 // The enumerations have a fixed type because records from a registry or a file may hold any number.
 enum SYSTEM_POWER_STATE : int
 {
-    PowerSystemUnspecified = 0,
     PowerSystemWorking = 1,
     PowerSystemSleeping1 = 2,
-    PowerSystemSleeping2 = 3,
     PowerSystemSleeping3 = 4,
-    PowerSystemHibernate = 5,
-    PowerSystemShutdown = 6,
-    PowerSystemMaximum = 7
+    PowerSystemHibernate = 5
 };
 static_assert(sizeof(SYSTEM_POWER_STATE) == 4);
 
 enum POWER_ACTION : int
 {
     PowerActionNone = 0,
-    PowerActionReserved = 1,
     PowerActionSleep = 2,
     PowerActionHibernate = 3,
-    PowerActionShutdown = 4,
-    PowerActionShutdownReset = 5,
-    PowerActionShutdownOff = 6,
-    PowerActionWarmEject = 7
+    PowerActionShutdown = 4
 };
 static_assert(sizeof(POWER_ACTION) == 4);
 
 #define POWER_ACTION_QUERY_ALLOWED 0x00000001
-#define POWER_ACTION_UI_ALLOWED 0x00000002
-#define POWER_ACTION_OVERRIDE_APPS 0x00000004
-#define POWER_ACTION_LIGHTEST_FIRST 0x10000000
-#define POWER_ACTION_LOCK_CONSOLE 0x20000000
-#define POWER_ACTION_DISABLE_WAKES 0x40000000
 #define POWER_ACTION_CRITICAL 0x80000000U
 
 #define POWER_LEVEL_USER_NOTIFY_TEXT 0x00000001
 #define POWER_LEVEL_USER_NOTIFY_SOUND 0x00000002
-#define POWER_LEVEL_USER_NOTIFY_EXEC 0x00000004
 
 #define PO_THROTTLE_NONE 0
-#define PO_THROTTLE_CONSTANT 1
 #define PO_THROTTLE_DEGRADE 2
 #define PO_THROTTLE_ADAPTIVE 3
 
@@ -64,7 +49,6 @@ struct POWER_ACTION_POLICY
     DWORD Flags;         ///< offset 4: POWER_ACTION_...
     DWORD EventCode;     ///< offset 8: POWER_LEVEL_USER_NOTIFY_... for the battery alarms
 };
-using PPOWER_ACTION_POLICY = POWER_ACTION_POLICY*;
 static_assert(sizeof(POWER_ACTION_POLICY) == 12);
 
 /// A battery alarm.
@@ -76,7 +60,6 @@ struct SYSTEM_POWER_LEVEL
     POWER_ACTION_POLICY PowerPolicy;   ///< offset 8
     SYSTEM_POWER_STATE MinSystemState; ///< offset 20
 };
-using PSYSTEM_POWER_LEVEL = SYSTEM_POWER_LEVEL*;
 static_assert(sizeof(SYSTEM_POWER_LEVEL) == 24);
 
 /// When the processor goes to a deeper or a lighter idle state.
@@ -92,7 +75,6 @@ struct PROCESSOR_POWER_POLICY_INFO
     DWORD AllowPromotion : 1;
     DWORD Reserved : 30;
 };
-using PPROCESSOR_POWER_POLICY_INFO = PROCESSOR_POWER_POLICY_INFO*;
 static_assert(sizeof(PROCESSOR_POWER_POLICY_INFO) == 20);
 
 /// The processor's policy on one power source.
@@ -106,17 +88,11 @@ struct PROCESSOR_POWER_POLICY
     DWORD PolicyCount;                     ///< offset 12
     PROCESSOR_POWER_POLICY_INFO Policy[3]; ///< offset 16
 };
-using PPROCESSOR_POWER_POLICY = PROCESSOR_POWER_POLICY*;
 static_assert(sizeof(PROCESSOR_POWER_POLICY) == 76);
 
 /// What `CallNtPowerInformation` can be asked for; the power manager here knows `SystemBatteryState` alone.
 enum POWER_INFORMATION_LEVEL : int
 {
-    SystemPowerPolicyAc = 0,
-    SystemPowerPolicyDc = 1,
-    VerifySystemPolicyAc = 2,
-    VerifySystemPolicyDc = 3,
-    SystemPowerCapabilities = 4,
     SystemBatteryState = 5
 };
 static_assert(sizeof(POWER_INFORMATION_LEVEL) == 4);
@@ -136,12 +112,10 @@ struct SYSTEM_BATTERY_STATE
     DWORD DefaultAlert1;     ///< offset 24: mWh
     DWORD DefaultAlert2;     ///< offset 28: mWh
 };
-using PSYSTEM_BATTERY_STATE = SYSTEM_BATTERY_STATE*;
 static_assert(sizeof(SYSTEM_BATTERY_STATE) == 32);
 
 #define AC_LINE_OFFLINE 0x00
 #define AC_LINE_ONLINE 0x01
-#define AC_LINE_BACKUP_POWER 0x02
 #define AC_LINE_UNKNOWN 0xFF
 
 #define BATTERY_FLAG_HIGH 0x01

@@ -10,7 +10,6 @@ using PSECURITY_DESCRIPTOR = void*;
 
 #define SID_REVISION 1
 #define SID_MAX_SUB_AUTHORITIES 15
-#define SECURITY_MAX_SID_SIZE 68
 #define SECURITY_DESCRIPTOR_REVISION 1
 #define SE_DACL_PRESENT 0x0004
 #define SE_DACL_DEFAULTED 0x0008
@@ -23,21 +22,14 @@ using PSECURITY_DESCRIPTOR = void*;
 
 #define SE_BACKUP_NAME L"SeBackupPrivilege"
 #define SE_RESTORE_NAME L"SeRestorePrivilege"
-#define SE_SHUTDOWN_NAME L"SeShutdownPrivilege"
 
 #define ANYSIZE_ARRAY 1
 
 enum SID_NAME_USE
 {
     SidTypeUser = 1,
-    SidTypeGroup,
-    SidTypeDomain,
-    SidTypeAlias,
-    SidTypeWellKnownGroup,
-    SidTypeDeletedAccount,
-    SidTypeInvalid,
-    SidTypeUnknown,
-    SidTypeComputer
+    SidTypeWellKnownGroup = 5,
+    SidTypeUnknown = 8
 };
 using PSID_NAME_USE = SID_NAME_USE*;
 

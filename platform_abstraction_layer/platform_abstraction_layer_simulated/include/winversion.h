@@ -35,7 +35,6 @@ struct OSVERSIONINFOEXW
     BYTE wReserved;         ///< offset 283
 };
 static_assert(sizeof(OSVERSIONINFOEXW) == 284);
-using LPOSVERSIONINFOEXW = OSVERSIONINFOEXW*;
 
 /// Major version in the low byte, minor version in the next, build number in the high word.
 SIM_API DWORD WINAPI GetVersion();

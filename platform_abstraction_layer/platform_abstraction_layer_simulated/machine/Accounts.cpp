@@ -15,18 +15,11 @@ namespace simulated
 namespace
 {
 
-constexpr std::string_view kAccountSectionBegin = "Account ";
+constexpr std::string_view kSectionBegin = "Account ";
 
 std::string SectionOf(std::string_view name)
 {
-    return std::string(kAccountSectionBegin) + std::string(name);
-}
-
-std::string NameOf(std::string_view section)
-{
-    const std::string_view begin = section.substr(0, kAccountSectionBegin.size());
-    return EqualIgnoringCase(begin, kAccountSectionBegin) ? std::string(section.substr(begin.size()))
-                                                          : std::string();
+    return std::string(kSectionBegin) + std::string(name);
 }
 
 std::optional<Account> ReadAccount(const std::string& name)
@@ -48,15 +41,11 @@ std::optional<Account> ReadAccount(const std::string& name)
 // The account with its name as machine.ini spells it.
 std::optional<Account> FindSpelled(std::string_view name)
 {
-    for (const std::string& section : Machine::Sections())
-    {
-        const std::string spelled = NameOf(section);
-        if (!spelled.empty() && EqualIgnoringCase(spelled, name))
-        {
-            return ReadAccount(spelled);
-        }
-    }
-    return std::nullopt;
+    const std::vector<std::string> names = Machine::Sections(kSectionBegin);
+    const auto found =
+        std::find_if(names.begin(), names.end(),
+                     [name](const std::string& spelled) { return EqualIgnoringCase(spelled, name); });
+    return found == names.end() ? std::nullopt : ReadAccount(*found);
 }
 
 } // namespace
@@ -64,10 +53,9 @@ std::optional<Account> FindSpelled(std::string_view name)
 std::vector<Account> Accounts::All()
 {
     std::vector<Account> all;
-    for (const std::string& section : Machine::Sections())
+    for (const std::string& name : Machine::Sections(kSectionBegin))
     {
-        const std::string name = NameOf(section);
-        if (std::optional<Account> account = name.empty() ? std::nullopt : ReadAccount(name))
+        if (std::optional<Account> account = ReadAccount(name))
         {
             all.push_back(std::move(*account));
         }

@@ -170,7 +170,7 @@ std::optional<DWORD> IoPorts::Read(DWORD port, unsigned size)
     DWORD value = 0;
     for (unsigned index = 0; index < size; ++index)
     {
-        const auto byte = ParseNumber(Machine::Read(kPorts, PortKey(port + index), {}));
+        const auto byte = Machine::ReadNumber(kPorts, PortKey(port + index));
         if (!byte)
         {
             return std::nullopt;

@@ -6,7 +6,6 @@
 #include "machine/DeviceTree.h"
 
 #include "base/GuidText.h"
-#include "base/HexText.h"
 #include "base/Text.h"
 #include "machine/Machine.h"
 
@@ -54,15 +53,6 @@ DWORD Disable(const std::string& instanceId, DWORD scope)
     return ERROR_SUCCESS;
 }
 
-DWORD Restart(const std::string& instanceId)
-{
-    if (DeviceTree::StateOf(instanceId).problem == 0)
-    {
-        Machine::WriteNumber(DeviceSection(instanceId), "Restarts", DeviceTree::Restarts(instanceId) + 1);
-    }
-    return ERROR_SUCCESS;
-}
-
 } // namespace
 
 void DeviceTree::Add(const Description& device)
@@ -91,17 +81,7 @@ void DeviceTree::Remove(const std::string& instanceId)
 
 std::vector<std::string> DeviceTree::All()
 {
-    std::vector<std::string> ids;
-    for (const std::string& section : Machine::Sections())
-    {
-        if (section.size() > kDeviceSectionBegin.size() &&
-            EqualIgnoringCase(std::string_view(section).substr(0, kDeviceSectionBegin.size()),
-                              kDeviceSectionBegin))
-        {
-            ids.push_back(section.substr(kDeviceSectionBegin.size()));
-        }
-    }
-    return ids;
+    return Machine::Sections(kDeviceSectionBegin);
 }
 
 std::optional<std::string> DeviceTree::Find(const std::string& instanceId)
@@ -110,14 +90,10 @@ std::optional<std::string> DeviceTree::Find(const std::string& instanceId)
     {
         return kRoot;
     }
-    for (std::string& id : All())
-    {
-        if (EqualIgnoringCase(id, instanceId))
-        {
-            return std::move(id);
-        }
-    }
-    return std::nullopt;
+    const std::vector<std::string> ids = All();
+    const auto found = std::find_if(ids.begin(), ids.end(),
+                                    [&](const std::string& id) { return EqualIgnoringCase(id, instanceId); });
+    return found == ids.end() ? std::nullopt : std::optional(*found);
 }
 
 std::string DeviceTree::Parent(const std::string& instanceId)
@@ -149,7 +125,7 @@ std::optional<std::string> DeviceTree::Value(const std::string& instanceId, cons
 
 std::optional<ULONG> DeviceTree::Number(const std::string& instanceId, const std::string& key)
 {
-    const auto number = ParseNumber(Value(instanceId, key).value_or(""));
+    const auto number = Machine::ReadNumber(DeviceSection(instanceId), key);
     return number ? std::optional(static_cast<ULONG>(*number)) : std::nullopt;
 }
 
@@ -178,26 +154,6 @@ DeviceTree::State DeviceTree::StateOf(const std::string& instanceId)
         state.problem = static_cast<DWORD>(Machine::ReadNumber(DeviceSection(instanceId), "Problem", 0));
     }
     return state;
-}
-
-void DeviceTree::SetPresent(const std::string& instanceId, bool present)
-{
-    SetFlag(instanceId, "Present", present);
-}
-
-void DeviceTree::SetDisableable(const std::string& instanceId, bool disableable)
-{
-    SetFlag(instanceId, "Disableable", disableable);
-}
-
-void DeviceTree::SwitchOff(const std::string& instanceId, bool off)
-{
-    SetFlag(instanceId, "SwitchedOff", off);
-}
-
-unsigned DeviceTree::Restarts(const std::string& instanceId)
-{
-    return static_cast<unsigned>(Machine::ReadNumber(DeviceSection(instanceId), "Restarts", 0));
 }
 
 std::vector<std::string> DeviceTree::WithInterface(const GUID& interfaceClass)
@@ -237,8 +193,8 @@ DWORD DeviceTree::Change(const std::string& instanceId, DWORD change, DWORD scop
         return ERROR_SUCCESS;
     case DICS_DISABLE:
         return Disable(instanceId, scope);
-    case DICS_PROPCHANGE:
-        return Restart(instanceId);
+    case DICS_PROPCHANGE: // a restart, which leaves no trace
+        return ERROR_SUCCESS;
     default:
         return ERROR_INVALID_PARAMETER;
     }

@@ -15,7 +15,6 @@
 //   DisabledInProfile=0 1: disabled in the current one
 //   SwitchedOff=0       1: a switch of the machine has taken it off
 //   Problem=0           any other problem that keeps it from starting
-//   Restarts=0          how often it was stopped and started for a changed property
 #pragma once
 
 #include <windef.h>
@@ -75,10 +74,6 @@ public:
         DWORD problem; ///< 0 when it runs, else CM_PROB_...
     };
     static State StateOf(const std::string& instanceId);
-    static void SetPresent(const std::string& instanceId, bool present);
-    static void SetDisableable(const std::string& instanceId, bool disableable);
-    static void SwitchOff(const std::string& instanceId, bool off);
-    static unsigned Restarts(const std::string& instanceId);
 
     /// The present devices that expose an interface class, and the path to open one by:
     /// "\\?\acpi#pnp0c0a#0#{72631e54-78a4-11d0-bcf7-00aa00b7b32a}".

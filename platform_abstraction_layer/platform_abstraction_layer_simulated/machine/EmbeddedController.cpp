@@ -30,9 +30,8 @@ std::string BatteryKey(DWORD selector)
 
 std::optional<DWORD> ReadWord(const char* section, const std::string& key)
 {
-    const std::optional<std::string> text = Machine::Read(section, key);
-    const auto words = text ? ParseWords(*text) : std::nullopt;
-    return words && words->size() == 1 ? std::optional(words->front()) : std::nullopt;
+    const auto number = Machine::ReadNumber(section, key);
+    return number ? std::optional(static_cast<DWORD>(*number)) : std::nullopt;
 }
 
 } // namespace

@@ -70,14 +70,4 @@ bool Graphics::Refuse(const std::string& method, const Refusal& refusal)
                            {method + ".Error", std::to_string(refusal.driverError)}});
 }
 
-bool Graphics::IsComposed()
-{
-    return Machine::ReadNumber("Desktop", "Composition", 0) != 0;
-}
-
-void Graphics::SetComposed(bool composed)
-{
-    Machine::WriteNumber("Desktop", "Composition", composed);
-}
-
 } // namespace simulated

@@ -8,8 +8,6 @@
 //   FRQG=0x00000001          a policy's record in words; a policy without a line isn't supported
 //   PowerApiOpen.Error=0     driver error that a method answers, and likewise its result ("....Result")
 //   GetPowerPolicy.FRQG.Error=0   the same for one policy alone
-//
-// The composition of the desktop is switched here too.
 #pragma once
 
 #include <windef.h>
@@ -54,10 +52,6 @@ public:
     };
     static Refusal RefusalOf(const std::string& method);
     static bool Refuse(const std::string& method, const Refusal& refusal);
-
-    /// Whether the desktop is composed. Section "Desktop": "Composition=1".
-    static bool IsComposed();
-    static void SetComposed(bool composed);
 
     /// Objects that exist in this process.
     static unsigned LiveObjects();

@@ -195,7 +195,12 @@ std::string Machine::Read(std::string_view section, std::string_view key, std::s
 
 std::uint64_t Machine::ReadNumber(std::string_view section, std::string_view key, std::uint64_t otherwise)
 {
-    return ParseNumber(Read(section, key, {})).value_or(otherwise);
+    return ReadNumber(section, key).value_or(otherwise);
+}
+
+std::optional<std::uint64_t> Machine::ReadNumber(std::string_view section, std::string_view key)
+{
+    return ParseNumber(Read(section, key, {}));
 }
 
 bool Machine::Write(std::string_view section, std::string_view key, std::string_view value)
@@ -230,9 +235,21 @@ bool Machine::Remove(std::string_view section, std::string_view key)
     return Edit([&](IniDocument& document) { return document.Remove(section, key); });
 }
 
-std::vector<std::string> Machine::Sections()
+std::vector<std::string> Machine::Sections(std::string_view prefix)
 {
-    return ReadState([](const Content& content) { return content.order; });
+    return ReadState(
+        [&](const Content& content)
+        {
+            std::vector<std::string> names;
+            for (const std::string& name : content.order)
+            {
+                if (name.size() > prefix.size() && EqualIgnoringCase(name.substr(0, prefix.size()), prefix))
+                {
+                    names.push_back(name.substr(prefix.size()));
+                }
+            }
+            return names;
+        });
 }
 
 std::vector<std::string> Machine::Keys(std::string_view section)

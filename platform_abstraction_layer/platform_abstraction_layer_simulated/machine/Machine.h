@@ -38,6 +38,7 @@ public:
     static std::optional<std::string> Read(std::string_view section, std::string_view key);
     static std::string Read(std::string_view section, std::string_view key, std::string_view otherwise);
     static std::uint64_t ReadNumber(std::string_view section, std::string_view key, std::uint64_t otherwise);
+    static std::optional<std::uint64_t> ReadNumber(std::string_view section, std::string_view key);
 
     /// Changes machine.ini whole; the next reader in any process sees it. False when it can't be written.
     static bool Write(std::string_view section, std::string_view key, std::string_view value);
@@ -49,8 +50,8 @@ public:
     static bool Remove(std::string_view section);
     static bool Remove(std::string_view section, std::string_view key);
 
-    /// Names in the order of the file.
-    static std::vector<std::string> Sections();
+    /// Names in the order of the file. Of sections those that begin with `prefix`, without it.
+    static std::vector<std::string> Sections(std::string_view prefix);
     static std::vector<std::string> Keys(std::string_view section);
 
     /// The encoding of narrow text: section "Machine", key "AnsiCodePage", which is 1252 or 65001.

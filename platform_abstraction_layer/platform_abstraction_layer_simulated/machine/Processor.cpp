@@ -51,18 +51,12 @@ std::uint64_t StatusAfter(std::uint64_t status, std::uint64_t control)
 
 std::optional<std::uint64_t> Processor::Read(unsigned core, DWORD index)
 {
-    const std::optional<std::string> text = Machine::Read(CoreSection(core), ToHex(index, 3));
-    return text ? ParseNumber(*text) : std::nullopt;
+    return Machine::ReadNumber(CoreSection(core), ToHex(index, 3));
 }
 
 void Processor::Set(unsigned core, DWORD index, std::uint64_t value)
 {
     Machine::Write(CoreSection(core), {Line(index, value)});
-}
-
-void Processor::Remove(unsigned core, DWORD index)
-{
-    Machine::Remove(CoreSection(core), ToHex(index, 3));
 }
 
 DWORD Processor::Write(unsigned core, DWORD index, std::uint64_t value)

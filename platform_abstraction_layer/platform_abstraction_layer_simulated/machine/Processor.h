@@ -34,7 +34,6 @@ public:
 
     /// Sets the bits whatever the register is for, and makes the register when there was none.
     static void Set(unsigned core, DWORD index, std::uint64_t value);
-    static void Remove(unsigned core, DWORD index);
 
     /// Writes as an instruction does: performance control changes the present ratio and voltage that
     /// performance status tells, and performance status itself is read-only. An error number.

@@ -23,14 +23,37 @@ namespace notebook_tool
 namespace
 {
 
-Outcome SetMains(const Request& request)
+// What a verb with two words for on and off sets. A verb may have several rows.
+struct Switch
 {
-    bool isIn = false;
-    if (!ParseSwitch(request.Argument(0), "in", "out", isIn))
+    std::string_view verb;
+    const char* on;
+    const char* off;
+    bool (*set)(bool isOn);
+};
+constexpr Switch kSwitches[] = {
+    {"mains", "in", "out", &PowerSource::SetMains},
+    {"hibernation", "allowed", "refused", &PowerSource::AllowHibernate},
+    {"driver", "present", "absent", &KernelDriver::SetPresent},
+    {"driver", "busy", "free", &KernelDriver::SetBusy},
+    {"graphics", "installed", "missing", &Graphics::SetInstalled},
+    {"graphics", "locked", "unlocked",
+     [](bool isOn) {
+         return Graphics::Refuse("PowerApiOpen", {S_OK, isOn ? Graphics::kLocked : 0});
+     }},
+};
+
+Outcome SetSwitch(const Request& request)
+{
+    for (const Switch& row : kSwitches)
     {
-        return Outcome::Misused;
+        bool isOn = false;
+        if (request.verb == row.verb && ParseSwitch(request.Argument(0), row.on, row.off, isOn))
+        {
+            return DoneIf(row.set(isOn));
+        }
     }
-    return DoneIf(isIn ? PowerSource::Plug() : PowerSource::Unplug());
+    return Outcome::Misused;
 }
 
 Outcome SetCharge(const Request& request)
@@ -67,32 +90,7 @@ Outcome SetBattery(const Request& request)
         return Outcome::Refused;
     }
     isIn ? Batteries::Insert(index) : Batteries::Eject(index);
-    return DoneIf(index != 0 || (isIn ? PowerSource::InsertBattery() : PowerSource::RemoveBattery()));
-}
-
-Outcome SetHibernation(const Request& request)
-{
-    bool isAllowed = false;
-    return ParseSwitch(request.Argument(0), "allowed", "refused", isAllowed)
-               ? DoneIf(PowerSource::AllowHibernate(isAllowed))
-               : Outcome::Misused;
-}
-
-Outcome SetDriver(const Request& request)
-{
-    const std::string state = request.Argument(0);
-    bool isOn = false;
-    if (ParseSwitch(state, "present", "absent", isOn))
-    {
-        KernelDriver::SetPresent(isOn);
-        return Outcome::Done;
-    }
-    if (ParseSwitch(state, "busy", "free", isOn))
-    {
-        KernelDriver::SetBusy(isOn);
-        return Outcome::Done;
-    }
-    return Outcome::Misused;
+    return DoneIf(index != 0 || PowerSource::SetBattery(isIn));
 }
 
 Outcome SetItem(const Request& request)
@@ -162,45 +160,29 @@ Outcome ChangeDevice(const Request& request)
     }
     if (ParseSwitch(request.Argument(0), "plug", "unplug", isOn) && device)
     {
-        DeviceTree::SetPresent(*device, isOn);
+        DeviceTree::SetValue(*device, "Present", isOn ? "1" : "0");
         return Outcome::Done;
     }
     if (ParseSwitch(request.Argument(0), "switch-on", "switch-off", isOn) && device)
     {
-        DeviceTree::SwitchOff(*device, !isOn);
+        DeviceTree::SetValue(*device, "SwitchedOff", isOn ? "0" : "1");
         return Outcome::Done;
     }
     return request.arguments.size() >= 2 && !device ? Outcome::Refused : Outcome::Misused;
 }
 
-Outcome SetGraphics(const Request& request)
-{
-    bool isOn = false;
-    if (ParseSwitch(request.Argument(0), "installed", "missing", isOn))
-    {
-        Graphics::SetInstalled(isOn);
-        return Outcome::Done;
-    }
-    if (ParseSwitch(request.Argument(0), "locked", "unlocked", isOn))
-    {
-        Graphics::Refuse("PowerApiOpen", {S_OK, isOn ? Graphics::kLocked : 0});
-        return Outcome::Done;
-    }
-    return Outcome::Misused;
-}
-
 constexpr Verb kVerbs[] = {
-    {"mains", "in|out", "plugs the mains in or out", &SetMains},
+    {"mains", "in|out", "plugs the mains in or out", &SetSwitch},
     {"charge", "PERCENT", "the charge of the battery", &SetCharge},
     {"rate", "MILLIWATTS", "how fast the battery is charged or discharged", &SetRate},
     {"battery", "in|out [INDEX] | add", "puts a battery in, takes it out, adds a slot with one", &SetBattery},
-    {"hibernation", "allowed|refused", "whether Windows lets the machine hibernate", &SetHibernation},
-    {"driver", "present|absent|busy|free", "the kernel driver", &SetDriver},
+    {"hibernation", "allowed|refused", "whether Windows lets the machine hibernate", &SetSwitch},
+    {"driver", "present|absent|busy|free", "the kernel driver", &SetSwitch},
     {"ec", "backlight|wifi|lan|3g|bluetooth VALUE|absent", "an item of the embedded controller", &SetItem},
     {"adapter", "add DESCRIPTION | clear", "network adapters", &ChangeAdapters},
     {"device", "enable|disable|plug|unplug|switch-on|switch-off DEVICE",
      "a device of the tree, by instance id or part of its description", &ChangeDevice},
-    {"graphics", "installed|missing|locked|unlocked", "the graphics driver", &SetGraphics},
+    {"graphics", "installed|missing|locked|unlocked", "the graphics driver", &SetSwitch},
 };
 
 } // namespace

@@ -35,7 +35,7 @@ constexpr option kOptions[] = {
 
 const Verb* FindVerb(const std::string& name)
 {
-    for (const std::span<const Verb> verbs : {SystemVerbs(), RegistryVerbs(), HardwareVerbs()})
+    for (const std::span<const Verb> verbs : {SystemVerbs(), HardwareVerbs()})
     {
         for (const Verb& verb : verbs)
         {
@@ -54,7 +54,7 @@ void PrintHelp()
         "notebook: makes a simulated notebook and changes it\n\n"
         "  notebook [--notebook DIR] [--account NAME] VERB ...\n\n"
         "The notebook is the folder DIR, or what SIM_NOTEBOOK names; HKEY_CURRENT_USER is that of NAME.\n");
-    for (const std::span<const Verb> verbs : {SystemVerbs(), RegistryVerbs(), HardwareVerbs()})
+    for (const std::span<const Verb> verbs : {SystemVerbs(), HardwareVerbs()})
     {
         for (const Verb& verb : verbs)
         {
@@ -168,7 +168,8 @@ int main(int count, char** values)
         PrintHelp();
         return optind == count ? kMisused : EXIT_SUCCESS;
     }
+    request.verb = values[optind];
     request.arguments.assign(values + optind + 1, values + count);
-    const Verb* const verb = FindVerb(values[optind]);
-    return verb == nullptr ? Misuse("no such verb: ", values[optind]) : Run(*verb, request);
+    const Verb* const verb = FindVerb(request.verb);
+    return verb == nullptr ? Misuse("no such verb: ", request.verb) : Run(*verb, request);
 }

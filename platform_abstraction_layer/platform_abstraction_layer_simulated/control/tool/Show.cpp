@@ -2,10 +2,9 @@
 //
 // The machine at a glance.
 
-#include "control/Batteries.h"
-#include "control/DriveC.h"
 #include "control/Notebook.h"
 #include "control/PowerSource.h"
+#include "control/Profiles.h"
 #include "control/RegistryEditor.h"
 #include "control/tool/Verbs.h"
 #include "machine/Accounts.h"
@@ -17,6 +16,7 @@
 #include "machine/Processor.h"
 
 #include <cstdio>
+#include <filesystem>
 
 using namespace simulated;
 
@@ -39,7 +39,10 @@ void ShowSystem()
         std::printf("Module         %s: %s\n", name.c_str(), Machine::Read("Modules", name, "").c_str());
     }
     const std::string configuration = std::string(Notebook::kInstallationFolder) + "ORVLCfg.ini";
-    std::printf("Installation   %s\n", DriveC::Exists(configuration) ? configuration.c_str() : "none");
+    std::printf("Installation   %s\n",
+                std::filesystem::exists(Machine::PathOf(profiles::PartOf(configuration)))
+                    ? configuration.c_str()
+                    : "none");
 }
 
 void ShowAccounts()

@@ -1,7 +1,8 @@
 // control/tool/SystemVerbs.cpp
 //
-// The verbs for the system: making a notebook, its version, code page, modules and accounts, and the part of
-// the party that tells the plug-in of an applied scheme.
+// The verbs for the system: making a notebook, its version, code page, modules, accounts and registry, and
+// the part of the party that tells the plug-in of an applied scheme. Values of the registry are shown and
+// given in the form of a registry export (advapi32/ValueText.h); what has no such form is a text.
 
 #include "control/Notebook.h"
 #include "control/RegistryEditor.h"
@@ -117,6 +118,72 @@ Outcome ChangeUser(const Request& request)
     return Outcome::Misused;
 }
 
+Outcome ListKey(const Request& request)
+{
+    const std::string key = request.Argument(1);
+    if (!RegistryEditor::HasKey(key))
+    {
+        return Outcome::Refused;
+    }
+    for (const std::string& name : RegistryEditor::Keys(key))
+    {
+        std::printf("%s\\\n", name.c_str());
+    }
+    for (const std::string& name : RegistryEditor::Values(key))
+    {
+        const std::optional<registry::Value> value = RegistryEditor::Read(key, name);
+        std::printf("%s = %s\n", name.c_str(),
+                    value ? registry::FormatValue(*value).c_str() : "(unreadable)");
+    }
+    return Outcome::Done;
+}
+
+Outcome GetValue(const Request& request)
+{
+    const std::optional<registry::Value> value =
+        RegistryEditor::Read(request.Argument(1), request.Argument(2));
+    if (value)
+    {
+        std::puts(registry::FormatValue(*value).c_str());
+    }
+    return DoneIf(value.has_value());
+}
+
+Outcome SetValue(const Request& request)
+{
+    const std::string text = request.Rest(3);
+    const registry::Value value = registry::ParseValue(text).value_or(registry::TextValue(text, REG_SZ));
+    return DoneIf(RegistryEditor::Write(request.Argument(1), request.Argument(2), value));
+}
+
+Outcome DeleteEntry(const Request& request)
+{
+    return DoneIf(request.arguments.size() == 2
+                      ? RegistryEditor::RemoveKey(request.Argument(1))
+                      : RegistryEditor::RemoveValue(request.Argument(1), request.Argument(2)));
+}
+
+struct RegistryAction
+{
+    const char* name;
+    std::size_t fewestArguments;
+    Outcome (*run)(const Request& request);
+};
+constexpr RegistryAction kRegistryActions[] = {
+    {"list", 2, &ListKey}, {"get", 3, &GetValue}, {"set", 4, &SetValue}, {"delete", 2, &DeleteEntry}};
+
+Outcome ChangeRegistry(const Request& request)
+{
+    for (const RegistryAction& action : kRegistryActions)
+    {
+        if (request.Argument(0) == action.name && request.arguments.size() >= action.fewestArguments)
+        {
+            return action.run(request);
+        }
+    }
+    return Outcome::Misused;
+}
+
 // Signals the event that the plug-in waits for; false when nobody has made it.
 bool SignalApplied()
 {
@@ -157,6 +224,9 @@ constexpr Verb kVerbs[] = {
     {"codepage", "1252|65001", "the code page of narrow text", &SetCodePage},
     {"module", "FILE[.FUNCTION] present|absent", "takes a DLL or one of its functions away, or puts it back",
      &SetModule},
+    {"registry", "list KEY | get KEY NAME | set KEY NAME VALUE | delete KEY [NAME]",
+     "KEY is a path such as HKLM\\Software\\Kelvo, VALUE such as dword:2a, hex:01,02 or a text",
+     &ChangeRegistry},
     {"applied", "N", "stores the number of the scheme in force and signals that one was applied",
      &TellApplied},
 };

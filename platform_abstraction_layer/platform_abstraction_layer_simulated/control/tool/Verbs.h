@@ -11,9 +11,10 @@
 namespace notebook_tool
 {
 
-/// The command line behind the verb, and the options that stood anywhere on it.
+/// The verb, the command line behind it, and the options that stood anywhere on it.
 struct Request
 {
+    std::string verb;
     std::vector<std::string> arguments;
     std::string version = "5.1";
     std::string installation;
@@ -42,10 +43,9 @@ struct Verb
     bool needsNotebook = true;
 };
 
-/// Creating and showing, version, code page, modules, accounts, applied scheme.
+/// Creating and showing, version, code page, modules, accounts, registry, applied scheme.
 std::span<const Verb> SystemVerbs();
 
-std::span<const Verb> RegistryVerbs();
 std::span<const Verb> HardwareVerbs();
 
 /// Prints what the machine is and has.

@@ -1,11 +1,11 @@
 // modules/dwmapi/Composition.cpp
 //
 // Desktop composition, a switch of the whole machine up to version 6.1; from 6.2 on switching succeeds and
-// changes nothing. Known difference: it isn't tied to the process that switched it and stays as it is when
-// that one ends.
+// changes nothing. machine.ini, section "Desktop": "Composition=1". Known difference: it isn't tied to the
+// process that switched it and stays as it is when that one ends.
 
 #include "base/PlatformCall.h"
-#include "machine/Graphics.h"
+#include "machine/Machine.h"
 #include "modules/kernel32/Modules.h"
 #include "modules/kernel32/SystemVersion.h"
 
@@ -29,7 +29,7 @@ HRESULT Compose(UINT action)
     const SystemVersion version = ReadSystemVersion();
     if (version.major == kSinceMajor && version.minor <= kLastSwitchableMinor)
     {
-        Graphics::SetComposed(action == DWM_EC_ENABLECOMPOSITION);
+        Machine::WriteNumber("Desktop", "Composition", action == DWM_EC_ENABLECOMPOSITION);
     }
     return S_OK;
 }
@@ -40,7 +40,7 @@ HRESULT TellComposed(BOOL* enabled)
     {
         return E_INVALIDARG;
     }
-    *enabled = Graphics::IsComposed();
+    *enabled = Machine::ReadNumber("Desktop", "Composition", 0) != 0;
     return S_OK;
 }
 

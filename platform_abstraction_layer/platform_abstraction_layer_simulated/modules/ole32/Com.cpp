@@ -1,8 +1,8 @@
 // modules/ole32/Com.cpp
 //
-// Which threads have initialised COM, for which kind of apartment and how often; finding a class by its name and
-// making an object of it. Known difference: there is one class, and whether it is installed is the machine's
-// word, not that of HKEY_CLASSES_ROOT.
+// Which threads have initialised COM, for which kind of apartment and how often; finding a class by its name
+// and making an object of it. Known difference: there is one class, and whether it is installed is the
+// machine's word, not that of HKEY_CLASSES_ROOT.
 
 #include "base/GuidText.h"
 #include "base/Text.h"

@@ -1,7 +1,8 @@
 // modules/setupapi/DeviceLists.cpp
 //
-// Making lists of devices, walking them, and reading what their devices are. Known differences: a list is
-// about this machine and one class alone, and the devices of all enumerators.
+// Making lists of devices and interfaces, walking them, and reading what they hold. Known differences: a list
+// is about this machine and one class alone, and the devices of all enumerators; the type and the needed room
+// of a text are not answered; interfaces do not lead to their devices.
 
 #include "base/GuidText.h"
 #include "base/Text.h"
@@ -9,6 +10,7 @@
 #include "modules/setupapi/DeviceList.h"
 #include "modules/setupapi/DeviceNodes.h"
 
+#include <cstddef>
 #include <cstring>
 
 namespace simulated
@@ -129,6 +131,43 @@ DWORD DescribeList(const DeviceList& list, PSP_DEVINFO_LIST_DETAIL_DATA_W detail
     return ERROR_SUCCESS;
 }
 
+// Where a caller wants an interface's path.
+struct DetailTarget
+{
+    SP_DEVICE_INTERFACE_DETAIL_DATA_W* detail;
+    DWORD size;
+    PDWORD required;
+};
+
+DWORD GetDetail(const DeviceList& list, const SP_DEVICE_INTERFACE_DATA* data, const DetailTarget& target)
+{
+    DeviceList::Interface found;
+    if (const DWORD error = list.Resolve(data, found); error != ERROR_SUCCESS)
+    {
+        return error;
+    }
+    const bool hasDetail = target.detail != nullptr;
+    if (hasDetail != (target.size != 0) || (hasDetail && (target.size < sizeof *target.detail ||
+                                                          target.detail->cbSize != sizeof *target.detail)))
+    {
+        return ERROR_INVALID_USER_BUFFER;
+    }
+    std::vector<wchar_t> path = ToUtf16(DeviceTree::InterfacePath(found.instanceId, found.interfaceClass));
+    path.push_back(0);
+    constexpr std::size_t kPathOffset = offsetof(SP_DEVICE_INTERFACE_DETAIL_DATA_W, DevicePath);
+    const std::size_t pathSize = path.size() * sizeof path[0];
+    if (target.required != nullptr)
+    {
+        *target.required = static_cast<DWORD>(kPathOffset + pathSize);
+    }
+    if (kPathOffset + pathSize > target.size)
+    {
+        return ERROR_INSUFFICIENT_BUFFER;
+    }
+    std::memcpy(reinterpret_cast<BYTE*>(target.detail) + kPathOffset, path.data(), pathSize);
+    return ERROR_SUCCESS;
+}
+
 DWORD Destroy(HDEVINFO handle)
 {
     return WithList(handle, [&](DeviceList&) { return HandleTable::Close(handle); });
@@ -220,4 +259,37 @@ SIM_API BOOL WINAPI SetupDiGetDeviceInfoListDetailW(HDEVINFO list, PSP_DEVINFO_L
     call.Arguments(list);
     return call.Boolean(
         [&] { return WithList(list, [&](DeviceList& found) { return DescribeList(found, detail); }); });
+}
+
+SIM_API BOOL WINAPI SetupDiEnumDeviceInterfaces(HDEVINFO list, PSP_DEVINFO_DATA device,
+                                                const GUID* interfaceClass, DWORD index,
+                                                PSP_DEVICE_INTERFACE_DATA data)
+{
+    PlatformCall call(CallClass::Device, "SetupDiEnumDeviceInterfaces", SIM_CALLER);
+    call.Arguments(list, index);
+    return call.Boolean(
+        [&]
+        {
+            return device != nullptr || interfaceClass == nullptr
+                       ? DWORD{ERROR_INVALID_PARAMETER}
+                       : WithList(list, [&](DeviceList& found)
+                                  { return found.DescribeInterface(*interfaceClass, index, data); });
+        });
+}
+
+SIM_API BOOL WINAPI SetupDiGetDeviceInterfaceDetailW(HDEVINFO list, PSP_DEVICE_INTERFACE_DATA data,
+                                                     PSP_DEVICE_INTERFACE_DETAIL_DATA_W detail, DWORD size,
+                                                     PDWORD required, PSP_DEVINFO_DATA device)
+{
+    PlatformCall call(CallClass::Device, "SetupDiGetDeviceInterfaceDetailW", SIM_CALLER);
+    call.Arguments(list, size);
+    return call.Boolean(
+        [&]
+        {
+            return device != nullptr ? DWORD{ERROR_INVALID_PARAMETER}
+                                     : WithList(list,
+                                                [&](DeviceList& found) {
+                                                    return GetDetail(found, data, {detail, size, required});
+                                                });
+        });
 }

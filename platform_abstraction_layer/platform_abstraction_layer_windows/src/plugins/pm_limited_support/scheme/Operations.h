@@ -1,7 +1,7 @@
 // scheme/Operations.h
 //
-// The operations of the engine that take more than a few steps, each with a source of its name. The results are
-// those of the members of `CSchemeEx` that call them.
+// The operations of the engine that take more than a few steps, each with a source of its name. The results
+// are those of the members of `CSchemeEx` that call them.
 #pragma once
 
 #include "scheme/PowerBackend.h"
