@@ -4,36 +4,26 @@
 
 #include "scheme/vista/PowerDispatch.h"
 
-#include "foundation/Modules.h"
-
 constinit PowerFunctions PowerDispatch{};
 
 namespace
 {
 
-// Stores a looked-up function in one entry of the table.
-template <auto Entry>
-void StoreFunction(FARPROC function) noexcept
-{
-    auto& entry = PowerDispatch.*Entry;
-    entry.store(FunctionCast<decltype(entry.load())>(function));
-}
-
 struct Binding
 {
     LPCSTR name;
-    void (*store)(FARPROC function) noexcept;
+    BoundFunction& entry;
 };
 
 constexpr Binding kBindings[] = {
-    {"PowerGetActiveScheme", StoreFunction<&PowerFunctions::PowerGetActiveScheme>},
-    {"PowerSetActiveScheme", StoreFunction<&PowerFunctions::PowerSetActiveScheme>},
-    {"PowerReadFriendlyName", StoreFunction<&PowerFunctions::PowerReadFriendlyName>},
-    {"PowerReadACValueIndex", StoreFunction<&PowerFunctions::PowerReadACValueIndex>},
-    {"PowerReadDCValueIndex", StoreFunction<&PowerFunctions::PowerReadDCValueIndex>},
-    {"PowerWriteACValueIndex", StoreFunction<&PowerFunctions::PowerWriteACValueIndex>},
-    {"PowerWriteDCValueIndex", StoreFunction<&PowerFunctions::PowerWriteDCValueIndex>},
-    {"PowerDeleteScheme", StoreFunction<&PowerFunctions::PowerDeleteScheme>},
+    {"PowerGetActiveScheme", PowerDispatch.PowerGetActiveScheme},
+    {"PowerSetActiveScheme", PowerDispatch.PowerSetActiveScheme},
+    {"PowerReadFriendlyName", PowerDispatch.PowerReadFriendlyName},
+    {"PowerReadACValueIndex", PowerDispatch.PowerReadACValueIndex},
+    {"PowerReadDCValueIndex", PowerDispatch.PowerReadDCValueIndex},
+    {"PowerWriteACValueIndex", PowerDispatch.PowerWriteACValueIndex},
+    {"PowerWriteDCValueIndex", PowerDispatch.PowerWriteDCValueIndex},
+    {"PowerDeleteScheme", PowerDispatch.PowerDeleteScheme},
 };
 
 } // namespace
@@ -42,6 +32,6 @@ void BindPowerFunctions(HMODULE library) noexcept
 {
     for (const Binding& binding : kBindings)
     {
-        binding.store(GetProcAddress(library, binding.name));
+        binding.entry.address = GetProcAddress(library, binding.name);
     }
 }

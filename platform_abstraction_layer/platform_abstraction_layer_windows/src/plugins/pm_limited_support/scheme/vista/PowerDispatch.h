@@ -4,27 +4,41 @@
 // time. The index-based ones are bound at link time and need no table.
 #pragma once
 
-#include <windows.h>
+#include "foundation/Modules.h"
 
 #include <atomic>
 
 using PowerValueReader = DWORD(WINAPI*)(HKEY, const GUID*, const GUID*, const GUID*, LPDWORD);
 using PowerValueWriter = DWORD(WINAPI*)(HKEY, const GUID*, const GUID*, const GUID*, DWORD);
 
-/// One entry for each function, null where the system lacks it. The root key of all calls is null, and their
-/// results are Win32 error numbers. Every caller binds the same values, so a reader sees either null or
-/// the right one.
+/// A function of the power manager as it was looked up, null where the system lacks it. Every caller binds
+/// the same value, so a reader sees either null or the right one.
+struct BoundFunction
+{
+    std::atomic<FARPROC> address;
+};
+
+template <class Function>
+struct PowerFunction : BoundFunction
+{
+    Function load() const noexcept
+    {
+        return FunctionCast<Function>(address.load());
+    }
+};
+
+/// One entry for each function. The root key of all calls is null, and their results are Win32 error numbers.
 struct PowerFunctions
 {
-    std::atomic<DWORD(WINAPI*)(HKEY, GUID**)> PowerGetActiveScheme; ///< the GUID is for `LocalFree`
-    std::atomic<DWORD(WINAPI*)(HKEY, const GUID*)> PowerSetActiveScheme;
-    std::atomic<DWORD(WINAPI*)(HKEY, const GUID*, const GUID*, const GUID*, PUCHAR, LPDWORD)>
+    PowerFunction<DWORD(WINAPI*)(HKEY, GUID**)> PowerGetActiveScheme; ///< the GUID is for `LocalFree`
+    PowerFunction<DWORD(WINAPI*)(HKEY, const GUID*)> PowerSetActiveScheme;
+    PowerFunction<DWORD(WINAPI*)(HKEY, const GUID*, const GUID*, const GUID*, PUCHAR, LPDWORD)>
         PowerReadFriendlyName;
-    std::atomic<PowerValueReader> PowerReadACValueIndex;
-    std::atomic<PowerValueReader> PowerReadDCValueIndex;
-    std::atomic<PowerValueWriter> PowerWriteACValueIndex;
-    std::atomic<PowerValueWriter> PowerWriteDCValueIndex;
-    std::atomic<DWORD(WINAPI*)(HKEY, const GUID*)> PowerDeleteScheme;
+    PowerFunction<PowerValueReader> PowerReadACValueIndex;
+    PowerFunction<PowerValueReader> PowerReadDCValueIndex;
+    PowerFunction<PowerValueWriter> PowerWriteACValueIndex;
+    PowerFunction<PowerValueWriter> PowerWriteDCValueIndex;
+    PowerFunction<DWORD(WINAPI*)(HKEY, const GUID*)> PowerDeleteScheme;
 };
 
 /// The process's table. It is filled by `BindPowerFunctions` and never cleared.
