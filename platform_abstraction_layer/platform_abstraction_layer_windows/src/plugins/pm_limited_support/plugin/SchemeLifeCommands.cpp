@@ -151,16 +151,10 @@ LONG DeleteScheme(const Call& call) noexcept
 LONG ClearSchemes(const Call& call) noexcept
 {
     const auto selector = request_io::ReadPayload<LONG>(call.request);
-    if (selector == kClearCurrentUser)
+    // The engine has the two numbers the other way round.
+    if (selector == kClearCurrentUser || selector == kClearAll)
     {
-        CORVLBase::DBGOUT(L"enter ClearORV: ClearCurrentUserSettings");
-        call.engine.ClearCurrentUserSettings();
-    }
-    else if (selector == kClearAll)
-    {
-        CORVLBase::DBGOUT(L"enter ClearORV: ClearAllUserSettings");
-        call.engine.ClearPwrSchemes();
-        call.engine.ClearCfgSettings();
+        call.engine.ClearORV(selector == kClearCurrentUser ? 1 : 0);
     }
     request_io::WriteReplySize(call.request, 0);
     return TRX_OPERATION_OK;
