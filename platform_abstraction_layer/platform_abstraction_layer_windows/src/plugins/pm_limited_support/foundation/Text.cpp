@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 
 namespace text
 {
@@ -107,12 +108,7 @@ std::size_t Length(const char* source, std::size_t capacity) noexcept
 
 std::size_t Length(const wchar_t* source) noexcept
 {
-    std::size_t length = 0;
-    while (source[length] != L'\0')
-    {
-        ++length;
-    }
-    return length;
+    return BoundedLength(source, std::numeric_limits<std::size_t>::max());
 }
 
 bool Copy(wchar_t* target, std::size_t capacity, const wchar_t* source) noexcept

@@ -70,10 +70,9 @@ bool ReadPlace(CORVLCfg& root, const ItemList& list, int item, std::size_t recor
     return place.size <= recordSize && place.start <= recordSize - place.size;
 }
 
-template <class Record>
-void CopyItem(const Record& record, const ItemPlace& place, ULONG* value) noexcept
+void CopyItem(const void* record, const ItemPlace& place, ULONG* value) noexcept
 {
-    std::memcpy(value, reinterpret_cast<const unsigned char*>(&record) + place.start, place.size);
+    std::memcpy(value, static_cast<const unsigned char*>(record) + place.start, place.size);
 }
 
 int ReadExtendedItem(CORVLCfg& root, int item, ULONG* value) noexcept
@@ -86,7 +85,7 @@ int ReadExtendedItem(CORVLCfg& root, int item, ULONG* value) noexcept
     {
         return -1;
     }
-    CopyItem(fields, place, value);
+    CopyItem(&fields, place, value);
     return 0;
 }
 
@@ -100,7 +99,7 @@ int ReadSystemItem(CORVLCfg& root, int item, int battery, ULONG* value) noexcept
     {
         return -1;
     }
-    CopyItem(info, place, value);
+    CopyItem(&info, place, value);
     return 0;
 }
 
