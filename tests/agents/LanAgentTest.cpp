@@ -6,6 +6,7 @@
 
 #include "agents/LanAgent.h"
 #include "control/Adapters.h"
+#include "control/RegistryEditor.h"
 #include "machine/DeviceTree.h"
 
 using namespace simulated;
@@ -114,6 +115,10 @@ TEST_F(LanAgentTest, SpeedIsStoredForEveryAdapterAndOneSuccessIsEnough)
     Faults::Inject("RegSetValueExW", 1, ERROR_ACCESS_DENIED);
     EXPECT_EQ(3, agent.SetLanSpeed(3));
     EXPECT_EQ("2 none 3 none", Stored(0) + ' ' + Stored(2));
+    const std::string key = "HKLM\\SYSTEM\\CurrentControlSet\\Control\\Class\\" +
+                            DeviceTree::Value(Adapters::All().at(2), "Driver").value_or("");
+    EXPECT_EQ(std::string("3\0\0\0", 4), RegistryEditor::Read(key, kPlain).value_or(registry::Value()).bytes)
+        << "a text with its terminator";
 }
 
 TEST_F(LanAgentTest, AdapterStateDecidesWhatCanBeReadAndChanged)

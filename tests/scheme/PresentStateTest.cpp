@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 using namespace simulated;
 using testing::ElementsAre;
@@ -48,6 +49,26 @@ TEST_F(PresentState, SpeedBelongsToTheSourceThatFeedsTheMachine)
                     testing::Contains("SetActivePwrScheme"));
         Run("get 1 ac CpuSpeed -> " + ac + "; get 1 dc CpuSpeed -> " + dc);
     }
+}
+
+TEST_F(PresentState, PoliciesAreReadFromTheStoreOfAnyAccount)
+{
+    constexpr const wchar_t* kSchemes = L"S-1-5-18\\Control Panel\\PowerCfg\\PowerPolicies";
+    EXPECT_EQ(1, engine.ReadUserActivePowerScheme(L"S-1-5-18\\Control Panel\\PowerCfg"));
+    EXPECT_EQ(0, engine.ReadUserActivePowerScheme(L"S-1-5-18"));
+    POWER_POLICY policy{};
+    for (const auto& [scheme, isThere] : {std::pair{2, 1}, std::pair{77, 0}})
+    {
+        ULONG size = sizeof policy.user;
+        auto* bytes = reinterpret_cast<unsigned char*>(&policy.user);
+        EXPECT_EQ(isThere, engine.ReadUserPowerPolicy(scheme, kSchemes, bytes, &size));
+        size = sizeof policy.mach;
+        bytes = reinterpret_cast<unsigned char*>(&policy.mach);
+        EXPECT_EQ(isThere, engine.ReadMachinePowerPolicy(scheme, bytes, &size));
+    }
+    POWER_POLICY present{};
+    ASSERT_TRUE(ReadPwrScheme(2, &present));
+    EXPECT_EQ(0, std::memcmp(&present, &policy, sizeof policy));
 }
 
 // The bytes are the path's, with its terminator where that is within the size.
