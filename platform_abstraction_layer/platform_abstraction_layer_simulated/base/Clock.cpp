@@ -17,7 +17,8 @@ namespace
 {
 
 constexpr std::uint64_t kScale = 20;
-constexpr std::uint64_t kLeastGrace = 50;
+constexpr std::uint64_t kLeastGrace = 100;
+constexpr std::uint64_t kMostGrace = 1000;
 
 bool StartsInstant() noexcept
 {
@@ -78,7 +79,7 @@ std::uint64_t Clock::Grace(std::uint64_t milliseconds) noexcept
     {
         return milliseconds;
     }
-    return std::min(milliseconds, std::max(milliseconds / kScale, kLeastGrace));
+    return std::min(milliseconds, std::clamp(milliseconds / kScale, kLeastGrace, kMostGrace));
 }
 
 } // namespace simulated

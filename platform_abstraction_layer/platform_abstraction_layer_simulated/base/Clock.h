@@ -27,8 +27,8 @@ public:
     static void Sleep(std::uint64_t milliseconds) noexcept;
 
     /// How long a wait with the time-out `milliseconds` really lasts before it gives up: all of it, or when
-    /// the clock is instant a twentieth, at least 50 milliseconds. Other threads and processes need that
-    /// grace to do what the wait is for.
+    /// the clock is instant a twentieth, but from a tenth of a second to a second. Other threads and
+    /// processes need that grace to do what the wait is for.
     static std::uint64_t Grace(std::uint64_t milliseconds) noexcept;
 };
 
