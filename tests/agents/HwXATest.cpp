@@ -48,7 +48,7 @@ TEST_F(HwXATest, BadArgumentsNeverReachTheDriver)
     DWORD data = 0;
     unsigned __int64 value = 0;
     void* mapping = nullptr;
-    void* const somewhere = &data;
+    void* const somewhere = &value;
     wchar_t longName[64] = {};
     std::fill_n(longName, 50, L'x');
     const auto refused = [&](const std::vector<LONG>& results, const char* line)

@@ -2,10 +2,10 @@
 //
 // The two logs: their switch, their limits, their line ends.
 
+#include "foundation/Log.h"
 #include "acceptance/Seeding.h"
 #include "base/Trace.h"
 #include "foundation/OrvlBase.h"
-#include "foundation/PmLog.h"
 #include "support/NotebookTest.h"
 
 namespace

@@ -2,11 +2,11 @@
 //
 // Both ways from an account to its hive and folder.
 
-#include "foundation/UserLookup.h"
 #include "acceptance/Seeding.h"
 #include "base/Trace.h"
 #include "control/RegistryEditor.h"
 #include "foundation/OrvlCfg.h"
+#include "foundation/UserFolders.h"
 #include "machine/Accounts.h"
 #include "modules/advapi32/Hives.h"
 #include "support/NotebookTest.h"

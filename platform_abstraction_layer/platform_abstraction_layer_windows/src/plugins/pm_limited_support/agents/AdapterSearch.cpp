@@ -5,23 +5,8 @@
 #include "agents/AdapterSearch.h"
 
 #include "agents/PropertyChange.h"
-#include "foundation/OrvlBase.h"
+#include "foundation/Log.h"
 #include "foundation/Text.h"
-
-namespace
-{
-
-// Logs `message`, where there is one, with the last error. Always false.
-bool Fail(const wchar_t* message) noexcept
-{
-    if (message != nullptr)
-    {
-        CORVLBase::DBGOUT(message, GetLastError());
-    }
-    return false;
-}
-
-} // namespace
 
 bool HoldsWord(const wchar_t* description, const wchar_t* word, TextSearch contains) noexcept
 {
@@ -31,26 +16,26 @@ bool HoldsWord(const wchar_t* description, const wchar_t* word, TextSearch conta
 bool FindAdapter(const AdapterSearch& search, FoundAdapter& found) noexcept
 {
     found.list.Reset(SetupDiGetClassDevsW(&kNetworkAdapterClass, nullptr, nullptr, DIGCF_PRESENT));
-    if (!found.list)
+    if (!Check(static_cast<bool>(found.list), search.listFailed))
     {
-        return Fail(search.listFailed);
+        return false;
     }
 
     for (DWORD index = 0;; ++index)
     {
         found.device = EmptyDeviceRecord();
-        if (!SetupDiEnumDeviceInfo(found.list.Get(), index, &found.device))
+        if (!Check(SetupDiEnumDeviceInfo(found.list.Get(), index, &found.device) != FALSE, search.endReached))
         {
-            return Fail(search.endReached);
+            return false;
         }
         // One character more than is read, so that a text without a terminator ends all the same.
         wchar_t description[text::kPathCapacity + 1] = {};
         const BOOL isRead = SetupDiGetDeviceRegistryPropertyW(
             found.list.Get(), &found.device, SPDRP_DEVICEDESC, nullptr, reinterpret_cast<BYTE*>(description),
             sizeof description - sizeof(wchar_t), nullptr);
-        if (!isRead && search.readFailed != nullptr)
+        if (!Check(isRead != FALSE, search.readFailed) && search.readFailed != nullptr)
         {
-            return Fail(search.readFailed);
+            return false;
         }
         if (HoldsWord(description, search.firstWord, search.contains) ||
             HoldsWord(description, search.secondWord, search.contains))

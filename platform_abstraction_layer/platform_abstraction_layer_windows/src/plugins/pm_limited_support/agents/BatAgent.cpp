@@ -4,6 +4,7 @@
 
 #include "agents/BatAgent.h"
 
+#include "foundation/Log.h"
 #include "foundation/Owners.h"
 #include "foundation/PowerProfile.h"
 #include "foundation/Results.h"
@@ -78,10 +79,15 @@ SYSTEM_BATTERY_STATE ReadSystemState() noexcept
     return state;
 }
 
-// The seconds that `capacity` takes at the present rate, or -1 when nothing flows.
-ULONG TimeFor(ULONG capacity, ULONG rate) noexcept
+// The seconds that `capacity` takes while charging, -1 when nothing flows; the system's estimate while
+// discharging, else -1.
+ULONG TimeFor(ULONG capacity, const SYSTEM_BATTERY_STATE& state) noexcept
 {
-    return rate == 0 ? kUnknownTime : capacity * kSecondsPerHour / rate;
+    if (state.Charging)
+    {
+        return state.Rate == 0 ? kUnknownTime : capacity * kSecondsPerHour / state.Rate;
+    }
+    return state.Discharging ? state.EstimatedTime : kUnknownTime;
 }
 
 } // namespace
@@ -120,12 +126,8 @@ LONG CBatAgent::Setup() noexcept
             ++m_nBatteryCount;
         }
     }
-    if (found == Found::Failure)
-    {
-        DBGOUT(L"Setup of the batteries failed for 0x%x\n", GetLastError());
-        return kGeneralFailure;
-    }
-    return kSucceeded;
+    return Check(found != Found::Failure, L"Setup of the batteries failed for 0x%x\n") ? kSucceeded
+                                                                                       : kGeneralFailure;
 }
 
 LONG CBatAgent::Cleanup() noexcept
@@ -254,15 +256,11 @@ ULONG CBatAgent::GetCompleteTime(int index) noexcept
         return 0;
     }
     const SYSTEM_BATTERY_STATE state = ReadSystemState();
-    if (state.Charging)
+    if (state.Charging && state.Rate == 0)
     {
-        if (state.Rate == 0)
-        {
-            DBGOUT(L"Rate=%d", state.Rate);
-        }
-        return TimeFor(state.MaxCapacity - state.RemainingCapacity, state.Rate);
+        DBGOUT(L"Rate=%d", state.Rate);
     }
-    return state.Discharging ? state.EstimatedTime : kUnknownTime;
+    return TimeFor(state.MaxCapacity - state.RemainingCapacity, state);
 }
 
 ULONG CBatAgent::GetRemainingUsageTime(int index) noexcept
@@ -272,11 +270,7 @@ ULONG CBatAgent::GetRemainingUsageTime(int index) noexcept
         return 0;
     }
     const SYSTEM_BATTERY_STATE state = ReadSystemState();
-    if (state.Charging)
-    {
-        return TimeFor(state.RemainingCapacity, state.Rate);
-    }
-    return state.Discharging ? state.EstimatedTime : kUnknownTime;
+    return TimeFor(state.RemainingCapacity, state);
 }
 
 float CBatAgent::GetRemainBatPer(int index) noexcept

@@ -74,7 +74,7 @@ constexpr FunctionKey kFunctionKeys[] = {
 bool ReadRegisterKind(CORVLCfg& file, const wchar_t* section, RegisterKind& kind) noexcept
 {
     wchar_t name[text::kPathCapacity];
-    file.GetString(section, L"RegisterType", L"", name, static_cast<int>(std::size(name)));
+    file.GetString(section, L"RegisterType", name);
     const auto* found =
         std::find_if(std::begin(kRegisterNames), std::end(kRegisterNames),
                      [&name](const RegisterName& row) { return text::Equal(name, row.name); });
@@ -119,16 +119,11 @@ bool InitializeChipsetFile(CORVLCfg& file) noexcept
 
 bool IsListed(CORVLCfg& file, const wchar_t* chipset, const wchar_t* name) noexcept
 {
-    wchar_t section[kSectionCapacity];
-    text::Format(section, L"%s Devices", chipset);
+    const text::Formatted<kSectionCapacity> section(L"%s Devices", chipset);
     wchar_t listed[text::kPathCapacity];
     const auto readName = [&](int index)
-    {
-        wchar_t key[32];
-        text::Format(key, L"Name%d", index);
-        return file.GetString(section, key, L"", listed, static_cast<int>(std::size(listed))) > 0;
-    };
-    const int count = EntryLimit().Take(file.GetInt(section, L"DeviceNumbers", kMissing), readName);
+    { return file.GetString(section.Text(), text::Formatted<32>(L"Name%d", index).Text(), listed) > 0; };
+    const int count = EntryLimit().Take(file.GetInt(section.Text(), L"DeviceNumbers", kMissing), readName);
     for (int index = 0; index < count; ++index)
     {
         readName(index);

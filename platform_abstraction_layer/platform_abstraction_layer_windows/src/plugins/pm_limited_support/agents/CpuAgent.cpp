@@ -7,6 +7,7 @@
 
 #include "agents/DriverCall.h"
 #include "agents/OrvlDrvMgr.h"
+#include "foundation/Log.h"
 #include "foundation/Results.h"
 
 namespace
@@ -143,16 +144,9 @@ int CCpuAgent::GetEblLevel() noexcept
         return -1;
     }
     const int ratio = GetCBR();
-    if (ratio == -1)
-    {
-        return -1;
-    }
-    const int duty = GetModulation();
-    if (duty == -1 || duty == 0)
-    {
-        return -1;
-    }
-    return static_cast<int>(Level(static_cast<ULONG>(duty), static_cast<ULONG>(ratio), m_nMaxCBR));
+    const int duty = ratio == -1 ? -1 : GetModulation();
+    return duty > 0 ? static_cast<int>(Level(static_cast<ULONG>(duty), static_cast<ULONG>(ratio), m_nMaxCBR))
+                    : -1;
 }
 
 int CCpuAgent::SetEblLevel(int level) noexcept
@@ -210,13 +204,9 @@ int CCpuAgent::SetCBR(int cbr) noexcept
         return -1;
     }
     const auto voltage = static_cast<ULONG>(CalcVID(cbr));
-    if (voltage == 0)
-    {
-        DBGOUT(L"Cannot calucate VID.\n");
-        return -1;
-    }
     MsrRecord control;
-    if (!Read(kPerformanceControl, control, L"error code of calling OrvlDrvIoControl: 0x%x. \n"))
+    if (!Check(voltage != 0, L"Cannot calucate VID.\n") ||
+        !Read(kPerformanceControl, control, L"error code of calling OrvlDrvIoControl: 0x%x. \n"))
     {
         return -1;
     }

@@ -1,13 +1,12 @@
 // agents/DevMgr.cpp
 //
-// The managed set of devices and the changes made to it. The walk through the device tree is in
-// DeviceTree.cpp.
+// The managed set of devices and the changes made to it. The search in the device tree is in DeviceTree.cpp.
 
 #include "agents/DevMgr.h"
 
-#include "agents/DeviceTree.h"
 #include "agents/PropertyChange.h"
 #include "foundation/GuidText.h"
+#include "foundation/Log.h"
 #include "foundation/OrvlCfg.h"
 #include "foundation/Owners.h"
 #include "foundation/Results.h"
@@ -46,13 +45,6 @@ public:
 private:
     HCURSOR m_old;
 };
-
-// Logs `message` with the last error and gives the general failure.
-LONG Fail(const wchar_t* message) noexcept
-{
-    CORVLBase::DBGOUT(message, GetLastError());
-    return kGeneralFailure;
-}
 
 // The device of that number in a list; false behind the last.
 bool FindDevice(HDEVINFO devices, DWORD index, SP_DEVINFO_DATA& device) noexcept
@@ -94,20 +86,18 @@ LONG CDevMgr::Setup() noexcept
     m_nOptions = static_cast<ULONG>(file.GetInt(L"OrvlDevMgr", L"DmOptions", kThroughService));
 
     owners::DeviceList devices(SetupDiCreateDeviceInfoList(nullptr, nullptr));
-    if (!devices)
+    if (!Check(static_cast<bool>(devices), L"SetupDiCreateDeviceInfoList for m_hDevInfoSet failed %x"))
     {
-        return Fail(L"SetupDiCreateDeviceInfoList for m_hDevInfoSet failed %x");
+        return kGeneralFailure;
     }
     m_hDevInfoSet = devices.Detach();
 
     const int classes = file.GetInt(L"DevGUIDs", L"Num", 0);
     for (int index = 0; index < classes; ++index)
     {
-        wchar_t key[32];
         wchar_t guidText[text::kPathCapacity];
         GUID deviceClass = {};
-        text::Format(key, L"GUID%d", index);
-        if (file.GetString(L"DevGUIDs", key, L"", guidText, static_cast<int>(std::size(guidText))) < 1)
+        if (file.GetString(L"DevGUIDs", text::Formatted<32>(L"GUID%d", index).Text(), guidText) < 1)
         {
             return kGeneralFailure;
         }
@@ -189,11 +179,10 @@ LONG CDevMgr::DoStateChange(void* set, ULONG index, ULONG action) noexcept
     if ((m_nOptions & kThroughService) != 0)
     {
         wchar_t instanceId[kInstanceIdCapacity];
-        if (GetInstID(index, instanceId, static_cast<int>(std::size(instanceId))) < 0)
-        {
-            return Fail(L"DoStateChange failed in GetInstID(). %x");
-        }
-        return DoStateChangeRemote(instanceId, action);
+        const LONG named = GetInstID(index, instanceId, static_cast<int>(std::size(instanceId)));
+        return Check(named >= 0, L"DoStateChange failed in GetInstID(). %x")
+                   ? DoStateChangeRemote(instanceId, action)
+                   : kGeneralFailure;
     }
     SP_DEVINFO_DATA device;
     return FindDevice(set, index, device) ? DoStateChange(set, &device, action) : kGeneralFailure;
@@ -213,25 +202,25 @@ LONG CDevMgr::DoStateChange(void* set, _SP_DEVINFO_DATA* info, ULONG action) noe
 {
     const WaitCursor cursor;
     SP_PROPCHANGE_PARAMS change = PropertyChange(action, DICS_FLAG_GLOBAL);
-    if (!SetPropertyChange(set, *info, change))
+    if (!Check(SetPropertyChange(set, *info, change),
+               L"SetupDiSetClassInstallParams failed for last error %x."))
     {
-        return Fail(L"SetupDiSetClassInstallParams failed for last error %x.");
+        return kGeneralFailure;
     }
     // The default change, past the class's installers. Its result is ignored: what they answer decides.
     SetupDiChangeState(set, info);
-    if (!SetupDiCallClassInstaller(DIF_PROPERTYCHANGE, set, info))
-    {
-        return Fail(L"SetupDiChangeState failed for last error %x.");
-    }
-    return kSucceeded;
+    return Check(SetupDiCallClassInstaller(DIF_PROPERTYCHANGE, set, info) != FALSE,
+                 L"SetupDiChangeState failed for last error %x.")
+               ? kSucceeded
+               : kGeneralFailure;
 }
 
 LONG CDevMgr::ExecStateChange(const wchar_t* instanceId, ULONG action) noexcept
 {
     const owners::DeviceList devices(SetupDiCreateDeviceInfoList(nullptr, nullptr));
-    if (!devices)
+    if (!Check(static_cast<bool>(devices), L"ExecStateChange failed in SetupDiCreateDeviceInfoList, le=%x"))
     {
-        return Fail(L"ExecStateChange failed in SetupDiCreateDeviceInfoList, le=%x");
+        return kGeneralFailure;
     }
     SP_DEVINFO_DATA device = EmptyDeviceRecord();
     if (instanceId == nullptr || !SetupDiOpenDeviceInfoW(devices.Get(), instanceId, nullptr, 0, &device))
@@ -261,11 +250,6 @@ LONG CDevMgr::ExecStateChange2(const wchar_t* driverDesc, ULONG action) noexcept
     return found < 0 ? found : ExecStateChange(instanceId, action);
 }
 
-LONG CDevMgr::DrvDescToInstID(const wchar_t* driverDesc, wchar_t* instanceId, ULONG size) noexcept
-{
-    return FindInstanceId(driverDesc, instanceId, size);
-}
-
 LONG CDevMgr::GetName(ULONG index, wchar_t* text, int size) noexcept
 {
     return GetDevRegProp(index, SPDRP_FRIENDLYNAME, text, size);
@@ -279,24 +263,20 @@ LONG CDevMgr::GetDesc(ULONG index, wchar_t* text, int size) noexcept
 LONG CDevMgr::GetDevRegProp(ULONG index, ULONG property, wchar_t* text, int size) noexcept
 {
     SP_DEVINFO_DATA device;
-    if (size < 0 || !FindDevice(m_hDevInfoSet, index, device) ||
-        !SetupDiGetDeviceRegistryPropertyW(m_hDevInfoSet, &device, property, nullptr,
-                                           reinterpret_cast<BYTE*>(text), static_cast<DWORD>(size), nullptr))
-    {
-        return kGeneralFailure;
-    }
-    return kSucceeded;
+    const bool isRead =
+        size >= 0 && FindDevice(m_hDevInfoSet, index, device) &&
+        SetupDiGetDeviceRegistryPropertyW(m_hDevInfoSet, &device, property, nullptr,
+                                          reinterpret_cast<BYTE*>(text), static_cast<DWORD>(size), nullptr);
+    return isRead ? kSucceeded : kGeneralFailure;
 }
 
 LONG CDevMgr::GetInstID(ULONG index, wchar_t* text, int size) noexcept
 {
     SP_DEVINFO_DATA device;
-    if (size < 0 || !FindDevice(m_hDevInfoSet, index, device) ||
-        !SetupDiGetDeviceInstanceIdW(m_hDevInfoSet, &device, text, static_cast<DWORD>(size), nullptr))
-    {
-        return kGeneralFailure;
-    }
-    return kSucceeded;
+    const bool isRead =
+        size >= 0 && FindDevice(m_hDevInfoSet, index, device) &&
+        SetupDiGetDeviceInstanceIdW(m_hDevInfoSet, &device, text, static_cast<DWORD>(size), nullptr);
+    return isRead ? kSucceeded : kGeneralFailure;
 }
 
 LONG CDevMgr::GetDeviceStatus(ULONG index, ULONG* status, ULONG* problem) noexcept
@@ -304,11 +284,8 @@ LONG CDevMgr::GetDeviceStatus(ULONG index, ULONG* status, ULONG* problem) noexce
     SP_DEVINFO_DATA device;
     SP_DEVINFO_LIST_DETAIL_DATA_W detail = {};
     detail.cbSize = sizeof detail;
-    if (status == nullptr || problem == nullptr || !FindDevice(m_hDevInfoSet, index, device) ||
-        !SetupDiGetDeviceInfoListDetailW(m_hDevInfoSet, &detail) ||
-        CM_Get_DevNode_Status(status, problem, device.DevInst, 0) != CR_SUCCESS)
-    {
-        return kGeneralFailure;
-    }
-    return kSucceeded;
+    const bool isRead = status != nullptr && problem != nullptr && FindDevice(m_hDevInfoSet, index, device) &&
+                        SetupDiGetDeviceInfoListDetailW(m_hDevInfoSet, &detail) &&
+                        CM_Get_DevNode_Status(status, problem, device.DevInst, 0) == CR_SUCCESS;
+    return isRead ? kSucceeded : kGeneralFailure;
 }

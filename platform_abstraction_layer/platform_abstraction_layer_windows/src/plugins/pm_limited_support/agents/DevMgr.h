@@ -56,8 +56,8 @@ public:
     /// Changes the first device with that description, case ignored, directly.
     LONG ExecStateChange2(const wchar_t* driverDesc, ULONG action) noexcept;
 
-    /// The instance id of the first device in the device tree with that description, case ignored; `size`
-    /// in characters.
+    /// The instance id of the first device in depth-first order of the device tree with that description,
+    /// case ignored; `size` in characters.
     LONG DrvDescToInstID(const wchar_t* driverDesc, wchar_t* instanceId, ULONG size) noexcept;
 
     /// Texts of a device, into `size` bytes.

@@ -1,10 +1,9 @@
 // agents/DeviceTree.cpp
 //
-// Walks the device tree through the configuration manager.
+// The search for a device in the tree of all devices, through the configuration manager.
 
-#include "agents/DeviceTree.h"
+#include "agents/DevMgr.h"
 
-#include "foundation/OrvlBase.h"
 #include "foundation/Results.h"
 #include "foundation/Text.h"
 
@@ -83,9 +82,9 @@ LONG GetInstanceId(DEVINST device, wchar_t* instanceId, ULONG size) noexcept
 
 } // namespace
 
-LONG FindInstanceId(const wchar_t* description, wchar_t* instanceId, ULONG size) noexcept
+LONG CDevMgr::DrvDescToInstID(const wchar_t* driverDesc, wchar_t* instanceId, ULONG size) noexcept
 {
-    if (description == nullptr || instanceId == nullptr)
+    if (driverDesc == nullptr || instanceId == nullptr)
     {
         return kGeneralFailure;
     }
@@ -97,7 +96,7 @@ LONG FindInstanceId(const wchar_t* description, wchar_t* instanceId, ULONG size)
     }
     do
     {
-        if (IsDescribedAs(device, description))
+        if (IsDescribedAs(device, driverDesc))
         {
             return GetInstanceId(device, instanceId, size);
         }

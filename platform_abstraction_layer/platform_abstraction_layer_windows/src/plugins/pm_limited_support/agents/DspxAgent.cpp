@@ -5,6 +5,7 @@
 #include "agents/DspxAgent.h"
 
 #include "agents/PanelBridge.h"
+#include "foundation/Log.h"
 #include "foundation/Results.h"
 
 #include <objbase.h>
@@ -250,31 +251,19 @@ ULONG CDspxAgent::CheckSupportStatus() noexcept
 
 int CDspxAgent::GetEblLevel() noexcept
 {
-    if (m_pInterface == nullptr)
-    {
-        DBGOUT(L"call setup first.");
-        return -1;
-    }
     PolicyRecords records = {};
-    const bool isRead = TransferPolicies(m_pInterface, m_nPowerHandle, &PanelBridgeSlots::getPowerPolicy,
+    const bool isRead = Check(m_pInterface != nullptr, L"call setup first.") &&
+                        TransferPolicies(m_pInterface, m_nPowerHandle, &PanelBridgeSlots::getPowerPolicy,
                                          &Policy::getFailed, records);
     return isRead ? static_cast<int>(LevelWord(records)) : -1;
 }
 
 int CDspxAgent::SetEblLevel(int level) noexcept
 {
-    if (m_pInterface == nullptr)
-    {
-        DBGOUT(L"call setup first.");
-        return -1;
-    }
-    if (level == -1)
-    {
-        DBGOUT(L"Wrong level!");
-        return -1;
-    }
     PolicyRecords records = RecordsOf(static_cast<ULONG>(level));
-    const bool isWritten = TransferPolicies(m_pInterface, m_nPowerHandle, &PanelBridgeSlots::setPowerPolicy,
+    const bool isWritten = Check(m_pInterface != nullptr, L"call setup first.") &&
+                           Check(level != -1, L"Wrong level!") &&
+                           TransferPolicies(m_pInterface, m_nPowerHandle, &PanelBridgeSlots::setPowerPolicy,
                                             &Policy::setFailed, records);
     return isWritten ? level : -1;
 }

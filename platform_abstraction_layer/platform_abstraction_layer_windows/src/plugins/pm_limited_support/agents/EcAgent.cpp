@@ -4,7 +4,6 @@
 
 #include "agents/EcAgent.h"
 
-#include "agents/ControlMethods.h"
 #include "agents/DriverCall.h"
 #include "agents/LanAgent.h"
 #include "agents/OrvlDrvMgr.h"

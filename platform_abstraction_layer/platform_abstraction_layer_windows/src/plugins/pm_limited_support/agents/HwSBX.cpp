@@ -185,8 +185,7 @@ LONG CHwSBX::Setup(int identify) noexcept
         }
         if (matches)
         {
-            file.GetString(section, L"Name", L"", m_szChipset, static_cast<int>(std::size(m_szChipset)));
-            return m_szChipset[0] != L'\0' ? kSucceeded : kGeneralFailure;
+            return file.GetString(section, L"Name", m_szChipset) > 0 ? kSucceeded : kGeneralFailure;
         }
     }
     return kGeneralFailure;

@@ -6,6 +6,7 @@
 
 #include "agents/DriverCall.h"
 #include "agents/OrvlDrvMgr.h"
+#include "foundation/Log.h"
 #include "foundation/Owners.h"
 #include "foundation/Results.h"
 #include "foundation/Text.h"
@@ -40,47 +41,23 @@ const DeviceProperties* FindDevice(ULONG bus, ULONG device, ULONG function) noex
     return found == std::end(deviceTable) ? nullptr : found;
 }
 
-// Room for a message that carries `length` data bytes: they take the place of the one byte that the record
-// counts for its data. Empty when there is no memory or the size passes what a message can have.
-owners::HeapBlock AllocateMessage(std::size_t recordSize, ULONG length) noexcept
-{
-    if (length > (std::numeric_limits<ULONG>::max)() - recordSize)
-    {
-        return owners::HeapBlock();
-    }
-    return owners::AllocateBlock(recordSize - 1 + length);
-}
-
 // False, with a line in the log, for a name that a record has no room for.
 bool IsDeviceNameShort(const wchar_t* deviceName) noexcept
 {
-    if (text::Length(deviceName, kDeviceNameUnits) < kDeviceNameUnits)
-    {
-        return true;
-    }
-    CORVLBase::DBGOUT(L"The device name is too long");
-    return false;
+    return Check(text::Length(deviceName, kDeviceNameUnits) < kDeviceNameUnits,
+                 L"The device name is too long");
 }
 
 // False, with a line in the log, when the object isn't set up.
 bool IsUsable(bool driverSetUp) noexcept
 {
-    if (!driverSetUp)
-    {
-        CORVLBase::DBGOUT(L"The handle of the device doesn't exist.");
-    }
-    return driverSetUp;
+    return Check(driverSetUp, L"The handle of the device doesn't exist.");
 }
 
 // False, with a line in the log, when a pointer is null or there is nothing to transfer.
 bool AreUsable(const void* what, const void* buffer, ULONG length) noexcept
 {
-    if (what != nullptr && buffer != nullptr && length != 0)
-    {
-        return true;
-    }
-    CORVLBase::DBGOUT(L"Invalidate parameters.");
-    return false;
+    return Check(what != nullptr && buffer != nullptr && length != 0, L"Invalidate parameters.");
 }
 
 // Passes `result` on and logs a failure.
@@ -91,6 +68,41 @@ LONG Report(const wchar_t* failureText, LONG result) noexcept
         CORVLBase::DBGOUT(failureText, result);
     }
     return result;
+}
+
+// Sends a record with data: its bytes take the place of the one byte that the record counts for them.
+template <class Record>
+LONG SendData(DriverFunction function, const Record& record, const void* data, ULONG length,
+              const wchar_t* failureText) noexcept
+{
+    // Without the test a length that no message can have would wrap.
+    const owners::HeapBlock message = length > (std::numeric_limits<ULONG>::max)() - sizeof record
+                                          ? owners::HeapBlock()
+                                          : owners::AllocateBlock(sizeof record - 1 + length);
+    if (!message)
+    {
+        return kGeneralFailure;
+    }
+    std::memcpy(message.Get(), &record, offsetof(Record, data));
+    std::memcpy(static_cast<BYTE*>(message.Get()) + offsetof(Record, data), data, length);
+    return Report(failureText, CallDriver(function, message.Get(), nullptr, length));
+}
+
+PciConfigRecord PciConfigRecordFor(const wchar_t* deviceName, ULONG offset, ULONG length) noexcept
+{
+    PciConfigRecord record = {};
+    text::Copy(record.deviceName, deviceName);
+    record.offset = offset;
+    record.length = length;
+    return record;
+}
+
+MemoryRecord MemoryRecordFor(const void* mapping, ULONG length) noexcept
+{
+    MemoryRecord record = {};
+    std::memcpy(&record, mapping, sizeof record.mappedAddress);
+    record.length = length;
+    return record;
 }
 
 // Reads a property of a device object and gives the driver's own result.
@@ -218,18 +230,12 @@ LONG CHwXA::WriteIoPort(ULONG port, void* buffer, USHORT size) noexcept
         DBGOUT(L"The uPortSize is invalid %d.", size);
         return kGeneralFailure;
     }
-    const owners::HeapBlock message = AllocateMessage(sizeof(PortRecord), size);
-    if (buffer == nullptr || !message)
+    if (buffer == nullptr)
     {
         return kGeneralFailure;
     }
-    auto* record = static_cast<PortRecord*>(message.Get());
-    record->port = static_cast<USHORT>(port);
-    record->size = size;
-    record->sizeWide = size;
-    std::memcpy(static_cast<BYTE*>(message.Get()) + offsetof(PortRecord, data), buffer, size);
-    return Report(L"IOCTL_WRITE_PORT failed for 0x%x\n",
-                  CallDriver(DriverFunction::WritePort, record, nullptr, size));
+    const PortRecord record = {static_cast<USHORT>(port), size, size, {}, {}};
+    return SendData(DriverFunction::WritePort, record, buffer, size, L"IOCTL_WRITE_PORT failed for 0x%x\n");
 }
 
 LONG CHwXA::MapMemorySpace(void* physicalAddress, ULONG length, void** mapping) noexcept
@@ -274,9 +280,7 @@ LONG CHwXA::ReadMemory(void* mapping, void* buffer, ULONG length) noexcept
     {
         return kGeneralFailure;
     }
-    MemoryRecord record = {};
-    std::memcpy(&record, mapping, sizeof record.mappedAddress);
-    record.length = length;
+    const MemoryRecord record = MemoryRecordFor(mapping, length);
     return Report(L"IOCTL_READ_MEMORY failed for 0x%x\n",
                   CallDriver(DriverFunction::ReadMemory, &record, buffer, length));
 }
@@ -287,17 +291,8 @@ LONG CHwXA::WriteMemory(void* mapping, void* buffer, ULONG length) noexcept
     {
         return kGeneralFailure;
     }
-    const owners::HeapBlock message = AllocateMessage(sizeof(MemoryRecord), length);
-    if (!message)
-    {
-        return kGeneralFailure;
-    }
-    auto* record = static_cast<MemoryRecord*>(message.Get());
-    std::memcpy(record->mappedAddress, mapping, sizeof record->mappedAddress);
-    record->length = length;
-    std::memcpy(static_cast<BYTE*>(message.Get()) + offsetof(MemoryRecord, data), buffer, length);
-    return Report(L"IOCTL_WRITE_MEMORY failed for 0x%x\n",
-                  CallDriver(DriverFunction::WriteMemory, record, nullptr, length));
+    return SendData(DriverFunction::WriteMemory, MemoryRecordFor(mapping, length), buffer, length,
+                    L"IOCTL_WRITE_MEMORY failed for 0x%x\n");
 }
 
 LONG CHwXA::ReadPCIConfig(const wchar_t* deviceName, ULONG offset, void* buffer, ULONG length) noexcept
@@ -306,22 +301,14 @@ LONG CHwXA::ReadPCIConfig(const wchar_t* deviceName, ULONG offset, void* buffer,
     {
         return kGeneralFailure;
     }
-    PciConfigRecord record = {};
-    text::Copy(record.deviceName, deviceName);
-    record.offset = offset;
-    record.length = length;
+    const PciConfigRecord record = PciConfigRecordFor(deviceName, offset, length);
     DWORD returned = 0;
     if (const LONG read = CallDriver(DriverFunction::ReadPciConfig, &record, buffer, length, returned);
         read < 0)
     {
         return Report(L"IOCTL_READ_PCI_CONFIG failed for 0x%x\n", read);
     }
-    if (returned != length)
-    {
-        DBGOUT(L"IOCTL_READ_PCI_CONFIG failed");
-        return kGeneralFailure;
-    }
-    return kSucceeded;
+    return Check(returned == length, L"IOCTL_READ_PCI_CONFIG failed") ? kSucceeded : kGeneralFailure;
 }
 
 LONG CHwXA::WritePCIConfig(const wchar_t* deviceName, ULONG offset, void* buffer, ULONG length) noexcept
@@ -330,18 +317,8 @@ LONG CHwXA::WritePCIConfig(const wchar_t* deviceName, ULONG offset, void* buffer
     {
         return kGeneralFailure;
     }
-    const owners::HeapBlock message = AllocateMessage(sizeof(PciConfigRecord), length);
-    if (!message)
-    {
-        return kGeneralFailure;
-    }
-    auto* record = static_cast<PciConfigRecord*>(message.Get());
-    text::Copy(record->deviceName, deviceName);
-    record->offset = offset;
-    record->length = length;
-    std::memcpy(static_cast<BYTE*>(message.Get()) + offsetof(PciConfigRecord, data), buffer, length);
-    return Report(L"pPciCfgBuffer failed for 0x%x",
-                  CallDriver(DriverFunction::WritePciConfig, record, nullptr, length));
+    return SendData(DriverFunction::WritePciConfig, PciConfigRecordFor(deviceName, offset, length), buffer,
+                    length, L"pPciCfgBuffer failed for 0x%x");
 }
 
 LONG CHwXA::GetDeviceProperty(ULONG property, wchar_t* deviceName, void* buffer, ULONG size) noexcept

@@ -6,6 +6,7 @@
 
 #include "agents/AdapterSearch.h"
 #include "agents/PropertyChange.h"
+#include "foundation/Log.h"
 
 #include <cfgmgr32.h>
 #include <shlwapi.h>
@@ -63,16 +64,9 @@ constexpr StatusTexts kWireless = {
 bool FindAdapterState(const AdapterSearch& search, const wchar_t* statusFailed, FoundAdapter& adapter,
                       ULONG& status, ULONG& problem) noexcept
 {
-    if (!FindAdapter(search, adapter))
-    {
-        return false;
-    }
-    if (CM_Get_DevNode_Status(&status, &problem, adapter.device.DevInst, 0) != CR_SUCCESS)
-    {
-        CORVLBase::DBGOUT(statusFailed);
-        return false;
-    }
-    return true;
+    return FindAdapter(search, adapter) &&
+           Check(CM_Get_DevNode_Status(&status, &problem, adapter.device.DevInst, 0) == CR_SUCCESS,
+                 statusFailed);
 }
 
 int ConnectStatus(const wchar_t* firstWord, const wchar_t* secondWord, const StatusTexts& texts) noexcept
@@ -111,39 +105,29 @@ int SetConnectStatus(const wchar_t* firstWord, const wchar_t* secondWord, int en
     {
         return -1;
     }
-    if (enable != 0 && !IsDisabled(status, problem))
+    const bool isDisabled = IsDisabled(status, problem);
+    if (!Check(enable == 0 || isDisabled, L"!((Status & DN_HAS_PROBLEM) && (CM_PROB_DISABLED == Problem))") ||
+        !Check(enable != 0 || !isDisabled, L"(Status & DN_HAS_PROBLEM) && (CM_PROB_DISABLED == Problem)") ||
+        !Check(enable != 0 || IsSwitchable(status, problem),
+               L"!((Status & DN_DISABLEABLE) && (CM_PROB_HARDWARE_DISABLED != Problem))"))
     {
-        CORVLBase::DBGOUT(L"!((Status & DN_HAS_PROBLEM) && (CM_PROB_DISABLED == Problem))");
-        return -1;
-    }
-    if (enable == 0 && IsDisabled(status, problem))
-    {
-        CORVLBase::DBGOUT(L"(Status & DN_HAS_PROBLEM) && (CM_PROB_DISABLED == Problem)");
-        return -1;
-    }
-    if (enable == 0 && !IsSwitchable(status, problem))
-    {
-        CORVLBase::DBGOUT(L"!((Status & DN_DISABLEABLE) && (CM_PROB_HARDWARE_DISABLED != Problem))");
         return -1;
     }
 
     // Asked for in all profiles first and then in the present one; the installer runs once, for the latter.
     const DWORD state = enable != 0 ? DICS_ENABLE : DICS_DISABLE;
     SP_PROPCHANGE_PARAMS change = PropertyChange(state, DICS_FLAG_GLOBAL);
-    if (!SetPropertyChange(adapter.list.Get(), adapter.device, change))
+    if (!Check(SetPropertyChange(adapter.list.Get(), adapter.device, change),
+               L"SetupDiSetClassInstallParams_DICS_FLAG_GLOBAL failed for last error %d"))
     {
-        CORVLBase::DBGOUT(L"SetupDiSetClassInstallParams_DICS_FLAG_GLOBAL failed for last error %d",
-                          GetLastError());
         return -1;
     }
     change = PropertyChange(state, DICS_FLAG_CONFIGSPECIFIC);
-    if (SetPropertyChange(adapter.list.Get(), adapter.device, change) &&
-        !SetupDiCallClassInstaller(DIF_PROPERTYCHANGE, adapter.list.Get(), &adapter.device))
-    {
-        CORVLBase::DBGOUT(L"SetupDiChangeState failed for last error %x.", GetLastError());
-        return -1;
-    }
-    return 1;
+    const bool isDone =
+        !SetPropertyChange(adapter.list.Get(), adapter.device, change) ||
+        Check(SetupDiCallClassInstaller(DIF_PROPERTYCHANGE, adapter.list.Get(), &adapter.device) != FALSE,
+              L"SetupDiChangeState failed for last error %x.");
+    return isDone ? 1 : -1;
 }
 
 } // namespace

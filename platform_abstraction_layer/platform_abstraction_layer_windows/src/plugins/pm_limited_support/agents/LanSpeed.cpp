@@ -6,6 +6,7 @@
 #include "agents/LanAgent.h"
 
 #include "agents/AdapterSearch.h"
+#include "foundation/Log.h"
 #include "foundation/Registry.h"
 
 #include <algorithm>
@@ -32,12 +33,8 @@ owners::Key OpenAdapterClass() noexcept
 {
     const HKEY key =
         SetupDiOpenClassRegKeyExW(&kNetworkAdapterClass, KEY_READ, DIOCR_INSTALLER, nullptr, nullptr);
-    if (key == INVALID_HANDLE_VALUE)
-    {
-        CORVLBase::DBGOUT(L"SetupDiOpenClassRegKeyEx failed: 0x%x\n", GetLastError());
-        return owners::Key();
-    }
-    return owners::Key(key);
+    return owners::Key(
+        Check(key != INVALID_HANDLE_VALUE, L"SetupDiOpenClassRegKeyEx failed: 0x%x\n") ? key : nullptr);
 }
 
 // Opens the adapter key of that number; empty behind the last and when it refuses `access`.
@@ -98,9 +95,8 @@ bool CLanAgent::StoreSpeed(HKEY adapter, int level) noexcept
 
 int CLanAgent::SetLanSpeed(int level) noexcept
 {
-    if (level < 0)
+    if (!Check(level >= 0, L"The input value is invalid.\n"))
     {
-        DBGOUT(L"The input value is invalid.\n");
         return -1;
     }
     const owners::Key adapterClass = OpenAdapterClass();
@@ -114,12 +110,7 @@ int CLanAgent::SetLanSpeed(int level) noexcept
     {
         isStored |= TakesSpeedFrom(adapter.Get()) && StoreSpeed(adapter.Get(), level);
     }
-    if (!isStored)
-    {
-        DBGOUT(L"Cannot find the hardware.\n");
-        return -1;
-    }
-    return level;
+    return Check(isStored, L"Cannot find the hardware.\n") ? level : -1;
 }
 
 // True when the adapter has a speed; `level` is -1 for a number that the standard value doesn't have.

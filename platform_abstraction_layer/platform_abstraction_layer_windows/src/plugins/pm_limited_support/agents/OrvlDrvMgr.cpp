@@ -4,6 +4,7 @@
 
 #include "agents/OrvlDrvMgr.h"
 
+#include "foundation/Log.h"
 #include "foundation/OrvlBase.h"
 #include "foundation/Owners.h"
 #include "foundation/Results.h"
@@ -101,14 +102,10 @@ LONG COrvlDrvMgr::DeviceIoControl(DWORD dwIoControlCode, LPVOID lpInBuffer, DWOR
                                   LPVOID lpOutBuffer, DWORD nOutBufferSize, LPDWORD lpBytesReturned,
                                   LPOVERLAPPED lpOverlapped) noexcept
 {
-    if (m_hDevice == nullptr)
+    if (!Check(m_hDevice != nullptr, L"COrvlDrvMgr::DeviceIoControl failed: device not opened\n") ||
+        !Check(TryEnterCriticalSection(&m_section) != FALSE,
+               L"COrvlDrvMgr::DeviceIoControl failed for cannot enter the critical section\n"))
     {
-        CORVLBase::DBGOUT(L"COrvlDrvMgr::DeviceIoControl failed: device not opened\n");
-        return kGeneralFailure;
-    }
-    if (!TryEnterCriticalSection(&m_section))
-    {
-        CORVLBase::DBGOUT(L"COrvlDrvMgr::DeviceIoControl failed for cannot enter the critical section\n");
         return kGeneralFailure;
     }
 

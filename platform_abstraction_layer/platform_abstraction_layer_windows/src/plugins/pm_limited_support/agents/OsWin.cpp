@@ -5,6 +5,7 @@
 
 #include "agents/OsWin.h"
 
+#include "foundation/Log.h"
 #include "foundation/Modules.h"
 #include "foundation/Owners.h"
 #include "foundation/Results.h"
@@ -48,17 +49,12 @@ LONG COsWin::LoadDwmLibrary() noexcept
 
 FARPROC COsWin::FindDwmFunction(const char* name) noexcept
 {
-    if (LoadDwmLibrary() < 0)
+    if (!Check(LoadDwmLibrary() >= 0, L"Failed to load dwmapi.dll %d"))
     {
-        DBGOUT(L"Failed to load dwmapi.dll %d", GetLastError());
         return nullptr;
     }
     const FARPROC function = GetProcAddress(m_hDwmLibrary, name);
-    if (function == nullptr)
-    {
-        DBGOUT(L"Failed to get function in dwmapi.dll");
-    }
-    return function;
+    return Check(function != nullptr, L"Failed to get function in dwmapi.dll") ? function : nullptr;
 }
 
 LONG COsWin::SetAero(int enable) noexcept

@@ -10,20 +10,15 @@
 /// A change to `stateChange` in all profiles or in the present one, as `scope` says.
 inline SP_PROPCHANGE_PARAMS PropertyChange(DWORD stateChange, DWORD scope) noexcept
 {
-    SP_PROPCHANGE_PARAMS change = {};
-    change.ClassInstallHeader.cbSize = sizeof change.ClassInstallHeader;
-    change.ClassInstallHeader.InstallFunction = DIF_PROPERTYCHANGE;
-    change.StateChange = stateChange;
-    change.Scope = scope;
-    change.HwProfile = 0;
-    return change;
+    return {{sizeof(SP_CLASSINSTALL_HEADER), DIF_PROPERTYCHANGE}, stateChange, scope, 0};
 }
 
-/// Hands the request to the installer as the device's parameters. Nonzero on success.
-inline BOOL SetPropertyChange(HDEVINFO devices, SP_DEVINFO_DATA& device,
-                              SP_PROPCHANGE_PARAMS& change) noexcept
+/// Hands the request to the installer as the device's parameters.
+[[nodiscard]] inline bool SetPropertyChange(HDEVINFO devices, SP_DEVINFO_DATA& device,
+                                            SP_PROPCHANGE_PARAMS& change) noexcept
 {
-    return SetupDiSetClassInstallParamsW(devices, &device, &change.ClassInstallHeader, sizeof change);
+    return SetupDiSetClassInstallParamsW(devices, &device, &change.ClassInstallHeader, sizeof change) !=
+           FALSE;
 }
 
 /// An empty record for a device of a list.

@@ -26,11 +26,14 @@ constexpr wchar_t kPrefix[] = L"Global\\";
 // What is set aside for prefix and instance number of a name.
 constexpr std::size_t kNameOverhead = 10;
 
-void ReportLastError(const wchar_t* format) noexcept
+// Passes `condition` on; when it is false, the debugger gets `format` with the last error.
+bool Report(bool condition, const wchar_t* format) noexcept
 {
-    wchar_t message[256];
-    text::Format(message, format, GetLastError());
-    OutputDebugStringW(message);
+    if (!condition)
+    {
+        OutputDebugStringW(text::Formatted<256>(format, GetLastError()).Text());
+    }
+    return condition;
 }
 
 // Security attributes that grant everybody access to what is created with them, and let it be inherited.
@@ -40,20 +43,11 @@ public:
     // False when the system refuses; it has been reported then.
     bool Prepare() noexcept
     {
-        if (!InitializeSecurityDescriptor(&m_descriptor, SECURITY_DESCRIPTOR_REVISION))
-        {
-            ReportLastError(L"Cannot InitializeSecurityDescriptor for 0x%x");
-            return false;
-        }
-        if (!SetSecurityDescriptorDacl(&m_descriptor, TRUE, nullptr, FALSE))
-        {
-            ReportLastError(L"Cannot SetSecurityDescriptorDacl for 0x%x");
-            return false;
-        }
-        m_attributes.nLength = sizeof m_attributes;
-        m_attributes.lpSecurityDescriptor = &m_descriptor;
-        m_attributes.bInheritHandle = TRUE;
-        return true;
+        m_attributes = {sizeof m_attributes, &m_descriptor, TRUE};
+        return Report(InitializeSecurityDescriptor(&m_descriptor, SECURITY_DESCRIPTOR_REVISION) != FALSE,
+                      L"Cannot InitializeSecurityDescriptor for 0x%x") &&
+               Report(SetSecurityDescriptorDacl(&m_descriptor, TRUE, nullptr, FALSE) != FALSE,
+                      L"Cannot SetSecurityDescriptorDacl for 0x%x");
     }
 
     SECURITY_ATTRIBUTES* Get() noexcept
@@ -71,19 +65,27 @@ bool IsRange(LONG offset, LONG size) noexcept
     return offset >= 0 && size >= 0 && offset <= std::numeric_limits<LONG>::max() - size;
 }
 
-// Maps the mapping's first bytes up to the end of the range and lets `access` at the range. False when they
-// can't be mapped; the view is gone afterwards either way.
+// Maps the mapping's first bytes up to the end of the range and lets `access` at the range, under the lock.
+// The view is gone afterwards; when there is none, `failureText` is reported.
 template <class Access>
-bool OnRange(HANDLE map, LONG offset, LONG size, Access access) noexcept
+LONG OnRange(CInterProcessBoard& board, HANDLE map, LONG offset, LONG size, const wchar_t* failureText,
+             Access access) noexcept
 {
-    const auto begin = static_cast<SIZE_T>(offset);
-    const owners::View view(MapViewOfFile(map, kWholeMapping, 0, 0, begin + static_cast<SIZE_T>(size)));
-    if (!view)
+    if (!IsRange(offset, size) || board.IsLocked() != 0 || board.Lock(kLockTimeOut) != kSucceeded)
     {
-        return false;
+        return kGeneralFailure;
     }
-    access(static_cast<char*>(view.Get()) + begin);
-    return true;
+    const auto begin = static_cast<SIZE_T>(offset);
+    const auto bytes = static_cast<SIZE_T>(size);
+    owners::View view(MapViewOfFile(map, kWholeMapping, 0, 0, begin + bytes));
+    const bool isMapped = Report(static_cast<bool>(view), failureText);
+    if (isMapped)
+    {
+        access(static_cast<char*>(view.Get()) + begin, bytes);
+        view.Reset();
+    }
+    board.UnLock();
+    return isMapped ? kSucceeded : kGeneralFailure;
 }
 
 } // namespace
@@ -146,52 +148,30 @@ LONG CInterProcessBoard::Reset(const wchar_t* name, LONG size, int create, ULONG
         m_hMap = OpenFileMappingW(kWholeMapping, FALSE, mapName);
         m_hSemaphore = OpenSemaphoreW(kWholeObject, FALSE, semaphoreName);
     }
-    if (m_hEvent != nullptr && m_hMap != nullptr && m_hSemaphore != nullptr)
+    if (!Report(m_hEvent != nullptr && m_hMap != nullptr && m_hSemaphore != nullptr,
+                L"Cannot Reset for 0x%x"))
     {
-        return kSucceeded;
+        CloseObjects();
+        return kGeneralFailure;
     }
-    ReportLastError(L"Cannot Reset for 0x%x");
-    CloseObjects();
-    return kGeneralFailure;
+    return kSucceeded;
 }
 
 LONG CInterProcessBoard::Paste(LONG offset, void* data, LONG size) noexcept
 {
-    if (!IsRange(offset, size) || IsLocked() != 0 || Lock(kLockTimeOut) != kSucceeded)
-    {
-        return kGeneralFailure;
-    }
-    const bool copied =
-        OnRange(m_hMap, offset, size,
-                [&](void* place)
-                {
-                    const auto bytes = static_cast<std::size_t>(size);
-                    data != nullptr ? std::memcpy(place, data, bytes) : std::memset(place, 0, bytes);
-                });
-    if (!copied)
-    {
-        ReportLastError(
-            L"Failed in calling MapViewOfFile in CInterProcessBoard::Paste() with last Error %x.\n");
-    }
-    UnLock();
-    return copied ? kSucceeded : kGeneralFailure;
+    return OnRange(*this, m_hMap, offset, size,
+                   L"Failed in calling MapViewOfFile in CInterProcessBoard::Paste() with last Error %x.\n",
+                   [data](void* place, std::size_t bytes)
+                   { data != nullptr ? std::memcpy(place, data, bytes) : std::memset(place, 0, bytes); });
 }
 
 LONG CInterProcessBoard::Read(LONG offset, void* data, LONG size) noexcept
 {
-    if (data == nullptr || !IsRange(offset, size) || IsLocked() != 0 || Lock(kLockTimeOut) != kSucceeded)
-    {
-        return kGeneralFailure;
-    }
-    const bool copied =
-        OnRange(m_hMap, offset, size,
-                [&](const void* place) { std::memcpy(data, place, static_cast<std::size_t>(size)); });
-    if (!copied)
-    {
-        OutputDebugStringW(L"Failed in calling MapViewOfFile in CInterProcessBoard::Read().\r\n");
-    }
-    UnLock();
-    return copied ? kSucceeded : kGeneralFailure;
+    return data == nullptr
+               ? kGeneralFailure
+               : OnRange(*this, m_hMap, offset, size,
+                         L"Failed in calling MapViewOfFile in CInterProcessBoard::Read().\r\n",
+                         [data](const void* place, std::size_t bytes) { std::memcpy(data, place, bytes); });
 }
 
 LONG CInterProcessBoard::Clear(LONG offset, LONG size) noexcept
@@ -201,22 +181,16 @@ LONG CInterProcessBoard::Clear(LONG offset, LONG size) noexcept
 
 LONG CInterProcessBoard::Lock(LONG timeout) noexcept
 {
-    if (WaitForSingleObject(m_hSemaphore, static_cast<DWORD>(timeout)) != WAIT_OBJECT_0)
-    {
-        OutputDebugStringW(L"Fatal,CInterProcessBoard::Lock failed.\r\n");
-        return kGeneralFailure;
-    }
-    return kSucceeded;
+    const bool isTaken = WaitForSingleObject(m_hSemaphore, static_cast<DWORD>(timeout)) == WAIT_OBJECT_0;
+    return Report(isTaken, L"Fatal,CInterProcessBoard::Lock failed.\r\n") ? kSucceeded : kGeneralFailure;
 }
 
 LONG CInterProcessBoard::UnLock() noexcept
 {
-    if (!ReleaseSemaphore(m_hSemaphore, 1, nullptr))
-    {
-        OutputDebugStringW(L"Fatal,calling ReleaseSemaphore in CInterProcessBoard::UnLock failed.\r\n");
-        return kGeneralFailure;
-    }
-    return kSucceeded;
+    return Report(ReleaseSemaphore(m_hSemaphore, 1, nullptr) != FALSE,
+                  L"Fatal,calling ReleaseSemaphore in CInterProcessBoard::UnLock failed.\r\n")
+               ? kSucceeded
+               : kGeneralFailure;
 }
 
 int CInterProcessBoard::IsLocked() noexcept

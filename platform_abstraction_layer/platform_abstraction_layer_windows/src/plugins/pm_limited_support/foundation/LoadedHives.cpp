@@ -2,6 +2,7 @@
 //
 // The lookup by logon name: a walk through the hives below HKEY_USERS, without the account database.
 
+#include "foundation/Log.h"
 #include "foundation/OrvlBase.h"
 #include "foundation/Owners.h"
 #include "foundation/Registry.h"
@@ -28,10 +29,9 @@ bool IsUserHive(const wchar_t* name) noexcept
 
 owners::Key OpenBelow(HKEY users, const wchar_t* hive, const wchar_t* path) noexcept
 {
-    wchar_t name[text::kPathCapacity * 2];
-    text::Format(name, L"%s\\%s", hive, path);
+    const text::Formatted<text::kPathCapacity * 2> name(L"%s\\%s", hive, path);
     owners::Key key;
-    RegOpenKeyExW(users, name, 0, KEY_READ, key.Put());
+    RegOpenKeyExW(users, name.Text(), 0, KEY_READ, key.Put());
     return key;
 }
 
@@ -50,9 +50,9 @@ int CORVLBase::GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t*
 {
     DBGOUT(L"enter GetCurrentUserSubkeyProfilePath");
     owners::Key users;
-    if (RegOpenKeyW(HKEY_USERS, nullptr, users.Put()) != ERROR_SUCCESS)
+    if (!Check(RegOpenKeyW(HKEY_USERS, nullptr, users.Put()) == ERROR_SUCCESS,
+               L"GetCurrentUserSubkeyProfilePath: Open key HKEY_USERS failed"))
     {
-        DBGOUT(L"GetCurrentUserSubkeyProfilePath: Open key HKEY_USERS failed");
         return 0;
     }
     const ULONG capacity = *profileSize;

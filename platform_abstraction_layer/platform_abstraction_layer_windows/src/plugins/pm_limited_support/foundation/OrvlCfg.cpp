@@ -18,8 +18,9 @@ constexpr const wchar_t* kInstallationKey = L"Software\\Kelvo\\ORVL";
 constexpr const wchar_t* kFolderValue = L"CfgPath";
 constexpr const wchar_t* kInstallationModule = L"ORVLDLL.DLL";
 
-// Room of a number in text form.
+// A number in text form.
 constexpr std::size_t kNumberCapacity = 20;
+using Number = text::Formatted<kNumberCapacity>;
 
 // Ends `path` before its last backslash; false when it has none.
 bool CutAtLastSeparator(wchar_t* path) noexcept
@@ -50,22 +51,14 @@ ULONG CORVLCfg::GetVersion() noexcept
 int CORVLCfg::Initialize(const wchar_t* file) noexcept
 {
     owners::Key key;
-    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kInstallationKey, 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
-    {
-        return 0;
-    }
     wchar_t path[text::kPathCapacity];
-    if (registry::ReadText(key.Get(), kFolderValue, path) != ERROR_SUCCESS)
+    // The folder ends in a separator. A cut name would be another file's.
+    if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, kInstallationKey, 0, KEY_READ, key.Put()) != ERROR_SUCCESS ||
+        registry::ReadText(key.Get(), kFolderValue, path) != ERROR_SUCCESS || !text::Append(path, file))
     {
         return 0;
     }
     key.Reset();
-
-    // The folder ends in a separator. A cut name would be another file's.
-    if (!text::Append(path, file))
-    {
-        return 0;
-    }
     text::Copy(m_szFullPath, path);
     return PathFileExistsW(m_szFullPath) ? 1 : 0;
 }
@@ -94,11 +87,7 @@ wchar_t* CORVLCfg::GetDllPath(wchar_t* buffer, int size) noexcept
     // A cut name fills the whole buffer and, before Windows Vista, has no terminator.
     const auto capacity = static_cast<DWORD>(size);
     const DWORD length = GetModuleFileNameW(module, buffer, capacity);
-    if (length == 0 || length >= capacity)
-    {
-        return nullptr;
-    }
-    return CutAtLastSeparator(buffer) ? buffer : nullptr;
+    return length > 0 && length < capacity && CutAtLastSeparator(buffer) ? buffer : nullptr;
 }
 
 wchar_t* CORVLCfg::GetHomePath(wchar_t* buffer, int size) noexcept
@@ -114,9 +103,7 @@ int CORVLCfg::GetInt(const wchar_t* section, const wchar_t* key, int defaultValu
 
 int CORVLCfg::PutInt(const wchar_t* section, const wchar_t* key, int value) noexcept
 {
-    wchar_t number[kNumberCapacity];
-    text::Format(number, L"%d", value);
-    return PutString(section, key, number);
+    return PutString(section, key, Number(L"%d", value).Text());
 }
 
 int CORVLCfg::GetString(const wchar_t* section, const wchar_t* key, const wchar_t* defaultValue,
@@ -134,17 +121,14 @@ int CORVLCfg::PutString(const wchar_t* section, const wchar_t* key, const wchar_
 
 int CORVLCfg::GetHex(const wchar_t* section, const wchar_t* key, int defaultValue) noexcept
 {
-    wchar_t number[kNumberCapacity] = {};
-    const int length = GetString(section, key, nullptr, number, static_cast<int>(std::size(number)));
+    wchar_t number[kNumberCapacity];
     ULONG value = 0;
-    const bool isHex =
-        length > 2 && number[0] == L'0' && number[1] == L'x' && text::ScanHex(number + 2, value);
+    const bool isHex = GetString(section, key, number) > 2 && number[0] == L'0' && number[1] == L'x' &&
+                       text::ScanHex(number + 2, value);
     return isHex ? static_cast<int>(value) : defaultValue;
 }
 
 int CORVLCfg::PutHex(const wchar_t* section, const wchar_t* key, int value) noexcept
 {
-    wchar_t number[kNumberCapacity];
-    text::Format(number, L"0x%x", value);
-    return PutString(section, key, number);
+    return PutString(section, key, Number(L"0x%x", value).Text());
 }

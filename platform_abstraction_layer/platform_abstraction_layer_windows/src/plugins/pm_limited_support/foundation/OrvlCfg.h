@@ -43,6 +43,14 @@ public:
     int GetString(const wchar_t* section, const wchar_t* key, const wchar_t* defaultValue, wchar_t* buffer,
                   int size) noexcept;
 
+    /// The same into an array; empty without a value, and where the system refuses.
+    template <std::size_t N>
+    int GetString(const wchar_t* section, const wchar_t* key, wchar_t (&buffer)[N]) noexcept
+    {
+        buffer[0] = L'\0';
+        return GetString(section, key, nullptr, buffer, static_cast<int>(N));
+    }
+
     /// Nonzero on success. A null `value` removes the key, a null `key` the section.
     int PutString(const wchar_t* section, const wchar_t* key, const wchar_t* value) noexcept;
 

@@ -4,7 +4,7 @@
 
 #include "foundation/OrvlProfile.h"
 
-#include "foundation/SystemFolders.h"
+#include "foundation/UserFolders.h"
 
 #include <shlobj.h>
 #include <shlwapi.h>
@@ -48,10 +48,9 @@ void FindFolder(CORVLProfile& profile, const wchar_t* where, int whereIsUser, Ro
     {
         folder[0] = L'\0';
     }
-    if (folder[0] != L'\0')
+    else if (folder[0] != L'\0')
     {
-        text::AppendSeparator(folder, std::size(folder));
-        text::Append(folder, folders::kConfigurationFolder);
+        folders::AppendConfigurationFolder(folder, std::size(folder));
     }
 }
 
@@ -90,12 +89,9 @@ int CORVLProfile::Initialize(const wchar_t* file, const wchar_t* where, int wher
     {
         SHCreateDirectoryExW(nullptr, folder, nullptr);
     }
-    if (!PathFileExistsW(m_szFullPath) &&
-        WritePrivateProfileStringW(L"", nullptr, nullptr, m_szFullPath) == 0)
-    {
-        return 0;
-    }
-    return 1;
+    const bool exists =
+        PathFileExistsW(m_szFullPath) || WritePrivateProfileStringW(L"", nullptr, nullptr, m_szFullPath);
+    return exists ? 1 : 0;
 }
 
 wchar_t* CORVLProfile::GetHomePath(wchar_t* buffer, int size) noexcept

@@ -3,6 +3,7 @@
 // One request to the service in another process: out over one board, the answer back over another. The
 // service creates both; what it does with a request is up to the service.
 
+#include "foundation/Log.h"
 #include "foundation/OrvlBase.h"
 #include "foundation/Results.h"
 #include "foundation/ServiceBoards.h"
@@ -19,51 +20,24 @@ constexpr LONG kHeaderSize = sizeof(IpbDataHeader);
 bool SendRequest(CInterProcessBoard& parameters, CInterProcessBoard& results, IpbDataHeader header,
                  const wchar_t* text) noexcept
 {
-    if (parameters.Paste(0, &header, kHeaderSize) != kSucceeded)
-    {
-        CORVLBase::DBGOUT(L"Paste data header to outbound board failed in CDevMgr.\n");
-        return false;
-    }
-    // A board takes what it writes from untyped memory that it doesn't change.
-    if (parameters.Paste(kHeaderSize, const_cast<wchar_t*>(text), static_cast<LONG>(header.size)) !=
-        kSucceeded)
-    {
-        CORVLBase::DBGOUT(L"Paste data to outbound board failed in CDevMgr.\n");
-        return false;
-    }
-    // Before the request goes out, so that an old answer can't be taken for this one.
-    if (results.Flag(1) == 0)
-    {
-        CORVLBase::DBGOUT(L"Reset inbound board event failed in CDevMgr\n");
-        return false;
-    }
-    if (parameters.Flag(0) == 0)
-    {
-        CORVLBase::DBGOUT(L"Set outbound board event failed in CDevMgr\n");
-        return false;
-    }
-    return true;
+    // A board takes what it writes from untyped memory that it doesn't change. The answer's event is reset
+    // before the request goes out, so that an old answer can't be taken for this one.
+    return Check(parameters.Paste(0, &header, kHeaderSize) == kSucceeded,
+                 L"Paste data header to outbound board failed in CDevMgr.\n") &&
+           Check(parameters.Paste(kHeaderSize, const_cast<wchar_t*>(text), static_cast<LONG>(header.size)) ==
+                     kSucceeded,
+                 L"Paste data to outbound board failed in CDevMgr.\n") &&
+           Check(results.Flag(1) != 0, L"Reset inbound board event failed in CDevMgr\n") &&
+           Check(parameters.Flag(0) != 0, L"Set outbound board event failed in CDevMgr\n");
 }
 
 // Waits for the answer and reads its header. False, with the reason logged, when there is no good one.
 bool ReceiveAnswer(CInterProcessBoard& results, IpbDataHeader& header, ULONG timeout) noexcept
 {
-    if (results.IsDataAvailble(timeout) == 0)
-    {
-        CORVLBase::DBGOUT(L"Waiting inbound board data timeout.\n");
-        return false;
-    }
-    if (results.Read(0, &header, kHeaderSize) != kSucceeded)
-    {
-        CORVLBase::DBGOUT(L"Reading data header failed in CDevMgr\n");
-        return false;
-    }
-    if (header.code != kDone)
-    {
-        CORVLBase::DBGOUT(L"A failure notice received in CDevMgr\n");
-        return false;
-    }
-    return true;
+    return Check(results.IsDataAvailble(timeout) != 0, L"Waiting inbound board data timeout.\n") &&
+           Check(results.Read(0, &header, kHeaderSize) == kSucceeded,
+                 L"Reading data header failed in CDevMgr\n") &&
+           Check(header.code == kDone, L"A failure notice received in CDevMgr\n");
 }
 
 } // namespace

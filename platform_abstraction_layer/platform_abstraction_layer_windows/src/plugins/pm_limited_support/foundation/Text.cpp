@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <limits>
 
 namespace text
 {
@@ -14,26 +13,10 @@ namespace text
 namespace
 {
 
-template <class Character>
-std::size_t BoundedLength(const Character* source, std::size_t capacity) noexcept
-{
-    std::size_t length = 0;
-    while (length < capacity && source[length] != Character{})
-    {
-        ++length;
-    }
-    return length;
-}
-
 constexpr wchar_t LowerCase(wchar_t character) noexcept
 {
     return character >= L'A' && character <= L'Z' ? static_cast<wchar_t>(character + (L'a' - L'A'))
                                                   : character;
-}
-
-constexpr bool IsBlank(wchar_t character) noexcept
-{
-    return character == L' ' || (character >= L'\t' && character <= L'\r');
 }
 
 // The value of a hexadecimal digit, or 16.
@@ -67,6 +50,18 @@ bool SkipSign(const wchar_t*& source) noexcept
     return negative;
 }
 
+// Compares character by character what `fold` makes of each; it makes a terminator of none but a terminator.
+template <class Fold>
+bool EqualAs(const wchar_t* left, const wchar_t* right, Fold fold) noexcept
+{
+    while (fold(*left) == fold(*right) && *left != L'\0')
+    {
+        ++left;
+        ++right;
+    }
+    return fold(*left) == fold(*right);
+}
+
 constexpr ULONG Negate(ULONG value) noexcept
 {
     return 0u - value;
@@ -96,21 +91,6 @@ std::size_t FittingLength(const wchar_t* source, std::size_t length, std::size_t
 
 } // namespace
 
-std::size_t Length(const wchar_t* source, std::size_t capacity) noexcept
-{
-    return BoundedLength(source, capacity);
-}
-
-std::size_t Length(const char* source, std::size_t capacity) noexcept
-{
-    return BoundedLength(source, capacity);
-}
-
-std::size_t Length(const wchar_t* source) noexcept
-{
-    return BoundedLength(source, std::numeric_limits<std::size_t>::max());
-}
-
 bool Copy(wchar_t* target, std::size_t capacity, const wchar_t* source) noexcept
 {
     if (capacity == 0)
@@ -139,34 +119,14 @@ bool Append(wchar_t* target, std::size_t capacity, const wchar_t* source) noexce
     return source[copied] == L'\0';
 }
 
-bool AppendSeparator(wchar_t* target, std::size_t capacity) noexcept
-{
-    const std::size_t length = Length(target, capacity);
-    if (length == 0 || target[length - 1] == L'\\')
-    {
-        return true;
-    }
-    return Append(target, capacity, L"\\");
-}
-
 bool Equal(const wchar_t* left, const wchar_t* right) noexcept
 {
-    while (*left == *right && *left != L'\0')
-    {
-        ++left;
-        ++right;
-    }
-    return *left == *right;
+    return EqualAs(left, right, [](wchar_t character) { return character; });
 }
 
 bool EqualIgnoringCase(const wchar_t* left, const wchar_t* right) noexcept
 {
-    while (LowerCase(*left) == LowerCase(*right) && *left != L'\0')
-    {
-        ++left;
-        ++right;
-    }
-    return LowerCase(*left) == LowerCase(*right);
+    return EqualAs(left, right, LowerCase);
 }
 
 bool EqualNames(const wchar_t* left, const wchar_t* right) noexcept

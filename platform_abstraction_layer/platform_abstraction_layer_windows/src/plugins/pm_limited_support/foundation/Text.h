@@ -9,6 +9,7 @@
 
 #include <cstdarg>
 #include <cstddef>
+#include <cstdint>
 
 namespace text
 {
@@ -16,22 +17,23 @@ namespace text
 /// Room of a path or a user string, in characters with the terminator.
 constexpr std::size_t kPathCapacity = 260;
 
-/// Characters before the terminator, at most `capacity`.
-std::size_t Length(const wchar_t* source, std::size_t capacity) noexcept;
-std::size_t Length(const char* source, std::size_t capacity) noexcept;
-
-/// Characters before the terminator of a text that is known to be terminated.
-std::size_t Length(const wchar_t* source) noexcept;
+/// Characters before the terminator, at most `capacity`. Without one the text is known to be terminated.
+template <class Character>
+std::size_t Length(const Character* source, std::size_t capacity = SIZE_MAX) noexcept
+{
+    std::size_t length = 0;
+    while (length < capacity && source[length] != Character{})
+    {
+        ++length;
+    }
+    return length;
+}
 
 /// Copies `source`; true when all of it fitted. A null `source` counts as empty.
 bool Copy(wchar_t* target, std::size_t capacity, const wchar_t* source) noexcept;
 
 /// Appends `source` to the text in `target`; true when all of it fitted.
 bool Append(wchar_t* target, std::size_t capacity, const wchar_t* source) noexcept;
-
-/// Appends a backslash unless the text is empty or ends in one; true when the text then ends in one or is
-/// empty.
-bool AppendSeparator(wchar_t* target, std::size_t capacity) noexcept;
 
 /// Character by character.
 bool Equal(const wchar_t* left, const wchar_t* right) noexcept;
@@ -47,6 +49,12 @@ bool Contains(const wchar_t* whole, const wchar_t* part) noexcept;
 
 /// True when `whole` contains one of `characters`.
 bool ContainsAny(const wchar_t* whole, const wchar_t* characters) noexcept;
+
+/// White space: blank, tab, vertical tab, form feed and both characters of a line break.
+constexpr bool IsBlank(wchar_t character) noexcept
+{
+    return character == L' ' || (character >= L'\t' && character <= L'\r');
+}
 
 /// printf formatting with the rules of the Microsoft runtime (`%s` is wide text). Gives the characters
 /// before the terminator; a text that doesn't fit is cut.
@@ -69,7 +77,7 @@ std::size_t ToWide(const char* source, std::size_t length, wchar_t* target, std:
 /// the bytes written before the terminator.
 std::size_t ToNarrow(const wchar_t* source, char* target, std::size_t capacity) noexcept;
 
-/// `Copy`, `Append` and `Format` into an array, whose size is the capacity.
+/// The same into and out of arrays, whose sizes are the capacities.
 template <std::size_t N>
 bool Copy(wchar_t (&target)[N], const wchar_t* source) noexcept
 {
@@ -87,5 +95,30 @@ std::size_t Format(wchar_t (&target)[N], const wchar_t* format, Arguments... arg
 {
     return Format(static_cast<wchar_t*>(target), N, format, arguments...);
 }
+
+template <std::size_t From, std::size_t To>
+std::size_t ToWide(const char (&source)[From], wchar_t (&target)[To]) noexcept
+{
+    return ToWide(source, From, target, To);
+}
+
+/// A text of up to `N` - 1 characters that is formatted where it is declared.
+template <std::size_t N>
+class Formatted
+{
+public:
+    template <class... Arguments>
+    explicit Formatted(const wchar_t* format, Arguments... arguments) noexcept
+    {
+        Format(m_text, format, arguments...);
+    }
+    const wchar_t* Text() const noexcept
+    {
+        return m_text;
+    }
+
+private:
+    wchar_t m_text[N];
+};
 
 } // namespace text

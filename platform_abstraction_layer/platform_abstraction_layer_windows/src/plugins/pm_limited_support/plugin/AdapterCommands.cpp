@@ -4,7 +4,7 @@
 // its own; everywhere else it is the agent's level, in the event as well.
 
 #include "agents/LanAgent.h"
-#include "foundation/PmLog.h"
+#include "foundation/Log.h"
 #include "plugin/DeviceCommands.h"
 #include "plugin/PluginHelper.h"
 #include "plugin/RequestIo.h"

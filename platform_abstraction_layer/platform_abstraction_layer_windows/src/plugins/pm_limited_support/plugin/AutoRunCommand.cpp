@@ -3,7 +3,7 @@
 // The command that has the companion application start with Windows, or not. It is made for no user in
 // particular.
 
-#include "foundation/PmLog.h"
+#include "foundation/Log.h"
 #include "foundation/Text.h"
 #include "plugin/CommandTable.h"
 #include "plugin/RequestIo.h"

@@ -3,7 +3,7 @@
 // The commands on batteries and the power source.
 
 #include "agents/EcAgent.h"
-#include "foundation/PmLog.h"
+#include "foundation/Log.h"
 #include "plugin/DeviceCommands.h"
 #include "plugin/RequestIo.h"
 #include "plugin/WireRecords.h"

@@ -5,8 +5,8 @@
 
 #include "plugin/ConfigCommands.h"
 
+#include "foundation/Log.h"
 #include "foundation/OrvlProfile.h"
-#include "foundation/PmLog.h"
 #include "plugin/CommandTable.h"
 #include "plugin/FileName.h"
 #include "plugin/RequestIo.h"

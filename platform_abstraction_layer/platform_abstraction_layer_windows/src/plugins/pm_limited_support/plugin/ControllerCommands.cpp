@@ -4,7 +4,7 @@
 // can't take costs no call of the driver; a setter reads back what it set and tells the host.
 
 #include "agents/Radio.h"
-#include "foundation/PmLog.h"
+#include "foundation/Log.h"
 #include "plugin/DeviceCommands.h"
 #include "plugin/PluginHelper.h"
 #include "plugin/RequestIo.h"

@@ -4,7 +4,7 @@
 
 #include "plugin/DeviceCommands.h"
 
-#include "foundation/PmLog.h"
+#include "foundation/Log.h"
 #include "plugin/CommandTable.h"
 #include "plugin/RequestIo.h"
 

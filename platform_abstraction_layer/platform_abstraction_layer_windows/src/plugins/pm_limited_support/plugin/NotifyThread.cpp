@@ -4,8 +4,8 @@
 
 #include "plugin/NotifyThread.h"
 
+#include "foundation/Log.h"
 #include "foundation/Owners.h"
-#include "foundation/PmLog.h"
 #include "plugin/PluginHelper.h"
 
 #include <iterator>

@@ -4,8 +4,8 @@
 
 #include "plugin/PluginHelper.h"
 
-#include "foundation/PmLog.h"
-#include "foundation/UserLookup.h"
+#include "foundation/Log.h"
+#include "foundation/UserFolders.h"
 #include "plugin/CommandTable.h"
 #include "plugin/NotifyThread.h"
 #include "plugin/RequestLock.h"

@@ -4,7 +4,7 @@
 
 #include "plugin/RequestIo.h"
 
-#include "foundation/PmLog.h"
+#include "foundation/Log.h"
 #include "foundation/Text.h"
 
 namespace request_io

@@ -4,7 +4,7 @@
 
 #include "plugin/SchemeCommands.h"
 
-#include "foundation/PmLog.h"
+#include "foundation/Log.h"
 #include "plugin/CommandTable.h"
 #include "plugin/PluginHelper.h"
 #include "plugin/RequestIo.h"

@@ -4,7 +4,7 @@
 
 #include "plugin/SchemeConversion.h"
 
-#include "foundation/PmLog.h"
+#include "foundation/Log.h"
 #include "foundation/Text.h"
 
 #include <cstddef>

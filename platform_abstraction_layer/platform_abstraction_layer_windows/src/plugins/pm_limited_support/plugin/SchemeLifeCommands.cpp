@@ -2,7 +2,7 @@
 //
 // The commands that create, name, delete and clear schemes, and those on the speed of the processor.
 
-#include "foundation/PmLog.h"
+#include "foundation/Log.h"
 #include "plugin/PluginHelper.h"
 #include "plugin/RequestIo.h"
 #include "plugin/SchemeCommands.h"

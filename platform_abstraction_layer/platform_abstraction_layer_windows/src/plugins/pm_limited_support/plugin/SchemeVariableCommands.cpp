@@ -2,7 +2,7 @@
 //
 // The commands that read, edit and apply schemes.
 
-#include "foundation/PmLog.h"
+#include "foundation/Log.h"
 #include "plugin/RequestIo.h"
 #include "plugin/SchemeCommands.h"
 #include "plugin/SchemeConversion.h"

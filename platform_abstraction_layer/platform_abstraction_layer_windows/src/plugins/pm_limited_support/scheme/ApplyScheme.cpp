@@ -6,8 +6,10 @@
 #include "scheme/Operations.h"
 
 #include "foundation/ServiceBoards.h"
-#include "foundation/SystemFolders.h"
+#include "foundation/UserFolders.h"
 #include "scheme/SchemeFiles.h"
+
+#include <iterator>
 
 namespace
 {
@@ -63,9 +65,9 @@ bool FinishActivation(CSchemeEx& engine, int index, ReadBack readBack) noexcept
     RecordMachineChoice(isOpen ? &root : nullptr, index, readBack);
     const ULONG timeout = isOpen ? service_boards::ReadTimeout(root, kDefaultTimeout) : kDefaultTimeout;
 
+    wchar_t folder[text::kPathCapacity];
     // Where the folder can't be had, the service gets an empty text.
-    wchar_t folder[text::kPathCapacity] = {};
-    folders::GetConfigurationFolder(folder);
+    static_cast<void>(folders::GetConfigurationFolder(folder, std::size(folder)));
     IpbDataHeader reply = {};
     return engine.ServiceCall(service_boards::kSchemeApplied, folder, static_cast<ULONG>(index), &reply,
                               timeout) == 0;

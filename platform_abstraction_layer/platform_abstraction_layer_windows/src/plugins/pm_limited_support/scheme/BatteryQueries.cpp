@@ -32,8 +32,7 @@ constexpr ItemList kSystemItems{L"BAItemNum", L"BAName%d", L"BAStart%d", L"BASiz
 // Reads the name of an item; false for none.
 bool ReadName(CORVLCfg& root, const ItemList& list, int item, files::ShortText& name) noexcept
 {
-    return root.GetString(kSection, files::NumberedKey(list.name, item).Text(), nullptr, name,
-                          static_cast<int>(files::kTextCapacity)) > 0;
+    return root.GetString(kSection, files::NumberedKey(list.name, item).Text(), name) > 0;
 }
 
 // The number of the item of that name, or -1.
@@ -52,54 +51,34 @@ int FindItem(CORVLCfg& root, const ItemList& list, const wchar_t* name) noexcept
     return -1;
 }
 
-// Where an item lies in its record, in bytes.
-struct ItemPlace
+bool ReadRecord(int, _BATTERY_EXTEND_FIELDS& fields) noexcept
 {
-    std::size_t start;
-    std::size_t size;
-};
-
-// False for an item that doesn't lie in a record of `recordSize` bytes.
-bool ReadPlace(CORVLCfg& root, const ItemList& list, int item, std::size_t recordSize,
-               ItemPlace& place) noexcept
-{
-    const int start = root.GetInt(kSection, files::NumberedKey(list.start, item).Text(), -1);
-    const int size = root.GetInt(kSection, files::NumberedKey(list.size, item).Text(), -1);
-    // What is negative or missing lies behind every record.
-    place = {static_cast<std::size_t>(start), static_cast<std::size_t>(size)};
-    return place.size <= recordSize && place.start <= recordSize - place.size;
-}
-
-void CopyItem(const void* record, const ItemPlace& place, ULONG* value) noexcept
-{
-    std::memcpy(value, static_cast<const unsigned char*>(record) + place.start, place.size);
-}
-
-int ReadExtendedItem(CORVLCfg& root, int item, ULONG* value) noexcept
-{
-    ItemPlace place;
-    _BATTERY_EXTEND_FIELDS fields = {};
     CEcAgent agent;
-    if (!ReadPlace(root, kExtendedItems, item, sizeof fields, place) || agent.Setup() < 0 ||
-        agent.GetBatteryExtends(&fields, kExtendedBatteryRecord) != kSucceeded)
-    {
-        return -1;
-    }
-    CopyItem(&fields, place, value);
-    return 0;
+    return agent.Setup() >= 0 && agent.GetBatteryExtends(&fields, kExtendedBatteryRecord) == kSucceeded;
 }
 
-int ReadSystemItem(CORVLCfg& root, int item, int battery, ULONG* value) noexcept
+bool ReadRecord(int battery, _BATTERY_INFORMATION& info) noexcept
 {
-    ItemPlace place;
-    _BATTERY_INFORMATION info = {};
     CBatAgent agent;
-    if (!ReadPlace(root, kSystemItems, item, sizeof info, place) || agent.Setup() != kSucceeded ||
-        agent.GetInfo(battery, info) != kSucceeded)
+    return agent.Setup() == kSucceeded && agent.GetInfo(battery, info) == kSucceeded;
+}
+
+// Copies an item out of the record of its list. -1 when the item doesn't lie in the record, or it can't be
+// read.
+template <class Record>
+int CopyItem(CORVLCfg& root, const ItemList& list, int item, int battery, ULONG* value) noexcept
+{
+    // What is negative or missing lies behind every record.
+    const auto start =
+        static_cast<std::size_t>(root.GetInt(kSection, files::NumberedKey(list.start, item).Text(), -1));
+    const auto size =
+        static_cast<std::size_t>(root.GetInt(kSection, files::NumberedKey(list.size, item).Text(), -1));
+    Record record = {};
+    if (size > sizeof record || start > sizeof record - size || !ReadRecord(battery, record))
     {
         return -1;
     }
-    CopyItem(&info, place, value);
+    std::memcpy(value, reinterpret_cast<const unsigned char*>(&record) + start, size);
     return 0;
 }
 
@@ -171,11 +150,11 @@ int CSchemeEx::GetBatteryInformation(int index, wchar_t const* name, ULONG* valu
     }
     if (const int item = FindItem(root, kExtendedItems, name); item >= 0)
     {
-        return ReadExtendedItem(root, item, value);
+        return CopyItem<_BATTERY_EXTEND_FIELDS>(root, kExtendedItems, item, index, value);
     }
     if (const int item = FindItem(root, kSystemItems, name); item >= 0)
     {
-        return ReadSystemItem(root, item, index, value);
+        return CopyItem<_BATTERY_INFORMATION>(root, kSystemItems, item, index, value);
     }
     return 0;
 }

@@ -21,6 +21,7 @@ constexpr const wchar_t* kProfileFiles[] = {
 constexpr const wchar_t* kPrivileges[] = {L"SeRestorePrivilege", L"SeBackupPrivilege"};
 
 using Path = wchar_t[text::kPathCapacity];
+using LongPath = text::Formatted<2 * text::kPathCapacity>;
 
 // The profile's folder as the list names it, environment strings included.
 bool ReadProfilePath(HKEY list, const wchar_t* sid, Path& profile) noexcept
@@ -52,9 +53,8 @@ void ClearAccount(CSchemeEx& engine, HKEY list, const wchar_t* sid) noexcept
     ExpandEnvironmentStringsW(profile, folder, static_cast<DWORD>(std::size(folder)));
     folder[std::size(folder) - 1] = L'\0';
 
-    wchar_t hive[2 * text::kPathCapacity];
-    text::Format(hive, L"%s\\NTUSER.DAT", static_cast<const wchar_t*>(folder));
-    engine.ClearUserRegSettings(hive, sid);
+    const LongPath hive(L"%s\\NTUSER.DAT", static_cast<const wchar_t*>(folder));
+    engine.ClearUserRegSettings(hive.Text(), sid);
     for (const wchar_t* file : kProfileFiles)
     {
         files::DeleteBelow(folder, file, L"ClearCfgSettings: delete file = %s");
@@ -64,17 +64,16 @@ void ClearAccount(CSchemeEx& engine, HKEY list, const wchar_t* sid) noexcept
 // Removes the companion application's key from the loaded hive of an account.
 void RemoveUserKey(const wchar_t* sid) noexcept
 {
-    wchar_t path[2 * text::kPathCapacity];
-    text::Format(path, L"%s\\Software\\Kelvo", sid);
+    const LongPath path(L"%s\\Software\\Kelvo", sid);
     owners::Key key;
-    LSTATUS result = RegOpenKeyExW(HKEY_USERS, path, 0, KEY_ALL_ACCESS, key.Put());
+    LSTATUS result = RegOpenKeyExW(HKEY_USERS, path.Text(), 0, KEY_ALL_ACCESS, key.Put());
     if (result == ERROR_SUCCESS)
     {
         result = RegDeleteKeyW(key.Get(), L"ORVA");
     }
     if (result != ERROR_SUCCESS)
     {
-        CORVLBase::DBGOUT(L"open key %s failed at %d", static_cast<const wchar_t*>(path), result);
+        CORVLBase::DBGOUT(L"open key %s failed at %d", path.Text(), result);
     }
 }
 

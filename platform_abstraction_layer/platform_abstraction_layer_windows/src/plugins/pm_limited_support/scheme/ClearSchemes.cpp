@@ -4,9 +4,11 @@
 // them. Best effort: a scheme, file or key that can't be removed stays, and the clearing goes on.
 
 #include "foundation/Owners.h"
-#include "foundation/SystemFolders.h"
+#include "foundation/UserFolders.h"
 #include "scheme/SchemeEx.h"
 #include "scheme/UserSchemes.h"
+
+#include <iterator>
 
 namespace
 {
@@ -134,7 +136,7 @@ int CSchemeEx::ClearPwrSchemes() noexcept
     const bool isWhole = ClearAllUsers(*this, users);
 
     wchar_t folder[text::kPathCapacity];
-    if (!folders::GetConfigurationFolder(folder))
+    if (!folders::GetConfigurationFolder(folder, std::size(folder)))
     {
         return 0;
     }

@@ -22,48 +22,39 @@ int ReportFailure(const wchar_t* format, const wchar_t* name, LONG code) noexcep
     return -1;
 }
 
-int ReadRadio(const Radio& radio, const wchar_t* name, int* status) noexcept
-{
-    CEcAgent agent;
-    if (const LONG opened = agent.Setup(); opened < 0)
-    {
-        return ReportFailure(kReadFailed, name, opened);
-    }
-    const int value = (agent.*radio.get)();
-    if (value >= 0)
-    {
-        *status = value != 0 ? 1 : 0;
-    }
-    return value;
-}
-
-int WriteRadio(const Radio& radio, const wchar_t* name, int value) noexcept
+// What `work` answers on an agent of the controller that is set up; the radio goes by `name`.
+template <class Work>
+int OnController(const wchar_t* format, const wchar_t* name, Work work) noexcept
 {
     CEcAgent agent;
     const LONG opened = agent.Setup();
-    return opened < 0 ? ReportFailure(kWriteFailed, name, opened) : (agent.*radio.set)(value);
+    return opened < 0 ? ReportFailure(format, name, opened) : work(agent);
 }
 
-int ReadFunction(const wchar_t* name, int* status) noexcept
+// The same on the chipset, where 0 stands for every success.
+template <class Work>
+int OnChipset(const wchar_t* format, const wchar_t* name, Work work) noexcept
 {
     CHwSBX chipset;
-    LONG result = chipset.Setup(1);
-    if (result >= 0)
-    {
-        result = chipset.GetFunctionDisable(name, status);
-    }
-    return result < 0 ? ReportFailure(kReadFailed, name, result) : 0;
+    const LONG opened = chipset.Setup(1);
+    const LONG result = opened < 0 ? opened : work(chipset);
+    return result < 0 ? ReportFailure(format, name, result) : 0;
 }
 
-int WriteFunction(const wchar_t* name, int value) noexcept
+// The radio of a variable, or null.
+const Radio* RadioOf(const Variable& variable) noexcept
 {
-    CHwSBX chipset;
-    LONG result = chipset.Setup(1);
-    if (result >= 0)
+    switch (variable.device)
     {
-        result = chipset.FunctionDisable(name, value);
+    case LiveDevice::Bluetooth:
+        return &kBluetoothRadio;
+    case LiveDevice::Wifi:
+        return &kWifiRadio;
+    case LiveDevice::ChipsetFunction:
+    case LiveDevice::None:
+        break;
     }
-    return result < 0 ? ReportFailure(kWriteFailed, name, result) : 0;
+    return nullptr;
 }
 
 } // namespace
@@ -79,18 +70,24 @@ int CSchemeEx::GetDeviceStatus(wchar_t const* name, int* status) noexcept
     {
         return variable->device == LiveDevice::None ? 0 : -1;
     }
-    switch (variable->device)
+    if (const Radio* const radio = RadioOf(*variable))
     {
-    case LiveDevice::Bluetooth:
-        return ReadRadio(kBluetoothRadio, name, status);
-    case LiveDevice::Wifi:
-        return ReadRadio(kWifiRadio, name, status);
-    case LiveDevice::ChipsetFunction:
-        return ReadFunction(variable->name, status);
-    case LiveDevice::None:
-        break;
+        return OnController(kReadFailed, name,
+                            [&](CEcAgent& agent) noexcept
+                            {
+                                const int value = (agent.*radio->get)();
+                                if (value >= 0)
+                                {
+                                    *status = value != 0 ? 1 : 0;
+                                }
+                                return value;
+                            });
     }
-    return 0;
+    return variable->device == LiveDevice::None
+               ? 0
+               : OnChipset(kReadFailed, variable->name,
+                           [&](CHwSBX& chipset) noexcept
+                           { return chipset.GetFunctionDisable(variable->name, status); });
 }
 
 int CSchemeEx::SetDeviceStatus(wchar_t const* name, int value) noexcept
@@ -100,16 +97,14 @@ int CSchemeEx::SetDeviceStatus(wchar_t const* name, int value) noexcept
     {
         return -1;
     }
-    switch (variable->device)
+    if (const Radio* const radio = RadioOf(*variable))
     {
-    case LiveDevice::Bluetooth:
-        return WriteRadio(kBluetoothRadio, name, value);
-    case LiveDevice::Wifi:
-        return WriteRadio(kWifiRadio, name, value);
-    case LiveDevice::ChipsetFunction:
-        return WriteFunction(variable->name, value);
-    case LiveDevice::None:
-        break;
+        return OnController(kWriteFailed, name,
+                            [&](CEcAgent& agent) noexcept { return (agent.*radio->set)(value); });
     }
-    return 0;
+    return variable->device == LiveDevice::None
+               ? 0
+               : OnChipset(kWriteFailed, variable->name,
+                           [&](CHwSBX& chipset) noexcept
+                           { return chipset.FunctionDisable(variable->name, value); });
 }

@@ -5,6 +5,7 @@
 
 #include "scheme/Operations.h"
 
+#include "foundation/Log.h"
 #include "foundation/Modules.h"
 #include "foundation/OrvlBase.h"
 #include "foundation/Owners.h"
@@ -19,28 +20,15 @@
 namespace
 {
 
-constexpr const wchar_t* kPowerKey = L"Control Panel\\PowerCfg";
-constexpr const wchar_t* kSchemesKey = L"Control Panel\\PowerCfg\\PowerPolicies";
-constexpr const wchar_t* kGlobalKey = L"Control Panel\\PowerCfg\\GlobalPowerPolicy";
+// By format: the user's key comes first.
+constexpr const wchar_t* kPowerKey = L"%s\\Control Panel\\PowerCfg";
+constexpr const wchar_t* kSchemesKey = L"%s\\Control Panel\\PowerCfg\\PowerPolicies";
+constexpr const wchar_t* kGlobalKey = L"%s\\Control Panel\\PowerCfg\\GlobalPowerPolicy";
 
 using GlobalPolicyFunction = BOOLEAN(WINAPI*)(PGLOBAL_POWER_POLICY);
 
-// A key of the user below HKEY_USERS.
-class UserKey
-{
-public:
-    UserKey(const wchar_t* user, const wchar_t* key) noexcept
-    {
-        text::Format(m_path, L"%s\\%s", user, key);
-    }
-    const wchar_t* Path() const noexcept
-    {
-        return m_path;
-    }
-
-private:
-    wchar_t m_path[text::kPathCapacity];
-};
+// A key's path below HKEY_USERS.
+using UserKey = text::Formatted<text::kPathCapacity>;
 
 template <class Record>
 unsigned char* BytesOf(Record& record) noexcept
@@ -61,10 +49,10 @@ void CopyHibernateTime(const PowerBackend& backend, int index, bool ac, int time
 // Disk and hibernate times of the user's active scheme into scheme `index`.
 void CopyTimes(const PowerBackend& backend, const wchar_t* user, int index) noexcept
 {
-    const int active = policy_store::ReadUserActiveScheme(UserKey(user, kPowerKey).Path());
+    const int active = policy_store::ReadUserActiveScheme(UserKey(kPowerKey, user).Text());
     POWER_POLICY policy = {};
     ULONG size = sizeof policy.user;
-    if (policy_store::ReadUserPolicy(active, UserKey(user, kSchemesKey).Path(), BytesOf(policy.user),
+    if (policy_store::ReadUserPolicy(active, UserKey(kSchemesKey, user).Text(), BytesOf(policy.user),
                                      &size) == 0)
     {
         CORVLBase::DBGOUT(L"SetGolbalPwrPolicyFromCurrentUser: Can't read user power policy: %ld", index);
@@ -109,23 +97,15 @@ void InstallGlobalPolicy(const GLOBAL_USER_POWER_POLICY& user) noexcept
 
     GLOBAL_POWER_POLICY merged = {};
     const auto read = FindFunction<GlobalPolicyFunction>(library, "ReadGlobalPwrPolicy");
-    if (read == nullptr)
-    {
-        CORVLBase::DBGOUT(L"Error! Can't get ReadGlobalPwrPolicy");
-    }
-    else
+    const bool isRead = Check(read != nullptr, L"Error! Can't get ReadGlobalPwrPolicy");
+    if (isRead)
     {
         read(&merged);
     }
     const auto write = FindFunction<GlobalPolicyFunction>(library, "WriteGlobalPwrPolicy");
-    if (write == nullptr)
+    // Without `read` there is no machine part to join.
+    if (!Check(write != nullptr, L"Error! Can't get WriteGlobalPwrPolicy") || !isRead)
     {
-        CORVLBase::DBGOUT(L"Error! Can't get WriteGlobalPwrPolicy");
-        return;
-    }
-    if (read == nullptr)
-    {
-        // There is no machine part to join.
         return;
     }
     merged.user = user;
@@ -141,16 +121,16 @@ void TakeOverUserPolicy(const PowerBackend& backend, const wchar_t* user, int in
     CORVLBase::DBGOUT(L"enter SetGolbalPwrPolicyFromCurrentUser");
     CopyTimes(backend, user, index);
 
-    const UserKey place(user, kGlobalKey);
-    CORVLBase::DBGOUT(L"query global power policy at %s", place.Path());
+    const UserKey place(kGlobalKey, user);
+    CORVLBase::DBGOUT(L"query global power policy at %s", place.Text());
     owners::Key key;
-    if (RegOpenKeyExW(HKEY_USERS, place.Path(), 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(HKEY_USERS, place.Text(), 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
     {
-        CORVLBase::DBGOUT(L"ReadUserPowerPolicy: Open key %s failed, error=%d", place.Path(), GetLastError());
+        CORVLBase::DBGOUT(L"ReadUserPowerPolicy: Open key %s failed, error=%d", place.Text(), GetLastError());
         return;
     }
     GLOBAL_USER_POWER_POLICY policy = {};
-    if (!ReadUserGlobalPolicy(key.Get(), place.Path(), policy))
+    if (!ReadUserGlobalPolicy(key.Get(), place.Text(), policy))
     {
         return;
     }

@@ -7,6 +7,7 @@
 #include "scheme/SchemeEx.h"
 
 #include "foundation/GuidText.h"
+#include "foundation/Log.h"
 #include "scheme/Operations.h"
 #include "scheme/SchemeName.h"
 #include "scheme/SettingCatalogue.h"
@@ -45,9 +46,9 @@ void CSchemeEx::Initialize() noexcept
 {
     OSVERSIONINFOEXW version = {};
     version.dwOSVersionInfoSize = sizeof(OSVERSIONINFOW);
-    if (!GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&version)))
+    if (!Check(GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&version)) != FALSE,
+               L"CSchemeEx::Initialize GetVersionEx failed"))
     {
-        DBGOUT(L"CSchemeEx::Initialize GetVersionEx failed");
         return;
     }
     if (version.dwMajorVersion != kVistaMajorVersion)
@@ -57,13 +58,11 @@ void CSchemeEx::Initialize() noexcept
     }
     // The library stays loaded: the table points into it.
     const HMODULE library = LoadLibraryW(L"PowrProf.dll");
-    if (library == nullptr)
+    if (Check(library != nullptr, L"CSchemeEx::Initialize hModule==NULL"))
     {
-        DBGOUT(L"CSchemeEx::Initialize hModule==NULL");
-        return;
+        BindPowerFunctions(library);
+        m_bVista = 1;
     }
-    BindPowerFunctions(library);
-    m_bVista = 1;
 }
 
 int CSchemeEx::InitCfgFile() noexcept

@@ -4,39 +4,25 @@
 
 #include "scheme/SchemeFiles.h"
 
-#include "foundation/SystemFolders.h"
+#include "foundation/UserFolders.h"
 
 #include <shlwapi.h>
 
+#include <iterator>
+
 namespace files
 {
-
-NumberedKey::NumberedKey(const wchar_t* format, int number) noexcept
-{
-    text::Format(m_text, format, number);
-}
-
-const wchar_t* NumberedKey::Text() const noexcept
-{
-    return m_text;
-}
 
 bool OpenRoot(CORVLCfg& root) noexcept
 {
     return root.Initialize(L"ORVLCfg.ini") != 0;
 }
 
-bool ReadName(CORVLCfg& root, const NameKey& which, ShortText& name) noexcept
-{
-    name[0] = L'\0';
-    return root.GetString(which.section, which.key, nullptr, name, static_cast<int>(kTextCapacity)) > 0;
-}
-
 bool FindName(const NameKey& which, ShortText& name) noexcept
 {
     name[0] = L'\0';
     CORVLCfg root;
-    return OpenRoot(root) && ReadName(root, which, name);
+    return OpenRoot(root) && root.GetString(which.section, which.key, name) > 0;
 }
 
 bool OpenOwn(CORVLProfile& file, const ShortText& name) noexcept
@@ -47,7 +33,7 @@ bool OpenOwn(CORVLProfile& file, const ShortText& name) noexcept
 bool OpenOwn(CORVLProfile& file, CORVLCfg& root, const NameKey& which) noexcept
 {
     ShortText name;
-    return ReadName(root, which, name) && OpenOwn(file, name);
+    return root.GetString(which.section, which.key, name) > 0 && OpenOwn(file, name);
 }
 
 bool OpenValues(CORVLProfile& file) noexcept
@@ -66,7 +52,7 @@ bool OpenPresentUsers(CORVLProfile& file) noexcept
 {
     ShortText name;
     wchar_t path[text::kPathCapacity];
-    if (!FindName(kUsersName, name) || !folders::GetConfigurationFolder(path))
+    if (!FindName(kUsersName, name) || !folders::GetConfigurationFolder(path, std::size(path)))
     {
         return false;
     }
@@ -89,18 +75,15 @@ bool OpenDisplay(CORVLProfile& file, const wchar_t* folder) noexcept
 
 void RemoveScheme(CORVLProfile& values, int index) noexcept
 {
-    ShortText section;
-    text::Format(section, kRowSection, index);
-    values.PutString(section, nullptr, nullptr);
+    values.PutString(NumberedKey(kRowSection, index).Text(), nullptr, nullptr);
 }
 
 void DeleteBelow(const wchar_t* folder, const wchar_t* suffix, const wchar_t* format) noexcept
 {
     // Room for more than one path: a path that is too long must fail, not name another file.
-    wchar_t path[2 * text::kPathCapacity];
-    text::Format(path, L"%s\\%s", folder, suffix);
-    DeleteFileW(path);
-    CORVLBase::DBGOUT(format, static_cast<const wchar_t*>(path));
+    const text::Formatted<2 * text::kPathCapacity> path(L"%s\\%s", folder, suffix);
+    DeleteFileW(path.Text());
+    CORVLBase::DBGOUT(format, path.Text());
 }
 
 } // namespace files

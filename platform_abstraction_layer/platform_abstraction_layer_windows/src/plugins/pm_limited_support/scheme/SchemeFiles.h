@@ -34,24 +34,13 @@ constexpr const wchar_t* kVariablesSection = L"Scheme %d";
 constexpr const wchar_t* kRowSection = L"Scheme %u";
 constexpr const wchar_t* kDisplaySection = L"Scheme%d";
 
-/// A key with a number in it.
-class NumberedKey
-{
-public:
-    NumberedKey(const wchar_t* format, int number) noexcept;
-    const wchar_t* Text() const noexcept;
-
-private:
-    ShortText m_text;
-};
+/// A key or a section with a number in it.
+using NumberedKey = text::Formatted<kTextCapacity>;
 
 /// Opens "ORVLCfg.ini".
 bool OpenRoot(CORVLCfg& root) noexcept;
 
-/// Reads a file's name from the open root; false, with `name` empty, when the root names none.
-bool ReadName(CORVLCfg& root, const NameKey& which, ShortText& name) noexcept;
-
-/// Opens the root and reads a file's name.
+/// Opens the root and reads a file's name; false, with `name` empty, when there is none.
 bool FindName(const NameKey& which, ShortText& name) noexcept;
 
 /// Opens the file `name` in the folder of the account in which this process runs, and creates it there.

@@ -30,7 +30,7 @@ int ReadOption(CORVLCfg& file, const wchar_t* name, int option) noexcept
     return file.GetInt(name, files::NumberedKey(L"ValueOption%d", option).Text(), -1);
 }
 
-// The first option of the variable for which `accepts` holds, in file order.
+// The first option of the variable for which `accepts` holds, in file order; false for none.
 template <class Predicate>
 bool FindOption(const wchar_t* name, Predicate accepts, int& value) noexcept
 {
@@ -51,17 +51,10 @@ bool FindOption(const wchar_t* name, Predicate accepts, int& value) noexcept
     return false;
 }
 
-// Reads a text of the catalogue; false for none.
-bool ReadText(CORVLCfg& file, const wchar_t* name, const wchar_t* key, files::ShortText& value) noexcept
-{
-    value[0] = L'\0';
-    return file.GetString(name, key, nullptr, value, static_cast<int>(files::kTextCapacity)) > 0;
-}
-
 bool ReadGuid(CORVLCfg& file, const wchar_t* name, const wchar_t* key, GUID& guid) noexcept
 {
     files::ShortText value;
-    return ReadText(file, name, key, value) && ParseGuid(value, &guid) != 0;
+    return file.GetString(name, key, value) > 0 && ParseGuid(value, &guid) != 0;
 }
 
 } // namespace
@@ -75,15 +68,12 @@ bool catalogue::Offers(const wchar_t* name, int value) noexcept
 
 int catalogue::HibernateTimeAfter(int standby) noexcept
 {
-    if (!IsPwrHibernateAllowed())
-    {
-        return 0;
-    }
     int found = 0;
-    return FindOption(
-               VariableOf(kHibernateTimeOut).name, [standby](int option) { return option > standby; }, found)
-               ? found
-               : 0;
+    const bool isFound =
+        IsPwrHibernateAllowed() &&
+        FindOption(
+            VariableOf(kHibernateTimeOut).name, [standby](int option) { return option > standby; }, found);
+    return isFound ? found : 0;
 }
 
 bool catalogue::ReadSetting(const wchar_t* name, GUID& subGroup, GUID& setting) noexcept
@@ -109,7 +99,7 @@ int catalogue::CopyText(const wchar_t* name, const wchar_t* key, wchar_t* buffer
 {
     CORVLCfg file;
     files::ShortText value;
-    if (buffer == nullptr || size <= 0 || !OpenFor(file, name) || !ReadText(file, name, key, value))
+    if (buffer == nullptr || size <= 0 || !OpenFor(file, name) || file.GetString(name, key, value) == 0)
     {
         return -1;
     }

@@ -6,14 +6,14 @@
 
 StoredVariables::StoredVariables(int index) noexcept
     : m_rootIsOpen(files::OpenRoot(m_root)),
-      m_fileIsOpen(m_rootIsOpen && files::OpenOwn(m_file, m_root, files::kValuesName))
+      m_fileIsOpen(m_rootIsOpen && files::OpenOwn(m_file, m_root, files::kValuesName)),
+      m_section(files::kVariablesSection, index)
 {
-    text::Format(m_section, files::kVariablesSection, index);
 }
 
 LONG StoredVariables::ReadOr(const Variable& variable, LONG absent) noexcept
 {
-    return m_fileIsOpen ? m_file.GetInt(m_section, variable.name, static_cast<int>(absent)) : absent;
+    return m_fileIsOpen ? m_file.GetInt(m_section.Text(), variable.name, static_cast<int>(absent)) : absent;
 }
 
 LONG StoredVariables::Read(const Variable& variable) noexcept
@@ -35,7 +35,7 @@ void StoredVariables::Write(const Variable& variable, LONG number) noexcept
 {
     if (m_fileIsOpen)
     {
-        m_file.PutInt(m_section, variable.name, static_cast<int>(number));
+        m_file.PutInt(m_section.Text(), variable.name, static_cast<int>(number));
     }
 }
 

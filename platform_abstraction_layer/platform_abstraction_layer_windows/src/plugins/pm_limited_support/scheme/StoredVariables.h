@@ -35,5 +35,5 @@ private:
     CORVLProfile m_file;
     bool m_rootIsOpen;
     bool m_fileIsOpen;
-    files::ShortText m_section;
+    files::NumberedKey m_section;
 };

@@ -4,6 +4,7 @@
 
 #include "scheme/UserSchemes.h"
 
+#include "foundation/Log.h"
 #include "scheme/SchemeName.h"
 
 #include <iterator>
@@ -13,8 +14,6 @@ using files::ShortText;
 
 namespace
 {
-
-constexpr int kCapacity = static_cast<int>(files::kTextCapacity);
 
 // A scheme's name as it is read from an entry: at most 255 characters.
 using Name = wchar_t[256];
@@ -26,8 +25,7 @@ int CountEntries(CORVLProfile& users, const wchar_t* section, const wchar_t* key
                       [&](int entry)
                       {
                           ShortText value;
-                          return users.GetString(section, NumberedKey(key, entry).Text(), nullptr, value,
-                                                 kCapacity) > 0;
+                          return users.GetString(section, NumberedKey(key, entry).Text(), value) > 0;
                       });
 }
 
@@ -47,18 +45,11 @@ int FindEntry(CORVLProfile& users, const wchar_t* section, int count, int scheme
 
 void ReadName(CORVLProfile& users, const wchar_t* section, int entry, Name& name) noexcept
 {
-    name[0] = L'\0';
-    users.GetString(section, NumberedKey(user_schemes::kSchemeName, entry).Text(), nullptr, name,
-                    static_cast<int>(std::size(name)));
+    users.GetString(section, NumberedKey(user_schemes::kSchemeName, entry).Text(), name);
 }
 
-// What the system's functions take off both ends of a value.
-bool IsTrimmed(wchar_t character) noexcept
-{
-    return character == L' ' || character == L'\t' || character == L'\v' || character == L'\f';
-}
-
-// True for a name that the system's functions wouldn't give back as it is. They take one pair of quotes off.
+// True for a name that the system's functions wouldn't give back as it is. They take one pair of quotes off,
+// or blanks at both ends.
 bool NeedsQuotes(const wchar_t* name) noexcept
 {
     const std::size_t length = text::Length(name);
@@ -69,7 +60,7 @@ bool NeedsQuotes(const wchar_t* name) noexcept
     const wchar_t first = name[0];
     const wchar_t last = name[length - 1];
     const bool isQuoted = length > 1 && first == last && (first == L'"' || first == L'\'');
-    return isQuoted || IsTrimmed(first) || IsTrimmed(last);
+    return isQuoted || text::IsBlank(first) || text::IsBlank(last);
 }
 
 // Writes the name of an entry so that a read gives it back. A null name leaves the entry without one.
@@ -101,12 +92,7 @@ bool user_schemes::Open(CORVLProfile& users, const wchar_t* nameText, const wcha
     ShortText name;
     files::FindName(files::kUsersName, name);
     CORVLBase::DBGOUT(nameText, static_cast<const wchar_t*>(name));
-    const bool isOpen = files::OpenOwn(users, name);
-    if (!isOpen)
-    {
-        CORVLBase::DBGOUT(failedText);
-    }
-    return isOpen;
+    return Check(files::OpenOwn(users, name), failedText);
 }
 
 int user_schemes::CountUsers(CORVLProfile& users, EntryLimit& limit) noexcept
@@ -116,8 +102,7 @@ int user_schemes::CountUsers(CORVLProfile& users, EntryLimit& limit) noexcept
 
 void user_schemes::ReadUser(CORVLProfile& users, int place, ShortText& section) noexcept
 {
-    section[0] = L'\0';
-    users.GetString(kUserList, NumberedKey(kUser, place).Text(), nullptr, section, kCapacity);
+    users.GetString(kUserList, NumberedKey(kUser, place).Text(), section);
 }
 
 int user_schemes::CountSchemes(CORVLProfile& users, const wchar_t* section, EntryLimit& limit) noexcept

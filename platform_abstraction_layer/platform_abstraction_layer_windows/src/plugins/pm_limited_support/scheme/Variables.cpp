@@ -4,30 +4,20 @@
 
 #include "scheme/Variables.h"
 
+#include "foundation/Log.h"
 #include "foundation/OrvlBase.h"
 
 namespace
 {
 
-// Whether the scheme exists; else `absent` is logged, which may show the last error.
-bool Exists(const PowerBackend& backend, int index, const wchar_t* absent) noexcept
-{
-    const bool exists = backend.exists(index);
-    if (!exists)
-    {
-        CORVLBase::DBGOUT(absent, GetLastError());
-    }
-    return exists;
-}
-
 bool CanRead(const PowerBackend& backend, int index) noexcept
 {
-    return Exists(backend, index, L"FindPwrScheme failed %d\n");
+    return Check(backend.exists(index), L"FindPwrScheme failed %d\n");
 }
 
 bool CanWrite(const PowerBackend& backend, int index) noexcept
 {
-    return Exists(backend, index, L"FindPwrScheme error");
+    return Check(backend.exists(index), L"FindPwrScheme error");
 }
 
 int RefuseUnknown(const wchar_t* format, const wchar_t* name) noexcept

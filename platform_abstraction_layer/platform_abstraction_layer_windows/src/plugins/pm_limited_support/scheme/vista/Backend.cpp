@@ -90,11 +90,6 @@ bool FindSetting(const Variable& variable, GUID& subGroup, GUID& setting) noexce
     return !HasSetting(variable) || catalogue::ReadSetting(variable.name, subGroup, setting);
 }
 
-bool IsProtected(int) noexcept
-{
-    return false;
-}
-
 bool Remove(int index) noexcept
 {
     const auto deleteScheme = PowerDispatch.PowerDeleteScheme.load();
@@ -113,21 +108,6 @@ bool Remove(int index) noexcept
     return true;
 }
 
-int Enumerate(PWRSCHEMESENUMPROC, LPARAM) noexcept
-{
-    return 0;
-}
-
-int Copy(SchemeName&, const wchar_t*, int) noexcept
-{
-    return -1;
-}
-
-int Rename(int, SchemeName&, const wchar_t*) noexcept
-{
-    return -1;
-}
-
 } // namespace
 
 constexpr PowerBackend vista::kBackend{
@@ -141,9 +121,9 @@ constexpr PowerBackend vista::kBackend{
     .write = WriteVariable,
     .accepts = Accepts,
     .findSetting = FindSetting,
-    .isProtected = IsProtected,
+    .isProtected = [](int) noexcept { return false; },
     .remove = Remove,
-    .enumerate = Enumerate,
-    .copy = Copy,
-    .rename = Rename,
+    .enumerate = [](PWRSCHEMESENUMPROC, LPARAM) noexcept { return 0; },
+    .copy = [](SchemeName&, const wchar_t*, int) noexcept { return -1; },
+    .rename = [](int, SchemeName&, const wchar_t*) noexcept { return -1; },
 };

@@ -25,18 +25,10 @@ constexpr int kMostRows = 5000;
 
 using GuidText = wchar_t[text::kPathCapacity];
 
-void FormatRow(files::ShortText& section, int row) noexcept
-{
-    text::Format(section, files::kRowSection, row);
-}
-
 // The text of a row's GUID; false for a row that isn't there.
 bool ReadRow(CORVLProfile& values, int row, GuidText& guid) noexcept
 {
-    files::ShortText section;
-    FormatRow(section, row);
-    guid[0] = L'\0';
-    return values.GetString(section, kGuid, nullptr, guid, static_cast<int>(std::size(guid))) > 0;
+    return values.GetString(files::NumberedKey(files::kRowSection, row).Text(), kGuid, guid) > 0;
 }
 
 // Whether a row holds a scheme's GUID.
@@ -110,9 +102,7 @@ int vista::AddRow(const GUID& guid) noexcept
     }
     GuidText guidText;
     FormatGuid(guid, guidText, std::size(guidText));
-    files::ShortText section;
-    FormatRow(section, row);
-    if (values.PutString(section, kGuid, guidText) == 0)
+    if (values.PutString(files::NumberedKey(files::kRowSection, row).Text(), kGuid, guidText) == 0)
     {
         return -1;
     }

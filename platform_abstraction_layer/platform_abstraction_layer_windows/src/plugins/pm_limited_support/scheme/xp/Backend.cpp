@@ -2,6 +2,7 @@
 //
 // The power manager by scheme numbers, as every generation before Vista has it.
 
+#include "foundation/Log.h"
 #include "foundation/OrvlBase.h"
 #include "scheme/SchemeFiles.h"
 #include "scheme/xp/Operations.h"
@@ -43,11 +44,6 @@ bool Activate(int index, const ActivationTexts& texts, int& previous) noexcept
     return true;
 }
 
-bool FindSetting(const Variable&, GUID&, GUID&) noexcept
-{
-    return false;
-}
-
 // A negative number isn't protected; the operating system refuses it.
 bool IsProtected(int index) noexcept
 {
@@ -56,30 +52,17 @@ bool IsProtected(int index) noexcept
 
 bool Remove(int index) noexcept
 {
-    if (!DeletePwrScheme(static_cast<UINT>(index)))
-    {
-        CORVLBase::DBGOUT(L"delete windows power scheme failed %d", GetLastError());
-        return false;
-    }
     CORVLCfg root;
-    if (!files::OpenRoot(root))
-    {
-        CORVLBase::DBGOUT(L"orvlCfg.Initialize finished");
-        return false;
-    }
     CORVLProfile values;
-    if (!files::OpenOwn(values, root, files::kValuesName))
+    if (!Check(DeletePwrScheme(static_cast<UINT>(index)) != FALSE,
+               L"delete windows power scheme failed %d") ||
+        !Check(files::OpenRoot(root), L"orvlCfg.Initialize finished") ||
+        !Check(files::OpenOwn(values, root, files::kValuesName), L"orvlScheme.Initialize(buffer) failed"))
     {
-        CORVLBase::DBGOUT(L"orvlScheme.Initialize(buffer) failed");
         return false;
     }
     files::RemoveScheme(values, index);
     return true;
-}
-
-int Enumerate(PWRSCHEMESENUMPROC callback, LPARAM argument) noexcept
-{
-    return EnumPwrSchemes(callback, argument);
 }
 
 } // namespace
@@ -94,10 +77,11 @@ constexpr PowerBackend xp::kBackend{
     .read = ReadVariable,
     .write = WriteVariable,
     .accepts = Accepts,
-    .findSetting = FindSetting,
+    .findSetting = [](const Variable&, GUID&, GUID&) noexcept { return false; },
     .isProtected = IsProtected,
     .remove = Remove,
-    .enumerate = Enumerate,
+    .enumerate = [](PWRSCHEMESENUMPROC callback, LPARAM argument) noexcept -> int
+    { return EnumPwrSchemes(callback, argument); },
     .copy = CopyScheme,
     .rename = RenameScheme,
 };

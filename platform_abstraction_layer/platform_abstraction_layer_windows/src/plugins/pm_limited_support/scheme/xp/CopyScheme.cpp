@@ -2,7 +2,7 @@
 //
 // Writing both records of a scheme under a number or name of its own. Nothing is undone.
 
-#include "foundation/OrvlBase.h"
+#include "foundation/Log.h"
 #include "foundation/Owners.h"
 #include "scheme/SchemeName.h"
 #include "scheme/Wrapping.h"
@@ -65,19 +65,11 @@ int xp::CopyScheme(SchemeName& name, const wchar_t* description, int from) noexc
 int xp::RenameScheme(int index, SchemeName& name, const wchar_t* description) noexcept
 {
     Policies policies;
-    if (!name.IsShortEnough() || !ReadPolicies(index, policies, kRenameTexts))
-    {
-        return -1;
-    }
-    if (!WriteScheme(index, name, description, policies.power))
-    {
-        CORVLBase::DBGOUT(L"SetPwrSchemeNameDesc: ::WritePwrScheme failed");
-        return -1;
-    }
-    if (!WriteProcessorPwrScheme(static_cast<UINT>(index), &policies.processor))
-    {
-        CORVLBase::DBGOUT(L"SetPwrSchemeNameDesc: ::WriteProcessorPwrScheme failed");
-        return -1;
-    }
-    return index;
+    const bool isRenamed =
+        name.IsShortEnough() && ReadPolicies(index, policies, kRenameTexts) &&
+        Check(WriteScheme(index, name, description, policies.power),
+              L"SetPwrSchemeNameDesc: ::WritePwrScheme failed") &&
+        Check(WriteProcessorPwrScheme(static_cast<UINT>(index), &policies.processor) != FALSE,
+              L"SetPwrSchemeNameDesc: ::WriteProcessorPwrScheme failed");
+    return isRenamed ? index : -1;
 }

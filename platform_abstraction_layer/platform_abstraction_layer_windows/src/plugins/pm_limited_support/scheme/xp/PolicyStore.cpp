@@ -57,18 +57,17 @@ void VisitSchemes(HKEY root, const wchar_t* parent, Visitor visit) noexcept
 // The value "Policies" of one scheme into `*size` bytes.
 int ReadPolicy(const PolicyKey& place, int index, unsigned char* data, ULONG* size) noexcept
 {
-    wchar_t path[text::kPathCapacity];
-    text::Format(path, L"%s\\%d", place.parent, index);
+    const text::Formatted<text::kPathCapacity> path(L"%s\\%d", place.parent, index);
     owners::Key key;
-    if (RegOpenKeyExW(place.root, path, 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
+    if (RegOpenKeyExW(place.root, path.Text(), 0, KEY_READ, key.Put()) != ERROR_SUCCESS)
     {
-        CORVLBase::DBGOUT(place.openText, path, GetLastError());
+        CORVLBase::DBGOUT(place.openText, path.Text(), GetLastError());
         return 0;
     }
     const LSTATUS read = registry::ReadRecord(key.Get(), L"Policies", data, size, place.recordSize);
     if (read != ERROR_SUCCESS)
     {
-        CORVLBase::DBGOUT(place.queryText, path, registry::ErrorOfRecord(read));
+        CORVLBase::DBGOUT(place.queryText, path.Text(), registry::ErrorOfRecord(read));
         return 0;
     }
     return 1;

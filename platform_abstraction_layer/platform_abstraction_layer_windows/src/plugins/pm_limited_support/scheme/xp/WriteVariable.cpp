@@ -3,7 +3,7 @@
 // Writing one variable on the XP path. The two records of the operating system are read, changed and written
 // back whole, the processor's first.
 
-#include "foundation/OrvlBase.h"
+#include "foundation/Log.h"
 #include "scheme/SettingCatalogue.h"
 #include "scheme/StoredVariables.h"
 #include "scheme/xp/Operations.h"
@@ -44,23 +44,17 @@ bool ChangePolicies(xp::Policies& policies, bool ac, const Variable& variable, i
     {
     case XpStorage::Timeout:
         *(fields.*variable.timeout) = static_cast<ULONG>(value);
-        return true;
+        break;
     case XpStorage::Standby:
     case XpStorage::Hibernate:
         return ChangeIdleState(fields, ac, variable, value);
     case XpStorage::ThrottlePolicy:
         SetThrottle(policies, ac, static_cast<UCHAR>(value), kFullSpeed);
-        return true;
+        break;
     case XpStorage::Speed:
-        if (value == 0)
-        {
-            SetThrottle(policies, ac, PO_THROTTLE_ADAPTIVE, kFullSpeed);
-        }
-        else
-        {
-            SetThrottle(policies, ac, PO_THROTTLE_NONE, static_cast<UCHAR>(value));
-        }
-        return true;
+        SetThrottle(policies, ac, value == 0 ? PO_THROTTLE_ADAPTIVE : PO_THROTTLE_NONE,
+                    value == 0 ? kFullSpeed : static_cast<UCHAR>(value));
+        break;
     case XpStorage::Unsupported:
     case XpStorage::File:
         break;
@@ -75,9 +69,8 @@ int WriteToPolicies(int index, bool ac, const NamedVariable& variable, int value
     {
         return -1;
     }
-    if (!xp::Accepts(variable.name, value))
+    if (!Check(xp::Accepts(variable.name, value), L"ValidateData error"))
     {
-        CORVLBase::DBGOUT(L"ValidateData error");
         return -1;
     }
     if (!ChangePolicies(policies, ac, variable.row, value))
@@ -85,18 +78,12 @@ int WriteToPolicies(int index, bool ac, const NamedVariable& variable, int value
         return kIrreconcilable;
     }
     auto scheme = static_cast<UINT>(index);
-    if (!WriteProcessorPwrScheme(scheme, &policies.processor))
-    {
-        CORVLBase::DBGOUT(L"::WriteProcessorPwrScheme error");
-        return -1;
-    }
     // Without a name and a description these stay as they are.
-    if (!WritePwrScheme(&scheme, nullptr, nullptr, &policies.power))
-    {
-        CORVLBase::DBGOUT(L"::WritePwrScheme error");
-        return -1;
-    }
-    return 1;
+    const bool isWritten =
+        Check(WriteProcessorPwrScheme(scheme, &policies.processor) != FALSE,
+              L"::WriteProcessorPwrScheme error") &&
+        Check(WritePwrScheme(&scheme, nullptr, nullptr, &policies.power) != FALSE, L"::WritePwrScheme error");
+    return isWritten ? 1 : -1;
 }
 
 int WriteToFile(int index, bool ac, const NamedVariable& variable, int value) noexcept

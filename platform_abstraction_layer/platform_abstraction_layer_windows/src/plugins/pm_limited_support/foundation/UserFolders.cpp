@@ -1,16 +1,18 @@
-// foundation/UserLookup.cpp
+// foundation/UserFolders.cpp
 //
-// The lookup by account name: account database, SID, loaded hive, local application data folder.
+// The configuration folder of the running account, and the lookup by account name: account database, SID,
+// loaded hive, local application data folder.
 
-#include "foundation/UserLookup.h"
+#include "foundation/UserFolders.h"
 
+#include "foundation/Log.h"
+#include "foundation/OrvlBase.h"
 #include "foundation/Owners.h"
-#include "foundation/PmLog.h"
 #include "foundation/Registry.h"
-#include "foundation/SystemFolders.h"
 #include "foundation/Text.h"
 
 #include <sddl.h>
+#include <shlobj.h>
 
 #include <iterator>
 
@@ -66,6 +68,38 @@ bool ReadLocalAppData(const wchar_t* keyName, wchar_t (&folder)[text::kPathCapac
 
 } // namespace
 
+void folders::AppendConfigurationFolder(wchar_t* folder, std::size_t capacity) noexcept
+{
+    const std::size_t length = text::Length(folder, capacity);
+    if (length > 0 && folder[length - 1] != L'\\')
+    {
+        text::Append(folder, capacity, L"\\");
+    }
+    text::Append(folder, capacity, L"Kelvo\\ORVL\\Cfg");
+}
+
+bool folders::GetConfigurationFolder(wchar_t* target, std::size_t capacity) noexcept
+{
+    text::Copy(target, capacity, nullptr);
+
+    // The system asks for room for a whole path, whatever room the caller has.
+    wchar_t folder[MAX_PATH] = {};
+    const HRESULT found = SHGetFolderPathW(nullptr, CSIDL_LOCAL_APPDATA, nullptr, 0, folder);
+    if (FAILED(found))
+    {
+        CORVLBase::DBGOUT(L"SHGetFolderPath failed for %ld", found);
+        return false;
+    }
+    // Empty for a folder that the account doesn't have yet, which the system doesn't count as a failure.
+    if (folder[0] == L'\0')
+    {
+        return false;
+    }
+    text::Copy(target, capacity, folder);
+    AppendConfigurationFolder(target, capacity);
+    return true;
+}
+
 int GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t* subKey, wchar_t* profilePath) noexcept
 {
     PmLog(L"enter GetCurrentUserSubkeyProfilePath, %s=userID", userName);
@@ -76,12 +110,11 @@ int GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t* subKey, wc
     }
     text::Copy(subKey, text::kPathCapacity, static_cast<const wchar_t*>(sid.Get()));
     PmLog(L"Get subkey is %s", subKey);
-    wchar_t keyName[text::kPathCapacity];
-    text::Format(keyName, L"%s\\%s", subKey, kShellFolders);
-    PmLog(L"Get shell folder subkey is %s", keyName);
+    const text::Formatted<text::kPathCapacity> keyName(L"%s\\%s", subKey, kShellFolders);
+    PmLog(L"Get shell folder subkey is %s", keyName.Text());
 
     wchar_t folder[text::kPathCapacity];
-    if (!ReadLocalAppData(keyName, folder))
+    if (!ReadLocalAppData(keyName.Text(), folder))
     {
         return 0;
     }
@@ -89,8 +122,7 @@ int GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t* subKey, wc
     {
         return 1;
     }
-    text::AppendSeparator(folder, std::size(folder));
-    text::Append(folder, folders::kConfigurationFolder);
+    folders::AppendConfigurationFolder(folder, std::size(folder));
     text::Copy(profilePath, text::kPathCapacity, folder);
     PmLog(L"get profile path %s", profilePath);
     return 1;
