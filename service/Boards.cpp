@@ -57,7 +57,7 @@ bool Boards::Take(Request& request)
 {
     request = {};
     // Reset before reading: a request that arrives meanwhile rings again.
-    m_parameters.Flag(1);
+    static_cast<void>(m_parameters.Flag(1));
 
     BYTE board[kSize];
     if (!Retry([&] { return m_parameters.Read(0, board, sizeof board); }))

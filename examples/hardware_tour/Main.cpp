@@ -82,7 +82,10 @@ bool TourGraphics()
     const int first = graphics.GetEblLevel();
     for (const int word : {kWord, first})
     {
-        graphics.SetEblLevel(word);
+        if (graphics.SetEblLevel(word) == -1)
+        {
+            return false;
+        }
         std::printf("  set 0x%08X, reads 0x%08X\n", static_cast<unsigned>(word),
                     static_cast<unsigned>(graphics.GetEblLevel()));
     }
@@ -99,8 +102,12 @@ LONG ListDevices(CDevMgr& devices, const wchar_t* wanted)
         wchar_t description[kTextCapacity] = {};
         ULONG status = 0;
         ULONG problem = 0;
-        devices.GetDesc(static_cast<ULONG>(index), description, sizeof description);
-        devices.GetDeviceStatus(static_cast<ULONG>(index), &status, &problem);
+        if (devices.GetDesc(static_cast<ULONG>(index), description, sizeof description) < 0 ||
+            devices.GetDeviceStatus(static_cast<ULONG>(index), &status, &problem) < 0)
+        {
+            std::printf("  %2d  can't be read\n", static_cast<int>(index));
+            continue;
+        }
         const bool isRunning = (status & DN_STARTED) != 0;
         std::printf("  %2d  %-44s %s\n", static_cast<int>(index), Narrow(description).c_str(),
                     isRunning ? "running" : "stopped");

@@ -40,7 +40,8 @@ protected:
         wchar_t description[512] = {};
         ULONG nameCapacity = 64;
         ULONG descriptionCapacity = 512;
-        engine.GetPwrSchemeNameDesc(scheme, name, &nameCapacity, description, &descriptionCapacity);
+        EXPECT_NE(
+            0, engine.GetPwrSchemeNameDesc(scheme, name, &nameCapacity, description, &descriptionCapacity));
         return seeding::Utf8(name) + ": " + seeding::Utf8(description);
     }
 };

@@ -90,7 +90,7 @@ TEST_F(PresentState, AutoRunTakesBothEntriesOutAndRecordsAnyFlag)
                   seeding::GetNumber(HKEY_LOCAL_MACHINE, kApplicationKey, "AutoRunFlag"));
     }
     EXPECT_FALSE(seeding::GetText(HKEY_LOCAL_MACHINE, kRunKey, "ORVA.exe").has_value());
-    EXPECT_THAT(LinesOf([&] { engine.SetAutoRunORVA(1, nullptr, 9); }),
+    EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.SetAutoRunORVA(1, nullptr, 9)); }),
                 ElementsAre("WriteAutoRunSettings: Write ORVA path into Run failed at 87"));
 }
 

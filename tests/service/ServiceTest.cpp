@@ -128,8 +128,8 @@ IpbDataHeader Post(DWORD code, DWORD size, wchar_t fill)
     EXPECT_EQ(0, parameters.Reset(L"ORVL_IPB_PARA", 1024, 0, 0));
     EXPECT_EQ(0, results.Reset(L"ORVL_IPB_RSLT", 1024, 0, 0));
     EXPECT_EQ(0, parameters.Paste(0, &request, static_cast<LONG>(sizeof request)));
-    results.Flag(1);
-    parameters.Flag(0);
+    EXPECT_NE(0, results.Flag(1));
+    EXPECT_NE(0, parameters.Flag(0));
     EXPECT_EQ(1, results.IsDataAvailble(kLongEnough));
     IpbDataHeader answer{};
     EXPECT_EQ(0, results.Read(0, &answer, sizeof answer));

@@ -41,4 +41,4 @@ struct FoundAdapter
 };
 
 /// The first adapter whose description contains one of the words. False when there is none.
-bool FindAdapter(const AdapterSearch& search, FoundAdapter& found) noexcept;
+[[nodiscard]] bool FindAdapter(const AdapterSearch& search, FoundAdapter& found) noexcept;

@@ -25,7 +25,7 @@ public:
     ~CBatAgent() override;
 
     /// Opens the batteries. 0, or 0x80004005 with those that were opened before kept.
-    LONG Setup() noexcept;
+    [[nodiscard]] LONG Setup() noexcept;
 
     /// Closes the batteries; the count stays. Always 0.
     LONG Cleanup() noexcept;
@@ -36,15 +36,15 @@ public:
     /// The batteries that `Setup` found, those included that couldn't be opened.
     ULONG GetBatteryCount() noexcept;
 
-    LONG GetInfo(int index, _BATTERY_INFORMATION& info) noexcept;
-    LONG GetStatus(int index, _BATTERY_STATUS& status) noexcept;
-    LONG GetTemperature(int index, ULONG& value) noexcept;
-    LONG GetManufactureDate(int index, _BATTERY_MANUFACTURE_DATE& date) noexcept;
+    [[nodiscard]] LONG GetInfo(int index, _BATTERY_INFORMATION& info) noexcept;
+    [[nodiscard]] LONG GetStatus(int index, _BATTERY_STATUS& status) noexcept;
+    [[nodiscard]] LONG GetTemperature(int index, ULONG& value) noexcept;
+    [[nodiscard]] LONG GetManufactureDate(int index, _BATTERY_MANUFACTURE_DATE& date) noexcept;
 
     /// Texts, into `size` bytes.
-    LONG GetManufactureName(int index, wchar_t* text, int size) noexcept;
-    LONG GetUniqueID(int index, wchar_t* text, int size) noexcept;
-    LONG GetSerialNumber(int index, wchar_t* text, int size) noexcept;
+    [[nodiscard]] LONG GetManufactureName(int index, wchar_t* text, int size) noexcept;
+    [[nodiscard]] LONG GetUniqueID(int index, wchar_t* text, int size) noexcept;
+    [[nodiscard]] LONG GetSerialNumber(int index, wchar_t* text, int size) noexcept;
 
     /// The system call of that name.
     static int GetSystemPowerStatus(_SYSTEM_POWER_STATUS* status) noexcept;
@@ -65,8 +65,8 @@ public:
 
 protected:
     /// Any information level, into `size` bytes.
-    LONG QueryBatteryInfo(int index, BATTERY_QUERY_INFORMATION_LEVEL level, void* buffer,
-                          ULONG size) noexcept;
+    [[nodiscard]] LONG QueryBatteryInfo(int index, BATTERY_QUERY_INFORMATION_LEVEL level, void* buffer,
+                                        ULONG size) noexcept;
 
     /// Takes the battery's tag, waiting up to five seconds for a battery to report.
     LONG QueryBatteryTag(int index) noexcept;
@@ -77,5 +77,6 @@ protected:
 
 private:
     bool IsOpen(int index) const noexcept;
-    LONG QueryText(int index, BATTERY_QUERY_INFORMATION_LEVEL level, wchar_t* text, int size) noexcept;
+    [[nodiscard]] LONG QueryText(int index, BATTERY_QUERY_INFORMATION_LEVEL level, wchar_t* text,
+                                 int size) noexcept;
 };

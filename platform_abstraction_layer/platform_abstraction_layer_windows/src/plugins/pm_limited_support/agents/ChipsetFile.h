@@ -38,13 +38,13 @@ struct FunctionEntry
 };
 
 /// Opens the file. False, with a line in the log, when it isn't there.
-bool InitializeChipsetFile(CORVLCfg& file) noexcept;
+[[nodiscard]] bool InitializeChipsetFile(CORVLCfg& file) noexcept;
 
 /// The kind that a section's "RegisterType" names. False for none.
-bool ReadRegisterKind(CORVLCfg& file, const wchar_t* section, RegisterKind& kind) noexcept;
+[[nodiscard]] bool ReadRegisterKind(CORVLCfg& file, const wchar_t* section, RegisterKind& kind) noexcept;
 
 /// True when `name`, case-sensitive, stands in the chipset's list of functions.
 bool IsListed(CORVLCfg& file, const wchar_t* chipset, const wchar_t* name) noexcept;
 
 /// Reads a function's section. False when it lacks something that its kind of register needs.
-bool ReadFunctionEntry(CORVLCfg& file, const wchar_t* section, FunctionEntry& entry) noexcept;
+[[nodiscard]] bool ReadFunctionEntry(CORVLCfg& file, const wchar_t* section, FunctionEntry& entry) noexcept;

@@ -18,7 +18,7 @@ public:
 
     /// Opens the channel and reads the processor's range. 1, or 0 on failure, which leaves the object as it
     /// was but closes the channel below major version 6.
-    int Initialize() noexcept;
+    [[nodiscard]] int Initialize() noexcept;
 
     /// The present percentage, or -1.
     int GetEblLevel() noexcept;
@@ -26,16 +26,16 @@ public:
     /// Goes to the lowest speed that reaches `level`, 1 to 100, and gives the percentage reached, which may
     /// stand above. -1 on failure, which can leave the ratio changed and the duty not, or only some cores.
     /// The calling thread stays bound to the last core written.
-    int SetEblLevel(int level) noexcept;
+    [[nodiscard]] int SetEblLevel(int level) noexcept;
 
 private:
     // What follows is asked of an initialised agent.
     ULONG GetCBRRange() noexcept;
     int CalcVID(int cbr) noexcept;
-    int SetCBR(int cbr) noexcept;
+    [[nodiscard]] int SetCBR(int cbr) noexcept;
     int GetCBR() noexcept;
     int GetModulation() noexcept;
-    int SetModulation(int duty) noexcept;
+    [[nodiscard]] int SetModulation(int duty) noexcept;
 
     ULONG m_nMinCBR = 0;
     ULONG m_nMaxCBR = 0;

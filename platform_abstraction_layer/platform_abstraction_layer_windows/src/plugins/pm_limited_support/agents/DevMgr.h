@@ -28,7 +28,7 @@ public:
     ~CDevMgr() override;
 
     /// Reads the options and adds all devices of the configured classes. 0, or 1 when it has run already.
-    LONG Setup() noexcept;
+    [[nodiscard]] LONG Setup() noexcept;
 
     /// Lets the devices go; `Setup` may follow.
     LONG Cleanup() noexcept;
@@ -44,39 +44,39 @@ public:
 
     /// Changes a device through the service or directly, as the options say; the service's result in the
     /// first case.
-    LONG ChangeState(ULONG index, OrvlDeviceAction action) noexcept;
+    [[nodiscard]] LONG ChangeState(ULONG index, OrvlDeviceAction action) noexcept;
 
     /// Changes a device through the service.
-    LONG DoStateChangeRemote(const wchar_t* instanceId, ULONG action) noexcept;
+    [[nodiscard]] LONG DoStateChangeRemote(const wchar_t* instanceId, ULONG action) noexcept;
 
     /// Changes a device directly. Nothing is done, and 0 given, when a device that isn't started or can't be
     /// disabled is to be disabled.
-    static LONG ExecStateChange(const wchar_t* instanceId, ULONG action) noexcept;
+    [[nodiscard]] static LONG ExecStateChange(const wchar_t* instanceId, ULONG action) noexcept;
 
     /// Changes the first device with that description, case ignored, directly.
-    LONG ExecStateChange2(const wchar_t* driverDesc, ULONG action) noexcept;
+    [[nodiscard]] LONG ExecStateChange2(const wchar_t* driverDesc, ULONG action) noexcept;
 
     /// The instance id of the first device in depth-first order of the device tree with that description,
     /// case ignored; `size` in characters.
-    LONG DrvDescToInstID(const wchar_t* driverDesc, wchar_t* instanceId, ULONG size) noexcept;
+    [[nodiscard]] LONG DrvDescToInstID(const wchar_t* driverDesc, wchar_t* instanceId, ULONG size) noexcept;
 
     /// Texts of a device, into `size` bytes.
-    LONG GetName(ULONG index, wchar_t* text, int size) noexcept;
-    LONG GetDesc(ULONG index, wchar_t* text, int size) noexcept;
-    LONG GetDevRegProp(ULONG index, ULONG property, wchar_t* text, int size) noexcept;
+    [[nodiscard]] LONG GetName(ULONG index, wchar_t* text, int size) noexcept;
+    [[nodiscard]] LONG GetDesc(ULONG index, wchar_t* text, int size) noexcept;
+    [[nodiscard]] LONG GetDevRegProp(ULONG index, ULONG property, wchar_t* text, int size) noexcept;
 
     /// The instance id of a device, into `size` characters.
-    LONG GetInstID(ULONG index, wchar_t* text, int size) noexcept;
+    [[nodiscard]] LONG GetInstID(ULONG index, wchar_t* text, int size) noexcept;
 
     /// Status bits and problem number of a device.
-    LONG GetDeviceStatus(ULONG index, ULONG* status, ULONG* problem) noexcept;
+    [[nodiscard]] LONG GetDeviceStatus(ULONG index, ULONG* status, ULONG* problem) noexcept;
 
 protected:
-    LONG DoStateChange(void* set, ULONG index, ULONG action) noexcept;
-    static LONG DoStateChange(void* set, _SP_DEVINFO_DATA* info, ULONG action) noexcept;
+    [[nodiscard]] LONG DoStateChange(void* set, ULONG index, ULONG action) noexcept;
+    [[nodiscard]] static LONG DoStateChange(void* set, _SP_DEVINFO_DATA* info, ULONG action) noexcept;
 
     /// Nonzero when `text` is a GUID in braces.
-    int GuidFromString(const wchar_t* text, _GUID* guid) noexcept;
+    [[nodiscard]] int GuidFromString(const wchar_t* text, _GUID* guid) noexcept;
 
     HWND m_hListenList = nullptr;
     HDEVINFO m_hDevInfoSet = nullptr; ///< null when not set up

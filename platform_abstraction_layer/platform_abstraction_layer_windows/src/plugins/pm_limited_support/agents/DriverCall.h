@@ -8,14 +8,15 @@
 /// Sends `function` over the channel and gives its result code. `dataLength` is the number of data bytes in
 /// the message that carries data, input or output; `output` is null where the control has none. `returned`
 /// gets the number of bytes that the driver gave.
-LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD dataLength,
-                DWORD& returned) noexcept;
+[[nodiscard]] LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD dataLength,
+                              DWORD& returned) noexcept;
 
 /// The same for a caller that doesn't need the number of bytes.
-LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD dataLength) noexcept;
+[[nodiscard]] LONG CallDriver(DriverFunction function, const void* input, void* output,
+                              DWORD dataLength) noexcept;
 
 /// Reads a model-specific register.
-LONG ReadMsrRecord(ULONG index, MsrRecord& record) noexcept;
+[[nodiscard]] LONG ReadMsrRecord(ULONG index, MsrRecord& record) noexcept;
 
 /// Writes the register that the record names, on the core that the caller runs on.
-LONG WriteMsrRecord(const MsrRecord& record) noexcept;
+[[nodiscard]] LONG WriteMsrRecord(const MsrRecord& record) noexcept;

@@ -28,7 +28,7 @@ public:
 
     /// Once, or again after `Cleanup`. 0, COM's code, 0x80004001 when the driver has no power interface,
     /// 0x80070005 when it is locked, 0x80004005 otherwise.
-    LONG Setup() noexcept;
+    [[nodiscard]] LONG Setup() noexcept;
 
     /// Closes the power handle and lets the interface go. Always 0.
     LONG Cleanup() noexcept;
@@ -41,7 +41,7 @@ public:
 
     /// Sets the three features. The word as given, or -1 with the earlier features already set; -1 as a
     /// word is refused. A feature that the driver doesn't have is skipped.
-    int SetEblLevel(int level) noexcept;
+    [[nodiscard]] int SetEblLevel(int level) noexcept;
 
 protected:
     PanelBridge* m_pInterface; ///< null when not set up

@@ -30,13 +30,14 @@ public:
     ~CEcAgent() override;
 
     /// Opens the channel. 0, 1 when that was done before, or the translated error.
-    LONG Setup() noexcept;
+    [[nodiscard]] LONG Setup() noexcept;
 
     /// Closes the channel by the channel's rule. Always 0.
     LONG Cleanup() noexcept;
 
     /// Evaluates any control method with one result word.
-    LONG ToExecCtrlMethod(ULONG method, ULONG* result, ULONG arg1, ULONG arg2, ULONG arg3) noexcept;
+    [[nodiscard]] LONG ToExecCtrlMethod(ULONG method, ULONG* result, ULONG arg1, ULONG arg2,
+                                        ULONG arg3) noexcept;
 
     int GetMaxLevels() noexcept;
     int GetMinLevel() noexcept;
@@ -68,16 +69,16 @@ public:
     int SelfTest(int unused) noexcept;
 
     /// The firmware's status word.
-    LONG GetStatus(ULONG* status) noexcept;
+    [[nodiscard]] LONG GetStatus(ULONG* status) noexcept;
 
     /// Reads one numbered item. 0x80070057 for a null pointer.
-    LONG GeneralRead(ULONG item, ULONG* value) noexcept;
+    [[nodiscard]] LONG GeneralRead(ULONG item, ULONG* value) noexcept;
 
     /// Writes one numbered item. 0x80070057 for a null pointer.
-    LONG GeneralWrite(ULONG item, ULONG value, ULONG* result) noexcept;
+    [[nodiscard]] LONG GeneralWrite(ULONG item, ULONG value, ULONG* result) noexcept;
 
     /// The extended battery record that `selector` names; 0x80070057 for a null pointer.
-    LONG GetBatteryExtends(_BATTERY_EXTEND_FIELDS* fields, ULONG selector) noexcept;
+    [[nodiscard]] LONG GetBatteryExtends(_BATTERY_EXTEND_FIELDS* fields, ULONG selector) noexcept;
 
     /// Not offered by the firmware: always 0x80004005, and nothing is called.
     int GetAudioJackin() noexcept;
@@ -105,5 +106,5 @@ protected:
 
 private:
     int ReadItem(ULONG item) noexcept;
-    int WriteItem(ULONG item, int value) noexcept;
+    [[nodiscard]] int WriteItem(ULONG item, int value) noexcept;
 };

@@ -22,13 +22,13 @@ public:
     ~CHwSBX() override;
 
     /// Opens the channel and, with `identify` nonzero, finds the chipset. 1 when it is known already.
-    LONG Setup(int identify) noexcept;
+    [[nodiscard]] LONG Setup(int identify) noexcept;
 
     /// Writes the bit of the function of that name, case-sensitive.
-    LONG FunctionDisable(const wchar_t* name, int disable) noexcept;
+    [[nodiscard]] LONG FunctionDisable(const wchar_t* name, int disable) noexcept;
 
     /// `*disabled` becomes 1 or 0.
-    LONG GetFunctionDisable(const wchar_t* name, int* disabled) noexcept;
+    [[nodiscard]] LONG GetFunctionDisable(const wchar_t* name, int* disabled) noexcept;
 
 protected:
     wchar_t m_szChipset[text::kPathCapacity]{}; ///< empty until the chipset is known
@@ -36,5 +36,5 @@ protected:
 private:
     class FunctionRegister;
 
-    LONG TestIdentification(CORVLCfg& file, const wchar_t* section, bool& matches) noexcept;
+    [[nodiscard]] LONG TestIdentification(CORVLCfg& file, const wchar_t* section, bool& matches) noexcept;
 };

@@ -19,35 +19,39 @@ public:
     ~CHwXA() override;
 
     /// Opens the channel. 0, 1 when that was done before, or the translated error.
-    LONG Setup() noexcept;
+    [[nodiscard]] LONG Setup() noexcept;
     void Cleanup() noexcept;
 
-    LONG ReadMSR(ULONG index, unsigned __int64* value) noexcept;
-    LONG WriteMSR(ULONG index, unsigned __int64* value) noexcept;
+    [[nodiscard]] LONG ReadMSR(ULONG index, unsigned __int64* value) noexcept;
+    [[nodiscard]] LONG WriteMSR(ULONG index, unsigned __int64* value) noexcept;
 
     /// `port` is cut to 16 bits; the driver judges `size` on reading, which is 1, 2 or 4 bytes on writing.
-    LONG ReadIoPort(ULONG port, void* buffer, USHORT size) noexcept;
-    LONG WriteIoPort(ULONG port, void* buffer, USHORT size) noexcept;
+    [[nodiscard]] LONG ReadIoPort(ULONG port, void* buffer, USHORT size) noexcept;
+    [[nodiscard]] LONG WriteIoPort(ULONG port, void* buffer, USHORT size) noexcept;
 
     /// Maps `length` bytes and gives a handle that `UnmapMemorySpace` takes back.
-    LONG MapMemorySpace(void* physicalAddress, ULONG length, void** mapping) noexcept;
+    [[nodiscard]] LONG MapMemorySpace(void* physicalAddress, ULONG length, void** mapping) noexcept;
 
     /// The handle is gone afterwards, whatever the driver answers.
     LONG UnmapMemorySpace(void* mapping) noexcept;
 
     /// Both work from the start of the mapping.
-    LONG ReadMemory(void* mapping, void* buffer, ULONG length) noexcept;
-    LONG WriteMemory(void* mapping, void* buffer, ULONG length) noexcept;
+    [[nodiscard]] LONG ReadMemory(void* mapping, void* buffer, ULONG length) noexcept;
+    [[nodiscard]] LONG WriteMemory(void* mapping, void* buffer, ULONG length) noexcept;
 
     /// `deviceName` has at most 49 characters and comes from `GetDeviceName`.
-    LONG ReadPCIConfig(const wchar_t* deviceName, ULONG offset, void* buffer, ULONG length) noexcept;
-    LONG WritePCIConfig(const wchar_t* deviceName, ULONG offset, void* buffer, ULONG length) noexcept;
+    [[nodiscard]] LONG ReadPCIConfig(const wchar_t* deviceName, ULONG offset, void* buffer,
+                                     ULONG length) noexcept;
+    [[nodiscard]] LONG WritePCIConfig(const wchar_t* deviceName, ULONG offset, void* buffer,
+                                      ULONG length) noexcept;
 
     /// A property of a device object. Every refusal is 0x80004005 here.
-    LONG GetDeviceProperty(ULONG property, wchar_t* deviceName, void* buffer, ULONG size) noexcept;
+    [[nodiscard]] LONG GetDeviceProperty(ULONG property, wchar_t* deviceName, void* buffer,
+                                         ULONG size) noexcept;
 
     /// The device object behind a PCI address, among the first 32. `capacity`, in characters, is above 50.
-    LONG GetDeviceName(ULONG bus, ULONG device, ULONG function, wchar_t* name, ULONG capacity) noexcept;
+    [[nodiscard]] LONG GetDeviceName(ULONG bus, ULONG device, ULONG function, wchar_t* name,
+                                     ULONG capacity) noexcept;
 
 protected:
     /// Asks all 32 device objects anew. An object that doesn't exist loses its place in the table; on any

@@ -26,7 +26,7 @@ public:
     /// took it. An adapter that has the value of the speed name takes any level as it is; one that has only
     /// the standard value takes the number of the level there, and none for a level above 5. For adapters of
     /// the second word, and all after the first of them, the speed name is that of the standard value.
-    int SetLanSpeed(int level) noexcept;
+    [[nodiscard]] int SetLanSpeed(int level) noexcept;
 
     /// The stored speed level of the first wired adapter that has one.
     int GetLanSpeed() noexcept;
@@ -59,6 +59,6 @@ protected:
 
 private:
     bool TakesSpeedFrom(HKEY adapter) noexcept;
-    bool StoreSpeed(HKEY adapter, int level) noexcept;
-    bool LoadSpeed(HKEY adapter, int& level) noexcept;
+    [[nodiscard]] bool StoreSpeed(HKEY adapter, int level) noexcept;
+    [[nodiscard]] bool LoadSpeed(HKEY adapter, int& level) noexcept;
 };

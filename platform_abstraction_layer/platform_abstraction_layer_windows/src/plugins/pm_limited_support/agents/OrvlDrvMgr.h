@@ -21,15 +21,16 @@ public:
 
     /// Opens the connection. From major version 6 on a connection in place is used; below, a new one
     /// replaces it. 0, or the translated error with the channel closed.
-    LONG Open() noexcept;
+    [[nodiscard]] LONG Open() noexcept;
 
     /// Closes the connection below major version 6; from 6 on it stays. Always 0.
     LONG Close() noexcept;
 
     /// Sends one request. 0, the driver's translated error, or 0x80004005 when the channel is closed or
     /// another thread is in a driver call: there is no waiting for the driver.
-    LONG DeviceIoControl(DWORD dwIoControlCode, LPVOID lpInBuffer, DWORD nInBufferSize, LPVOID lpOutBuffer,
-                         DWORD nOutBufferSize, LPDWORD lpBytesReturned, LPOVERLAPPED lpOverlapped) noexcept;
+    [[nodiscard]] LONG DeviceIoControl(DWORD dwIoControlCode, LPVOID lpInBuffer, DWORD nInBufferSize,
+                                       LPVOID lpOutBuffer, DWORD nOutBufferSize, LPDWORD lpBytesReturned,
+                                       LPOVERLAPPED lpOverlapped) noexcept;
 
 private:
     void ReplaceHandle(HANDLE handle) noexcept;
@@ -50,13 +51,14 @@ void TearDown() noexcept;
 extern "C"
 {
     /// `COrvlDrvMgr::Open`.
-    ORVL_API LONG OrvlDrvOpen() noexcept;
+    [[nodiscard]] ORVL_API LONG OrvlDrvOpen() noexcept;
 
     /// `COrvlDrvMgr::Close`.
     ORVL_API LONG OrvlDrvClose() noexcept;
 
     /// `COrvlDrvMgr::DeviceIoControl`.
-    ORVL_API LONG OrvlDrvIoControl(DWORD dwIoControlCode, LPVOID lpInBuffer, DWORD nInBufferSize,
-                                   LPVOID lpOutBuffer, DWORD nOutBufferSize, LPDWORD lpBytesReturned,
-                                   LPOVERLAPPED lpOverlapped) noexcept;
+    [[nodiscard]] ORVL_API LONG OrvlDrvIoControl(DWORD dwIoControlCode, LPVOID lpInBuffer,
+                                                 DWORD nInBufferSize, LPVOID lpOutBuffer,
+                                                 DWORD nOutBufferSize, LPDWORD lpBytesReturned,
+                                                 LPOVERLAPPED lpOverlapped) noexcept;
 }

@@ -18,26 +18,26 @@ public:
     static int IsVista() noexcept;
 
     /// Loads "dwmapi.dll", once for the process. 0 or 0x80004005.
-    static LONG LoadDwmLibrary() noexcept;
+    [[nodiscard]] static LONG LoadDwmLibrary() noexcept;
 
     /// Switches desktop composition. The system's result, or 0x80004005 where it has none.
     static LONG SetAero(int enable) noexcept;
 
     /// Tells whether desktop composition is on. The system's result, or 0x80004005 where it has none.
-    static LONG IsAeroOn(int* enabled) noexcept;
+    [[nodiscard]] static LONG IsAeroOn(int* enabled) noexcept;
 
     /// Does nothing. Always 0.
     static LONG SetLinkPowerMgr(int mode) noexcept;
 
     /// Reads a value. 0x80004005 for a null root, subkey, name or type; a registry failure gives the last
     /// error, which the registry functions needn't set, so the result can be 0 then.
-    static LONG ReadRegValue(HKEY root, const wchar_t* subkey, const wchar_t* name, ULONG* type,
-                             unsigned char* data, ULONG* size) noexcept;
+    [[nodiscard]] static LONG ReadRegValue(HKEY root, const wchar_t* subkey, const wchar_t* name, ULONG* type,
+                                           unsigned char* data, ULONG* size) noexcept;
 
     /// Writes a value of an existing key, under the rules of `ReadRegValue`; no pointer may be null.
     /// `reserved` isn't used.
-    static LONG WriteRegValue(HKEY root, const wchar_t* subkey, const wchar_t* name, ULONG reserved,
-                              ULONG* type, void* data, ULONG* size) noexcept;
+    [[nodiscard]] static LONG WriteRegValue(HKEY root, const wchar_t* subkey, const wchar_t* name,
+                                            ULONG reserved, ULONG* type, void* data, ULONG* size) noexcept;
 
 protected:
     /// A function of the composition library, or null with a line in the log.

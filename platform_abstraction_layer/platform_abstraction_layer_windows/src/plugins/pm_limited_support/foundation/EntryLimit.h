@@ -16,7 +16,7 @@ public:
     }
 
     /// How many of `count` entries a walk may read. A negative count is none.
-    int Take(int count) noexcept
+    [[nodiscard]] int Take(int count) noexcept
     {
         const int taken = std::clamp(count, 0, m_left);
         m_wasReached = m_wasReached || taken < count;
@@ -27,7 +27,7 @@ public:
     /// The same for a list without gaps: a count that only damage explains is believed as far as
     /// `isThere(entry)` holds from the first entry on. Those entries are read twice.
     template <class IsThere>
-    int Take(int count, IsThere isThere) noexcept
+    [[nodiscard]] int Take(int count, IsThere isThere) noexcept
     {
         constexpr int kManyEntries = 1000;
         if (count <= kManyEntries)

@@ -9,7 +9,7 @@
 
 /// Turns a GUID text in braces into `guid`, by the system's own parser. Nonzero on success; 0 for any other
 /// text and where the system has no parser. The parser's library stays loaded.
-int ParseGuid(const wchar_t* text, GUID* guid) noexcept;
+[[nodiscard]] int ParseGuid(const wchar_t* text, GUID* guid) noexcept;
 
 /// Characters of what `FormatGuid` gives, without the terminator.
 constexpr ULONG kGuidTextLength = 39;

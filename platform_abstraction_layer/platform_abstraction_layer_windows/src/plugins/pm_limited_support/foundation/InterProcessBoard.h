@@ -26,20 +26,20 @@ public:
     CInterProcessBoard& operator=(const CInterProcessBoard&) noexcept;
 
     /// Closes what is open, then creates the board with `size` bytes (`create` nonzero) or opens it.
-    LONG Reset(const wchar_t* name, LONG size, int create, ULONG instance) noexcept;
+    [[nodiscard]] LONG Reset(const wchar_t* name, LONG size, int create, ULONG instance) noexcept;
 
     /// Copies `size` bytes to the board at `offset`; a null `data` writes zeros. Fails at once when the lock
     /// is held, and when the range is negative or ends behind the board's last page of memory.
-    LONG Paste(LONG offset, void* data, LONG size) noexcept;
+    [[nodiscard]] LONG Paste(LONG offset, void* data, LONG size) noexcept;
 
     /// Copies `size` bytes from the board at `offset`, under the rules of `Paste`.
-    LONG Read(LONG offset, void* data, LONG size) noexcept;
+    [[nodiscard]] LONG Read(LONG offset, void* data, LONG size) noexcept;
 
     /// Writes `size` zeros at `offset`.
-    LONG Clear(LONG offset, LONG size) noexcept;
+    [[nodiscard]] LONG Clear(LONG offset, LONG size) noexcept;
 
     /// Takes the lock, waiting up to `timeout` milliseconds.
-    LONG Lock(LONG timeout) noexcept;
+    [[nodiscard]] LONG Lock(LONG timeout) noexcept;
 
     /// Gives the lock back.
     LONG UnLock() noexcept;
@@ -49,15 +49,15 @@ public:
     int IsLocked() noexcept;
 
     /// 1 when the event is signalled within `timeout` milliseconds, else 0.
-    int IsDataAvailble(ULONG timeout) noexcept;
+    [[nodiscard]] int IsDataAvailble(ULONG timeout) noexcept;
 
     /// Resets the event (`reset` nonzero) or sets it; the system call's result.
-    int Flag(int reset) noexcept;
+    [[nodiscard]] int Flag(int reset) noexcept;
 
     /// "Global\", kind, name and instance in `buffer` of `size` characters. 1, or 0 with `buffer` left alone
     /// for a null pointer or a name that doesn't fit.
-    int ConstructName(const wchar_t* kind, const wchar_t* name, wchar_t* buffer, int size,
-                      ULONG instance) noexcept;
+    [[nodiscard]] int ConstructName(const wchar_t* kind, const wchar_t* name, wchar_t* buffer, int size,
+                                    ULONG instance) noexcept;
 
 protected:
     /// Closes the event, the mapping and the lock. Always 0.

@@ -31,13 +31,14 @@ public:
     /// milliseconds for its answer. The service's result value, or 0x80004005 when the boards can't be
     /// reached, the text doesn't fit, the wait ends without an answer or the service sends a failure notice.
     /// `reply` is not written.
-    LONG ServiceCall(unsigned int code, const wchar_t* text, ULONG value, IpbDataHeader* reply,
-                     ULONG timeout) noexcept;
+    [[nodiscard]] LONG ServiceCall(unsigned int code, const wchar_t* text, ULONG value, IpbDataHeader* reply,
+                                   ULONG timeout) noexcept;
 
     /// Looks for the loaded hive whose "Logon User Name" is `userName`. 1 when it was found and read:
     /// `subKey` (260 characters) is then the user's power policies below HKEY_USERS, `profilePath` the
     /// user's local application data folder, whose capacity in bytes `profileSize` gives on entry and whose
     /// size in bytes on return. Else 0. `subKeySize` isn't used.
-    int GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t* subKey, ULONG* subKeySize,
-                                        wchar_t* profilePath, ULONG* profileSize) noexcept;
+    [[nodiscard]] int GetCurrentUserSubkeyProfilePath(const wchar_t* userName, wchar_t* subKey,
+                                                      ULONG* subKeySize, wchar_t* profilePath,
+                                                      ULONG* profileSize) noexcept;
 };

@@ -20,16 +20,16 @@ public:
     /// Takes the folder from "CfgPath" and joins `file`. 1 when the file exists. 0 when it doesn't, with the
     /// path set, or when the registry can't be read or the path doesn't fit, with the path as it was. Creates
     /// nothing.
-    int Initialize(const wchar_t* file) noexcept;
+    [[nodiscard]] int Initialize(const wchar_t* file) noexcept;
 
     /// The same operation under a second name.
-    int InitializeInstallPath(const wchar_t* file) noexcept;
+    [[nodiscard]] int InitializeInstallPath(const wchar_t* file) noexcept;
 
     const wchar_t* GetFullPath() noexcept;
 
     /// The folder of the module "ORVLDLL.DLL" without a final separator; `size` in characters. Null when
     /// the process has no such module or the path doesn't fit.
-    wchar_t* GetDllPath(wchar_t* buffer, int size) noexcept;
+    [[nodiscard]] wchar_t* GetDllPath(wchar_t* buffer, int size) noexcept;
 
     /// The parent of that folder, or null.
     wchar_t* GetHomePath(wchar_t* buffer, int size) noexcept;

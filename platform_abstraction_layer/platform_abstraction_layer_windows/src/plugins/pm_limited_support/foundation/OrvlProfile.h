@@ -19,7 +19,7 @@ public:
     /// configuration folder of the running account; with `whereIsUser` 0 `where` is a folder, otherwise an
     /// account name. 1 when the file exists afterwards, else 0. Without a folder, or when the path doesn't
     /// fit, nothing is created and the path is empty.
-    int Initialize(const wchar_t* file, const wchar_t* where, int whereIsUser) noexcept;
+    [[nodiscard]] int Initialize(const wchar_t* file, const wchar_t* where, int whereIsUser) noexcept;
 
     /// The configuration folder of the running account, `size` in characters; null when it can't be had.
     wchar_t* GetHomePath(wchar_t* buffer, int size) noexcept;

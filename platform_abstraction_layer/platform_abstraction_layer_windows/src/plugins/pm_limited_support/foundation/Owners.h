@@ -58,7 +58,7 @@ public:
         }
     }
     /// Gives the value away; the caller owns it.
-    Value Detach() noexcept
+    [[nodiscard]] Value Detach() noexcept
     {
         return std::exchange(m_value, Empty());
     }
@@ -133,7 +133,7 @@ using View = Owner<void*, Unmap>;
 using Module = Owner<HMODULE, ReleaseModule>;
 
 /// `size` bytes of zeros from the process heap; the owner is empty when there is no memory.
-inline HeapBlock AllocateBlock(std::size_t size) noexcept
+[[nodiscard]] inline HeapBlock AllocateBlock(std::size_t size) noexcept
 {
     return HeapBlock(HeapAlloc(GetProcessHeap(), HEAP_ZERO_MEMORY, size));
 }

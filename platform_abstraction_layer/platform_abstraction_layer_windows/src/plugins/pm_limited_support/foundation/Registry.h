@@ -15,12 +15,13 @@ namespace registry
 /// value's own size. The text in `target` is always terminated; a value that fills the whole buffer loses its
 /// last character to the terminator. The system's code: ERROR_MORE_DATA when the room is too small, and
 /// `target` is then empty, as after every failure. The value may be of any type; who asks gets it in `type`.
-LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t* target, DWORD& bytes,
-                 DWORD* type = nullptr) noexcept;
+[[nodiscard]] LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t* target, DWORD& bytes,
+                               DWORD* type = nullptr) noexcept;
 
 /// The same into an array, for callers who don't want the size.
 template <std::size_t N>
-LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t (&target)[N], DWORD* type = nullptr) noexcept
+[[nodiscard]] LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t (&target)[N],
+                               DWORD* type = nullptr) noexcept
 {
     auto bytes = static_cast<DWORD>(sizeof target);
     return ReadText(key, name, target, bytes, type);
@@ -30,8 +31,8 @@ LSTATUS ReadText(HKEY key, const wchar_t* name, wchar_t (&target)[N], DWORD* typ
 /// `*bytes` bytes; on return `*bytes` is the value's own size. The system's code, or ERROR_INVALID_DATA for a
 /// value of another type or with fewer bytes than the record, whose bytes are then in `target` all the same.
 /// Without a size (`bytes` null) nothing is a record.
-LSTATUS ReadRecord(HKEY key, const wchar_t* name, unsigned char* target, DWORD* bytes,
-                   DWORD recordSize) noexcept;
+[[nodiscard]] LSTATUS ReadRecord(HKEY key, const wchar_t* name, unsigned char* target, DWORD* bytes,
+                                 DWORD recordSize) noexcept;
 
 /// The number that a log line gives of a failed `ReadRecord`: the last error, but ERROR_INVALID_DATA where
 /// the system's own query succeeded.

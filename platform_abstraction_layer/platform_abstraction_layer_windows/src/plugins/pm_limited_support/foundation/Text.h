@@ -67,7 +67,7 @@ int ToInt(const wchar_t* source) noexcept;
 
 /// Scans `source` as "%x" does: blanks, a sign, an optional prefix, hexadecimal digits; false when there is
 /// no digit. Overflow wraps.
-bool ScanHex(const wchar_t* source, ULONG& value) noexcept;
+[[nodiscard]] bool ScanHex(const wchar_t* source, ULONG& value) noexcept;
 
 /// Converts narrow text in the ANSI code page up to its terminator or `length` bytes, whichever comes
 /// first. A text that is too long is cut. Gives the characters written before the terminator.

@@ -43,7 +43,7 @@ LONG ProcessORVARequest(CPluginHelper& context, const PM_Request& request, const
 
 /// The number of the command of this name, case-sensitively; `name` ends at its first NUL or
 /// after 32 bytes. 1, or 0 with `number` left alone for any other name.
-int CommandNumberFromName(const char* name, LONG* number) noexcept;
+[[nodiscard]] int CommandNumberFromName(const char* name, LONG* number) noexcept;
 
 /// The command with this number, which must be one that `CommandNumberFromName` gave.
 const Command& CommandWithNumber(LONG number) noexcept;

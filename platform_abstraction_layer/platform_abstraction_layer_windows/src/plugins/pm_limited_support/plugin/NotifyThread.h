@@ -21,7 +21,7 @@ void TearDown() noexcept;
 /// Creates event and thread and stores their handles in the context. True also when they are there already;
 /// false, with nothing left behind, when one can't be created. A thread whose wait fails takes its handles
 /// out of the context again, so that the next start makes a new one.
-bool Start(CPluginHelper& context) noexcept;
+[[nodiscard]] bool Start(CPluginHelper& context) noexcept;
 
 /// Asks the thread to end; the context's handles are null from now on. Returns when neither that thread nor
 /// one of another start that is over runs any more. Called on such a thread, it waits for none: that thread

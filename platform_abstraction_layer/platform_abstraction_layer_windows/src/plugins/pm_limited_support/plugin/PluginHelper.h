@@ -40,7 +40,7 @@ public:
     LONG HandleRequest(const PM_Request* request) noexcept;
 
     /// The slot of `userName`, 0 to 15; a new user is resolved first. -1 when that fails.
-    int GetUserInfoIndex(const wchar_t* userName) noexcept;
+    [[nodiscard]] int GetUserInfoIndex(const wchar_t* userName) noexcept;
 
     /// Tells the host of a change; without a host or its function the event is dropped.
     void SendHostEvent(const char* eventName, LONG value) noexcept;

@@ -13,11 +13,11 @@ namespace request_io
 {
 
 /// True when `paramsLen` is as the command wants it.
-bool IsLengthRight(const PM_Request& request, const CommandInfo& command) noexcept;
+[[nodiscard]] bool IsLengthRight(const PM_Request& request, const CommandInfo& command) noexcept;
 
 /// True when every pointer that the command will use is there: the payload's when its length is right, both
 /// of a required reply.
-bool HasRequiredPointers(const PM_Request& request, const CommandInfo& command) noexcept;
+[[nodiscard]] bool HasRequiredPointers(const PM_Request& request, const CommandInfo& command) noexcept;
 
 /// The payload as a record; its length and pointer have been checked.
 template <class Record>

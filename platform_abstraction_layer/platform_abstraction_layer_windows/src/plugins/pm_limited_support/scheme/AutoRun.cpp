@@ -32,7 +32,7 @@ LSTATUS WritePath(HKEY key, const wchar_t* path, ULONG size) noexcept
 void RecordFlagInFile(int flag) noexcept
 {
     CORVLCfg root;
-    files::OpenRoot(root);
+    static_cast<void>(files::OpenRoot(root));
     root.PutInt(L"ORVACfg", L"AutoRun", flag);
 }
 

@@ -13,19 +13,19 @@ namespace add
 {
 
 int Copy(CSchemeEx& engine, const wchar_t* name, const wchar_t* description, int from) noexcept;
-int CopyForUser(CSchemeEx& engine, const wchar_t* name, const wchar_t* description, int from,
-                const wchar_t* user) noexcept;
-int WholeForUser(CSchemeEx& engine, PWRSET& set, const wchar_t* user) noexcept;
+[[nodiscard]] int CopyForUser(CSchemeEx& engine, const wchar_t* name, const wchar_t* description, int from,
+                              const wchar_t* user) noexcept;
+[[nodiscard]] int WholeForUser(CSchemeEx& engine, PWRSET& set, const wchar_t* user) noexcept;
 
 } // namespace add
 
 namespace apply
 {
 
-int ForMachine(CSchemeEx& engine, int index) noexcept;
+[[nodiscard]] int ForMachine(CSchemeEx& engine, int index) noexcept;
 
 /// The same, and records the choice of the engine's user.
-int ForUser(CSchemeEx& engine, int index) noexcept;
+[[nodiscard]] int ForUser(CSchemeEx& engine, int index) noexcept;
 
 } // namespace apply
 
@@ -66,7 +66,7 @@ int FindByName(const PowerBackend& backend, const wchar_t* name) noexcept;
 
 // Nonzero when the walk took place.
 
-int Visit(const PowerBackend& backend, PwrSchemeCallback callback, LONG argument) noexcept;
+[[nodiscard]] int Visit(const PowerBackend& backend, PwrSchemeCallback callback, LONG argument) noexcept;
 int Copy(const PowerBackend& backend, Request request) noexcept;
 
 } // namespace scheme_texts

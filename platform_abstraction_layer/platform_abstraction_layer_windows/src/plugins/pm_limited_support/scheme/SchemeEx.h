@@ -57,14 +57,15 @@ public:
 
     /// The text of one option into `buffer` of `size` characters. Its length; -1 for an option that isn't
     /// below the count and for an empty text.
-    int GetPwrVariableOptDesc(const wchar_t* name, int option, wchar_t* buffer, int size) noexcept;
+    [[nodiscard]] int GetPwrVariableOptDesc(const wchar_t* name, int option, wchar_t* buffer,
+                                            int size) noexcept;
 
     /// The unit's text into `buffer` of `size` characters. Its length; -1 for an empty text.
-    int GetPwrVariableUnit(const wchar_t* name, wchar_t* buffer, int size) noexcept;
+    [[nodiscard]] int GetPwrVariableUnit(const wchar_t* name, wchar_t* buffer, int size) noexcept;
 
     /// The display name into `buffer` of `size` characters. 0; -1 for a name outside the table and for an
     /// empty text. 0 with `buffer` left alone for the USB ports, which have no display name.
-    int GetPwrVariableName(const wchar_t* name, wchar_t* buffer, int size) noexcept;
+    [[nodiscard]] int GetPwrVariableName(const wchar_t* name, wchar_t* buffer, int size) noexcept;
 
     // Reading.
 
@@ -121,7 +122,7 @@ public:
 
     /// 1 and the GUID of a row, or 0. A row whose scheme the operating system no longer knows is removed
     /// with all that it holds.
-    int SchemeIndexToGuid(int index, GUID* guid) noexcept;
+    [[nodiscard]] int SchemeIndexToGuid(int index, GUID* guid) noexcept;
 
     /// The row that holds `guid`, or -1. A GUID text that doesn't parse ends the search.
     int SchemeGuidToIndex(const GUID* guid) noexcept;
@@ -134,10 +135,11 @@ public:
     int ReadUserActivePowerScheme(const wchar_t* subKey) noexcept;
 
     /// The user part of a scheme from the key `subKey` below HKEY_USERS into `*size` bytes. 1 or 0.
-    int ReadUserPowerPolicy(int index, const wchar_t* subKey, unsigned char* data, ULONG* size) noexcept;
+    [[nodiscard]] int ReadUserPowerPolicy(int index, const wchar_t* subKey, unsigned char* data,
+                                          ULONG* size) noexcept;
 
     /// The machine part of a scheme into `*size` bytes. 1 or 0.
-    int ReadMachinePowerPolicy(int index, unsigned char* data, ULONG* size) noexcept;
+    [[nodiscard]] int ReadMachinePowerPolicy(int index, unsigned char* data, ULONG* size) noexcept;
 
     // Applying.
 
@@ -157,14 +159,15 @@ public:
 
     /// Copies scheme `from` under a new name. The new scheme's number; -1 on failure, -2 when the user has
     /// a scheme of that name. A name has at most 29 characters, blanks at its ends not counted.
-    int AddPwrScheme(const wchar_t* name, const wchar_t* desc, int from, const wchar_t* user) noexcept;
+    [[nodiscard]] int AddPwrScheme(const wchar_t* name, const wchar_t* desc, int from,
+                                   const wchar_t* user) noexcept;
 
     /// The same without an owner; -2 when the operating system has a scheme of that name.
-    int AddPwrScheme(const wchar_t* name, const wchar_t* desc, int from) noexcept;
+    [[nodiscard]] int AddPwrScheme(const wchar_t* name, const wchar_t* desc, int from) noexcept;
 
     /// The same for a whole scheme: copies scheme `set.schemeID`, writes the values of `set` into the new
     /// scheme and stores its number in `set.schemeID`.
-    int AddPwrScheme(PWRSET& set, const wchar_t* user) noexcept;
+    [[nodiscard]] int AddPwrScheme(PWRSET& set, const wchar_t* user) noexcept;
 
     /// Enters the user of `m_szSubKey` in the list of users unless the user is listed already. 1, or -1 when
     /// the file can't be opened or has too many entries. `user` is logged.
@@ -175,7 +178,7 @@ public:
     int AddtoUserScheme(const wchar_t* name, const wchar_t* user, int number) noexcept;
 
     /// Renames a scheme in the operating system; the user scheme file keeps the old name. `index` or -1.
-    int SetPwrSchemeNameDesc(int index, const wchar_t* name, const wchar_t* desc) noexcept;
+    [[nodiscard]] int SetPwrSchemeNameDesc(int index, const wchar_t* name, const wchar_t* desc) noexcept;
 
     // Deleting and enumerating.
 
@@ -192,8 +195,8 @@ public:
 
     /// Name and description of a scheme; the lengths are the buffers' capacities in characters and don't
     /// change. A null buffer is skipped. Nonzero, or 0 when the scheme isn't there and on the Vista path.
-    int GetPwrSchemeNameDesc(int index, wchar_t* name, ULONG* nameLen, wchar_t* desc,
-                             ULONG* descLen) noexcept;
+    [[nodiscard]] int GetPwrSchemeNameDesc(int index, wchar_t* name, ULONG* nameLen, wchar_t* desc,
+                                           ULONG* descLen) noexcept;
 
     // Clearing; best effort.
 
@@ -221,10 +224,10 @@ public:
     // The companion application's start with Windows. No field is used.
 
     /// Changes the "Run" key: 1 enters `path` (`size` characters), 0 removes it. 1 or 0.
-    int WriteAutoRunSettings(int flag, const wchar_t* path, ULONG size) noexcept;
+    [[nodiscard]] int WriteAutoRunSettings(int flag, const wchar_t* path, ULONG size) noexcept;
 
     /// The same, and records the flag in registry and configuration. 1 or 0.
-    int SetAutoRunORVA(int flag, const wchar_t* path, ULONG size) noexcept;
+    [[nodiscard]] int SetAutoRunORVA(int flag, const wchar_t* path, ULONG size) noexcept;
 
     // The processor in the active scheme, on the present power source.
 
@@ -260,13 +263,13 @@ public:
     /// One item of the firmware's or the operating system's battery record by the name that the
     /// configuration gives it, copied to `value` in the configured size: room for 4 bytes serves a plain
     /// number, 36 bytes serve every item. 0, also for an unknown name with `value` untouched, or -1.
-    int GetBatteryInformation(int index, wchar_t const* name, ULONG* value) noexcept;
+    [[nodiscard]] int GetBatteryInformation(int index, wchar_t const* name, ULONG* value) noexcept;
 
     // Live device state by a variable's name.
 
     /// A radio: 1 in `status` for on; the result is the firmware's value or -1. A chipset function: 1 in
     /// `status` for disabled; 0 or -1. Other variables: 0, nothing done; -1 for an unknown name.
-    int GetDeviceStatus(wchar_t const* name, int* status) noexcept;
+    [[nodiscard]] int GetDeviceStatus(wchar_t const* name, int* status) noexcept;
 
     /// A radio: the firmware's answer or -1. A chipset function, disabled by a nonzero value: 0 or -1.
     /// Other variables: 0, nothing done; -1 for an unknown name.
@@ -286,11 +289,11 @@ protected:
     int ParseVarName(const wchar_t* name, GUID* subGroup, GUID* setting) noexcept;
 
     /// Turns a GUID text in braces into `guid`; nonzero on success.
-    int GuidFromString(const wchar_t* text, GUID* guid) noexcept;
+    [[nodiscard]] int GuidFromString(const wchar_t* text, GUID* guid) noexcept;
 
     /// The text form of `guid` with a leading blank, into `*size` characters. 1, or 0; a `*size` that is
     /// too small is raised to what is wanted.
-    int GuidIntoString(GUID* guid, wchar_t* buffer, ULONG* size) noexcept;
+    [[nodiscard]] int GuidIntoString(GUID* guid, wchar_t* buffer, ULONG* size) noexcept;
 
     /// 1 when `value` is acceptable for the variable, else 0.
     int ValidateData(const wchar_t* name, int value) noexcept;

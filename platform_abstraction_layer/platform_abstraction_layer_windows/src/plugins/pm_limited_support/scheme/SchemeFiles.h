@@ -38,30 +38,30 @@ constexpr const wchar_t* kDisplaySection = L"Scheme%d";
 using NumberedKey = text::Formatted<kTextCapacity>;
 
 /// Opens "ORVLCfg.ini".
-bool OpenRoot(CORVLCfg& root) noexcept;
+[[nodiscard]] bool OpenRoot(CORVLCfg& root) noexcept;
 
 /// Opens the root and reads a file's name; false, with `name` empty, when there is none.
-bool FindName(const NameKey& which, ShortText& name) noexcept;
+[[nodiscard]] bool FindName(const NameKey& which, ShortText& name) noexcept;
 
 /// Opens the file `name` in the folder of the account in which this process runs, and creates it there.
 /// False also for an empty name.
-bool OpenOwn(CORVLProfile& file, const ShortText& name) noexcept;
+[[nodiscard]] bool OpenOwn(CORVLProfile& file, const ShortText& name) noexcept;
 
 /// The same for the file that the open root names.
-bool OpenOwn(CORVLProfile& file, CORVLCfg& root, const NameKey& which) noexcept;
+[[nodiscard]] bool OpenOwn(CORVLProfile& file, CORVLCfg& root, const NameKey& which) noexcept;
 
 // From the root to the open file in one go; false when one step fails.
 
-bool OpenValues(CORVLProfile& file) noexcept;
-bool OpenUsers(CORVLProfile& file) noexcept;
+[[nodiscard]] bool OpenValues(CORVLProfile& file) noexcept;
+[[nodiscard]] bool OpenUsers(CORVLProfile& file) noexcept;
 
 /// The same for a look that must leave no file behind: false also where there is none yet.
-bool OpenPresentUsers(CORVLProfile& file) noexcept;
+[[nodiscard]] bool OpenPresentUsers(CORVLProfile& file) noexcept;
 
-bool OpenCatalogue(CORVLCfg& file) noexcept;
+[[nodiscard]] bool OpenCatalogue(CORVLCfg& file) noexcept;
 
 /// `folder` is the user's configuration folder.
-bool OpenDisplay(CORVLProfile& file, const wchar_t* folder) noexcept;
+[[nodiscard]] bool OpenDisplay(CORVLProfile& file, const wchar_t* folder) noexcept;
 
 /// Removes a scheme's section, stored variables included, from the open scheme values file.
 void RemoveScheme(CORVLProfile& values, int index) noexcept;

@@ -13,7 +13,7 @@ class SchemeName
 public:
     /// Takes a name without the blanks at its ends. False for none: a null, empty or blank name, one of more
     /// than 258 characters, and one with a line break.
-    bool Take(const wchar_t* name) noexcept;
+    [[nodiscard]] bool Take(const wchar_t* name) noexcept;
 
     /// True when the name isn't longer than a scheme's name may be.
     bool IsShortEnough() const noexcept;

@@ -17,7 +17,7 @@ int HibernateTimeAfter(int standby) noexcept;
 
 /// The operating system's setting behind the variable `name`; false when the catalogue names none or names
 /// it in a text that is no GUID.
-bool ReadSetting(const wchar_t* name, GUID& subGroup, GUID& setting) noexcept;
+[[nodiscard]] bool ReadSetting(const wchar_t* name, GUID& subGroup, GUID& setting) noexcept;
 
 // See the operations of `CSchemeEx` on the catalogue.
 
@@ -25,6 +25,6 @@ int OptionCount(const wchar_t* name) noexcept;
 int Option(const wchar_t* name, int option) noexcept;
 
 /// Copies the text of one key; its length, or -1 for none with `buffer` left alone.
-int CopyText(const wchar_t* name, const wchar_t* key, wchar_t* buffer, int size) noexcept;
+[[nodiscard]] int CopyText(const wchar_t* name, const wchar_t* key, wchar_t* buffer, int size) noexcept;
 
 } // namespace catalogue

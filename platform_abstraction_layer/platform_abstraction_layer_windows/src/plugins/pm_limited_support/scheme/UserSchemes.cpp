@@ -90,7 +90,7 @@ bool Owns(CORVLProfile& users, const wchar_t* section, int scheme, EntryLimit& l
 bool user_schemes::Open(CORVLProfile& users, const wchar_t* nameText, const wchar_t* failedText) noexcept
 {
     ShortText name;
-    files::FindName(files::kUsersName, name);
+    static_cast<void>(files::FindName(files::kUsersName, name)); // an empty name opens nothing below
     CORVLBase::DBGOUT(nameText, static_cast<const wchar_t*>(name));
     return Check(files::OpenOwn(users, name), failedText);
 }

@@ -17,16 +17,16 @@ constexpr const wchar_t* kScheme = L"Scheme%d";
 constexpr const wchar_t* kSchemeName = L"SchemeName%d";
 
 /// Opens the file. Logs its name with `nameText`, and `failedText` when it can't be opened.
-bool Open(CORVLProfile& users, const wchar_t* nameText, const wchar_t* failedText) noexcept;
+[[nodiscard]] bool Open(CORVLProfile& users, const wchar_t* nameText, const wchar_t* failedText) noexcept;
 
 /// How many users are listed, as far as `limit` allows.
-int CountUsers(CORVLProfile& users, EntryLimit& limit) noexcept;
+[[nodiscard]] int CountUsers(CORVLProfile& users, EntryLimit& limit) noexcept;
 
 /// The section of one listed user, empty when the entry isn't there.
 void ReadUser(CORVLProfile& users, int place, files::ShortText& section) noexcept;
 
 /// How many schemes a user's section has; likewise.
-int CountSchemes(CORVLProfile& users, const wchar_t* section, EntryLimit& limit) noexcept;
+[[nodiscard]] int CountSchemes(CORVLProfile& users, const wchar_t* section, EntryLimit& limit) noexcept;
 
 /// The scheme of that name in a section, case-sensitive, or -1.
 int FindByName(CORVLProfile& users, const wchar_t* section, const wchar_t* name) noexcept;

@@ -11,7 +11,7 @@ namespace vista
 
 /// The GUID of a row. A row whose scheme the operating system no longer knows is removed with all that it
 /// holds, and doesn't count.
-bool RowToGuid(int row, GUID& guid) noexcept;
+[[nodiscard]] bool RowToGuid(int row, GUID& guid) noexcept;
 
 /// The row that holds `guid`, or -1. It looks at the rows up to the number that `maxIndex` gives; a row with
 /// a text that is no GUID ends the search.
@@ -21,6 +21,6 @@ int FindRow(const GUID& guid, int (*maxIndex)() noexcept) noexcept;
 int NextFreeRow() noexcept;
 
 /// Gives a scheme the next free row unless the row before is the scheme's already; the row, or -1.
-int AddRow(const GUID& guid) noexcept;
+[[nodiscard]] int AddRow(const GUID& guid) noexcept;
 
 } // namespace vista

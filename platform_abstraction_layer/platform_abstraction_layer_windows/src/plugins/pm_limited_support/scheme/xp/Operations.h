@@ -12,7 +12,7 @@ int ReadVariable(int index, bool ac, const Variable& variable) noexcept;
 int WriteVariable(int index, bool ac, const NamedVariable& variable, int value) noexcept;
 bool Accepts(const wchar_t* name, int value) noexcept;
 
-int CopyScheme(SchemeName& name, const wchar_t* description, int from) noexcept;
-int RenameScheme(int index, SchemeName& name, const wchar_t* description) noexcept;
+[[nodiscard]] int CopyScheme(SchemeName& name, const wchar_t* description, int from) noexcept;
+[[nodiscard]] int RenameScheme(int index, SchemeName& name, const wchar_t* description) noexcept;
 
 } // namespace xp

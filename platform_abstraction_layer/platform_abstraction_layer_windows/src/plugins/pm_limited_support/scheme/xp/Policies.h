@@ -50,6 +50,6 @@ constexpr ReadTexts kReadTexts{L"CSchemeEx::GetPwrVariable: Can't read pwr schem
                                L"CSchemeEx::GetPwrVariable: Can't read cpu scheme: %ld"};
 
 /// Reads both records. False, with the text of the one that can't be read logged.
-bool ReadPolicies(int index, Policies& policies, const ReadTexts& texts) noexcept;
+[[nodiscard]] bool ReadPolicies(int index, Policies& policies, const ReadTexts& texts) noexcept;
 
 } // namespace xp

@@ -22,7 +22,7 @@ int HighestScheme() noexcept;
 // See `CSchemeEx::ReadUserActivePowerScheme` and its two siblings.
 
 int ReadUserActiveScheme(const wchar_t* subKey) noexcept;
-int ReadUserPolicy(int index, const wchar_t* subKey, unsigned char* data, ULONG* size) noexcept;
-int ReadMachinePolicy(int index, unsigned char* data, ULONG* size) noexcept;
+[[nodiscard]] int ReadUserPolicy(int index, const wchar_t* subKey, unsigned char* data, ULONG* size) noexcept;
+[[nodiscard]] int ReadMachinePolicy(int index, unsigned char* data, ULONG* size) noexcept;
 
 } // namespace policy_store

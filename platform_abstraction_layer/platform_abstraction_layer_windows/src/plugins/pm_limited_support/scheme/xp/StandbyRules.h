@@ -29,9 +29,10 @@ LONG HibernateTimeOf(const IdleState& state) noexcept;
 /// Moves the standby time to `value`. A hibernate time that follows standby stays where it is; when `value`
 /// reaches it, `laterTime` gives the next one, and 0 turns hibernation off. A hibernate time that doesn't
 /// follow standby is lost. False when the two can't be reconciled; `state` is then not to be used.
-bool ChangeStandbyTime(IdleState& state, bool ac, LONG value, LaterHibernateTime laterTime) noexcept;
+[[nodiscard]] bool ChangeStandbyTime(IdleState& state, bool ac, LONG value,
+                                     LaterHibernateTime laterTime) noexcept;
 
 /// Moves the hibernate time to `value` and leaves the standby time where it is; false as above. 0 turns
 /// hibernation off after standby. A time before the standby time is refused. An equal time is refused on
 /// AC power; on battery it turns hibernation off. A state that hibernates without standby takes any time.
-bool ChangeHibernateTime(IdleState& state, bool ac, LONG value) noexcept;
+[[nodiscard]] bool ChangeHibernateTime(IdleState& state, bool ac, LONG value) noexcept;
