@@ -13,8 +13,8 @@
 #include "scheme/SettingCatalogue.h"
 #include "scheme/UserSchemes.h"
 #include "scheme/Variables.h"
+#include "scheme/vista/Operations.h"
 #include "scheme/vista/PowerDispatch.h"
-#include "scheme/vista/SchemeRows.h"
 #include "scheme/xp/PolicyStore.h"
 
 namespace

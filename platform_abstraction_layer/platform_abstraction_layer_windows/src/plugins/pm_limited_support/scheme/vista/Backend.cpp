@@ -7,9 +7,8 @@
 #include "scheme/SchemeFiles.h"
 #include "scheme/SettingCatalogue.h"
 #include "scheme/Variables.h"
+#include "scheme/vista/Operations.h"
 #include "scheme/vista/PowerDispatch.h"
-#include "scheme/vista/SchemeRows.h"
-#include "scheme/vista/Variables.h"
 
 #include <algorithm>
 #include <cstring>

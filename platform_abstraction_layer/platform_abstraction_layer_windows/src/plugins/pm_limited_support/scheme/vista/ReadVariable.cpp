@@ -4,9 +4,8 @@
 
 #include "scheme/SettingCatalogue.h"
 #include "scheme/StoredVariables.h"
+#include "scheme/vista/Operations.h"
 #include "scheme/vista/PowerDispatch.h"
-#include "scheme/vista/SchemeRows.h"
-#include "scheme/vista/Variables.h"
 
 namespace
 {

@@ -2,7 +2,7 @@
 //
 // Searching and changing the rows.
 
-#include "scheme/vista/SchemeRows.h"
+#include "scheme/vista/Operations.h"
 
 #include "foundation/EntryLimit.h"
 #include "foundation/GuidText.h"

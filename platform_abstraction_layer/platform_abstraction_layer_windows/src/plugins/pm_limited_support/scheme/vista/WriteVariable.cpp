@@ -7,9 +7,8 @@
 #include "scheme/StoredVariables.h"
 #include "scheme/Variables.h"
 #include "scheme/Wrapping.h"
+#include "scheme/vista/Operations.h"
 #include "scheme/vista/PowerDispatch.h"
-#include "scheme/vista/SchemeRows.h"
-#include "scheme/vista/Variables.h"
 
 namespace
 {

@@ -1,13 +1,21 @@
-// scheme/vista/SchemeRows.h
+// scheme/vista/Operations.h
 //
-// The rows of the scheme values file: a scheme's index is its row, and the row holds the GUID by which the
-// operating system knows the scheme.
+// The operations of the Vista path that have a source of their own.
 #pragma once
 
-#include <windows.h>
+#include "scheme/PowerBackend.h"
 
 namespace vista
 {
+
+// One variable, as in `PowerBackend`.
+
+int ReadVariable(int index, bool ac, const Variable& variable) noexcept;
+int WriteVariable(int index, bool ac, const NamedVariable& variable, int value) noexcept;
+bool Accepts(const wchar_t* name, int value) noexcept;
+
+// The rows of the scheme values file: a scheme's index is its row, and the row holds the GUID by which the
+// operating system knows the scheme.
 
 /// The GUID of a row. A row whose scheme the operating system no longer knows is removed with all that it
 /// holds, and doesn't count.
