@@ -79,20 +79,18 @@ void Send(benchmark::State& state, Request& request, LONG expected)
 
 void FindFirstCommand(benchmark::State& state)
 {
-    LONG number = 0;
     for (auto _ : state)
     {
-        benchmark::DoNotOptimize(CommandNumberFromName("GET_CPU_SPEED", &number));
+        benchmark::DoNotOptimize(FindCommand("GET_CPU_SPEED"));
     }
 }
 BENCHMARK(FindFirstCommand);
 
 void FindLastCommand(benchmark::State& state)
 {
-    LONG number = 0;
     for (auto _ : state)
     {
-        benchmark::DoNotOptimize(CommandNumberFromName("AUTORUN_ORVA", &number));
+        benchmark::DoNotOptimize(FindCommand("AUTORUN_ORVA"));
     }
 }
 BENCHMARK(FindLastCommand);

@@ -5,9 +5,7 @@
 #include "plugin/CommandTable.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
-#include <iterator>
 
 namespace
 {
@@ -93,33 +91,16 @@ static_assert(std::ranges::equal(
                   &CommandInfo::number),
               "a command of the list has no row here, or stands in another place");
 
-// The place of each number's row.
-constexpr auto kPlaces = []
-{
-    std::array<unsigned char, kCommands[std::size(kCommands) - 1].info.number + 1> places{};
-    for (std::size_t place = 0; place < std::size(kCommands); ++place)
-    {
-        places[static_cast<std::size_t>(kCommands[place].info.number)] = static_cast<unsigned char>(place);
-    }
-    return places;
-}();
-
 } // namespace
 
-int CommandNumberFromName(const char* name, LONG* number) noexcept
+const Command* FindCommand(const char* name) noexcept
 {
     for (const Command& command : kCommands)
     {
         if (std::strncmp(name, command.info.name, kCommandNameSize) == 0)
         {
-            *number = command.info.number;
-            return 1;
+            return &command;
         }
     }
-    return 0;
-}
-
-const Command& CommandWithNumber(LONG number) noexcept
-{
-    return kCommands[kPlaces[static_cast<std::size_t>(number)]];
+    return nullptr;
 }

@@ -41,9 +41,5 @@ LONG ProcessPwrSchemeFunc(CPluginHelper& context, const PM_Request& request, con
 /// The companion application's start with Windows.
 LONG ProcessORVARequest(CPluginHelper& context, const PM_Request& request, const Command& command) noexcept;
 
-/// The number of the command of this name, case-sensitively; `name` ends at its first NUL or
-/// after 32 bytes. 1, or 0 with `number` left alone for any other name.
-[[nodiscard]] int CommandNumberFromName(const char* name, LONG* number) noexcept;
-
-/// The command with this number, which must be one that `CommandNumberFromName` gave.
-const Command& CommandWithNumber(LONG number) noexcept;
+/// The command of this name, case-sensitively, or null; `name` ends at its first NUL or after 32 bytes.
+const Command* FindCommand(const char* name) noexcept;

@@ -64,18 +64,13 @@ LONG CPluginHelper::HandleRequest(const PM_Request* request) noexcept
     PM_Request local;
     std::memcpy(&local, request, sizeof local);
 
-    LONG number = 0;
-    if (CommandNumberFromName(local.command, &number) == 0)
-    {
-        return TRX_UNKNOWN_COMMAND;
-    }
-    const Command& command = CommandWithNumber(number);
-    if (command.handler == nullptr)
+    const Command* const command = FindCommand(local.command);
+    if (command == nullptr || command->handler == nullptr)
     {
         return TRX_UNKNOWN_COMMAND;
     }
     const request_lock::Scope lock;
-    return command.handler(*this, local, command);
+    return command->handler(*this, local, *command);
 }
 
 int CPluginHelper::GetUserInfoIndex(const wchar_t* userName) noexcept
