@@ -13,6 +13,8 @@ struct IpbDataHeader;
 /// What `GetVersion` gives on every concrete class.
 constexpr ULONG kClassVersion = 1000;
 
+/// Each exported class declares its special members and defines them out of line, though most are defaulted:
+/// one that is defaulted in the class isn't exported.
 class ORVL_API CORVLBase
 {
 public:

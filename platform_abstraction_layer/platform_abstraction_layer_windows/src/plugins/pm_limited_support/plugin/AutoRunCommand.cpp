@@ -20,7 +20,7 @@ LONG ProcessORVARequest(CPluginHelper&, const PM_Request& request, const Command
     }
     const auto record = request_io::ReadPayload<PM_AutoRun_Data>(request);
     wchar_t path[text::kPathCapacity];
-    text::ToWide(record.path, sizeof record.path, path, std::size(path));
+    text::ToWide(record.path, path);
     PmLog(L"PM_AUTORUN_ORVA: get autorun flag=%d, orva path is %s", record.flag, path);
 
     CSchemeEx engine;

@@ -60,33 +60,6 @@ std::size_t ConvertInstallationText(const wchar_t* text, char (&narrow)[256]) no
     return size;
 }
 
-LONG RunOnInstallationFile(const Command& command, const PM_Request& request, const ConfigData& data) noexcept
-{
-    CORVLCfg file;
-    if (!IsFileName(data.file) || file.Initialize(data.file) == 0)
-    {
-        PmLog(L"Initialize public configure file %sfailed.", data.file);
-        return TRX_OPERATION_FAIL;
-    }
-    if (!IsStorable(data, command.info.number))
-    {
-        return TRX_OPERATION_FAIL;
-    }
-    return command.config({request, data, file});
-}
-
-LONG RunOnProfileFile(const Command& command, const PM_Request& request, const ConfigData& data) noexcept
-{
-    CORVLProfile file;
-    // A request that is refused doesn't create the file.
-    if (!IsFileName(data.file) || !IsStorable(data, command.info.number) ||
-        file.Initialize(data.file, nullptr, 0) == 0)
-    {
-        return TRX_OPERATION_FAIL;
-    }
-    return command.config({request, data, file});
-}
-
 } // namespace
 
 namespace config_commands
@@ -105,12 +78,7 @@ LONG GetString(const Access& access) noexcept
 {
     const ConfigData& data = access.data;
     wchar_t text[256] = {};
-    int length = 0;
-    if (CanExist(data))
-    {
-        length =
-            access.file.GetString(data.section, data.item, nullptr, text, static_cast<int>(std::size(text)));
-    }
+    const int length = CanExist(data) ? access.file.GetString(data.section, data.item, text) : 0;
     PmLog(L"File=%s, Sec=%s, Item=%s str=%s, strlen=%d\n", data.file, data.section, data.item, text, length);
 
     char narrow[256];
@@ -140,21 +108,10 @@ LONG PutString(const Access& access) noexcept
 
 void ConvertConfigData(const PM_Config_Data& wire, ConfigData& local) noexcept
 {
-    struct Field
-    {
-        const char (&narrow)[256];
-        wchar_t (&wide)[256];
-    };
-    const Field fields[] = {
-        {wire.file, local.file},
-        {wire.section, local.section},
-        {wire.item, local.item},
-        {wire.stringValue, local.stringValue},
-    };
-    for (const Field& field : fields)
-    {
-        text::ToWide(field.narrow, std::size(field.narrow), field.wide, std::size(field.wide));
-    }
+    text::ToWide(wire.file, local.file);
+    text::ToWide(wire.section, local.section);
+    text::ToWide(wire.item, local.item);
+    text::ToWide(wire.stringValue, local.stringValue);
     local.fileType = wire.fileType;
     local.defaultValue = wire.defaultValue;
     local.value = wire.value;
@@ -171,13 +128,21 @@ LONG ProcessConfigFunc(CPluginHelper&, const PM_Request& request, const Command&
     ConfigData data;
     ConvertConfigData(request_io::ReadPayload<PM_Config_Data>(request), data);
     PmLog(L"File=%s, Sec=%s, Item=%s, val=%d \n", data.file, data.section, data.item, data.value);
-    switch (data.fileType)
+    const bool isNamed = IsFileName(data.file);
+    const bool isStorable = IsStorable(data, command.info.number);
+    if (data.fileType == kInstallationFile)
     {
-    case kInstallationFile:
-        return RunOnInstallationFile(command, request, data);
-    case kProfileFile:
-        return RunOnProfileFile(command, request, data);
-    default:
-        return TRX_OPERATION_FAIL;
+        CORVLCfg file;
+        if (!isNamed || file.Initialize(data.file) == 0)
+        {
+            PmLog(L"Initialize public configure file %sfailed.", data.file);
+            return TRX_OPERATION_FAIL;
+        }
+        return isStorable ? command.config({request, data, file}) : TRX_OPERATION_FAIL;
     }
+    CORVLProfile file;
+    // A request that is refused doesn't create the file.
+    const bool isOpen =
+        data.fileType == kProfileFile && isNamed && isStorable && file.Initialize(data.file, nullptr, 0) != 0;
+    return isOpen ? command.config({request, data, file}) : TRX_OPERATION_FAIL;
 }

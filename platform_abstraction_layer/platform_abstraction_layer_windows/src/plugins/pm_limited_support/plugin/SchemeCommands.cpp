@@ -81,6 +81,16 @@ void scheme_commands::ReplyNumber(const Call& call, LONG number) noexcept
     request_io::WriteReply(call.request, number);
 }
 
+LONG scheme_commands::ReplyOnSuccess(const Call& call, LONG answer) noexcept
+{
+    if (answer < 0)
+    {
+        return TRX_OPERATION_FAIL;
+    }
+    ReplyNumber(call, answer);
+    return TRX_OPERATION_OK;
+}
+
 LONG ProcessPwrSchemeFunc(CPluginHelper& context, const PM_Request& request, const Command& command) noexcept
 {
     PmLog(L"enter ProcessPwrSchemeFunc %d", command.info.number);

@@ -49,4 +49,7 @@ LONG ClearSchemes(const Call& call) noexcept;
 /// Gives the engine's answer as a 4-byte reply.
 void ReplyNumber(const Call& call, LONG number) noexcept;
 
+/// The same unless the answer is negative, which is a failure without a reply. The result code.
+LONG ReplyOnSuccess(const Call& call, LONG answer) noexcept;
+
 } // namespace scheme_commands

@@ -113,26 +113,18 @@ LONG AddScheme(const Call& call) noexcept
     PmLog(L"Get userID is %s", call.userName);
     const LONG added =
         call.engine.AddPwrScheme(name, description, static_cast<int>(record.schemeID), call.userName);
-    if (added < 0)
+    if (added >= 0)
     {
-        return TRX_OPERATION_FAIL;
+        PmLog(L"Add Scheme ID=%d, name=%s, desc=%s, userID=%s\n", added, name, description, call.userName);
     }
-    PmLog(L"Add Scheme ID=%d, name=%s, desc=%s, userID=%s\n", added, name, description, call.userName);
-    ReplyNumber(call, added);
-    return TRX_OPERATION_OK;
+    return ReplyOnSuccess(call, added);
 }
 
 LONG AddSchemeAll(const Call& call) noexcept
 {
     PWRSET setting{};
     ConvertPwrSchemeData(request_io::ReadPayload<PM_Power_Scheme_Data_ALL>(call.request), setting);
-    const LONG added = call.engine.AddPwrScheme(setting, call.userName);
-    if (added < 0)
-    {
-        return TRX_OPERATION_FAIL;
-    }
-    ReplyNumber(call, added);
-    return TRX_OPERATION_OK;
+    return ReplyOnSuccess(call, call.engine.AddPwrScheme(setting, call.userName));
 }
 
 LONG DeleteScheme(const Call& call) noexcept

@@ -41,17 +41,6 @@ LONG ReplyAlways(const Call& call, LONG answer) noexcept
     return answer < 0 ? TRX_OPERATION_FAIL : TRX_OPERATION_OK;
 }
 
-// A negative answer is a failure without a reply.
-LONG ReplyOnSuccess(const Call& call, LONG answer) noexcept
-{
-    if (answer < 0)
-    {
-        return TRX_OPERATION_FAIL;
-    }
-    ReplyNumber(call, answer);
-    return TRX_OPERATION_OK;
-}
-
 } // namespace
 
 LONG GetActiveScheme(const Call& call) noexcept
