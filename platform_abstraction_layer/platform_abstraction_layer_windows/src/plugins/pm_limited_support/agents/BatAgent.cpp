@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 namespace
 {
@@ -71,9 +72,14 @@ Found OpenBattery(HDEVINFO list, DWORD index, HANDLE& battery) noexcept
     return Found::Battery;
 }
 
-// The state of the whole system's battery; all zeros when the system gives none.
-SYSTEM_BATTERY_STATE ReadSystemState() noexcept
+// The state of the whole system's battery, for which battery 0 alone stands; all zeros when the system gives
+// none.
+std::optional<SYSTEM_BATTERY_STATE> ReadSystemState(int index) noexcept
 {
+    if (index != 0)
+    {
+        return std::nullopt;
+    }
     SYSTEM_BATTERY_STATE state = {};
     CallNtPowerInformation(SystemBatteryState, nullptr, 0, &state, sizeof state);
     return state;
@@ -251,46 +257,30 @@ int CBatAgent::GetSystemPowerStatus(_SYSTEM_POWER_STATUS* status) noexcept
 
 ULONG CBatAgent::GetCompleteTime(int index) noexcept
 {
-    if (index != 0)
+    const auto state = ReadSystemState(index);
+    if (state && state->Charging && state->Rate == 0)
     {
-        return 0;
+        DBGOUT(L"Rate=%d", state->Rate);
     }
-    const SYSTEM_BATTERY_STATE state = ReadSystemState();
-    if (state.Charging && state.Rate == 0)
-    {
-        DBGOUT(L"Rate=%d", state.Rate);
-    }
-    return TimeFor(state.MaxCapacity - state.RemainingCapacity, state);
+    return state ? TimeFor(state->MaxCapacity - state->RemainingCapacity, *state) : 0;
 }
 
 ULONG CBatAgent::GetRemainingUsageTime(int index) noexcept
 {
-    if (index != 0)
-    {
-        return 0;
-    }
-    const SYSTEM_BATTERY_STATE state = ReadSystemState();
-    return TimeFor(state.RemainingCapacity, state);
+    const auto state = ReadSystemState(index);
+    return state ? TimeFor(state->RemainingCapacity, *state) : 0;
 }
 
 float CBatAgent::GetRemainBatPer(int index) noexcept
 {
-    if (index != 0)
-    {
-        return 0.0F;
-    }
-    const SYSTEM_BATTERY_STATE state = ReadSystemState();
-    return state.MaxCapacity == 0
-               ? 0.0F
-               : static_cast<float>(static_cast<double>(state.RemainingCapacity) / state.MaxCapacity);
+    const auto state = ReadSystemState(index);
+    return state && state->MaxCapacity != 0
+               ? static_cast<float>(static_cast<double>(state->RemainingCapacity) / state->MaxCapacity)
+               : 0.0F;
 }
 
 ULONG CBatAgent::GetRemainCapacity(int index) noexcept
 {
-    if (index != 0)
-    {
-        return 0;
-    }
-    const SYSTEM_BATTERY_STATE state = ReadSystemState();
-    return state.MaxCapacity == 0 ? 0 : state.RemainingCapacity;
+    const auto state = ReadSystemState(index);
+    return state && state->MaxCapacity != 0 ? state->RemainingCapacity : 0;
 }

@@ -1,10 +1,12 @@
 // agents/DriverCall.cpp
 //
-// Sizes a request and hands it to the channel.
+// Sizes a request and hands it to the channel, which it opens and closes for the agents.
 
 #include "agents/DriverCall.h"
 
 #include "agents/OrvlDrvMgr.h"
+#include "foundation/OrvlBase.h"
+#include "foundation/Results.h"
 
 LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD dataLength,
                 DWORD& returned) noexcept
@@ -22,6 +24,30 @@ LONG CallDriver(DriverFunction function, const void* input, void* output, DWORD 
 {
     DWORD returned = 0;
     return CallDriver(function, input, output, dataLength, returned);
+}
+
+LONG OpenChannel(bool& isSetUp) noexcept
+{
+    if (isSetUp)
+    {
+        return kAlreadySetUp;
+    }
+    const LONG opened = OrvlDrvOpen();
+    isSetUp = opened >= 0;
+    if (!isSetUp)
+    {
+        CORVLBase::DBGOUT(L"Open connection with driver failed for 0x%x\n", opened);
+    }
+    return opened;
+}
+
+void CloseChannel(bool& isSetUp) noexcept
+{
+    if (isSetUp)
+    {
+        OrvlDrvClose();
+        isSetUp = false;
+    }
 }
 
 LONG ReadMsrRecord(ULONG index, MsrRecord& record) noexcept

@@ -15,6 +15,11 @@
 [[nodiscard]] LONG CallDriver(DriverFunction function, const void* input, void* output,
                               DWORD dataLength) noexcept;
 
+/// How an agent sets up and cleans up: it opens the channel once and closes what it has opened. 0, 1 when it
+/// is open, or the translated error, with a line in the log.
+[[nodiscard]] LONG OpenChannel(bool& isSetUp) noexcept;
+void CloseChannel(bool& isSetUp) noexcept;
+
 /// Reads a model-specific register.
 [[nodiscard]] LONG ReadMsrRecord(ULONG index, MsrRecord& record) noexcept;
 

@@ -6,7 +6,6 @@
 
 #include "agents/DriverCall.h"
 #include "agents/LanAgent.h"
-#include "agents/OrvlDrvMgr.h"
 #include "foundation/Results.h"
 
 #include <algorithm>
@@ -68,27 +67,17 @@ ULONG CEcAgent::GetVersion() noexcept
 
 LONG CEcAgent::Setup() noexcept
 {
-    if (m_bDriverSetUp)
+    const LONG opened = OpenChannel(m_bDriverSetUp);
+    if (opened == kSucceeded)
     {
-        return kAlreadySetUp;
+        GetCfgSettings();
     }
-    if (const LONG opened = OrvlDrvOpen(); opened < 0)
-    {
-        DBGOUT(L"Open connection with driver failed for 0x%x\n", opened);
-        return opened;
-    }
-    GetCfgSettings();
-    m_bDriverSetUp = true;
-    return kSucceeded;
+    return opened;
 }
 
 LONG CEcAgent::Cleanup() noexcept
 {
-    if (m_bDriverSetUp)
-    {
-        OrvlDrvClose();
-        m_bDriverSetUp = false;
-    }
+    CloseChannel(m_bDriverSetUp);
     return kSucceeded;
 }
 

@@ -17,7 +17,7 @@ class CHwSBX::FunctionRegister
 {
 public:
     explicit FunctionRegister(CHwXA& hardware) noexcept
-        : m_hardware(hardware), m_entry(), m_deviceName(), m_address(), m_mapping()
+        : m_hardware(hardware), m_entry(), m_deviceName(), m_address(), m_mapping(), m_value()
     {
     }
     ~FunctionRegister()
@@ -28,16 +28,18 @@ public:
     FunctionRegister& operator=(const FunctionRegister&) = delete;
 
     // Finds the register of the function of that name and reads it.
-    LONG Open(const wchar_t* chipset, const wchar_t* name, ULONG& value) noexcept;
-    LONG Write(ULONG value) noexcept;
+    LONG Open(const wchar_t* chipset, const wchar_t* name) noexcept;
+
+    // The function's bit as it was read, and the register written with another one.
+    bool IsSet() const noexcept
+    {
+        return (m_value & Mask()) != 0;
+    }
+    LONG Write(bool isSet) noexcept;
 
     // Unmaps the memory, where it is mapped.
     LONG Release() noexcept;
 
-    ULONG Mask() const noexcept
-    {
-        return 1U << m_entry.bit;
-    }
     int DisableType() const noexcept
     {
         return m_entry.disableType;
@@ -45,8 +47,12 @@ public:
 
 private:
     LONG Locate(const wchar_t* chipset, const wchar_t* name) noexcept;
-    LONG Read(ULONG& value) noexcept;
+    LONG Read() noexcept;
     LONG FindAddress(CORVLCfg& file, const wchar_t* section) noexcept;
+    ULONG Mask() const noexcept
+    {
+        return 1U << m_entry.bit;
+    }
     ULONG Size() const noexcept
     {
         return static_cast<ULONG>(m_entry.valueSize);
@@ -57,12 +63,13 @@ private:
     wchar_t m_deviceName[text::kPathCapacity];
     ULONG m_address; ///< in configuration space, physical memory or I/O space
     void* m_mapping;
+    ULONG m_value; ///< of the whole register
 };
 
-LONG CHwSBX::FunctionRegister::Open(const wchar_t* chipset, const wchar_t* name, ULONG& value) noexcept
+LONG CHwSBX::FunctionRegister::Open(const wchar_t* chipset, const wchar_t* name) noexcept
 {
     const LONG located = Locate(chipset, name);
-    return located < 0 ? located : Read(value);
+    return located < 0 ? located : Read();
 }
 
 LONG CHwSBX::FunctionRegister::Locate(const wchar_t* chipset, const wchar_t* name) noexcept
@@ -97,25 +104,25 @@ LONG CHwSBX::FunctionRegister::FindAddress(CORVLCfg& file, const wchar_t* sectio
     return kSucceeded;
 }
 
-LONG CHwSBX::FunctionRegister::Read(ULONG& value) noexcept
+LONG CHwSBX::FunctionRegister::Read() noexcept
 {
-    value = 0;
     switch (m_entry.kind)
     {
     case RegisterKind::PciConfig:
-        return m_hardware.ReadPCIConfig(m_deviceName, m_address, &value, Size());
+        return m_hardware.ReadPCIConfig(m_deviceName, m_address, &m_value, Size());
     case RegisterKind::Io:
-        return m_hardware.ReadIoPort(m_address, &value, static_cast<USHORT>(Size()));
+        return m_hardware.ReadIoPort(m_address, &m_value, static_cast<USHORT>(Size()));
     case RegisterKind::Memory:
         break;
     }
     auto* physical = reinterpret_cast<void*>(static_cast<ULONG_PTR>(m_address));
     const LONG mapped = m_hardware.MapMemorySpace(physical, Size(), &m_mapping);
-    return mapped < 0 ? mapped : m_hardware.ReadMemory(m_mapping, &value, Size());
+    return mapped < 0 ? mapped : m_hardware.ReadMemory(m_mapping, &m_value, Size());
 }
 
-LONG CHwSBX::FunctionRegister::Write(ULONG value) noexcept
+LONG CHwSBX::FunctionRegister::Write(bool isSet) noexcept
 {
+    ULONG value = isSet ? m_value | Mask() : m_value & ~Mask();
     switch (m_entry.kind)
     {
     case RegisterKind::PciConfig:
@@ -222,8 +229,7 @@ LONG CHwSBX::TestIdentification(CORVLCfg& file, const wchar_t* section, bool& ma
 LONG CHwSBX::FunctionDisable(const wchar_t* name, int disable) noexcept
 {
     FunctionRegister target(*this);
-    ULONG value = 0;
-    if (const LONG opened = target.Open(m_szChipset, name, value); opened < 0)
+    if (const LONG opened = target.Open(m_szChipset, name); opened < 0)
     {
         return opened;
     }
@@ -231,8 +237,7 @@ LONG CHwSBX::FunctionDisable(const wchar_t* name, int disable) noexcept
     // Each type clears the bit for one value of the request alone; what is neither 0 nor 1 never clears it.
     const int type = target.DisableType();
     const bool clears = (type == 1 && disable == 1) || (type == 0 && disable == 0);
-    value = clears ? value & ~target.Mask() : value | target.Mask();
-    const LONG written = target.Write(value);
+    const LONG written = target.Write(!clears);
     const LONG released = target.Release();
     return written < 0 ? written : released;
 }
@@ -244,12 +249,11 @@ LONG CHwSBX::GetFunctionDisable(const wchar_t* name, int* disabled) noexcept
         return kGeneralFailure;
     }
     FunctionRegister target(*this);
-    ULONG value = 0;
-    if (const LONG opened = target.Open(m_szChipset, name, value); opened < 0)
+    if (const LONG opened = target.Open(m_szChipset, name); opened < 0)
     {
         return opened;
     }
-    const int bit = (value & target.Mask()) != 0 ? 1 : 0;
+    const int bit = target.IsSet() ? 1 : 0;
     *disabled = bit != target.DisableType() ? 1 : 0;
     return kSucceeded;
 }

@@ -5,7 +5,6 @@
 #include "agents/HwXA.h"
 
 #include "agents/DriverCall.h"
-#include "agents/OrvlDrvMgr.h"
 #include "foundation/Log.h"
 #include "foundation/Owners.h"
 #include "foundation/Results.h"
@@ -158,25 +157,12 @@ ULONG CHwXA::GetVersion() noexcept
 
 LONG CHwXA::Setup() noexcept
 {
-    if (m_bDriverSetUp)
-    {
-        return kAlreadySetUp;
-    }
-    if (const LONG opened = OrvlDrvOpen(); opened < 0)
-    {
-        return Report(L"Open connection with driver failed for 0x%x\n", opened);
-    }
-    m_bDriverSetUp = true;
-    return kSucceeded;
+    return OpenChannel(m_bDriverSetUp);
 }
 
 void CHwXA::Cleanup() noexcept
 {
-    if (m_bDriverSetUp)
-    {
-        OrvlDrvClose();
-        m_bDriverSetUp = false;
-    }
+    CloseChannel(m_bDriverSetUp);
 }
 
 LONG CHwXA::ReadMSR(ULONG index, unsigned __int64* value) noexcept
