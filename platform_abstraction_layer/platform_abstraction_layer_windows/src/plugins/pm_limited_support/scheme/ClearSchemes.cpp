@@ -25,8 +25,10 @@ struct UserTexts
     const wchar_t* scheme;
 };
 
-bool OpenUserSchemes(CORVLProfile& users) noexcept
+// Applies a scheme that stays and opens the user scheme file; false when that can't be opened.
+bool BeginClearing(CSchemeEx& engine, CORVLProfile& users) noexcept
 {
+    engine.SetActivePwrScheme(kDefaultScheme);
     return user_schemes::Open(users, L"ClearPwrSchemes: the user scheme cfg file name is %s",
                               L"ClearPwrSchemes: initialize the user scheme cfg file failed");
 }
@@ -108,9 +110,8 @@ int CSchemeEx::ClearORV(int what) noexcept
 
 int CSchemeEx::ClearCurrentUserSettings() noexcept
 {
-    SetActivePwrScheme(kDefaultScheme);
     CORVLProfile users;
-    if (!OpenUserSchemes(users))
+    if (!BeginClearing(*this, users))
     {
         return -1;
     }
@@ -127,9 +128,8 @@ int CSchemeEx::ClearCurrentUserSettings() noexcept
 int CSchemeEx::ClearPwrSchemes() noexcept
 {
     DBGOUT(L"enter ClearPwrSchemes");
-    SetActivePwrScheme(kDefaultScheme);
     CORVLProfile users;
-    if (!OpenUserSchemes(users))
+    if (!BeginClearing(*this, users))
     {
         return -1;
     }

@@ -84,11 +84,6 @@ bool Activate(int index, const ActivationTexts&, int& previous) noexcept
     return setActive(nullptr, &scheme) == ERROR_SUCCESS;
 }
 
-bool FindSetting(const Variable& variable, GUID& subGroup, GUID& setting) noexcept
-{
-    return !HasSetting(variable) || catalogue::ReadSetting(variable.name, subGroup, setting);
-}
-
 bool Remove(int index) noexcept
 {
     const auto deleteScheme = PowerDispatch.PowerDeleteScheme.load();
@@ -108,6 +103,16 @@ bool Remove(int index) noexcept
 }
 
 } // namespace
+
+bool vista::FindSetting(const Variable& variable, GUID& subGroup, GUID& setting) noexcept
+{
+    return !HasSetting(variable) || catalogue::ReadSetting(variable.name, subGroup, setting);
+}
+
+bool vista::SystemSetting::Find(int index, const Variable& variable) noexcept
+{
+    return RowToGuid(index, scheme) && FindSetting(variable, subGroup, setting);
+}
 
 constexpr PowerBackend vista::kBackend{
     .unknownRead = nullptr,

@@ -14,6 +14,20 @@ int ReadVariable(int index, bool ac, const Variable& variable) noexcept;
 int WriteVariable(int index, bool ac, const NamedVariable& variable, int value) noexcept;
 bool Accepts(const wchar_t* name, int value) noexcept;
 
+/// The operating system's setting behind a variable, in one scheme.
+struct SystemSetting
+{
+    /// False for a scheme that isn't there, and when the catalogue lacks a setting that the variable has.
+    [[nodiscard]] bool Find(int index, const Variable& variable) noexcept;
+
+    GUID scheme{};
+    GUID subGroup{};
+    GUID setting{};
+};
+
+/// See `PowerBackend::findSetting`.
+[[nodiscard]] bool FindSetting(const Variable& variable, GUID& subGroup, GUID& setting) noexcept;
+
 // The rows of the scheme values file: a scheme's index is its row, and the row holds the GUID by which the
 // operating system knows the scheme.
 

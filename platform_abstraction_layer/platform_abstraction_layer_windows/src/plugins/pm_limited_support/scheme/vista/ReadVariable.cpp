@@ -2,7 +2,6 @@
 //
 // Reading one variable on the Vista path. Nothing is logged here.
 
-#include "scheme/SettingCatalogue.h"
 #include "scheme/StoredVariables.h"
 #include "scheme/vista/Operations.h"
 #include "scheme/vista/PowerDispatch.h"
@@ -10,8 +9,7 @@
 namespace
 {
 
-// The operating system's setting behind a variable, in one scheme.
-class SettingReader
+class SettingReader : public vista::SystemSetting
 {
 public:
     // False when the system lacks the functions.
@@ -27,10 +25,6 @@ public:
         const PowerValueReader read = ac ? m_readAc : m_readDc;
         return read(nullptr, &scheme, &subGroup, &setting, &value) == ERROR_SUCCESS;
     }
-
-    GUID scheme{};
-    GUID subGroup{};
-    GUID setting{};
 
 private:
     PowerValueReader m_readAc = nullptr;
@@ -77,11 +71,7 @@ int ReadBacklight(const SettingReader& reader, StoredVariables& stored, bool ac)
 int vista::ReadVariable(int index, bool ac, const Variable& variable) noexcept
 {
     SettingReader reader;
-    if (!reader.Bind() || !RowToGuid(index, reader.scheme))
-    {
-        return -1;
-    }
-    if (HasSetting(variable) && !catalogue::ReadSetting(variable.name, reader.subGroup, reader.setting))
+    if (!reader.Bind() || !reader.Find(index, variable))
     {
         return -1;
     }

@@ -35,7 +35,7 @@ constexpr GUID kSecondPolicySetting = {
     0xBBDC3814, 0x18E9, 0x4463, {0x8A, 0x55, 0xD1, 0x97, 0x32, 0x7C, 0x45, 0xC0}};
 
 // The operating system's settings of one scheme on one power source.
-class SettingWriter
+class SettingWriter : public vista::SystemSetting
 {
 public:
     // False when the system lacks the functions.
@@ -57,10 +57,6 @@ public:
     {
         return WriteSetting(kProcessorSettings, which, value);
     }
-
-    GUID scheme{};
-    GUID subGroup{};
-    GUID setting{};
 
 private:
     bool WriteSetting(const GUID& group, const GUID& which, int value) const noexcept
@@ -144,12 +140,8 @@ bool vista::Accepts(const wchar_t* name, int value) noexcept
 int vista::WriteVariable(int index, bool ac, const NamedVariable& variable, int value) noexcept
 {
     SettingWriter writer;
-    if (!writer.Bind(ac) || !RowToGuid(index, writer.scheme))
-    {
-        return -1;
-    }
     const Variable& row = variable.row;
-    if (HasSetting(row) && !catalogue::ReadSetting(row.name, writer.subGroup, writer.setting))
+    if (!writer.Bind(ac) || !writer.Find(index, row))
     {
         return -1;
     }

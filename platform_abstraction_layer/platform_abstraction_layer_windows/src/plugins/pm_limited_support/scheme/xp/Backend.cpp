@@ -54,15 +54,15 @@ bool Remove(int index) noexcept
 {
     CORVLCfg root;
     CORVLProfile values;
-    if (!Check(DeletePwrScheme(static_cast<UINT>(index)) != FALSE,
-               L"delete windows power scheme failed %d") ||
-        !Check(files::OpenRoot(root), L"orvlCfg.Initialize finished") ||
-        !Check(files::OpenOwn(values, root, files::kValuesName), L"orvlScheme.Initialize(buffer) failed"))
+    const bool isDeleted =
+        Check(DeletePwrScheme(static_cast<UINT>(index)) != FALSE, L"delete windows power scheme failed %d") &&
+        Check(files::OpenRoot(root), L"orvlCfg.Initialize finished") &&
+        Check(files::OpenOwn(values, root, files::kValuesName), L"orvlScheme.Initialize(buffer) failed");
+    if (isDeleted)
     {
-        return false;
+        files::RemoveScheme(values, index);
     }
-    files::RemoveScheme(values, index);
-    return true;
+    return isDeleted;
 }
 
 } // namespace
