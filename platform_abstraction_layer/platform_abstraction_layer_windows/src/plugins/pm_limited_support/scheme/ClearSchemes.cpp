@@ -73,7 +73,8 @@ bool ClearAllUsers(CSchemeEx& engine, CORVLProfile& users) noexcept
     return !limit.WasReached();
 }
 
-// The companion application's key of the machine; false when it can't be removed.
+// The companion application's key of the machine; false when it can't be removed. The same steps in an
+// account's hive have calls of their own, in ClearAccounts.cpp: a trace tells the two by the place of a call.
 bool RemoveMachineKey() noexcept
 {
     owners::Key key;
