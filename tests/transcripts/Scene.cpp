@@ -132,7 +132,7 @@ Scene::Scene(DWORD major) : m_major(major)
     seeding::SwitchLogsOn();
     m_service->TakeRequests();
     m_snapshot.emplace(m_folder);
-    m_state = Observe(m_folder);
+    m_state = Observe();
 }
 
 Scene::~Scene() = default;
@@ -278,5 +278,5 @@ void Scene::Restore()
 
 std::vector<std::string> Scene::Changes() const
 {
-    return m_snapshot->HasChanged() ? Differences(m_state, Observe(m_folder)) : std::vector<std::string>();
+    return m_snapshot->HasChanged() ? Differences(m_state, Observe()) : std::vector<std::string>();
 }

@@ -7,10 +7,10 @@
 
 #include "acceptance/Environment.h"
 #include "acceptance/Host.h"
+#include "control/State.h"
 #include "support/BoardService.h"
 #include "support/Snapshot.h"
 #include "transcripts/Samples.h"
-#include "transcripts/State.h"
 
 #include <memory>
 #include <optional>
@@ -59,5 +59,5 @@ private:
     std::unique_ptr<BoardService> m_service;
     std::optional<Host> m_host;
     std::optional<Snapshot> m_snapshot;
-    State m_state;
+    simulated::State m_state;
 };

@@ -6,6 +6,7 @@
 
 #include "control/Notebook.h"
 #include "control/RegistryEditor.h"
+#include "control/State.h"
 #include "control/tool/Verbs.h"
 #include "machine/Accounts.h"
 #include "machine/Machine.h"
@@ -212,12 +213,33 @@ Outcome TellApplied(const Request& request)
     return Outcome::Done;
 }
 
+// The other notebook is usually a copy from before something was done.
+Outcome Compare(const Request& request)
+{
+    if (request.arguments.size() != 1)
+    {
+        return Outcome::Misused;
+    }
+    const State present = Observe();
+    Machine::Use(request.Argument(0));
+    if (!Notebook::Exists())
+    {
+        return Outcome::Refused;
+    }
+    for (const std::string& line : Differences(Observe(), present))
+    {
+        std::puts(line.c_str());
+    }
+    return Outcome::Done;
+}
+
 constexpr Verb kVerbs[] = {
     {"create", "[--version 5.1|6.0|6.1|10.0] [--install DIR] [--code-page 1252|65001]",
      "a fresh notebook in place of what is in its folder, with the installation's files from DIR", &Create,
      false},
     {"install", "DIR", "copies an installation's files to where they belong", &Install},
     {"show", "", "what the machine is and has", &Show},
+    {"diff", "DIR", "what has changed since DIR, a copy of the notebook, was made", &Compare},
     {"user", "add|add-stranger|logon|logoff|remove NAME | list",
      "accounts; a stranger is known but has no profile", &ChangeUser},
     {"version", "5.1|6.0|6.1|10.0", "the version that Windows answers", &SetVersion},

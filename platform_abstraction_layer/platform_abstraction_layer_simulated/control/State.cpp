@@ -1,8 +1,8 @@
-// tests/transcripts/State.cpp
+// control/State.cpp
 //
 // Walks through files, registry and machine.ini.
 
-#include "transcripts/State.h"
+#include "control/State.h"
 
 #include "base/IniDocument.h"
 #include "base/WholeFile.h"
@@ -18,7 +18,8 @@
 #include <sstream>
 #include <string_view>
 
-using namespace simulated;
+namespace simulated
+{
 
 namespace
 {
@@ -174,11 +175,12 @@ std::string DifferingWords(const std::string& before, const std::string& after)
 
 } // namespace
 
-State Observe(const std::string& notebook)
+State Observe()
 {
     Collector collector;
-    collector.AddFiles(std::filesystem::path(notebook) / "drives" / "C");
-    collector.AddDocument("machine.ini", ReadWhole(notebook + "/machine.ini").value_or(""), Encoding::Utf8);
+    collector.AddFiles(Machine::PathOf("drives/C"));
+    collector.AddDocument("machine.ini", ReadWhole(Machine::PathOf("machine.ini")).value_or(""),
+                          Encoding::Utf8);
     collector.AddKey("HKEY_LOCAL_MACHINE");
     collector.AddKey("HKEY_USERS");
     return std::move(collector.state);
@@ -218,3 +220,5 @@ std::vector<std::string> Differences(const State& before, const State& after)
     }
     return lines;
 }
+
+} // namespace simulated

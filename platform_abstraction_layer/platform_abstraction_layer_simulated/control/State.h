@@ -1,6 +1,6 @@
-// tests/transcripts/State.h
+// control/State.h
 //
-// What the notebook holds, as flat entries that can be compared: keys of configuration files, values of the
+// What a notebook holds, as flat entries that can be compared: keys of configuration files, values of the
 // registry, lines of machine.ini.
 #pragma once
 
@@ -8,12 +8,17 @@
 #include <string>
 #include <vector>
 
+namespace simulated
+{
+
 /// Places such as "PowerSchemes.ini [Scheme 7] Wifi" with what stands there.
 using State = std::map<std::string, std::string>;
 
-/// The present state of the notebook in the host's folder `notebook`.
-State Observe(const std::string& notebook);
+/// The present state of this process's notebook.
+State Observe();
 
 /// A line for each entry that differs: "place: before -> after", "+ place: after", "- place". Of binary
 /// values the 32-bit words that differ.
 std::vector<std::string> Differences(const State& before, const State& after);
+
+} // namespace simulated
