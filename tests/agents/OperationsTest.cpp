@@ -18,11 +18,11 @@
 #include "base/ListBox.h"
 #include "control/Adapters.h"
 #include "control/Batteries.h"
+#include "control/Snapshot.h"
 #include "foundation/OrvlProfile.h"
 #include "machine/Chipset.h"
 #include "machine/Machine.h"
 #include "machine/Processor.h"
-#include "support/Snapshot.h"
 #include "transcripts/Golden.h"
 
 #include <concepts>
@@ -294,7 +294,7 @@ protected:
     {
         Snapshot snapshot(Machine::Folder());
         ProtocolOf(use); // fills the table of device objects
-        snapshot.Restore();
+        EXPECT_TRUE(snapshot.Restore());
         const Protocol good = ProtocolOf(use);
         const std::vector<TracedCall> calls = Trace::Calls();
         FailureRows rows;
@@ -308,7 +308,7 @@ protected:
                 continue;
             }
             SCOPED_TRACE(name);
-            snapshot.Restore();
+            ASSERT_TRUE(snapshot.Restore());
             Faults::Inject("*", static_cast<unsigned>(place + 1), ERROR_GEN_FAILURE);
             rows.Add(name, ProtocolOf(use).Effect(good));
             EXPECT_TRUE(Faults::AllHit());

@@ -3,9 +3,9 @@
 // Applying a scheme: the order of the steps, what a failure leaves behind, and the user's own policies as
 // they may stand in the registry. What a request changes is in the transcripts.
 
+#include "control/Snapshot.h"
 #include "scheme/SchemeTest.h"
 #include "support/BoardService.h"
-#include "support/Snapshot.h"
 
 #include "base/Clock.h"
 #include "control/RegistryEditor.h"
@@ -201,14 +201,14 @@ TEST_F(UsersPolicy, WhatCantBeReadIsSkipped)
             EXPECT_THAT(LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); }),
                         Contains(StartsWith(said)));
             Run(times);
-            sound.Restore();
+            ASSERT_TRUE(sound.Restore());
         }
         ASSERT_TRUE(RegistryEditor::RemoveKey(key));
         EXPECT_THAT(LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); }),
                     Contains(StartsWith((key == kMachine ? "ReadMachine" : "ReadUser") +
                                         ("PowerPolicy: Open key " + key.substr(key.find('\\') + 1)) +
                                         " failed, error=")));
-        sound.Restore();
+        ASSERT_TRUE(sound.Restore());
     }
 }
 

@@ -273,7 +273,7 @@ RequestOutcome Scene::Send(const Sample& sample)
 
 void Scene::Restore()
 {
-    m_snapshot->Restore();
+    EXPECT_TRUE(m_snapshot->Restore());
 }
 
 std::vector<std::string> Scene::Changes() const

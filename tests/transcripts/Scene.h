@@ -7,9 +7,9 @@
 
 #include "acceptance/Environment.h"
 #include "acceptance/Host.h"
+#include "control/Snapshot.h"
 #include "control/State.h"
 #include "support/BoardService.h"
-#include "support/Snapshot.h"
 #include "transcripts/Samples.h"
 
 #include <memory>
@@ -58,6 +58,6 @@ private:
     std::string m_folder;
     std::unique_ptr<BoardService> m_service;
     std::optional<Host> m_host;
-    std::optional<Snapshot> m_snapshot;
+    std::optional<simulated::Snapshot> m_snapshot;
     simulated::State m_state;
 };

@@ -1,13 +1,17 @@
-// tests/support/Snapshot.h
+// control/Snapshot.h
 //
-// The content of a notebook, to be brought back after a test has changed it. Faster than making another one.
+// The content of a notebook, to be restored after a test has changed it. Faster than making another one.
 #pragma once
+
+#include "base/WholeFile.h"
 
 #include <filesystem>
 #include <map>
 #include <set>
 #include <string>
-#include <sys/stat.h>
+
+namespace simulated
+{
 
 class Snapshot
 {
@@ -16,8 +20,8 @@ public:
     /// processes.
     explicit Snapshot(const std::string& notebook);
 
-    /// Brings back what has changed since, and takes away what has come.
-    void Restore();
+    /// Restores what has changed since, and removes what was added. False when a file can't be written.
+    [[nodiscard]] bool Restore();
 
     /// True when a file or folder isn't what it was.
     bool HasChanged() const;
@@ -26,7 +30,7 @@ private:
     struct File
     {
         std::string bytes;
-        struct stat state; ///< as of the last time that the bytes were known to be in the file
+        FileState state; ///< as of the last time that the bytes were known to be in the file
     };
 
     struct Differences
@@ -44,3 +48,5 @@ private:
     std::map<std::filesystem::path, File> m_files;
     std::set<std::filesystem::path> m_folders;
 };
+
+} // namespace simulated

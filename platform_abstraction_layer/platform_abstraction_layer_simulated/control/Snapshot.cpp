@@ -1,30 +1,11 @@
-// tests/support/Snapshot.cpp
+// control/Snapshot.cpp
 //
 // The files of a notebook in memory. A file that is unchanged by inode, size and time isn't read again.
 
-#include "support/Snapshot.h"
+#include "control/Snapshot.h"
 
-#include "base/WholeFile.h"
-
-#include <gtest/gtest.h>
-
-namespace
+namespace simulated
 {
-
-struct stat StateOf(const std::filesystem::path& path)
-{
-    struct stat state = {};
-    stat(path.c_str(), &state);
-    return state;
-}
-
-bool AreSame(const struct stat& left, const struct stat& right)
-{
-    return left.st_ino == right.st_ino && left.st_size == right.st_size &&
-           left.st_mtim.tv_sec == right.st_mtim.tv_sec && left.st_mtim.tv_nsec == right.st_mtim.tv_nsec;
-}
-
-} // namespace
 
 template <class Visit>
 void Snapshot::Walk(Visit visit) const
@@ -36,7 +17,7 @@ void Snapshot::Walk(Visit visit) const
         {
             place.disable_recursion_pending();
         }
-        else if (!simulated::IsHousekeepingName(place->path().filename().string()))
+        else if (!IsHousekeepingName(place->path().filename().string()))
         {
             visit(*place);
         }
@@ -54,8 +35,8 @@ Snapshot::Snapshot(const std::string& notebook) : m_notebook(notebook)
             }
             else
             {
-                m_files[entry.path()] = {simulated::ReadWhole(entry.path().string()).value_or(""),
-                                         StateOf(entry.path())};
+                m_files[entry.path()] = {ReadWhole(entry.path().string()).value_or(""),
+                                         StateOf(entry.path().string())};
             }
         });
 }
@@ -79,7 +60,7 @@ Snapshot::Differences Snapshot::Compare() const
             {
                 ++differences.folders;
             }
-            else if (AreSame(known->second.state, StateOf(entry.path())))
+            else if (known->second.state == StateOf(entry.path().string()))
             {
                 differences.stale.erase(entry.path());
             }
@@ -94,8 +75,9 @@ bool Snapshot::HasChanged() const
            differences.folders != m_folders.size();
 }
 
-void Snapshot::Restore()
+bool Snapshot::Restore()
 {
+    bool isRestored = true;
     const Differences differences = Compare();
     for (const std::filesystem::path& stranger : differences.strangers)
     {
@@ -111,7 +93,10 @@ void Snapshot::Restore()
     for (const std::filesystem::path& path : differences.stale)
     {
         File& file = m_files[path];
-        EXPECT_TRUE(simulated::WriteWhole(path.string(), file.bytes)) << path;
-        file.state = StateOf(path);
+        isRestored &= WriteWhole(path.string(), file.bytes);
+        file.state = StateOf(path.string());
     }
+    return isRestored;
 }
+
+} // namespace simulated
