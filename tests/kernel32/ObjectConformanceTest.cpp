@@ -9,44 +9,6 @@
 
 #include <utility>
 
-namespace
-{
-
-OwnedHandle NewMapping(DWORD size, LPCWSTR name = nullptr)
-{
-    return OwnedHandle(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, size, name));
-}
-
-using Opener = HANDLE (*)(LPCWSTR name);
-
-// The kinds of objects that have names.
-constexpr std::pair<Opener, Opener> kKinds[] = {
-    {[](LPCWSTR name) { return CreateEventW(nullptr, TRUE, FALSE, name); },
-     [](LPCWSTR name) { return OpenEventW(EVENT_ALL_ACCESS, FALSE, name); }},
-    {[](LPCWSTR name) { return CreateSemaphoreW(nullptr, 1, 1, name); },
-     [](LPCWSTR name) { return OpenSemaphoreW(SEMAPHORE_ALL_ACCESS, FALSE, name); }},
-    {[](LPCWSTR name) { return NewMapping(8, name).release(); },
-     [](LPCWSTR name) { return OpenFileMappingW(SECTION_ALL_ACCESS, FALSE, name); }}};
-
-} // namespace
-
-TEST(ObjectConformance, KindsShareTheirNames)
-{
-    for (const auto& kind : kKinds)
-    {
-        const OwnedHandle first(kind.first(L"Global\\Thing"));
-        EXPECT_EQ(DWORD{ERROR_SUCCESS}, GetLastError());
-        for (const auto& other : kKinds)
-        {
-            const bool same = &other == &kind;
-            const OwnedHandle created(other.first(L"Global\\Thing"));
-            EXPECT_EQ(same ? DWORD{ERROR_ALREADY_EXISTS} : DWORD{ERROR_INVALID_HANDLE}, GetLastError());
-            EXPECT_EQ(same, created != nullptr);
-            EXPECT_EQ(same, OwnedHandle(other.second(L"Global\\Thing")) != nullptr);
-        }
-    }
-}
-
 TEST(ObjectConformance, NamesAreToldApart)
 {
     const OwnedHandle plain(CreateEventW(nullptr, TRUE, FALSE, L"Ring 1/2"));
@@ -107,7 +69,8 @@ TEST(ObjectConformance, SemaphoreKeepsItsBound)
 
 TEST(ObjectConformance, ViewsAreBoundedByWholePages)
 {
-    const OwnedHandle mapping = NewMapping(0x10001);
+    const OwnedHandle mapping(
+        CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 0x10001, nullptr));
     for (const auto& [size, error] : {std::pair(0x11000U, ERROR_SUCCESS), {0x11001U, ERROR_ACCESS_DENIED}})
     {
         void* const view = MapViewOfFile(mapping.get(), FILE_MAP_ALL_ACCESS, 0, 0, size);

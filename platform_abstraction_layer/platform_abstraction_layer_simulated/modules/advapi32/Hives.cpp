@@ -96,17 +96,6 @@ DWORD Edit(std::string_view hive, const std::function<DWORD(Hive& content)>& cha
     return done ? error : WriteError();
 }
 
-FILETIME LastWrite(std::string_view hive)
-{
-    constexpr std::uint64_t kTicksPerSecond = 10'000'000;
-    constexpr std::uint64_t kSecondsTo1970 = 11'644'473'600;
-    const FileState state = StateOf(FileOf(hive));
-    const std::uint64_t ticks =
-        (static_cast<std::uint64_t>(state.changed) + kSecondsTo1970) * kTicksPerSecond +
-        static_cast<std::uint64_t>(state.changedNanoseconds) / 100;
-    return {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
-}
-
 std::string FileText(std::string_view hive)
 {
     return std::string(kFileBegin) + std::string(hive) + '\n';

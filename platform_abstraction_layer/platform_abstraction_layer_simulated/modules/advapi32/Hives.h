@@ -40,9 +40,6 @@ DWORD Read(std::string_view hive, const std::function<DWORD(const registry::Hive
 /// it is. ERROR_ACCESS_DENIED for HKEY_USERS; ERROR_DISK_FULL and the like when the file can't be written.
 DWORD Edit(std::string_view hive, const std::function<DWORD(registry::Hive& content)>& change);
 
-/// When the hive's file was written last.
-FILETIME LastWrite(std::string_view hive);
-
 /// What the file of the hive holds, and the hive that such a text names; nothing for another text.
 std::string FileText(std::string_view hive);
 std::optional<std::string> ParseFileText(std::string_view text);

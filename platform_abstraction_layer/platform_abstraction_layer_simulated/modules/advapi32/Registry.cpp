@@ -29,7 +29,7 @@ DWORD OpenKey(HKEY key, LPCWSTR subKey, REGSAM access, PHKEY result, const Platf
     {
         return ERROR_INVALID_PARAMETER;
     }
-    if (IsPredefined(key) && IsEmpty(subKey))
+    if (PredefinedName(key) != nullptr && IsEmpty(subKey))
     {
         *result = key;
         return ERROR_SUCCESS;
@@ -83,7 +83,7 @@ DWORD CreateKey(HKEY key, LPCWSTR subKey, REGSAM access, PHKEY result, LPDWORD d
 
 DWORD CloseKey(HKEY key)
 {
-    if (IsPredefined(key))
+    if (PredefinedName(key) != nullptr)
     {
         return ERROR_SUCCESS;
     }
@@ -100,7 +100,7 @@ DWORD DeleteKey(HKEY key, LPCWSTR subKey)
     return subKey == nullptr ? ERROR_INVALID_PARAMETER : Delete(base, ToUtf8(subKey));
 }
 
-DWORD EnumerateKey(HKEY key, DWORD index, LPWSTR name, LPDWORD nameSize, PFILETIME lastWrite)
+DWORD EnumerateKey(HKEY key, DWORD index, LPWSTR name, LPDWORD nameSize)
 {
     if (name == nullptr || nameSize == nullptr)
     {
@@ -116,10 +116,6 @@ DWORD EnumerateKey(HKEY key, DWORD index, LPWSTR name, LPDWORD nameSize, PFILETI
     if (index >= names.size())
     {
         return ERROR_NO_MORE_ITEMS;
-    }
-    if (lastWrite != nullptr)
-    {
-        *lastWrite = hives::LastWrite(base.place.hive);
     }
     return CopyName(names[index], name, *nameSize);
 }
@@ -183,12 +179,10 @@ SIM_API LSTATUS WINAPI RegEnumKeyExW(HKEY key, DWORD index, LPWSTR name, LPDWORD
     return call.Status(
         [&]() -> DWORD
         {
-            if (reserved != nullptr || (keyClass != nullptr && classSize == nullptr))
-            {
-                return ERROR_INVALID_PARAMETER;
-            }
-            const DWORD error = registry::EnumerateKey(key, index, name, nameSize, lastWrite);
-            return error == ERROR_SUCCESS ? registry::CopyNoClass(keyClass, classSize) : error;
+            // The class of a key and the time of its last write aren't kept.
+            const bool isSimple = keyClass == nullptr && classSize == nullptr && lastWrite == nullptr;
+            return reserved == nullptr && isSimple ? registry::EnumerateKey(key, index, name, nameSize)
+                                                   : ERROR_INVALID_PARAMETER;
         });
 }
 
@@ -200,7 +194,7 @@ SIM_API LSTATUS WINAPI RegEnumKeyW(HKEY key, DWORD index, LPWSTR name, DWORD nam
         [&]
         {
             DWORD size = nameSize;
-            return registry::EnumerateKey(key, index, name, &size, nullptr);
+            return registry::EnumerateKey(key, index, name, &size);
         });
 }
 

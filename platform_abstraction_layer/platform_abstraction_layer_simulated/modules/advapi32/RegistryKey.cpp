@@ -31,16 +31,17 @@ Place CurrentUser()
 struct PredefinedKey
 {
     std::uintptr_t handle;
+    const char* name;
     Place (*place)();
 };
 const PredefinedKey kPredefinedKeys[] = {
-    {reinterpret_cast<std::uintptr_t>(HKEY_LOCAL_MACHINE),
+    {reinterpret_cast<std::uintptr_t>(HKEY_LOCAL_MACHINE), "HKEY_LOCAL_MACHINE",
      [] {
          return Place{std::string(hives::kMachine), ""};
      }},
-    {reinterpret_cast<std::uintptr_t>(HKEY_CURRENT_USER), &CurrentUser},
-    {reinterpret_cast<std::uintptr_t>(HKEY_USERS), [] { return Place{}; }},
-    {reinterpret_cast<std::uintptr_t>(HKEY_CLASSES_ROOT),
+    {reinterpret_cast<std::uintptr_t>(HKEY_CURRENT_USER), "HKEY_CURRENT_USER", &CurrentUser},
+    {reinterpret_cast<std::uintptr_t>(HKEY_USERS), "HKEY_USERS", [] { return Place{}; }},
+    {reinterpret_cast<std::uintptr_t>(HKEY_CLASSES_ROOT), "HKEY_CLASSES_ROOT",
      [] {
          return Place{std::string(hives::kMachine), "SOFTWARE\\Classes"};
      }},
@@ -177,9 +178,10 @@ Base BaseOf(const std::shared_ptr<Key>& key)
     return {key->place, key->access, key};
 }
 
-bool IsPredefined(HKEY handle) noexcept
+const char* PredefinedName(HKEY handle) noexcept
 {
-    return FindPredefined(handle) != nullptr;
+    const PredefinedKey* const predefined = FindPredefined(handle);
+    return predefined == nullptr ? nullptr : predefined->name;
 }
 
 REGSAM GrantedAccess(REGSAM wanted) noexcept
@@ -300,11 +302,6 @@ DWORD ReadValue(const Base& base, std::string_view name, Value& value)
 
 DWORD WriteValue(const Base& base, std::string_view name, const Value& value)
 {
-    return WriteForm(base, name, FormatValue(value));
-}
-
-DWORD WriteForm(const Base& base, std::string_view name, std::string_view form)
-{
     if (name.size() > kLongestValueName && ToUtf16(name).size() > kLongestValueName)
     {
         return ERROR_INVALID_PARAMETER;
@@ -312,7 +309,7 @@ DWORD WriteForm(const Base& base, std::string_view name, std::string_view form)
     return Change(base,
                   [&](Hive&, HiveKey& key) -> DWORD
                   {
-                      key.Put(name, form);
+                      key.Put(name, FormatValue(value));
                       return ERROR_SUCCESS;
                   });
 }

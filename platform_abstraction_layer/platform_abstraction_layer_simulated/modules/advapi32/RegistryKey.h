@@ -6,8 +6,8 @@
 //
 // Known differences from Windows: every account may do everything, so an opener gets the access that it asks
 // for; there are no classes of keys and no links; volatile keys stay, since the machine never restarts; names
-// of keys have no control characters; HKEY_USERS itself has no values; the time of a key's last write is that
-// of its hive; a key that another process deletes and makes anew stays the same key for who had it open and
+// of keys have no control characters; HKEY_USERS itself has no values; no key tells when it was written; a
+// key that another process deletes and makes anew stays the same key for who had it open and
 // hasn't looked in between.
 #pragma once
 
@@ -51,7 +51,9 @@ struct Base
 /// ERROR_INVALID_HANDLE for a handle that is no key's.
 DWORD FindBase(HKEY handle, Base& base);
 Base BaseOf(const std::shared_ptr<Key>& key);
-bool IsPredefined(HKEY handle) noexcept;
+
+/// "HKEY_LOCAL_MACHINE" and so on, or null for an opened key.
+const char* PredefinedName(HKEY handle) noexcept;
 
 /// The access that is granted for the access asked for; 0 when none was asked for.
 REGSAM GrantedAccess(REGSAM wanted) noexcept;
@@ -66,9 +68,6 @@ DWORD Delete(const Base& base, std::string_view subKey);
 DWORD ReadValue(const Base& base, std::string_view name, Value& value);
 DWORD WriteValue(const Base& base, std::string_view name, const Value& value);
 DWORD DeleteValue(const Base& base, std::string_view name);
-
-/// Stores a value by the text that stands for it in the hive's file, which needn't be one that can be read.
-DWORD WriteForm(const Base& base, std::string_view name, std::string_view form);
 
 enum class EntryKind
 {

@@ -29,27 +29,6 @@ void Terminate(const Value& value, LPBYTE data, DWORD room)
 
 } // namespace
 
-const char* PredefinedName(HKEY key) noexcept
-{
-    struct Row
-    {
-        HKEY key;
-        const char* name;
-    };
-    const Row rows[] = {{HKEY_LOCAL_MACHINE, "HKEY_LOCAL_MACHINE"},
-                        {HKEY_CURRENT_USER, "HKEY_CURRENT_USER"},
-                        {HKEY_USERS, "HKEY_USERS"},
-                        {HKEY_CLASSES_ROOT, "HKEY_CLASSES_ROOT"}};
-    for (const Row& row : rows)
-    {
-        if (row.key == key)
-        {
-            return row.name;
-        }
-    }
-    return nullptr;
-}
-
 DWORD BaseFor(HKEY key, REGSAM rights, Base& base)
 {
     const DWORD error = FindBase(key, base);
@@ -69,23 +48,6 @@ DWORD CopyName(std::string_view source, LPWSTR name, DWORD& size)
         return ERROR_MORE_DATA;
     }
     size = static_cast<DWORD>(Length(name));
-    return ERROR_SUCCESS;
-}
-
-DWORD CopyNoClass(LPWSTR keyClass, LPDWORD classSize)
-{
-    if (keyClass != nullptr && *classSize == 0)
-    {
-        return ERROR_MORE_DATA;
-    }
-    if (keyClass != nullptr)
-    {
-        *keyClass = 0;
-    }
-    if (classSize != nullptr)
-    {
-        *classSize = 0;
-    }
     return ERROR_SUCCESS;
 }
 

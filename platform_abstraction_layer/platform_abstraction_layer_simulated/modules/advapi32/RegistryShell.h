@@ -11,9 +11,6 @@
 namespace simulated::registry
 {
 
-/// "HKEY_LOCAL_MACHINE" and so on, or null for an opened key.
-const char* PredefinedName(HKEY key) noexcept;
-
 /// The arguments for the trace, with a predefined key by its name.
 template <class... Rest>
 void NoteArguments(PlatformCall& call, HKEY key, const Rest&... rest)
@@ -37,9 +34,6 @@ DWORD ListFor(HKEY key, REGSAM rights, EntryKind kind, Base& base, std::vector<s
 /// Copies a name with its terminator. `size` comes in as the room in characters and goes out as the length;
 /// ERROR_MORE_DATA, with everything left alone, when the room is too small.
 DWORD CopyName(std::string_view source, LPWSTR name, DWORD& size);
-
-/// The class of a key, which is always empty.
-DWORD CopyNoClass(LPWSTR keyClass, LPDWORD classSize);
 
 /// Hands a value out under the rules of RegQueryValueExW; every pointer may be null.
 DWORD CopyValue(const Value& value, LPDWORD type, LPBYTE data, LPDWORD size);

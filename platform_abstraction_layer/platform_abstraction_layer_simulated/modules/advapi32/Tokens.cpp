@@ -3,7 +3,8 @@
 // Tokens and privileges.
 //
 // Known differences from Windows: a process has one token for its account, which every OpenProcessToken
-// opens; few privileges exist; nobody is refused access to his own token.
+// opens; few privileges exist; nobody is refused access to his own token;
+// privileges can't be switched off all at once, and their state before is not told.
 
 #include "modules/advapi32/Tokens.h"
 
@@ -130,55 +131,6 @@ std::vector<LUID_AND_ATTRIBUTES> Wanted(const TOKEN_PRIVILEGES* wanted)
     return rows;
 }
 
-std::vector<LUID_AND_ATTRIBUTES> AllOff(const Attributes& token)
-{
-    std::vector<LUID_AND_ATTRIBUTES> rows;
-    for (const auto& [number, attributes] : token)
-    {
-        rows.push_back({{number, 0}, 0});
-    }
-    return rows;
-}
-
-// The rows of `wanted` that would change something, as they are now.
-std::vector<LUID_AND_ATTRIBUTES> Changed(const Attributes& token,
-                                         const std::vector<LUID_AND_ATTRIBUTES>& wanted)
-{
-    std::vector<LUID_AND_ATTRIBUTES> rows;
-    for (const LUID_AND_ATTRIBUTES& row : wanted)
-    {
-        const auto held = token.find(row.Luid.LowPart);
-        if (held != token.end() && ((held->second ^ row.Attributes) & SE_PRIVILEGE_ENABLED) != 0)
-        {
-            rows.push_back({row.Luid, held->second});
-        }
-    }
-    return rows;
-}
-
-DWORD StorePrevious(const std::vector<LUID_AND_ATTRIBUTES>& rows, PTOKEN_PRIVILEGES previous, DWORD room,
-                    PDWORD needed)
-{
-    const std::size_t rowsSize = rows.size() * sizeof(LUID_AND_ATTRIBUTES);
-    const std::size_t size = offsetof(TOKEN_PRIVILEGES, Privileges) + rowsSize;
-    if (needed != nullptr)
-    {
-        *needed = static_cast<DWORD>(size);
-    }
-    if (room < size)
-    {
-        return ERROR_INSUFFICIENT_BUFFER;
-    }
-    const auto count = static_cast<DWORD>(rows.size());
-    std::memcpy(previous, &count, sizeof count);
-    if (rowsSize != 0)
-    {
-        std::memcpy(reinterpret_cast<BYTE*>(previous) + offsetof(TOKEN_PRIVILEGES, Privileges), rows.data(),
-                    rowsSize);
-    }
-    return ERROR_SUCCESS;
-}
-
 // Switches what is held and notes in `error` when something wasn't.
 void Switch(Attributes& token, const std::vector<LUID_AND_ATTRIBUTES>& wanted, DWORD& error)
 {
@@ -202,35 +154,20 @@ void Switch(Attributes& token, const std::vector<LUID_AND_ATTRIBUTES>& wanted, D
 }
 
 // TRUE with an error number beside it, or FALSE.
-Outcome<BOOL> Adjust(HANDLE handle, bool disableAll, const TOKEN_PRIVILEGES* wanted, DWORD room,
-                     PTOKEN_PRIVILEGES previous, PDWORD needed)
+Outcome<BOOL> Adjust(HANDLE handle, const TOKEN_PRIVILEGES* wanted)
 {
     const std::shared_ptr<Token> token = HandleTable::Find<Token>(handle);
     if (token == nullptr)
     {
         return {FALSE, ERROR_INVALID_HANDLE};
     }
-    if (!token->Allows(TOKEN_ADJUST_PRIVILEGES | (previous == nullptr ? 0 : TOKEN_QUERY)))
+    if (!token->Allows(TOKEN_ADJUST_PRIVILEGES))
     {
         return {FALSE, ERROR_ACCESS_DENIED};
     }
-    if (!disableAll && wanted == nullptr)
-    {
-        return {FALSE, ERROR_INVALID_PARAMETER};
-    }
     const std::lock_guard lock(TheTokenTable().mutex);
-    Attributes& attributes = AttributesOf(token->Account());
-    const std::vector<LUID_AND_ATTRIBUTES> rows = disableAll ? AllOff(attributes) : Wanted(wanted);
-    if (previous != nullptr)
-    {
-        if (const DWORD error = StorePrevious(Changed(attributes, rows), previous, room, needed);
-            error != ERROR_SUCCESS)
-        {
-            return {FALSE, error};
-        }
-    }
     DWORD error = ERROR_SUCCESS;
-    Switch(attributes, rows, error);
+    Switch(AttributesOf(token->Account()), Wanted(wanted), error);
     return {TRUE, error};
 }
 
@@ -298,18 +235,18 @@ SIM_API BOOL WINAPI LookupPrivilegeValueW(LPCWSTR system, LPCWSTR name, PLUID lu
     return call.Boolean([&] { return tokens::Lookup(name, luid); });
 }
 
-SIM_API BOOL WINAPI AdjustTokenPrivileges(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEGES wanted,
-                                          DWORD previousSize, PTOKEN_PRIVILEGES previous, PDWORD neededSize)
+SIM_API BOOL WINAPI AdjustTokenPrivileges(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEGES wanted, DWORD,
+                                          PTOKEN_PRIVILEGES previous, PDWORD)
 {
     PlatformCall call(CallClass::Account, "AdjustTokenPrivileges", SIM_CALLER);
     call.Arguments(token, disableAll);
-    return call.Result<BOOL>(FALSE,
-                             [&]() -> Outcome<BOOL>
-                             {
-                                 // On success the last error tells whether all were switched, so it is set
-                                 // then too.
-                                 SetLastError(ERROR_SUCCESS);
-                                 return tokens::Adjust(token, disableAll != FALSE, wanted, previousSize,
-                                                       previous, neededSize);
-                             });
+    return call.Result<BOOL>(
+        FALSE,
+        [&]() -> Outcome<BOOL>
+        {
+            // On success the last error tells whether all were switched, so it is set then too.
+            SetLastError(ERROR_SUCCESS);
+            const bool isKnown = disableAll == FALSE && wanted != nullptr && previous == nullptr;
+            return isKnown ? tokens::Adjust(token, wanted) : Outcome<BOOL>{FALSE, ERROR_INVALID_PARAMETER};
+        });
 }
