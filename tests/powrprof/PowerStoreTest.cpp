@@ -1,6 +1,7 @@
 // tests/powrprof/PowerStoreTest.cpp
 //
-// What the power manager refuses, and the order in which it enumerates schemes: the transcripts show the rest.
+// What the power manager refuses, and the order in which it enumerates schemes: the transcripts show the
+// rest.
 
 #include "support/LastError.h"
 #include "support/NotebookTest.h"
