@@ -13,7 +13,7 @@ namespace
 constexpr const char* kKey = "Software\\Kelvo\\ORVA";
 constexpr const char* kValue = "CurrentPwrSchemeID";
 
-constexpr int kManyCycles = 1000;
+constexpr int kManyCycles = 200;
 constexpr int kWarmUpCycles = 20; // what the system itself keeps is there after these
 
 class LifeCycle : public AcceptanceTest

@@ -54,7 +54,7 @@ ServiceProcess::ServiceProcess(const std::string& notebook, const std::vector<st
 ServiceProcess::~ServiceProcess()
 {
     m_process.reset();
-    CloseInput();
+    close(m_input);
     close(m_output);
 }
 
@@ -72,20 +72,4 @@ bool ServiceProcess::WaitFor(const std::string& text)
         m_printed.append(buffer, static_cast<std::size_t>(count));
     }
     return true;
-}
-
-void ServiceProcess::CloseInput()
-{
-    if (m_input != -1)
-    {
-        close(m_input);
-        m_input = -1;
-    }
-}
-
-int ServiceProcess::ExitCode()
-{
-    // What is printed until the end, so that a full pipe doesn't hold the service up.
-    WaitFor("\x01 never printed");
-    return m_process->Await();
 }

@@ -26,19 +26,9 @@ public:
         return WaitFor("serving\n");
     }
 
-    /// Closes the pipe that feeds the service.
-    void CloseInput();
-    void Signal(int number) const
+    void Kill()
     {
-        m_process->Signal(number);
-    }
-
-    /// Waits for the end: the exit code, -1 for an end by a signal.
-    int ExitCode();
-
-    const std::string& Printed() const
-    {
-        return m_printed;
+        m_process->Kill();
     }
 
 private:

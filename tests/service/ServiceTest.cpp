@@ -166,30 +166,16 @@ TEST_F(ServiceTest, AKilledServiceLeavesRoomForTheNext)
             [&]
             {
                 EXPECT_TRUE(service.WaitFor("left without an answer"));
-                service.Signal(SIGKILL);
+                service.Kill();
             });
         EXPECT_EQ(kGeneralFailure, Call(3, L"x", 1, 500));
         killer.join();
-        EXPECT_EQ(-1, service.ExitCode());
     }
     EXPECT_EQ(kGeneralFailure, Call(3, L"x", 1));
     ServiceProcess next(Folder(), {});
     ASSERT_TRUE(next.IsServing());
     EXPECT_EQ(0, Call(3, L"x", 2));
     EXPECT_EQ(2, StoredScheme());
-}
-
-TEST_F(ServiceTest, ItEndsWithItsInputAndOnCtrlC)
-{
-    for (const bool byInput : {true, false})
-    {
-        ServiceProcess service(Folder(), {});
-        ASSERT_TRUE(service.IsServing());
-        byInput ? service.CloseInput() : service.Signal(SIGINT);
-        EXPECT_EQ(0, service.ExitCode());
-        EXPECT_TRUE(service.WaitFor("ended\n"));
-        EXPECT_EQ(kGeneralFailure, Call(3, L"x", 1));
-    }
 }
 
 } // namespace

@@ -27,16 +27,11 @@ public:
         Kill();
     }
 
-    void Signal(int number) const
-    {
-        kill(m_process, number);
-    }
-
     void Kill()
     {
         if (m_process > 0)
         {
-            Signal(SIGKILL);
+            kill(m_process, SIGKILL);
             Await();
         }
     }
