@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
+#include <initializer_list>
 #include <sstream>
 #include <string_view>
 
@@ -25,6 +26,16 @@ namespace
 {
 
 constexpr std::string_view kWords = "words";
+
+std::string Joined(std::initializer_list<std::string_view> parts)
+{
+    std::string text;
+    for (const std::string_view part : parts)
+    {
+        text += part;
+    }
+    return text;
+}
 
 // Long beginnings of places, and what stands for them in a transcript. The first that fits counts.
 struct Abbreviation
@@ -87,16 +98,16 @@ public:
         state.try_emplace(place, value);
     }
 
-    void AddDocument(const std::string& name, std::string bytes, Encoding encoding)
+    void AddDocument(const std::string& name, const std::string& bytes, Encoding encoding)
     {
         Add(name, "");
-        for (const IniSection& section : IniDocument(std::move(bytes), encoding).Contents())
+        for (const IniSection& section : IniDocument(bytes, encoding).Contents())
         {
-            const std::string place = name + " [" + section.name + "]";
+            const std::string place = Joined({name, " [", section.name, "]"});
             Add(place, "");
             for (const auto& [key, value] : section.entries)
             {
-                Add(place + ' ' + key, value);
+                Add(Joined({place, " ", key}), value);
             }
         }
     }
@@ -118,14 +129,14 @@ public:
         Add(key, "");
         for (const std::string& name : RegistryEditor::Values(key))
         {
-            Add(key + " \"" + name + '"', Show(key, name));
+            Add(Joined({key, " \"", name, "\""}), Show(key, name));
         }
         for (const std::string& name : RegistryEditor::Keys(key))
         {
             // The running account's hive, a second time.
             if (name != ".DEFAULT")
             {
-                AddKey(key + '\\' + name);
+                AddKey(Joined({key, "\\", name}));
             }
         }
     }
@@ -167,7 +178,7 @@ std::string DifferingWords(const std::string& before, const std::string& after)
         now = right >> now ? now : "nothing";
         if (old != now)
         {
-            words += " +" + std::to_string(offset) + ": " + old + " -> " + now;
+            words += Joined({" +", std::to_string(offset), ": ", old, " -> ", now});
         }
     }
     return words;
@@ -208,7 +219,7 @@ std::vector<std::string> Differences(const State& before, const State& after)
         }
         else if (value != now->second)
         {
-            lines.push_back(place + ": " + value + " -> " + now->second);
+            lines.push_back(Joined({place, ": ", value, " -> ", now->second}));
         }
     }
     for (const auto& [place, value] : after)
