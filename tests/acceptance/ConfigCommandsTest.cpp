@@ -141,7 +141,7 @@ TEST_F(ConfigCommands, NamesThatAreNoFilesAreRefused)
         }
     }
     for (const std::string file :
-         {"CON1", "COM", "COM0.ini", "LPT10", "NULL", "a.con", " NUL", "C0N", "COM\xB4"})
+         {"CO", "CON1", "COM", "COM0.ini", "LPT10", "NULL", "a.con", " NUL", "C0N", "COM\xB4"})
     {
         EXPECT_EQ("0", On("PUT_INT_INTO_CONFIG", kProfile, file, "S", "K")) << file;
         seeding::Remove(ProfileFile(file));

@@ -141,8 +141,9 @@ TEST_F(PresentState, WithoutAStateThereIsNoBattery)
     EXPECT_THAT(CallsOf([&] { EXPECT_EQ(0U, engine.GetBatteryCount()); }),
                 ElementsAre("GetSystemPowerStatus"));
     EXPECT_TRUE(CallsOf([&] { EXPECT_EQ(0U, engine.GetRemainCapacity(1)); }).empty());
-    Faults::Inject("SetupDiGetClassDevsW", 1, ERROR_ACCESS_DENIED, true);
     _BATTERY_STATUS status{};
+    EXPECT_EQ(0, engine.GetBatteryStatus(0, status));
+    Faults::Inject("SetupDiGetClassDevsW", 1, ERROR_ACCESS_DENIED, true);
     EXPECT_EQ(-1, engine.GetBatteryStatus(0, status));
     EXPECT_EQ(0U, engine.GetCompleteTime(0) + engine.GetRemainingUsageTime(0) + engine.GetRemainCapacity(0));
 }

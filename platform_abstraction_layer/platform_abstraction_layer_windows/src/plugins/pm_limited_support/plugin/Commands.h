@@ -6,7 +6,8 @@
 
 #include "plugin/WireRecords.h"
 
-#include <iterator>
+#include <algorithm>
+#include <functional>
 
 /// The numbers of the commands. 8, 12 and 34 aren't used.
 enum PmCommand : LONG
@@ -166,5 +167,7 @@ inline constexpr CommandInfo kAll[] = {
     {PM_CLEAR_SCHEMES, "CLEAR_SCHEMES", kUncheckedNumber, kNoReply, kUser},
     {PM_AUTORUN_ORVA, "AUTORUN_ORVA", kUncheckedRecord<PM_AutoRun_Data>, kNoReply, kNoUser},
 };
+static_assert(std::ranges::is_sorted(kAll, std::ranges::less_equal(), &CommandInfo::number),
+              "two commands have one number, or one stands in another place");
 
 } // namespace commands
