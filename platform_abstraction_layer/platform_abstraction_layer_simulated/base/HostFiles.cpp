@@ -4,6 +4,8 @@
 
 #include "base/HostFiles.h"
 
+#include "base/ChangeCount.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
@@ -41,7 +43,9 @@ bool Write(const std::string& path, const std::string& bytes)
         return false;
     }
     const ssize_t written = write(file, bytes.data(), bytes.size());
-    return close(file) == 0 && written == static_cast<ssize_t>(bytes.size());
+    const bool isWritten = close(file) == 0 && written == static_cast<ssize_t>(bytes.size());
+    ChangeCount::Announce();
+    return isWritten;
 }
 
 void Tree::Add(const std::string& path, Entry&& entry)
@@ -79,6 +83,7 @@ bool RemoveAll(const std::string& path)
 {
     std::error_code error;
     std::filesystem::remove_all(path, error);
+    ChangeCount::Announce();
     return !error;
 }
 

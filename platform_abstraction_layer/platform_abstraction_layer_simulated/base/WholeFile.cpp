@@ -4,6 +4,7 @@
 
 #include "base/WholeFile.h"
 
+#include "base/ChangeCount.h"
 #include "base/Text.h"
 
 #include <cerrno>
@@ -153,6 +154,7 @@ bool WriteWhole(const std::string& path, std::string_view bytes)
         errno = kept;
         return false;
     }
+    ChangeCount::Announce();
     return true;
 }
 

@@ -1,10 +1,11 @@
 // machine/CachedFile.h
 //
 // A text file of the machine that all processes share, parsed once for each state that it has been in. A
-// change is seen by the next platform call in any process, whole or not at all; within one platform call the
-// file system is asked once whether the file has changed.
+// change is seen by the next platform call in any process, whole or not at all, and not in the middle of a
+// call.
 #pragma once
 
+#include "base/ChangeCount.h"
 #include "base/PlatformCall.h"
 #include "base/WholeFile.h"
 #include "machine/Machine.h"
@@ -33,7 +34,11 @@ public:
         const std::lock_guard guard(m_mutex);
         if (m_checkedBy == 0 || m_checkedBy != PlatformCall::Current())
         {
-            Refresh(Machine::PathOf(m_part));
+            if (!m_lastLook.IsCurrent())
+            {
+                Refresh(Machine::PathOf(m_part));
+            }
+            m_checkedBy = PlatformCall::Current();
         }
         return look(std::as_const(m_content));
     }
@@ -63,18 +68,19 @@ public:
 private:
     void Refresh(const std::string& path)
     {
-        // The state is taken before the reading: a change in between is noticed by the next look.
+        // Count and state are taken before the reading: a change in between is noticed by the next look.
+        m_lastLook.Begin();
         FileState now = StateOf(path);
         if (now != m_state)
         {
             m_content.Load(ReadWhole(path).value_or(std::string()));
             m_state = std::move(now);
         }
-        m_checkedBy = PlatformCall::Current();
     }
 
     const std::string m_part;
     std::mutex m_mutex;
+    LastLook m_lastLook;
     FileState m_state;
     std::uint64_t m_checkedBy = 0; ///< the platform call that looked last; 0 outside of all
     Content m_content;

@@ -4,6 +4,7 @@
 
 #include "machine/Machine.h"
 
+#include "base/ChangeCount.h"
 #include "base/HexText.h"
 #include "base/IniDocument.h"
 #include "base/Text.h"
@@ -65,6 +66,15 @@ struct MachineState
     const char* Folder() const
     {
         return folder.empty() ? FromEnvironment("SIM_NOTEBOOK", kNoNotebook) : folder.c_str();
+    }
+
+    /// Makes `absolute` of the folder; the mutex is held.
+    void Resolve()
+    {
+        std::error_code ignored;
+        absoluteOf = Folder();
+        absolute = std::filesystem::absolute(absoluteOf, ignored).lexically_normal().string();
+        ChangeCount::Use(absolute);
     }
 };
 
@@ -142,6 +152,7 @@ void Machine::Use(const std::string& folder)
     MachineState& state = TheMachineState();
     const std::lock_guard lock(state.mutex);
     state.folder = folder;
+    state.Resolve();
 }
 
 std::string Machine::PathOf(std::string_view part)
@@ -150,9 +161,7 @@ std::string Machine::PathOf(std::string_view part)
     const std::lock_guard lock(state.mutex);
     if (state.absoluteOf != state.Folder())
     {
-        std::error_code ignored;
-        state.absoluteOf = state.Folder();
-        state.absolute = std::filesystem::absolute(state.absoluteOf, ignored).lexically_normal().string();
+        state.Resolve();
     }
     std::string path = state.absolute;
     path += '/';

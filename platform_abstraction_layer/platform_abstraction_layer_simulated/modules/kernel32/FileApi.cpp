@@ -5,6 +5,7 @@
 // Known differences from Windows: a file that is there can be opened for reading, which keeps others from
 // what the opener doesn't share; nothing reads or writes by handle.
 
+#include "base/ChangeCount.h"
 #include "base/Descriptor.h"
 #include "base/Text.h"
 #include "modules/kernel32/Devices.h"
@@ -58,6 +59,7 @@ Outcome<std::shared_ptr<Object>> OpenFile(const std::string& path, DWORD access,
         return {nullptr, error};
     }
     share_modes::Claim(file.Get(), share);
+    ChangeCount::Announce();
     return {std::make_shared<File>(std::move(file))};
 }
 
@@ -75,7 +77,12 @@ DWORD Delete(const std::string& path)
     {
         return error;
     }
-    return unlink(place.host.c_str()) == 0 ? ERROR_SUCCESS : paths::ErrorOf(errno);
+    if (unlink(place.host.c_str()) != 0)
+    {
+        return paths::ErrorOf(errno);
+    }
+    ChangeCount::Announce();
+    return ERROR_SUCCESS;
 }
 
 } // namespace

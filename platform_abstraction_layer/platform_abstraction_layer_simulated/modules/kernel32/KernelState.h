@@ -10,7 +10,7 @@
 
 #include "base/HandleTable.h"
 #include "base/PlatformCall.h"
-#include "modules/kernel32/SharedPages.h"
+#include "base/SharedPages.h"
 
 #include <winbase.h>
 

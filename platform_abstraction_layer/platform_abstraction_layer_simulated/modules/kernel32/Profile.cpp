@@ -7,6 +7,7 @@
 // key gives the default; a handle that is open on the file while it is changed goes on reading the old
 // content; a last line keeps its missing end when its value is replaced.
 
+#include "base/ChangeCount.h"
 #include "base/Descriptor.h"
 #include "base/IniDocument.h"
 #include "base/PlatformCall.h"
@@ -22,6 +23,9 @@
 #include <cerrno>
 #include <charconv>
 #include <fcntl.h>
+#include <map>
+#include <memory>
+#include <mutex>
 
 using namespace simulated;
 
@@ -29,6 +33,8 @@ namespace
 {
 
 constexpr std::string_view kWindowsFolder = "C:\\WINDOWS\\";
+
+constexpr std::size_t kMostKnownFiles = 32;
 
 // What stands before a number's digits; the letters are lower-case alone.
 constexpr std::pair<std::string_view, int> kPrefixes[] = {{"0x", 16}, {"0o", 8}, {"0b", 2}};
@@ -56,25 +62,53 @@ DWORD FindForWriting(const std::string& path, paths::Place& place)
                : error;
 }
 
+using Document = std::shared_ptr<const IniDocument>;
+
 // The content of a file, or why it can't be read.
-Outcome<std::optional<IniDocument>> Read(LPCWSTR file)
+Outcome<Document> Load(const std::string& path)
 {
     paths::Place place;
-    if (const DWORD error = paths::FindExisting(PathOf(file), place); error != ERROR_SUCCESS)
+    if (const DWORD error = paths::FindExisting(path, place); error != ERROR_SUCCESS)
     {
-        return {std::nullopt, error};
+        return {nullptr, error};
     }
     const Descriptor opened(open(place.host.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (opened.IsOpen() && share_modes::Check(opened.Get(), GENERIC_READ) != ERROR_SUCCESS)
     {
-        return {std::nullopt, ERROR_SHARING_VIOLATION};
+        return {nullptr, ERROR_SHARING_VIOLATION};
     }
-    std::optional<std::string> bytes = opened.IsOpen() ? ReadWhole(opened.Get()) : std::nullopt;
+    const std::optional<std::string> bytes = opened.IsOpen() ? ReadWhole(opened.Get()) : std::nullopt;
     if (!bytes)
     {
-        return {std::nullopt, paths::ErrorOf(errno)};
+        return {nullptr, paths::ErrorOf(errno)};
     }
-    return {IniDocument(*bytes, Machine::AnsiEncoding()), ERROR_SUCCESS};
+    return {std::make_shared<const IniDocument>(*bytes, Machine::AnsiEncoding())};
+}
+
+// `Load` for a path as the caller spells it, once until something changes. What can't be read is tried anew.
+Outcome<Document> Read(LPCWSTR file)
+{
+    struct Known
+    {
+        LastLook lastLook;
+        Document document;
+    };
+    static std::mutex& mutex = *new std::mutex;
+    static auto& known = *new std::map<std::u16string, Known>;
+    const std::lock_guard lock(mutex);
+    if (known.size() > kMostKnownFiles)
+    {
+        known.clear();
+    }
+    auto& [lastLook, document] = known[std::u16string(file, file + Length(file))];
+    if (document != nullptr && lastLook.IsCurrent())
+    {
+        return {document};
+    }
+    lastLook.Begin();
+    const Outcome<Document> read = Load(PathOf(file));
+    document = read.value;
+    return read;
 }
 
 // Sets or, with a null pointer in its place, removes a value or a section, and makes the file where it is
@@ -170,10 +204,11 @@ DWORD CopyDefault(LPCWSTR otherwise, LPWSTR buffer, DWORD size)
 // A value without its quotes, or why there is none.
 Outcome<std::optional<std::string>> Find(LPCWSTR section, LPCWSTR key, LPCWSTR file)
 {
-    const Outcome<std::optional<IniDocument>> document = Read(file);
-    if (!document.value || section == nullptr || key == nullptr)
+    const Outcome<Document> document = Read(file);
+    if (document.value == nullptr || section == nullptr || key == nullptr)
     {
-        return {std::nullopt, document.value ? static_cast<DWORD>(ERROR_NOT_SUPPORTED) : document.error};
+        return {std::nullopt,
+                document.value != nullptr ? static_cast<DWORD>(ERROR_NOT_SUPPORTED) : document.error};
     }
     const std::optional<std::string> value = document.value->Value(ToUtf8(section), ToUtf8(key));
     return value ? Outcome<std::optional<std::string>>{std::string(Unquote(*value))}

@@ -5,7 +5,7 @@
 // several objects, named and unnamed, needs nothing else, and nobody who is killed leaves a queue behind.
 #pragma once
 
-#include "modules/kernel32/SharedPages.h"
+#include "base/SharedPages.h"
 
 #include <atomic>
 #include <cstdint>

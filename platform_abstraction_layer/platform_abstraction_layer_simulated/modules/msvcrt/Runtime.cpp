@@ -6,6 +6,7 @@
 // Known differences from Windows: the conversions are d, i, u, x, X, s and S, with the flags "-" and "0", a
 // width of numbers, and the sizes h, l and w. Any other letter is shown as itself and reads no argument.
 
+#include "base/ChangeCount.h"
 #include "base/PlatformCall.h"
 #include "base/Text.h"
 #include "modules/kernel32/Paths.h"
@@ -42,10 +43,10 @@ CallClass ClassOf(std::string path)
 DWORD OpenStream(const std::string& path, const std::string& mode, FILE*& stream)
 {
     paths::Place place;
+    const bool reads = mode == "rb";
     DWORD error = paths::Find(path, place);
     if (error == ERROR_SUCCESS)
     {
-        const bool reads = mode == "rb";
         error = share_modes::Check(place.host, reads ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE);
         const bool isDenied = place.IsFolder() || (place.IsReadOnly() && !reads);
         error = error == ERROR_SUCCESS && isDenied ? static_cast<DWORD>(ERROR_ACCESS_DENIED) : error;
@@ -55,6 +56,10 @@ DWORD OpenStream(const std::string& path, const std::string& mode, FILE*& stream
         return error;
     }
     stream = std::fopen(place.host.c_str(), (mode + 'e').c_str());
+    if (!reads)
+    {
+        ChangeCount::Announce(); // of what is now written to the stream as well, though that takes a moment
+    }
     return stream != nullptr ? ERROR_SUCCESS : paths::ErrorOf(errno);
 }
 

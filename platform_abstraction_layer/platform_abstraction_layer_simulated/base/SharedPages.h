@@ -1,4 +1,4 @@
-// modules/kernel32/SharedPages.h
+// base/SharedPages.h
 //
 // Owner of pages that processes share.
 #pragma once
