@@ -74,9 +74,12 @@ void Tree::AddLink(const std::string& path, std::string target)
 
 bool Tree::MakeIn(const std::string& folder) const
 {
-    return std::all_of(m_entries.begin(), m_entries.end(),
-                       [&](const auto& entry)
-                       { return entry.second.make(folder + '/' + entry.first, entry.second.content); });
+    const bool isMade =
+        std::all_of(m_entries.begin(), m_entries.end(),
+                    [&](const auto& entry)
+                    { return entry.second.make(folder + '/' + entry.first, entry.second.content); });
+    ChangeCount::Announce();
+    return isMade;
 }
 
 bool RemoveAll(const std::string& path)

@@ -28,6 +28,11 @@ public:
     explicit File(Descriptor descriptor) : Object(ObjectKind::File), m_descriptor(std::move(descriptor))
     {
     }
+    ~File() override
+    {
+        m_descriptor = Descriptor();
+        ChangeCount::Announce(); // who was kept from the file may have it now
+    }
 
 private:
     Descriptor m_descriptor; // holds the share mode

@@ -4,6 +4,8 @@
 
 #include "modules/kernel32/Paths.h"
 
+#include "base/PlatformCall.h"
+#include "base/Remembered.h"
 #include "base/Text.h"
 #include "base/WholeFile.h"
 #include "machine/Machine.h"
@@ -125,7 +127,12 @@ DWORD CreateFolder(std::string_view path)
         return error;
     }
     const bool isMade = !place.Exists() && mkdir(place.host.c_str(), kFolderMode) == 0;
-    return isMade ? ERROR_SUCCESS : place.Exists() || errno == EEXIST ? ERROR_ALREADY_EXISTS : ErrorOf(errno);
+    if (isMade)
+    {
+        ChangeCount::Announce();
+        return ERROR_SUCCESS;
+    }
+    return place.Exists() || errno == EEXIST ? ERROR_ALREADY_EXISTS : ErrorOf(errno);
 }
 
 } // namespace
@@ -145,7 +152,7 @@ bool Place::IsReadOnly() const noexcept
     return Exists() && !IsFolder() && (mode & kWriteBits) == 0;
 }
 
-DWORD Find(std::string_view path, Place& place)
+DWORD FindAnew(std::string_view path, Place& place)
 {
     Parts parts;
     if (const DWORD error = Split(path, parts); error != ERROR_SUCCESS)
@@ -175,6 +182,20 @@ DWORD Find(std::string_view path, Place& place)
         place = Descend(place.host, name);
     }
     return parts.names.empty() ? ERROR_PATH_NOT_FOUND : ERROR_SUCCESS; // no such drive
+}
+
+DWORD Find(std::string_view path, Place& place)
+{
+    static auto& places = *new Remembered<Outcome<Place>>;
+    Outcome<Place> found = places.Find(std::string(path),
+                                       [path]
+                                       {
+                                           Outcome<Place> outcome;
+                                           outcome.error = FindAnew(path, outcome.value);
+                                           return outcome;
+                                       });
+    place = std::move(found.value);
+    return found.error;
 }
 
 DWORD FindExisting(std::string_view path, Place& place)

@@ -35,6 +35,9 @@ struct Place
 /// ERROR_PATH_NOT_FOUND, or ERROR_INVALID_NAME for a name that can't be.
 DWORD Find(std::string_view path, Place& place);
 
+/// `Find` for who is about to write: nothing that was found before is trusted.
+DWORD FindAnew(std::string_view path, Place& place);
+
 /// `Find` for something that must exist: ERROR_FILE_NOT_FOUND otherwise.
 DWORD FindExisting(std::string_view path, Place& place);
 

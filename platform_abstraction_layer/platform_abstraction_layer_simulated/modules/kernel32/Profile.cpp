@@ -7,10 +7,10 @@
 // key gives the default; a handle that is open on the file while it is changed goes on reading the old
 // content; a last line keeps its missing end when its value is replaced.
 
-#include "base/ChangeCount.h"
 #include "base/Descriptor.h"
 #include "base/IniDocument.h"
 #include "base/PlatformCall.h"
+#include "base/Remembered.h"
 #include "base/Text.h"
 #include "base/WholeFile.h"
 #include "machine/Machine.h"
@@ -23,9 +23,7 @@
 #include <cerrno>
 #include <charconv>
 #include <fcntl.h>
-#include <map>
 #include <memory>
-#include <mutex>
 
 using namespace simulated;
 
@@ -33,8 +31,6 @@ namespace
 {
 
 constexpr std::string_view kWindowsFolder = "C:\\WINDOWS\\";
-
-constexpr std::size_t kMostKnownFiles = 32;
 
 // What stands before a number's digits; the letters are lower-case alone.
 constexpr std::pair<std::string_view, int> kPrefixes[] = {{"0x", 16}, {"0o", 8}, {"0b", 2}};
@@ -48,7 +44,7 @@ std::string PathOf(LPCWSTR file)
 
 DWORD FindForWriting(const std::string& path, paths::Place& place)
 {
-    if (const DWORD error = paths::Find(path, place); error != ERROR_SUCCESS)
+    if (const DWORD error = paths::FindAnew(path, place); error != ERROR_SUCCESS)
     {
         return error;
     }
@@ -85,30 +81,11 @@ Outcome<Document> Load(const std::string& path)
     return {std::make_shared<const IniDocument>(*bytes, Machine::AnsiEncoding())};
 }
 
-// `Load` for a path as the caller spells it, once until something changes. What can't be read is tried anew.
 Outcome<Document> Read(LPCWSTR file)
 {
-    struct Known
-    {
-        LastLook lastLook;
-        Document document;
-    };
-    static std::mutex& mutex = *new std::mutex;
-    static auto& known = *new std::map<std::u16string, Known>;
-    const std::lock_guard lock(mutex);
-    if (known.size() > kMostKnownFiles)
-    {
-        known.clear();
-    }
-    auto& [lastLook, document] = known[std::u16string(file, file + Length(file))];
-    if (document != nullptr && lastLook.IsCurrent())
-    {
-        return {document};
-    }
-    lastLook.Begin();
-    const Outcome<Document> read = Load(PathOf(file));
-    document = read.value;
-    return read;
+    static auto& documents = *new Remembered<Outcome<Document>>;
+    const std::string path = PathOf(file);
+    return documents.Find(path, [&path] { return Load(path); });
 }
 
 // Sets or, with a null pointer in its place, removes a value or a section, and makes the file where it is

@@ -56,9 +56,9 @@ DWORD OpenStream(const std::string& path, const std::string& mode, FILE*& stream
         return error;
     }
     stream = std::fopen(place.host.c_str(), (mode + 'e').c_str());
-    if (!reads)
+    if (!place.Exists() || mode.starts_with('w'))
     {
-        ChangeCount::Announce(); // of what is now written to the stream as well, though that takes a moment
+        ChangeCount::Announce(); // what is then written to the stream isn't counted
     }
     return stream != nullptr ? ERROR_SUCCESS : paths::ErrorOf(errno);
 }
