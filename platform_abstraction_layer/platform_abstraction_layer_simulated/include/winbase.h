@@ -159,9 +159,8 @@ SIM_API int WINAPI lstrcmpiW(LPCWSTR left, LPCWSTR right);
 /// value is empty.
 SIM_API UINT WINAPI GetPrivateProfileIntW(LPCWSTR section, LPCWSTR key, INT otherwise, LPCWSTR file);
 
-/// The characters copied, without the terminator; of a cut text `size` - 1. A null `key` asks for the keys of
-/// the section, a null `section` for the sections, as texts one behind the other with an empty one at the
-/// end; a cut list gives `size` - 2.
+/// The characters copied, without the terminator; of a cut text `size` - 1. There are no lists of sections
+/// and keys.
 SIM_API DWORD WINAPI GetPrivateProfileStringW(LPCWSTR section, LPCWSTR key, LPCWSTR otherwise, LPWSTR buffer,
                                               DWORD size, LPCWSTR file);
 
