@@ -85,13 +85,13 @@ TEST_F(CpuAgentTest, RegistersAreReadAndChangedByTheirFields)
         SetOnAll(kModulation, low);
         EXPECT_EQ(level, agent->GetEblLevel()) << low;
     }
-    Processor::Fit(4, {6, 12, 0x20, 0x30});
+    Processor::Fit(4, {5, 10, 0x20, 0x30});
     ASSERT_EQ(1, agent->Initialize());
     SetOnAll(kControl, 0x12345678'0000FFFF);
     NewDriverInputs();
     EXPECT_EQ(50, agent->SetEblLevel(50));
-    EXPECT_EQ(0x12345678'0000E6E0U, Processor::Read(3, kControl));
-    EXPECT_THAT(NewDriverInputs(), testing::Contains("99 01 00 00 78 56 34 12 E0 E6 00 00").Times(4));
+    EXPECT_EQ(0x12345678'0000E5E0U, Processor::Read(3, kControl));
+    EXPECT_THAT(NewDriverInputs(), testing::Contains("99 01 00 00 78 56 34 12 E0 E5 00 00").Times(4));
 }
 
 TEST_F(CpuAgentTest, OnlyTheFirstFourCoresOfTheProcessAreWritten)

@@ -179,6 +179,10 @@ TEST_F(DevMgrTest, ByDefaultTheServiceIsAskedForAsLongAsTheFileSays)
         EXPECT_EQ(timeout, manager.m_nTimeout) << configured;
     }
     EXPECT_EQ(kGeneralFailure, manager.ChangeState(0, OrvlDeviceDisable)) << "nobody serves";
+    UseClasses({kNetText}, "DmOptions=2\n");
+    CDevMgr direct;
+    ASSERT_EQ(kSucceeded, direct.Setup());
+    EXPECT_EQ(kSucceeded, direct.ChangeState(0, OrvlDeviceEnable)) << "that bit means something else";
 
     BoardService service(
         [](const service::Request&) {

@@ -114,6 +114,8 @@ TEST_F(HwSBXTest, IncompleteSectionsAreRefusedAndChangeNothing)
         }
     }
     EXPECT_EQ(0U, Register());
+    UseFile("ValueSize=1\nBit=0\n" + kInPci);
+    EXPECT_EQ(kSucceeded, chipset.GetFunctionDisable(L"HD Audio", &disabled));
     UseFile("AddressSize=1\n" + kInPorts);
     EXPECT_EQ(ResultFromWin32(ERROR_FILE_NOT_FOUND), chipset.GetFunctionDisable(L"HD Audio", &disabled))
         << "a base of one byte is read, and no port is there";

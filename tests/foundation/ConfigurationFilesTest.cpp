@@ -6,6 +6,7 @@
 #include "base/HostFiles.h"
 #include "base/Trace.h"
 #include "control/Profiles.h"
+#include "foundation/EntryLimit.h"
 #include "foundation/OrvlProfile.h"
 #include "machine/Accounts.h"
 #include "machine/Machine.h"
@@ -163,6 +164,12 @@ TEST_F(ConfigurationFiles, FoldersAreBoundedByTheCallersRoom)
     EXPECT_EQ("C:\\ORVL", told(cfg.GetHomePath(folder, 24)));
     EXPECT_EQ("none", told(cfg.GetDllPath(folder, 23))) << "the module's own name doesn't fit";
     EXPECT_EQ("none none", told(cfg.GetDllPath(folder, 0)) + ' ' + told(cfg.GetDllPath(nullptr, 24)));
+}
+
+TEST(EntryLimitTest, ALongListIsBelievedAsFarAsItsEntriesGo)
+{
+    EXPECT_EQ(1001, EntryLimit().Take(1001, [](int) { return true; }));
+    EXPECT_EQ(3, EntryLimit().Take(1001, [](int entry) { return entry < 3; }));
 }
 
 } // namespace

@@ -32,6 +32,7 @@ constexpr Sample kSamples[] = {
     {"GET_WIRELESS_ENABLED_STATUS", "", "", false},
     {"GET_BLUETOOTH_STATUS", "", "", false},
     {"SET_BLUETOOTH_STATUS", "status=off", "it is on", false},
+    {"SET_BLUETOOTH_STATUS", "status=on", "it is on already", false},
     {"GET_LAN_SPEED", "", "", false},
     {"SET_LAN_SPEED", "speed=0", "another than it has", false},
     {"SET_LAN_SPEED", "speed=2", "the one that it has", false},
@@ -78,6 +79,7 @@ constexpr Sample kSamples[] = {
     {"CLEAR_SCHEMES", "selector=0", "the current user's", false},
     {"CLEAR_SCHEMES", "selector=1", "all users'", false},
     {"AUTORUN_ORVA", "flag=1 path=\"C:\\ORVA\\ORVA.exe\"", "", false},
+    {"AUTORUN_ORVA", "flag=0", "there is nothing to remove", false},
 };
 
 #undef WHOLE_SCHEME
