@@ -151,6 +151,8 @@ TEST_F(AddDelete, AWholeSchemeIsAddedWithoutTheHibernateTimesOfItsBase)
     EXPECT_EQ(3, set.schemeID);
     std::fill_n(set.name, kSchemeTextCapacity, L'n');
     EXPECT_EQ(-1, engine.AddPwrScheme(set, L"alice")) << "too long";
+    std::fill_n(set.name, kSchemeTextCapacity, L' ');
+    EXPECT_EQ(-1, engine.AddPwrScheme(set, L"alice")) << "nothing but blanks";
 }
 
 TEST_F(AddDelete, RenamingLeavesTheUserSchemeFileAlone)

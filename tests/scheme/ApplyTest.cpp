@@ -177,16 +177,16 @@ TEST_F(UsersPolicy, AHibernateTimeThatTheTargetHasOvertakenGivesWayToALaterOne)
 // Each damage skips what depends on it, says so, and leaves the rest alone.
 TEST_F(UsersPolicy, WhatCantBeReadIsSkipped)
 {
-    const std::tuple<std::string, std::size_t, const char*, std::string> records[] = {
-        {m_power + "\\PowerPolicies\\5", 80,
+    const std::tuple<std::string, std::size_t, const char*, const char*, std::string> records[] = {
+        {m_power + "\\PowerPolicies\\5", 80, "user",
          "failed, error=", "get 2 ac DiskOffTimeOut -> 300; get 2 ac HibernateTimeOut -> 21600"},
-        {kMachine, 64,
+        {kMachine, 64, "machine",
          "failed, error=", "get 2 ac DiskOffTimeOut -> 1500; get 2 ac HibernateTimeOut -> 21600"},
-        {m_power + "\\GlobalPowerPolicy", 176,
+        {m_power + "\\GlobalPowerPolicy", 176, "",
          "failed, nsize=", "get 2 ac DiskOffTimeOut -> 1500; get 2 ac HibernateTimeOut -> 3600"},
     };
     Snapshot sound(Folder());
-    for (const auto& [key, size, failed, times] : records)
+    for (const auto& [key, size, policy, failed, times] : records)
     {
         // One that is too long, one that is too short, one of another type.
         for (const auto& [length, type] :
@@ -204,10 +204,15 @@ TEST_F(UsersPolicy, WhatCantBeReadIsSkipped)
             ASSERT_TRUE(sound.Restore());
         }
         ASSERT_TRUE(RegistryEditor::RemoveKey(key));
-        EXPECT_THAT(LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); }),
-                    Contains(StartsWith((key == kMachine ? "ReadMachine" : "ReadUser") +
-                                        ("PowerPolicy: Open key " + key.substr(key.find('\\') + 1)) +
-                                        " failed, error=")));
+        const std::vector<std::string> lines = LinesOf([&] { engine.SetGolbalPwrPolicyFromCurrentUser(2); });
+        EXPECT_THAT(lines, Contains(StartsWith((key == kMachine ? "ReadMachine" : "ReadUser") +
+                                               ("PowerPolicy: Open key " + key.substr(key.find('\\') + 1)) +
+                                               " failed, error=")));
+        if (*policy != 0)
+        {
+            EXPECT_THAT(lines, Contains(std::string("SetGolbalPwrPolicyFromCurrentUser: Can't read ") +
+                                        policy + " power policy: 2"));
+        }
         ASSERT_TRUE(sound.Restore());
     }
 }

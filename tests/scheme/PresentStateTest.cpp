@@ -97,6 +97,7 @@ TEST_F(PresentState, AutoRunTakesBothEntriesOutAndRecordsAnyFlag)
 TEST_F(PresentState, BatteryItemsAreFoundByTheirConfiguredPlace)
 {
     EXPECT_GT(engine.GetRemainBatPer(0), 0.0F);
+    EXPECT_GT(engine.GetRemainingUsageTime(0), 0U);
     _BATTERY_INFORMATION info{};
     ASSERT_EQ(0, engine.GetBatteryInfo(0, info));
     for (const auto& [start, size, result] :

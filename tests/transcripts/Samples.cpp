@@ -38,6 +38,7 @@ constexpr Sample kSamples[] = {
     {"SET_LAN_SPEED", "speed=2", "the one that it has", false},
     {"GET_3G_STATUS", "", "", false},
     {"SET_3G_STATUS", "status=on", "it is off", false},
+    {"SET_3G_STATUS", "status=off", "it is off already", false},
     {"GET_LUMS_LEVEL", "", "", false},
     {"SET_LUMS_LEVEL", "level=3", "", false},
     {"GET_BATTERY_INFO", "battery=0", "the first", false},

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <iterator>
 
 /// The numbers of the commands. 8, 12 and 34 aren't used.
 enum PmCommand : LONG
@@ -167,7 +168,12 @@ inline constexpr CommandInfo kAll[] = {
     {PM_CLEAR_SCHEMES, "CLEAR_SCHEMES", kUncheckedNumber, kNoReply, kUser},
     {PM_AUTORUN_ORVA, "AUTORUN_ORVA", kUncheckedRecord<PM_AutoRun_Data>, kNoReply, kNoUser},
 };
-static_assert(std::ranges::is_sorted(kAll, std::ranges::less_equal(), &CommandInfo::number),
-              "two commands have one number, or one stands in another place");
+// Which leaves one number for each.
+static_assert(std::ranges::is_sorted(kAll, std::ranges::less_equal(), &CommandInfo::number) &&
+                  std::ranges::none_of(
+                      kAll, [](LONG number) { return number == 8 || number == 12 || number == 34; },
+                      &CommandInfo::number) &&
+                  std::size(kAll) == 43 && kAll[0].number == 0 && kAll[42].number == 45,
+              "a command has a wrong number or stands in another place");
 
 } // namespace commands
