@@ -95,7 +95,7 @@ void FindLastCommand(benchmark::State& state)
 }
 BENCHMARK(FindLastCommand);
 
-// Copy of the record and a name that nobody has: no platform call at all.
+// Copies the record and looks up an unknown name: no platform call at all.
 void UnknownCommand(benchmark::State& state)
 {
     Request request("NO_SUCH_COMMAND");
@@ -132,7 +132,7 @@ void EncodeWholeScheme(benchmark::State& state)
 }
 BENCHMARK(EncodeWholeScheme);
 
-// Four conversions of text among it.
+// It includes four text conversions.
 void DecodeConfigRecord(benchmark::State& state)
 {
     const PM_Config_Data wire = ConfigAccess();
@@ -178,7 +178,7 @@ void ConfigRequestsShareOfThePlatform(benchmark::State& state)
 }
 BENCHMARK(ConfigRequestsShareOfThePlatform);
 
-// The frame of every scheme command for a known user.
+// What every scheme command costs for a known user.
 void SchemeFrame(benchmark::State& state)
 {
     Request request("INIT_CFG_FILE");
@@ -194,7 +194,7 @@ void QueryWholeScheme(benchmark::State& state)
 }
 BENCHMARK(QueryWholeScheme);
 
-// A notebook for as long as the program runs.
+// A notebook that lives as long as the program.
 class FreshNotebook
 {
 public:

@@ -47,7 +47,7 @@ add_library(plugin_flags INTERFACE)
 target_link_libraries(plugin_flags INTERFACE project_flags)
 target_compile_options(plugin_flags INTERFACE -fno-exceptions -fno-threadsafe-statics)
 if(NOT WIN32)
-  # The trace tells the plug-in's calls by the address that they return to, so a call must not become a jump.
+  # The trace recognises the plug-in's calls by the address that they return to, so a call must not become a jump.
   target_compile_options(plugin_flags INTERFACE -fno-optimize-sibling-calls)
   # The failure rows name each place of a call once, and inlining multiplies places.
   target_compile_options(plugin_flags INTERFACE $<$<CONFIG:Debug>:-fno-inline>)

@@ -15,7 +15,7 @@ namespace host
 namespace
 {
 
-// Doesn't compile for a name that is none.
+// Doesn't compile for an unknown name.
 consteval const CommandInfo& Named(std::string_view name)
 {
     return *std::ranges::find(commands::kAll, name, &CommandInfo::name);

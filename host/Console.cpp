@@ -103,7 +103,7 @@ int Console::Run(const Words& words)
     return static_cast<int>(answer.code);
 }
 
-// A word of the host's own: how it is written, how many words its line may have, what it does.
+// A command of the host itself: its usage, how many words its line may have, what it does.
 struct Console::OwnWord
 {
     const char* name;

@@ -1,6 +1,6 @@
 // host/Console.h
 //
-// Runs what the user types or wrote into a script: requests, and the few words that are the host's own.
+// Runs the lines that are typed or stand in a script: requests, and a few commands of the host itself.
 #pragma once
 
 #include "Printing.h"
@@ -28,18 +28,18 @@ public:
     void Receive(const Event& event);
 
     /// Sends one request: the command's name, then the fields of its payload. The plug-in's result code, or
-    /// -1 when the words make no request.
+    /// -1 when they are no valid request.
     int Run(const Words& words);
 
     /// Runs line by line until the input ends or "quit". `prompt` is empty for a script; a script's lines are
-    /// shown before they run. The number of lines that made no request or waited in vain.
+    /// shown before they run. Returns the number of malformed lines and of waits that timed out.
     int RunLines(std::istream& lines, const std::string& prompt);
 
 private:
     struct OwnWord;
     static std::span<const OwnWord> OwnWords();
 
-    // The words of the host's own. False, with a message, when the line makes no sense or a wait was in vain.
+    // The host's own commands. False, with a message, for a malformed line or a wait that timed out.
     bool List(const Words& words);
     bool SetUser(const Words& words);
     bool Wait(const Words& words);
@@ -48,7 +48,7 @@ private:
     bool Help(const Words& words);
     bool Quit(const Words& words);
 
-    /// Carries out a word of the host's own or sends a request; false as above.
+    /// Runs one of the host's own commands or sends a request; false as above.
     bool RunLine(const Words& words);
     bool WaitFor(const std::string& event, DWORD milliseconds);
     void Print(const std::string& text);

@@ -9,7 +9,7 @@
 namespace host
 {
 
-/// A quoted text; what isn't ASCII stays as it is, in UTF-8.
+/// A quoted text; characters that aren't ASCII stay as they are, in UTF-8.
 std::string JsonText(std::string_view text);
 
 class JsonObject
@@ -18,7 +18,7 @@ public:
     JsonObject& Add(std::string_view key, std::string_view text);
     JsonObject& Add(std::string_view key, long long number);
 
-    /// `json` stands as it is: a list or another object.
+    /// `json` is inserted as it is: a list or another object.
     JsonObject& AddRaw(std::string_view key, std::string_view json);
 
     std::string Text() const;

@@ -1,7 +1,7 @@
 // host/Main.cpp
 //
 // trxhost: loads the plug-in as the host service does and sends it requests from the command line, from a
-// script or by hand.
+// script or interactively.
 
 #include "Console.h"
 #include "TextTools.h"
@@ -69,7 +69,7 @@ constexpr option kLongOptions[] = {
     {"help", no_argument, nullptr, 'h'},       {nullptr, 0, nullptr, 0},
 };
 
-// Notes that the command line is wrong, and tells why.
+// Notes that the command line is wrong, and why.
 void Reject(Options& options, const char* reason)
 {
     std::fprintf(stderr, "trxhost: %s\n", reason);
@@ -139,7 +139,7 @@ Options ReadOptions(int argc, char** argv)
     return options;
 }
 
-// What the platform needs before the plug-in is loaded. 0, or the exit status, with the reason told.
+// Prepares the platform before the plug-in is loaded. 0, or the exit status, with the reason printed.
 int PreparePlatform(const Options& options)
 {
 #ifdef _WIN32

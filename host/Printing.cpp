@@ -78,7 +78,7 @@ std::string ShowLines(const RecordShape& shape, std::span<const std::byte> bytes
         const std::string name = field.name;
         if (name.starts_with("dc."))
         {
-            continue; // shown beside its mains half
+            continue; // shown beside its AC value
         }
         if (name.starts_with("ac."))
         {
@@ -126,7 +126,7 @@ std::string AsHex(std::span<const std::byte> bytes)
     return hex;
 }
 
-// How the reply of an answer is to be read: null when it can only be shown as bytes.
+// How to decode a reply: null when it can only be shown as bytes.
 const RecordShape* ShapeOf(const CommandEntry* entry, const Answer& answer)
 {
     if (entry == nullptr || &entry->reply == &kTextReply)

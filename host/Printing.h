@@ -1,6 +1,6 @@
 // host/Printing.h
 //
-// Replies and events for the eye, field by field, and as JSON for programs.
+// Prints replies and events, field by field for people and as JSON for programs.
 #pragma once
 
 #include "CommandCatalogue.h"

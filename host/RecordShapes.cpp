@@ -28,7 +28,7 @@ constexpr ValueName kNever[] = {{-1, "no value"}, {0, "never"}};
 constexpr ValueName kStoredSwitch[] = {{-1, "no value"}, {0, "off"}, {1, "on"}};
 constexpr ValueName kUnknown[] = {{-1, "unknown"}};
 
-// What a battery's time counts depends on what the battery does.
+// A battery's time means time left or time to full, depending on its state.
 constexpr const char* kBatteryTime = "s until full, or left while discharging";
 
 constexpr std::size_t kWord = 4;

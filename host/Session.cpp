@@ -16,7 +16,7 @@ namespace
 // More than any payload or reply has, in bytes.
 constexpr std::size_t kLongestRecord = 2048;
 
-// The plug-in's event function has no context argument, so the one session of a process stands here.
+// The plug-in's event callback has no context argument, so the process has one session, kept here.
 Session::Listener theListener;
 
 int __cdecl ReceiveEvent(const char* moduleId, const char* eventName, const void* data, DWORD dataLen)
@@ -111,7 +111,7 @@ Answer Session::Send(const std::string& command, const std::string& user,
     std::vector<std::byte> input(payload.begin(), payload.end());
     input.resize(std::max(input.size(), kLongestRecord));
     std::vector<std::byte> output(kLongestRecord);
-    // A length that comes back unchanged tells that there is no reply: none fills the room whole.
+    // A length that comes back unchanged means no reply: no reply fills the whole buffer.
     auto length = static_cast<DWORD>(output.size());
 
     request.userId = user.c_str();

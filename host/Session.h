@@ -1,6 +1,6 @@
 // host/Session.h
 //
-// The loaded plug-in, as the host service has it: load, start, hand over requests, take events, stop, unload.
+// The loaded plug-in, used as the host service does: load, start, send requests, take events, stop, unload.
 #pragma once
 
 #include <windows.h>
@@ -16,7 +16,7 @@
 namespace host
 {
 
-/// An event as it came; `threadId` tells whether it came during a request or from the plug-in's own thread.
+/// An event as it arrived; `threadId` shows whether a request or the plug-in's own thread sent it.
 struct Event
 {
     std::string module;

@@ -1,7 +1,7 @@
 // host/TextTools.h
 //
-// Small text helpers of the host: names without regard to case, words of a line, numbers, and the way from
-// the console's text to the wire's and back, the running account.
+// Small text helpers of the host: names regardless of case, words of a line, numbers, conversion between
+// the console's text and the wire's, the running account.
 #pragma once
 
 #include <cstdint>

@@ -33,7 +33,7 @@ bool Retry(Access access)
     return false;
 }
 
-// The text behind the header, of the length that the header names. False when that can't be.
+// The text behind the header, of the length given there. False when the length is impossible.
 bool CopyText(const BYTE* board, DWORD size, wchar_t* text)
 {
     if (size < sizeof(wchar_t) || size % sizeof(wchar_t) != 0 || size > kTextCapacity * sizeof(wchar_t))

@@ -1,7 +1,7 @@
 // service/Boards.h
 //
 // The serving side of the two boards: one request at a time comes in on the parameter board, its answer goes
-// out on the result board. Knows the layout of a request; what it asks for is Requests.h's business.
+// out on the result board. Knows the layout of a request; Requests.h knows what it asks for.
 #pragma once
 
 #include "foundation/ServiceBoards.h"

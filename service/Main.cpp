@@ -1,7 +1,7 @@
 // service/Main.cpp
 //
-// orvlservice: the process on the other side of the boards. It hears of every applied scheme, makes the
-// number known to the plug-in that listens, and changes devices on request.
+// orvlservice: the process on the other side of the boards. It is told of every applied scheme, passes the
+// number on to the plug-in that listens, and changes devices on request.
 
 #include "Boards.h"
 #include "Options.h"
@@ -49,7 +49,7 @@ void ServeOne(Boards& boards, const Options& options)
     }
 }
 
-// Until something ends the service. The process's exit code.
+// Runs until something ends the service. Returns the process's exit code.
 int Serve(const Options& options)
 {
     StopSignal stop;

@@ -25,7 +25,7 @@ struct Options
     bool verbose = false;          ///< print every answer, not only failure notices
 };
 
-/// Reads the arguments behind the program's name; false when one isn't understood, which is then told on
+/// Parses the arguments behind the program's name; false for an unknown one, which is then reported on
 /// standard error.
 bool ParseOptions(int count, char** arguments, Options& options);
 

@@ -40,7 +40,7 @@ LSTATUS StoreScheme(DWORD scheme)
                           sizeof scheme);
 }
 
-// True when a host listens and was told.
+// True when a host listens and was notified.
 bool SignalApplied()
 {
     const owners::Handle event(OpenEventW(EVENT_MODIFY_STATE, FALSE, kAppliedEvent));

@@ -8,7 +8,7 @@
 namespace service
 {
 
-/// Carries `request` out and prints what came of it.
+/// Carries `request` out and prints the outcome.
 Answer Carry(const Request& request);
 
 /// The notice that something went wrong, with the reason.

@@ -18,7 +18,7 @@ namespace
 
 constexpr const wchar_t* kStopEvent = L"Global\\OrvlServiceStop";
 
-// A signal handler may do no more than this, so the loop looks at it now and then.
+// A signal handler may do no more than this, so the loop polls it.
 std::atomic<bool> stopRequested = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler sets it");
 
@@ -37,7 +37,7 @@ DWORD WINAPI WaitForEndOfInput(void*)
     return 0;
 }
 
-// A pipe ends with the process that holds its other end. A console or the null device says nothing.
+// A pipe ends with the process at its other end. A console or the null device doesn't count.
 bool IsFedByPipe()
 {
     struct stat input = {};

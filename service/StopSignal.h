@@ -1,6 +1,6 @@
 // service/StopSignal.h
 //
-// How the service learns that it shall end: a named event that another process signals, Ctrl-C, or the end of
+// How the service learns that it must end: a named event that another process signals, Ctrl-C, or the end of
 // the pipe that feeds standard input, so that a service started by a test or a script ends with it.
 #pragma once
 
@@ -27,7 +27,7 @@ public:
 
     static constexpr DWORD kPollMilliseconds = 100;
 
-    /// Tells the running service to end; false when there is none.
+    /// Asks the running service to end; false when there is none.
     static bool Send();
 
 private:

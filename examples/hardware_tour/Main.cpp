@@ -1,6 +1,6 @@
 // hardware_tour/Main.cpp
 //
-// A walk through the exported classes: a chipset function is disabled and enabled again, the processor is
+// A tour of the exported classes: a chipset function is disabled and enabled again, the processor is
 // taken through its levels, the graphics features are set, and a device is disabled and enabled, directly and
 // through the service. Everything is put back. One source for Windows and for the simulated notebook.
 //

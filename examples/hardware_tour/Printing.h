@@ -13,5 +13,5 @@ std::string Narrow(const wchar_t* wide);
 /// A command line argument as wide text, in `capacity` characters; false when it is too long.
 bool Widen(const char* narrow, wchar_t* wide, int capacity);
 
-/// Prints `what` and whether its result code tells success. True when it does.
+/// Prints `what` and whether its result code means success; true when it does.
 bool Report(const std::string& what, LONG result);

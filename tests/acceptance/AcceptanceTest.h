@@ -28,7 +28,7 @@ protected:
         return seeding::LocalAppData() + "\\Kelvo\\ORVL\\Cfg\\" + name;
     }
 
-    /// Plays the party outside that has applied a scheme. False when nobody listens.
+    /// Signals that another party has applied a scheme. False when nobody listens.
     static bool SignalApplied()
     {
         const HANDLE event = OpenEventW(EVENT_ALL_ACCESS, FALSE, L"ApplySchemeEvent");

@@ -1,6 +1,6 @@
 // tests/acceptance/BadInputTest.cpp
 //
-// Every command with input that no honest host sends: other names, wrong lengths, null pointers, random bytes
+// Every command with malformed input: other names, wrong lengths, null pointers, random bytes
 // in every field, texts without an end. The result is the documented one and no byte beside the buffers is
 // touched.
 
@@ -148,7 +148,7 @@ TEST_P(BadInput, NullPointersFailBeforeAnythingIsDone)
     }
 }
 
-// Random bytes find what tables forget. The seed is fixed, so a failure comes again.
+// Random bytes find what tables miss. The seed is fixed, so failures are repeatable.
 TEST_P(BadInput, RandomBytesNeverLeaveTheBuffers)
 {
     std::mt19937 random(kSeed);
@@ -157,7 +157,7 @@ TEST_P(BadInput, RandomBytesNeverLeaveTheBuffers)
     for (const host::CommandEntry& command : host::Commands())
     {
         SCOPED_TRACE(command.info.name);
-        // So that a full reply shows as one.
+        // So that a full reply can be recognised.
         host->room = &command.reply == &host::kTextReply ? 1025 : std::max(command.reply.size, kNumber) + 1;
         for (int round = 0; round < kRounds; ++round)
         {

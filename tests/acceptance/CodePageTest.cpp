@@ -28,7 +28,7 @@ TEST_F(CodePages, NamesOfUsers)
     EXPECT_EQ("0 \"J\u00D6RG\"", Ask(host, "GET_USERID"));
 }
 
-// Of an installation file as many bytes come as the text has characters.
+// The reply from an installation file has as many bytes as the text has characters.
 TEST_F(CodePages, TextsOfInstallationFilesAreCut)
 {
     ASSERT_TRUE(Notebook::SetCodePage(65001));

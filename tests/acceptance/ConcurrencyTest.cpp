@@ -1,7 +1,7 @@
 // tests/acceptance/ConcurrencyTest.cpp
 //
 // A host with many threads: requests of several users, events from outside, starts and stops, all at once.
-// What the requests do is told by other tests; here nothing may break, get lost or stay open.
+// Other tests cover what the requests do; here nothing may break, get lost or stay open.
 
 #include "acceptance/AcceptanceTest.h"
 #include "acceptance/HostThread.h"
@@ -21,7 +21,7 @@ constexpr unsigned kSeed = 19830512;
 constexpr unsigned kClients = 4;
 constexpr int kRequestsOfEach = 60;
 
-// Two whom the machine knows, and nobodies.
+// Two known users and two unknown ones.
 const std::string kUsers[] = {environment::UserName(), environment::OtherUserName(), "nobody", ""};
 
 // Set on the threads on which requests are sent.
@@ -33,7 +33,7 @@ std::string MarkOf(unsigned client)
     return "type=profile file=sample.ini section=Clients item=Client" + std::to_string(client);
 }
 
-// One thread of the host: requests of any user, and after each its mark. The samples are about schemes of
+// One thread of the host: requests of any user, each followed by its mark. The samples name schemes of
 // another machine; other values do no harm.
 void RunClient(Host& host, unsigned client)
 {

@@ -19,7 +19,7 @@ constexpr const char* kCommands[] = {"GET_INT_FROM_CONFIG", "GET_STR_FROM_CONFIG
                                      "PUT_STR_INTO_CONFIG"};
 constexpr const char* kContent = "[S]\r\nNumber=42\r\nText= some text \r\n;K=1\r\n";
 
-// Wine answers success to the write that makes an empty file and makes none.
+// On Wine the write that makes an empty file succeeds and makes none.
 bool MakesEmptyFiles()
 {
     const std::string probe = seeding::LocalAppData() + "\\probe.ini";

@@ -73,7 +73,7 @@ TEST_F(DeviceCommands, SwitchesOfTheController)
     }
 }
 
-// Each of the driver's operations in a setter fails once: only a failed change fails, and the event tells
+// Each of the driver's operations in a setter fails once: only a failed change fails, and the event carries
 // what was read back.
 TEST_F(DeviceCommands, StepsOfASetterThatFail)
 {
@@ -124,7 +124,7 @@ TEST_F(DeviceCommands, LevelsAndSpeeds)
     }
 }
 
-// Everything that the battery replies are made of.
+// Everything that goes into the battery replies.
 struct Battery
 {
     BYTE acLine = 1;
@@ -162,14 +162,14 @@ TEST_F(DeviceCommands, StatesAsTheTwoBatteryRepliesTellThem)
         {{.powerState = 1}, {1, 80, -1}, {1, 80, -1}},
         {{.acLine = 0, .powerState = 2, .discharging = true}, {2, 80, 1234}, {2, 80, 1234}},
         {{.powerState = 4, .charging = true}, {4, 80, 3600}, {4, 80, 3600}},
-        // Charging on mains: the one takes the first flag, the other the last.
+        // Charging on AC power: one reply takes the first flag, the other the last.
         {{.powerState = 5, .charging = true}, {1, 80, 3600}, {4, 80, 3600}},
         {{.acLine = 0, .powerState = 10, .discharging = true}, {2, 80, 1234}, {2, 80, 1234}},
         {{.acLine = 0, .powerState = 8}, {8, 80, -1}, {-1, 80, -1}},
         {{.powerState = 0}, {0, 80, -1}, {-1, 80, -1}},
         {{.percent = 255, .powerState = 1}, {1, -1, -1}, {1, -1, -1}},
         {{.powerState = 4, .charging = true, .rate = 0}, {4, 80, -1}, {4, 80, -1}},
-        // No battery, on mains and on none.
+        // No battery, on AC power and without.
         {{.batteryFlag = 128, .percent = 255}, {1, -1, -1}, {1, -1, -1}},
         {{.batteryFlag = 255, .percent = 255}, {1, -1, -1}, {1, -1, -1}},
         {{.acLine = 0, .batteryFlag = 128, .percent = 255, .powerState = 2}, {2, -1, -1}, {-1, -1, -1}},
@@ -191,8 +191,8 @@ TEST_F(DeviceCommands, StatesAsTheTwoBatteryRepliesTellThem)
     EXPECT_EQ("0 count=0", Ask(host, "GET_BATTERY_COUNT"));
 }
 
-// The reply's room is taken as the host tells it. Where the firmware fails, the rest of the record is written
-// all the same, and not counted.
+// The host's figure for the reply's room is trusted. Where the firmware fails, the rest of the record is
+// written all the same, and not counted.
 TEST_F(DeviceCommands, TheRoomOfTheBatteryReplies)
 {
     const std::vector<std::byte> payload = PayloadOf("GET_BATTERY_INFO", "battery=0");

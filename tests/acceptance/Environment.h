@@ -1,7 +1,8 @@
 // tests/acceptance/Environment.h
 //
 // What the machine under the tests is: natively a fresh notebook for each test, on Windows the machine as it
-// is, brought into the state of a fresh installation. The one seam between the two; the tests are the same.
+// is, brought into the state of a fresh installation. The only difference between the two; the tests are the
+// same.
 #pragma once
 
 #include <windows.h>
@@ -23,7 +24,7 @@ std::vector<DWORD> Generations();
 /// Begins anew as Windows of major version `major`, one of `Generations`, with the reference installation.
 void Recreate(DWORD major);
 
-/// Takes the kernel driver, the batteries and the network adapters out; on Windows there are none.
+/// Removes the kernel driver, the batteries and the network adapters; on Windows there are none.
 void RemoveHardware();
 
 /// True when the plug-in has asked for nothing but its log since `ForgetCalls`; always where that can't be

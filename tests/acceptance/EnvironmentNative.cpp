@@ -19,7 +19,7 @@ namespace environment
 namespace
 {
 
-// The base of the tests that make their own notebook, used by its two ends.
+// NotebookTest with its set-up and tear-down made public.
 class FreshNotebook : public NotebookTest
 {
 public:

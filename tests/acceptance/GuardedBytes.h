@@ -1,6 +1,6 @@
 // tests/acceptance/GuardedBytes.h
 //
-// A buffer as a host may hand it over: at an odd address, with nothing of its own round it.
+// A buffer as a host may pass it: at an odd address, between memory that isn't its own.
 #pragma once
 
 #include <algorithm>

@@ -19,7 +19,7 @@ namespace
 
 constexpr auto kLongestWait = std::chrono::seconds(10);
 
-// What the room for a reply holds until something is written there.
+// What the reply buffer holds until something is written there.
 constexpr std::byte kUnwritten{0xEE};
 
 Host* theHost = nullptr;
@@ -180,7 +180,7 @@ std::vector<Event> Host::TakeEvents()
 
 std::optional<Event> Host::WaitForEvent()
 {
-    // The clock of a notebook may be instant, so the limit is told by another one.
+    // The clock of a notebook may be instant, so the limit uses the real one.
     const auto end = std::chrono::steady_clock::now() + kLongestWait;
     while (WaitForSingleObject(m_arrived, 1000) == WAIT_TIMEOUT && std::chrono::steady_clock::now() < end)
     {

@@ -1,7 +1,7 @@
 // tests/acceptance/Host.h
 //
-// The host service as tests play it: it loads the built library, knows it by its exported names alone, hands
-// over requests and takes events.
+// The tests' host service: it loads the built library, uses its exported names alone, sends
+// requests and takes events.
 //
 //     Host host;
 //     EXPECT_EQ(1, host.Send("SET_LAN_STATUS", Payload(LONG{0})).code);
@@ -29,7 +29,7 @@ struct Answer
     LONG Number() const;
 };
 
-/// An event as it came.
+/// An event as it arrived.
 struct Event
 {
     std::string module;
@@ -59,7 +59,7 @@ public:
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
 
-    /// Who requests come from unless told otherwise; at first the running account. Narrow, in the ANSI code
+    /// The user whom requests name by default; at first the running account. Narrow, in the ANSI code
     /// page.
     std::string user;
 
@@ -85,7 +85,7 @@ public:
     /// Called on the sender's thread for each event, before it is kept.
     std::function<void(const Event&)> onEvent;
 
-    // The parts of the life cycle, for tests about it, and for those that want the notification thread out of
+    // The steps of the life cycle, for tests about it, and for those that want the notification thread out of
     // the way: requests are served, and events of requests sent, after `Uninitialize` too.
     bool Load();
     void Unload();

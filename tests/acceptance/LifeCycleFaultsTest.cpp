@@ -1,6 +1,6 @@
 // tests/acceptance/LifeCycleFaultsTest.cpp
 //
-// Start, stop and notification when Windows refuses something, and the order of what they ask of it.
+// Start, stop and notification when a Windows call fails, and the order of their calls.
 
 #include "acceptance/AcceptanceTest.h"
 #include "base/Trace.h"
@@ -54,7 +54,7 @@ TEST_F(LifeCycleFaults, AWaitThatFailsEndsTheStart)
     EXPECT_TRUE(SignalArrives(host));
 }
 
-// Waiting for a thread that doesn't know that it is to end would never return.
+// Waiting for a thread that wasn't asked to end would never return.
 TEST_F(LifeCycleFaults, AThreadThatCantBeStoppedGoesOnListening)
 {
     Faults::Inject("SetEvent", 1, ERROR_INVALID_HANDLE);

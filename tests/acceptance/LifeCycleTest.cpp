@@ -1,7 +1,7 @@
 // tests/acceptance/LifeCycleTest.cpp
 //
 // Load, start, stop, unload, in every order that a host may choose, and the event of an applied scheme:
-// another party signals, the host is told.
+// another party signals, the host gets the event.
 
 #include "acceptance/AcceptanceTest.h"
 
@@ -209,7 +209,7 @@ TEST_F(LifeCycle, TheLogTellsOfEachStartAndOfEachRound)
               lines);
 }
 
-// A signal that comes while the host is being told of the last one makes another round.
+// A signal that arrives while the host handles the last one starts another round.
 TEST_F(LifeCycle, ASignalDuringAnEventIsntLost)
 {
     ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, kKey, kValue, 3));

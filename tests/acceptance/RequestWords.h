@@ -1,7 +1,7 @@
 // tests/acceptance/RequestWords.h
 //
 // Requests and answers in the words of trxhost: "field=value" for each field of a record. Which fields there
-// are is told by the host's own tables, not by the plug-in's.
+// are comes from the host's own tables, not the plug-in's.
 #pragma once
 
 #include "acceptance/Host.h"
@@ -19,5 +19,5 @@ std::string ReplyInWords(const std::string& command, const std::vector<std::byte
 /// "0, LAN_CHANGED 4".
 std::string Ask(Host& host, const std::string& command, const std::string& fields = "");
 
-/// What `Ask` says of an answer, with the events until now.
+/// An answer as `Ask` shows it, with the events until now.
 std::string InWords(Host& host, const std::string& command, const Answer& answer);

@@ -1,7 +1,7 @@
 // tests/acceptance/SchemeCommandsTest.cpp
 //
-// The commands on schemes through the built library, on both generations of Windows. What the engine makes of
-// each value is told in the engine's own tests.
+// The commands on schemes through the built library, on both generations of Windows. How the engine handles
+// each value is covered by the engine's own tests.
 
 #include "acceptance/AcceptanceTest.h"
 #include "acceptance/RequestWords.h"
@@ -64,7 +64,7 @@ TEST_P(SchemeCommands, VariablesAndSchemesAreReadAndWritten)
         {"GET_SCHEME_VAR_OPT_VALUE", "name=Wifi value=2", "6 answer=-1"},
         {"EDIT_SCHEME_ALL", whole, "0 answer=1"},
         {"QUERY_SCHEME_ALL", "scheme=1", wholeReply.c_str()},
-        // Nobody serves the boards here, so the reply tells of a failure although the scheme is active.
+        // Nobody serves the boards here, so the reply reports a failure although the scheme is active.
         {"GET_ACTIVE_SCHEME", "", "0 scheme=1"},
         {"APPLY_SCHEME", "scheme=2", "0 answer=-1"},
         {"GET_ACTIVE_SCHEME", "", "0 scheme=2"},

@@ -46,7 +46,7 @@ bool SetValue(HKEY root, std::string_view key, std::string_view name, DWORD type
                           static_cast<DWORD>(size)) == ERROR_SUCCESS;
 }
 
-// What `RegQueryValueExW` answers.
+// What `RegQueryValueExW` returns.
 bool GetValue(HKEY root, std::string_view key, std::string_view name, void* data, DWORD size)
 {
     return RegQueryValueExW(Opened(root, key).Get(), Wide(name).data(), nullptr, nullptr,

@@ -1,6 +1,6 @@
 // tests/acceptance/ThreadsTest.cpp
 //
-// Several threads at the plug-in's door, and hosts that call it from within their own event function.
+// Several threads that call the plug-in at once, and hosts that call it from within their own event function.
 
 #include "acceptance/AcceptanceTest.h"
 #include "acceptance/HostThread.h"
@@ -86,7 +86,7 @@ TEST_F(Threads, ARequestsEventMayStopThePlugIn)
     HostThread other([&] { EXPECT_EQ(0, host.Send("GET_CPU_SPEED").code) << "the lock is free again"; });
 }
 
-// Whoever stops the plug-in meets no event of a request any more when that has returned.
+// Once the plug-in is stopped, no event of a request arrives any more.
 TEST_F(Threads, AStopWaitsForTheRequestsThatRun)
 {
     std::atomic<bool> isInside = false;

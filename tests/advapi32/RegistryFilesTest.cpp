@@ -1,6 +1,6 @@
 // tests/advapi32/RegistryFilesTest.cpp
 //
-// The registry as a person finds it in the notebook's folder, and under several processes, some of which die.
+// The registry's files in the notebook's folder, and several processes on them, some of which are killed.
 
 #include "support/ChildProcess.h"
 #include "support/NotebookTest.h"

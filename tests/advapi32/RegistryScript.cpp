@@ -56,7 +56,7 @@ const std::map<std::string, REGSAM> kAccesses = {
     {"create", KEY_CREATE_SUB_KEY},
 };
 
-/// What a step gave, or why it failed.
+/// The output of a step, or why it failed.
 std::string Outcome(LONG status, const std::string& given)
 {
     return status == ERROR_SUCCESS ? given : std::to_string(status);

@@ -1,10 +1,10 @@
 // tests/advapi32/RegistryScript.h
 //
-// A handful of words for what a test does to the registry, so that a case is one line:
+// A small language for a test's steps on the registry, so that a case is one line:
 //
 //     make Child\Grand; open cHILD\; set Name text; get nAME
 //
-// Each step gives a word or two; a step that begins with "-" keeps its own to itself. A subkey or name "null"
+// Each step prints a word or two; a step that begins with "-" prints nothing. A subkey or name "null"
 // is a null pointer, "''" an empty text. "hold PATH ACCESS" opens a key that the steps in "@" work on ("@set
 // v x"). Plain Win32, for Windows too.
 #pragma once

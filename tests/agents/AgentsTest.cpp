@@ -1,6 +1,6 @@
 // agents/AgentsTest.cpp
 //
-// Seeding and looking.
+// Seeds the notebook and reads it back.
 
 #include "agents/AgentsTest.h"
 

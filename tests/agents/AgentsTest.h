@@ -1,6 +1,6 @@
 // agents/AgentsTest.h
 //
-// A notebook that has everything that the agents use, and how their tests look at it.
+// A notebook with everything that the agents use, and access to what they did.
 #pragma once
 
 #include "acceptance/Seeding.h"

@@ -1,6 +1,6 @@
 // agents/BatAgentTest.cpp
 //
-// Which batteries are opened, and the times reckoned from the system's state. What is asked of a battery is
+// Which batteries are opened, and the times computed from the system's state. The queries to a battery are
 // in the golden file.
 
 #include "agents/AgentsTest.h"

@@ -52,7 +52,7 @@ TEST_F(DspxAgentTest, WordStandsForTheThreePolicies)
         UsePolicies(policies);
         EXPECT_EQ(word, agent.GetEblLevel());
         UsePolicies({{7}, {7, 7, 7, 7, 7}, {7, 7, 7, 7, 7}});
-        // Bits without a meaning are given back and change nothing.
+        // Unused bits are returned and change nothing.
         EXPECT_EQ(word | 0x0BF00000, agent.SetEblLevel(word | 0x0BF00000));
         EXPECT_EQ(policies, Present());
     }

@@ -1,6 +1,6 @@
 // agents/EcAgentTest.cpp
 //
-// What each operation sends to the firmware, and what follows from its answer.
+// What each operation sends to the firmware, and what follows from the result.
 
 #include "agents/AgentsTest.h"
 
@@ -110,7 +110,7 @@ TEST_F(EcAgentTest, SwitchingANetworkOnBringsItsAdapterBack)
         bool disabled;       ///< the adapter, before
         int status;
         int result;
-        /// F: firmware asked or told, a second for the radio, ?: adapter looked at, !: changed
+        /// F: firmware read or written, a second for the radio, ?: adapter read, !: changed
         const char* order;
         bool runs; ///< the adapter, afterwards
     } kCases[] = {

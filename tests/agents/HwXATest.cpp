@@ -78,7 +78,7 @@ TEST_F(HwXATest, BadArgumentsNeverReachTheDriver)
     EXPECT_EQ(static_cast<LONG>(0x80070002), hardware.ReadPCIConfig(longName, 0, &data, 4));
     EXPECT_EQ(static_cast<LONG>(0x80070002), hardware.WritePCIConfig(longName, 0, &data, 4));
     EXPECT_EQ(kGeneralFailure, hardware.GetDeviceProperty(14, longName, &data, 4)) << "any error is this one";
-    // So is an answer that is too short.
+    // So is a result that is too short.
     EXPECT_EQ(kGeneralFailure, hardware.ReadPCIConfig(bridge, 252, &value, 8));
     EXPECT_EQ("IOCTL_READ_PCI_CONFIG failed", NewLogLines().back());
     EXPECT_LT(hardware.ReadIoPort(0x1080, &data, 3), 0) << "the driver judges the size";

@@ -1,6 +1,6 @@
 // agents/LanAgentTest.cpp
 //
-// Which adapter counts, what its speed is taken from, and when its state can be read and changed.
+// Which adapter is used, where its speed comes from, and when its state can be read and changed.
 
 #include "agents/AgentsTest.h"
 

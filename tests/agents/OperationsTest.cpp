@@ -1,7 +1,7 @@
 // tests/agents/OperationsTest.cpp
 //
-// What each agent answers and logs on a notebook that has everything, and what becomes of it when any one
-// call of the platform fails. The golden files show the answers and, for each effect, the calls that have it;
+// What each agent returns and logs on a fully equipped notebook, and how that changes when any one
+// platform call fails. The golden files show the results and, for each effect, the calls that have it;
 // what isn't listed changes nothing. What a failure leaves open shows as "held".
 
 #include "agents/AgentsTest.h"
@@ -38,7 +38,7 @@ namespace
 class Protocol
 {
 public:
-    // The answers by reference: the first one's call fills in the others.
+    // The results by reference: the first one's call fills in the others.
     template <class... Answers>
     void operator()(const std::string& call, const Answers&... answers)
     {

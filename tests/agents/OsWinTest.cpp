@@ -13,7 +13,7 @@ using namespace simulated;
 namespace
 {
 
-/// Reaches what COsWin keeps for itself.
+/// Exposes the protected members of COsWin.
 struct OpenOsWin : COsWin
 {
     static void Unload()

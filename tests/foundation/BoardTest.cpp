@@ -24,7 +24,7 @@ namespace
 constexpr LONG kSize = 0x400;
 using Bytes = std::array<BYTE, 4>;
 
-// Shows the handles, which are the class's own business.
+// Exposes the handles.
 struct Board : CInterProcessBoard
 {
     using CInterProcessBoard::CloseObjects;
@@ -161,7 +161,7 @@ TEST_F(Boards, AHeldLockIsSeenAndNotWaitedFor)
     EXPECT_EQ(0, other.IsLocked());
     ASSERT_EQ(kSucceeded, board.Lock(0));
     Trace::Clear();
-    // Testing the lock takes back what it gave, so the second test sees the same.
+    // Testing the lock leaves it as it was, so the second test sees the same.
     EXPECT_EQ(1, other.IsLocked());
     EXPECT_EQ(1, other.IsLocked());
     EXPECT_EQ(kGeneralFailure, other.Paste(0, data.data(), 4));

@@ -32,7 +32,7 @@ protected:
         ASSERT_TRUE(seeding::WriteBytes("C:\\Cfg\\a.ini", "[S]\r\nHex=0x1F\r\n"));
     }
 
-    // What `Initialize` answers and the path afterwards.
+    // The result of `Initialize` and the path afterwards.
     static std::string Found(CORVLCfg& file, const std::string& name)
     {
         const int answer = file.Initialize(Wide(name).data());
@@ -157,7 +157,7 @@ TEST_F(ConfigurationFiles, FoldersAreBoundedByTheCallersRoom)
     ASSERT_TRUE(simulated::host_files::RemoveAll(
         simulated::Machine::PathOf(simulated::profiles::PartOf(seeding::LocalAppData()))));
     EXPECT_EQ("none", told(file.GetHomePath(folder, 260))) << "an account without the folder";
-    // The installation's module tells its folder and the parent.
+    // The folder of the installation's module, and its parent.
     EXPECT_EQ("none none", told(cfg.GetDllPath(folder, 260)) + ' ' + told(cfg.GetHomePath(folder, 260)));
     ASSERT_TRUE(simulated::Machine::Write("Modules", "ORVLDLL.DLL", "C:\\ORVL\\Bin\\ORVLDLL.DLL"));
     EXPECT_EQ("C:\\ORVL\\Bin", told(cfg.GetDllPath(folder, 24)));

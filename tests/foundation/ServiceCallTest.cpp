@@ -1,6 +1,6 @@
 // tests/foundation/ServiceCallTest.cpp
 //
-// The call to the service behind the boards, with a service that answers as each test wants it.
+// The call to the service behind the boards, with a service whose answers each test chooses.
 
 #include "acceptance/Seeding.h"
 #include "base/Clock.h"

@@ -14,7 +14,7 @@ using seeding::Wide;
 namespace
 {
 
-// A buffer whose last characters nobody may touch.
+// A buffer whose last characters must stay untouched.
 struct Target
 {
     static constexpr wchar_t kUntouched = 0x2603;

@@ -1,6 +1,7 @@
 // tests/installation/InstallationTest.cpp
 //
-// The reference files of an installation fit together, fit the plug-in's tables and fit a fresh machine.
+// The reference files of an installation are consistent with one another, the plug-in's tables and a fresh
+// machine.
 
 #include "support/NotebookTest.h"
 #include "support/WideText.h"

@@ -1,6 +1,6 @@
 // kernel32/ObjectConformanceTest.cpp
 //
-// What events, semaphores, mappings and waits promise within one process, in plain Win32: the simulated
+// How events, semaphores, mappings and waits behave within one process, in plain Win32: the simulated
 // platform and Windows itself are held to the same tables.
 
 #include "kernel32/OwnedHandle.h"

@@ -1,6 +1,6 @@
 // tests/kernel32/PlatformCallTest.cpp
 //
-// What all tests of the plug-in trust: what it holds is counted, and nothing else is.
+// What all tests of the plug-in rely on: what it holds is counted, and nothing else is.
 
 #include "base/Trace.h"
 #include "kernel32/OwnedHandle.h"
@@ -15,7 +15,7 @@ using namespace simulated;
 
 using PlatformCallTest = NotebookTest;
 
-// A kind of thing that isn't counted would hide every leak of it.
+// An uncounted kind of object would hide every leak of it.
 TEST_F(PlatformCallTest, EachKindOfThingIsCounted)
 {
     // Makes the test's own calls the plug-in's.

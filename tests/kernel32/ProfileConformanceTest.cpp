@@ -1,6 +1,6 @@
 // tests/kernel32/ProfileConformanceTest.cpp
 //
-// What the profile functions make of every kind of file, in plain Win32: the simulated platform and Windows
+// How the profile functions handle every kind of file, in plain Win32: the simulated platform and Windows
 // itself are held to the same tables.
 //
 // Wine, on which the Windows build runs in the tests, differs in these ways; a row that meets one of them has
@@ -8,7 +8,7 @@
 //  - It writes the whole file anew, with CRLF behind every line and without blank lines; Windows touches only
 //    what is changed.
 //  - It drops the blanks before a value that it writes.
-//  - Deleting in a missing file answers TRUE and makes no file.
+//  - Deleting in a missing file returns TRUE and makes no file.
 
 #include "kernel32/OwnedHandle.h"
 #include "support/LastError.h"

@@ -1,7 +1,7 @@
 // tests/kernel32/ProfileProcessesTest.cpp
 //
 // Profile files under several writers, killed writers and missing rights: what several processes write is all
-// there, and nobody ever meets a file that is neither the old nor the new.
+// there, and nobody ever sees a file that is neither the old nor the new.
 
 #include "support/ChildProcess.h"
 #include "support/LastError.h"

@@ -38,7 +38,7 @@ using VistaApply = OnVista<XpApply>;
 
 TEST_F(XpApply, TheServiceIsToldWhateverCanBeRead)
 {
-    // Two threads keep time together only in real time.
+    // Two threads agree on the time only in real time.
     Clock::SetInstant(false);
     BoardService service;
     // The boards' own waits take a second.

@@ -1,6 +1,6 @@
 // tests/scheme/DamagedFilesTest.cpp
 //
-// Files that hold anything: no result but the documented ones, no write outside a buffer, no endless walk.
+// Files with arbitrary content: only documented results, no write outside a buffer, no endless loop.
 
 #include "scheme/SchemeTest.h"
 
@@ -31,7 +31,7 @@ TEST_F(VistaDamagedFiles, GarbageReadsAsNothing)
     const std::string longLines =
         "[Scheme 1]\r\nGUID=" + std::string(5000, '{') + "\r\nWifi=" + std::string(70000, '9') +
         "\r\n[Wifi]\r\nUnit=" + std::string(70000, 'u') + "\r\n[" + std::string(5000, 'x');
-    // With what there is to be read of it: a count of options, the length of a unit in a buffer of 8.
+    // With what the catalogue gives for it: a count of options, the length of a unit in a buffer of 8.
     for (const auto& [bytes, options, unit] :
          {std::tuple{RandomBytes(4096), -1, -1}, std::tuple{"\xFF\xFE" + RandomBytes(4095), -1, -1},
           std::tuple{longLines, -1, 7},
@@ -60,7 +60,7 @@ TEST_F(VistaDamagedFiles, GarbageReadsAsNothing)
     }
 }
 
-/// How often the profile functions are asked while `work` runs.
+/// How often the profile functions are called while `work` runs.
 unsigned LooksOf(const std::function<void()>& work)
 {
     Trace::Clear();
@@ -99,7 +99,7 @@ TEST_F(VistaDamagedFiles, CountsWithoutEntriesEndSoon)
     EXPECT_EQ(5004U, LooksOf([&] { EXPECT_EQ(-1, engine.SchemeGuidToIndex(&unknown)); }));
 }
 
-// A list that can't be walked to its end gets no further entry, which would cut off what lies behind.
+// A list whose end can't be reached gets no further entry, which would cut off what lies behind.
 TEST_F(XpDamagedFiles, AFullListGetsNoFurtherEntry)
 {
     Trace::Record(false);

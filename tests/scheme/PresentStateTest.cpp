@@ -133,7 +133,7 @@ TEST_F(PresentState, BatteryItemsAreFoundByTheirConfiguredPlace)
     EXPECT_EQ(0, engine.GetBatteryInformation(0, L"", &value)) << "an item without a name is none";
 }
 
-// A machine that knows nothing of its battery isn't asked further; nor is one that can't be asked.
+// Without a battery state nothing else is queried; nor when the query fails.
 TEST_F(PresentState, WithoutAStateThereIsNoBattery)
 {
     PowerAnswers answers = PowerSource::Get();

@@ -94,7 +94,7 @@ protected:
     /// The names of the platform functions that the engine calls while `work` runs, in order.
     static Lines CallsOf(const Work& work);
 
-    /// Does steps and compares their results: "get 3 ac CpuSpeed -> 50; set 3 dc CpuSpeed = 75 -> 1". Other
+    /// Runs steps and compares their results: "get 3 ac CpuSpeed -> 50; set 3 dc CpuSpeed = 75 -> 1". Other
     /// steps are "find 3", "delete 3", "delete 3 asUser", "active" and "next" (`GetPwrSchemeMaxIndex`).
     void Run(const std::string& steps);
     int ResultOf(const std::string& work);

@@ -1,6 +1,6 @@
 // tests/scheme/StandbyRulesTest.cpp
 //
-// Standby and hibernation in three fields: what each rule makes of each state.
+// Standby and hibernation in three fields: the effect of each rule on each state.
 
 #include "scheme/xp/StandbyRules.h"
 

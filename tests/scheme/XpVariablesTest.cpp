@@ -139,7 +139,7 @@ TEST_F(XpVariables, StoredVariablesKeepTheirHalvesApart)
     }
 }
 
-// What failed calls say and answer is in the transcripts.
+// Logs and results of failed calls are in the transcripts.
 TEST_F(XpVariables, RefusalsSayWhyAndChangeNothing)
 {
     const auto before = Policy(kScheme);

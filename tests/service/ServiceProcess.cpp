@@ -13,7 +13,7 @@ namespace
 
 constexpr int kPatience = 10000;
 
-/// Becomes the service on a notebook. It keeps real time, like any process that nobody hurries.
+/// Becomes the service on a notebook, on the real clock.
 bool Become(const std::string& notebook, const std::vector<std::string>& options, int input, int output)
 {
     dup2(input, STDIN_FILENO);

@@ -12,7 +12,7 @@
 class ServiceProcess
 {
 public:
-    /// Starts the service; `IsServing` tells whether it came so far.
+    /// Starts the service; see `IsServing`.
     ServiceProcess(const std::string& notebook, const std::vector<std::string>& options);
     ~ServiceProcess();
     ServiceProcess(const ServiceProcess&) = delete;

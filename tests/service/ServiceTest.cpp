@@ -1,7 +1,7 @@
 // tests/service/ServiceTest.cpp
 //
 // The service as the plug-in sees it: over the boards, in a process of its own. What it does when it refuses,
-// stays silent or takes its time is in tests/sessions.
+// stays silent or is slow is in tests/sessions.
 
 #include "service/ServiceProcess.h"
 #include "support/NotebookTest.h"
@@ -47,7 +47,7 @@ protected:
     void SetUp() override
     {
         NotebookTest::SetUp();
-        // Two processes keep time together only in real time.
+        // Two processes agree on the time only in real time.
         simulated::Clock::SetInstant(false);
     }
 

@@ -1,6 +1,6 @@
 // tests/support/BoardService.h
 //
-// A service behind the boards as a thread of the test's own process, which answers as the test wants it.
+// A service behind the boards as a thread of the test's own process, with answers that the test chooses.
 #pragma once
 
 #include "service/Boards.h"
@@ -16,7 +16,7 @@
 class BoardService
 {
 public:
-    /// What becomes of a request; nothing for no answer at all.
+    /// The answer to a request; nothing for none at all.
     using Behaviour = std::function<std::optional<service::Answer>(const service::Request&)>;
 
     /// Creates the boards and serves until the end of the object. By default each request is answered

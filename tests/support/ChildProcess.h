@@ -11,7 +11,7 @@
 class ChildProcess
 {
 public:
-    /// Runs `work` in a process of its own, which exits with 0 when that answers true.
+    /// Runs `work` in a process of its own, which exits with 0 when that returns true.
     explicit ChildProcess(const std::function<bool()>& work) : m_process(fork())
     {
         if (m_process == 0)

@@ -5,8 +5,8 @@
 
 #include <windows.h>
 
-/// 0 or the last error of a call that answered `succeeded`; of the type that the error numbers have. Leaves
-/// none behind, so that a failure that doesn't tell its reason isn't taken for one that does.
+/// 0 or the last error of a call that returned `succeeded`; of the type that the error numbers have. Leaves
+/// none behind, so that a failure without a reason isn't taken for one with.
 inline long ErrorOf(bool succeeded)
 {
     const long error = succeeded ? ERROR_SUCCESS : static_cast<long>(GetLastError());

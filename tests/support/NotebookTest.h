@@ -1,7 +1,7 @@
 // tests/support/NotebookTest.h
 //
 // The base of all tests that need a machine: each test has a fresh notebook, an instant clock, a recorded
-// trace of what the plug-in asks of the platform, and leaves nothing open behind it.
+// trace of the plug-in's platform calls, and leaves nothing open.
 #pragma once
 
 #include "control/Notebook.h"
@@ -18,7 +18,7 @@ protected:
 
     void SetUp() override;
 
-    /// Fails the test when the plug-in still holds something of the platform's, or a fault was never met.
+    /// Fails the test when the plug-in still holds an object of the platform, or a fault never hit.
     void TearDown() override;
 
     /// The host's folder of this test's notebook.
@@ -27,7 +27,7 @@ protected:
         return m_folder;
     }
 
-    /// Begins anew with another notebook in the same place.
+    /// Starts over with another notebook in the same folder.
     void Recreate(const simulated::NotebookOptions& options);
 
 private:

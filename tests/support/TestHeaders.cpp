@@ -1,3 +1,3 @@
 // tests/support/TestHeaders.cpp
 //
-// Nothing of its own: the library that is made of it carries the precompiled headers of all test programs.
+// Empty: its library carries the precompiled headers of all test programs.

@@ -1,6 +1,6 @@
 // tests/transcripts/FailuresTest.cpp
 //
-// What a request becomes when one platform call fails: for every place in the plug-in that makes a call, the
+// The effect of one failing platform call on a request: for every call site in the plug-in, the
 // first call from there fails once. The golden files list, for each effect, the calls that have it; what
 // isn't listed changes neither result, reply, events nor logs. Afterwards the state is brought back, and the
 // same request must give its clean outcome: nothing is left in the plug-in.
@@ -30,7 +30,7 @@ struct Candidate
     std::string name;
 };
 
-// The first call from each place.
+// The first call from each call site.
 std::vector<Candidate> CandidatesOf(const std::vector<TracedCall>& calls)
 {
     std::vector<Candidate> candidates;
@@ -73,7 +73,7 @@ std::string Effect(const std::vector<std::string>& good, const std::vector<std::
         const std::size_t text = std::min(line.size(), std::size_t{12});
         effect += (effect.empty() ? "" : "; ") + heading + ' ' + line.substr(text);
     }
-    // Another result and another reply stand for the good ones.
+    // A changed result or reply is shown in full.
     const auto stood =
         std::count_if(lines.begin(), lines.end(),
                       [&](const std::string& line)

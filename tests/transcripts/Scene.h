@@ -36,7 +36,7 @@ public:
     explicit Scene(DWORD major);
     ~Scene();
 
-    /// Brings the first state back and sends `sample`.
+    /// Restores the initial state and sends `sample`.
     RequestOutcome Run(const Sample& sample);
 
     /// Sends `sample` on the state as it is.

@@ -50,7 +50,7 @@ void Add(std::vector<std::string>& lines, std::string heading, const std::string
     lines.push_back(line);
 }
 
-// What differs between generations or runs without meaning anything, and what stands for it.
+// Irrelevant differences between generations or runs, and their placeholders.
 std::string Neutral(std::string line)
 {
     struct Replacement
@@ -70,7 +70,7 @@ std::string Neutral(std::string line)
     return line;
 }
 
-// Lines of a log as they stand. An empty line belongs to the line before, whose format ends in a line end of
+// The lines of a log. An empty line belongs to the line before, whose format ends in a line end of
 // its own; a blank at an end is shown.
 void AddLog(std::vector<std::string>& lines, const char* heading, const std::vector<std::string>& log)
 {

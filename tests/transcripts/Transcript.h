@@ -9,6 +9,6 @@
 #include <string>
 #include <vector>
 
-/// The lines of one outcome but for its platform calls, each two blanks in.
+/// The lines of one outcome without its platform calls, indented by two blanks.
 std::vector<std::string> Show(const Sample& sample, const RequestOutcome& outcome,
                               const std::vector<std::string>& changes);

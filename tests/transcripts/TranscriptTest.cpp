@@ -1,6 +1,6 @@
 // tests/transcripts/TranscriptTest.cpp
 //
-// Each command's transcript on both generations of Windows: result, reply, events, what the service hears,
+// Each command's transcript on both generations of Windows: result, reply, events, requests to the service,
 // both logs, what changes on the machine, and how many platform calls of which kind it takes.
 
 #include "transcripts/Transcript.h"

@@ -58,7 +58,7 @@ constexpr Row kPayloads[] = {
     {"PM_AutoRun_Data", "AUTORUN_ORVA", "flag=1 path=C:\\a.exe", "01000000 433a5c612e657865 252*00"},
 };
 
-// What the scene answers on the index-based power manager.
+// The scene's replies on the index-based power manager.
 constexpr Row kReplies[] = {
     {"PM_Power_Scheme_Data", "GET_SCHEME_NAME", "scheme=7",
      "4576656e696e67 25*00 417420686f6d65 505*00 8*00"},

@@ -1,6 +1,6 @@
 // base/Clock.cpp
 //
-// Real time and what was jumped over.
+// Real time plus what was skipped.
 
 #include "base/Clock.h"
 

@@ -1,7 +1,7 @@
 // base/Clock.h
 //
 // The time of the notebook, as this process sees it. It runs with the real time until it is made instant;
-// then it jumps over every sleep. Several processes on one notebook each have their own time.
+// then every sleep is skipped. Each process on a notebook has its own time.
 #pragma once
 
 #include <windef.h>

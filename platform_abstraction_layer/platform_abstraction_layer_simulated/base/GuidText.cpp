@@ -28,7 +28,7 @@ std::optional<GUID> ParseGuid(std::string_view text)
     std::sscanf(std::string(text).c_str(), "{%8x-%4hx-%4hx-%2hhx%2hhx-%2hhx%2hhx%2hhx%2hhx%2hhx%2hhx}",
                 &guid.Data1, &guid.Data2, &guid.Data3, &last[0], &last[1], &last[2], &last[3], &last[4],
                 &last[5], &last[6], &last[7]);
-    // What was read in another form than a GUID is written in isn't one.
+    // Only the canonical form counts as a GUID.
     return EqualIgnoringCase(ToText(guid), text) ? std::optional(guid) : std::nullopt;
 }
 

@@ -17,7 +17,7 @@ namespace simulated::host_files
 class Tree
 {
 public:
-    /// What is added brings all folders above it.
+    /// Parent folders are added too.
     void AddFolder(const std::string& path);
     void AddFile(const std::string& path, std::string bytes);
     void AddLink(const std::string& path, std::string target);

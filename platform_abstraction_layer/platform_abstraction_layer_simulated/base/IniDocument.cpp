@@ -1,6 +1,6 @@
 // base/IniDocument.cpp
 //
-// A walk over lines, and edits of the text at the places that it finds.
+// Finds lines, and edits the text there.
 
 #include "base/IniDocument.h"
 
@@ -22,7 +22,7 @@ constexpr bool IsBlank(char character)
     return character == ' ' || character == '\t' || character == '\v' || character == '\f';
 }
 
-// Every line that is looked at passes through here; the standard searches for one of several characters are
+// Called for every line that is looked at; the standard searches for one of several characters are
 // slow.
 std::string_view Trim(std::string_view text)
 {
@@ -46,7 +46,7 @@ struct IniDocument::Line
         Header,
         Entry,
         Blank,
-        Other ///< a comment, or nothing that means anything
+        Other ///< a comment or anything else without a meaning
     };
     Kind kind;
     std::string_view name;  ///< of a header or an entry, blanks trimmed
@@ -88,7 +88,7 @@ IniDocument::Line IniDocument::LineAt(std::size_t begin) const noexcept
     {
         return {Line::Kind::Blank, {}, {}, next};
     }
-    // What stands behind the last bracket is ignored; without a bracket the line is none of a header.
+    // Text behind the last bracket is ignored; a line without a bracket is no header.
     const std::size_t bracket = text.front() == '[' ? text.rfind(']') : std::string_view::npos;
     if (bracket != std::string_view::npos)
     {

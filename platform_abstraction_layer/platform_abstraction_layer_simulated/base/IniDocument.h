@@ -1,12 +1,12 @@
 // base/IniDocument.h
 //
 // The text of a file with sections and "key=value" lines: looking up, listing, and changes that leave every
-// other byte as it is. Knows nothing of files, locks or buffers. Nothing is parsed in advance: a look-up
-// walks the lines once.
+// other byte as it is. Knows nothing of files, locks or buffers. Nothing is parsed in advance: a lookup
+// scans the lines once.
 //
 // Sections and keys ignore case and the blanks around them; of duplicates the first counts. A line without
-// "=" is no key, one that begins with ";" is a comment. CRLF, CR and LF end lines. What is asked for and
-// answered is UTF-8.
+// "=" is no key, one that begins with ";" is a comment. CRLF, CR and LF end lines. Arguments and results
+// are UTF-8.
 #pragma once
 
 #include "base/CodePage.h"

@@ -1,6 +1,6 @@
 // base/PlatformCall.cpp
 //
-// The entrance of the platform functions: observation, faults, last error, trace.
+// The entry of the platform functions: observation, faults, last error, trace.
 
 #include "base/PlatformCall.h"
 
@@ -24,7 +24,7 @@ constexpr std::array<const char*, static_cast<std::size_t>(CallClass::kCount)> k
     "file",   "log",    "profile", "registry", "object", "thread", "memory", "module", "power",
     "device", "driver", "account", "shell",    "text",   "com",    "window", "system"};
 
-// Long texts would drown the line; what is cut is seldom what the reader looks for.
+// Long texts would swamp the line; their ends are seldom of interest.
 constexpr std::size_t kLongestText = 120;
 
 thread_local DWORD lastError = ERROR_SUCCESS;
@@ -106,7 +106,7 @@ void PlatformCall::AddToTrace(bool succeeded, const std::string& answer, DWORD e
 
 std::string PlatformCall::Describe(const wchar_t* text)
 {
-    // A resource or ordinal number travels in a text pointer.
+    // A text pointer may hold a resource or ordinal number.
     const auto number = reinterpret_cast<std::uintptr_t>(text);
     return number >= 0x10000 ? Describe(ToUtf8(text).c_str()) : number == 0 ? "null" : Describe(number);
 }
@@ -156,7 +156,7 @@ std::string PlatformCall::Describe(unsigned long long number)
 
 } // namespace simulated
 
-// Neither function is an entrance: looking at the last error is no work of the platform, and a fault there
+// Neither is traced as a platform call: reading the last error is no work, and a fault there
 // would hide the error that it reports.
 SIM_API DWORD WINAPI GetLastError()
 {

@@ -1,6 +1,6 @@
 // base/PlatformCall.h
 //
-// The entrance of every platform function. It decides whether the plug-in made the call, lets an injected
+// The entry of every platform function. It decides whether the plug-in made the call, lets an injected
 // fault refuse it, sets the last error, and writes the trace. A public function is a thin shell:
 //
 //     SIM_API BOOL WINAPI DeleteFileW(LPCWSTR path)
@@ -10,7 +10,7 @@
 //         return call.Boolean([&] { return files::Delete(path); });
 //     }
 //
-// The work is in an internal function that answers an error number. Internal functions call each other, not
+// The work is in an internal function that returns an error number. Internal functions call each other, not
 // the public shells.
 #pragma once
 
@@ -27,7 +27,7 @@
 namespace simulated
 {
 
-/// What a platform function works on. The numbers of calls per request are told by these classes.
+/// What a platform function works on. Calls per request are counted by these classes.
 enum class CallClass
 {
     File,
@@ -61,7 +61,7 @@ struct Outcome
     DWORD error = ERROR_SUCCESS;
 };
 
-/// One call of a platform function, from entrance to return.
+/// One call of a platform function, from entry to return.
 class PlatformCall
 {
 public:
@@ -70,7 +70,7 @@ public:
     PlatformCall(const PlatformCall&) = delete;
     PlatformCall& operator=(const PlatformCall&) = delete;
 
-    /// The platform call that the calling thread is in, by a number that no other has; 0 outside of all. What
+    /// The unique number of the platform call that the calling thread is in; 0 outside of any. What
     /// a call itself calls is part of it, unless the plug-in comes in between.
     static std::uint64_t Current() noexcept;
 
@@ -83,7 +83,7 @@ public:
         return m_observed;
     }
 
-    /// True when an injected fault refuses this call; `FaultError` is then the error to answer.
+    /// True when an injected fault refuses this call; `FaultError` is then the error to return.
     bool IsRefused() const noexcept
     {
         return m_fault != ERROR_SUCCESS;
@@ -107,7 +107,7 @@ public:
         }
     }
 
-    /// For functions that answer TRUE or FALSE and set the last error. `work` answers an error number.
+    /// For functions that return TRUE or FALSE and set the last error. `work` returns an error number.
     template <class Work>
     BOOL Boolean(Work work)
     {
@@ -115,7 +115,7 @@ public:
         return FinishBoolean(error);
     }
 
-    /// Like `Boolean` for functions that give something back: an injected fault changes the answer, but
+    /// Like `Boolean` for functions that release something: an injected fault changes the result, but
     /// the work is done, so that a refused release doesn't count as a leak.
     template <class Work>
     BOOL Release(Work work)
@@ -133,7 +133,7 @@ public:
         return static_cast<LSTATUS>(error);
     }
 
-    /// `Status` under the rule of `Release`.
+    /// Like `Status`, with the rule of `Release`.
     template <class Work>
     LSTATUS ReleaseStatus(Work work)
     {
@@ -143,7 +143,7 @@ public:
         return static_cast<LSTATUS>(answered);
     }
 
-    /// For functions that answer an HRESULT. An injected fault is one already or becomes one.
+    /// For functions that return an HRESULT. An injected fault is one already or becomes one.
     template <class Work>
     HRESULT Com(Work work)
     {
@@ -152,7 +152,7 @@ public:
         return result;
     }
 
-    /// For functions that answer a value, `failure` when they fail, and set the last error. `work` answers
+    /// For functions that return a value, `failure` when they fail, and set the last error. `work` returns
     /// an `Outcome`.
     template <class Value, class Work>
     Value Result(Value failure, Work work)
@@ -178,7 +178,7 @@ public:
         return value;
     }
 
-    /// For functions that answer nothing.
+    /// For functions that return nothing.
     void AnswerNothing();
 
     static std::string Describe(const wchar_t* text);

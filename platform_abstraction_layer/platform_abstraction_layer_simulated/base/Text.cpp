@@ -39,7 +39,7 @@ void AppendUtf8(std::string& target, unsigned point)
     }
 }
 
-// The code point at `place`, which moves behind it. What is no character of UTF-8 stands for U+FFFD.
+// The code point at `place`, which moves behind it. Invalid UTF-8 becomes U+FFFD.
 unsigned NextPoint(std::string_view source, std::size_t& place)
 {
     const unsigned lead = static_cast<unsigned char>(source[place++]);
@@ -154,7 +154,7 @@ bool CopyToUtf16(std::string_view source, wchar_t* target, std::size_t capacity)
 
 std::string FoldCase(std::string_view source)
 {
-    // Nearly all names are plain to their end.
+    // Nearly all names are ASCII.
     std::string target(source);
     std::size_t place = 0;
     for (char* at = target.data(); place < source.size() && static_cast<unsigned char>(*at) < 0x80; ++at)

@@ -1,7 +1,7 @@
 // base/Text.h
 //
-// Text inside the simulated platform is UTF-8; the Windows functions speak UTF-16. Lone surrogates survive
-// the way there and back.
+// Text inside the simulated platform is UTF-8; the Windows functions take UTF-16. Lone surrogates survive
+// the round trip.
 #pragma once
 
 #include <windef.h>

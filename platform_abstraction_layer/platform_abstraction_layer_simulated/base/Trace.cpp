@@ -33,7 +33,8 @@ struct TraceState
     std::mutex mutex;
     std::vector<TracedCall> calls;
     std::vector<Fault> faults;
-    std::map<std::pair<std::string, const void*>, std::string> held; ///< kind and thing, and who opened it
+    std::map<std::pair<std::string, const void*>, std::string>
+        held; ///< by kind and address: the function that opened it
     std::array<unsigned, static_cast<std::size_t>(CallClass::kCount)> counts{};
     std::atomic<bool> recording{false};
     std::atomic<bool> printing{false};

@@ -19,7 +19,7 @@ bool IsInPlugIn(const void* address) noexcept;
 /// Notes that the plug-in occupies the addresses from `begin` up to `end`; null and null when it is unloaded.
 void SetPlugInRange(const void* begin, const void* end) noexcept;
 
-/// One call as it was made and answered.
+/// One call and its result.
 struct TracedCall
 {
     CallClass callClass;
@@ -49,14 +49,14 @@ public:
     static std::array<unsigned, static_cast<std::size_t>(CallClass::kCount)> Counts();
     static unsigned Count(CallClass callClass);
 
-    /// For the entrance of the platform functions: whether calls are worth describing; a call is counted, and
-    /// answered the error of the injected fault that refuses it, or 0; a call has returned.
+    /// For `PlatformCall`: whether calls need describing; counts a call and returns
+    /// the error of the injected fault that refuses it, or 0; records a finished call.
     static bool IsListening() noexcept;
     static DWORD Enter(CallClass callClass, const char* function) noexcept;
     static void Add(TracedCall call);
 };
 
-/// Refusals that are due.
+/// Failures injected into platform calls.
 class Faults
 {
 public:
@@ -69,14 +69,14 @@ public:
     [[nodiscard]] static bool AllHit();
 };
 
-/// What the plug-in holds of the platform's things, by kind ("handle", "key", "block", ...).
+/// The platform's objects that the plug-in holds, by kind ("handle", "key", "block", ...).
 class Leaks
 {
 public:
     static void Opened(const char* kind, const void* thing, const char* function);
     static void Closed(const char* kind, const void* thing);
 
-    /// Things that the plug-in opened and hasn't given back. What by design lives as long as the process
+    /// What the plug-in opened and hasn't released. What by design lives as long as the process
     /// is not counted: loaded modules, and the driver's handle from major version 6 on.
     static unsigned Count();
 

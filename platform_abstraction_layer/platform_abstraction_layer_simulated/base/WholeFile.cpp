@@ -79,8 +79,8 @@ bool WriteSide(const std::string& side, std::string_view bytes, std::optional<mo
     return !mode || fchmod(file.Get(), *mode) == 0;
 }
 
-// Gives `path` the content of `side`. Where there is a file already the two change names and the old one
-// goes: a plain rename over it makes some file systems wait for the disk.
+// Gives `path` the content of `side`. Where there is a file already the two swap names and the old one
+// is removed: a plain rename over it makes some file systems wait for the disk.
 bool TakePlace(const std::string& side, const std::string& path)
 {
     if (renameat2(AT_FDCWD, side.c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE) == 0)

@@ -17,7 +17,7 @@
 namespace simulated
 {
 
-/// What tells one state of a file from another.
+/// What identifies a state of a file.
 struct FileState
 {
     std::string path;
@@ -40,7 +40,7 @@ std::optional<std::string> ReadWhole(int descriptor);
 /// `errno` set, when that can't be done. Writers of one file must hold its `FileLock`.
 [[nodiscard]] bool WriteWhole(const std::string& path, std::string_view bytes);
 
-/// The lock of a file's writers: a file of its own beside it, since the one that is written gives way to
+/// The lock of a file's writers: a file of its own beside it, since the written one is replaced by
 /// another. Excludes threads as well as processes, and ends with its holder, killed or not.
 class FileLock
 {

@@ -1,6 +1,6 @@
 // control/Adapters.cpp
 //
-// Adapters as pairs of a device and a driver key.
+// Each adapter is a device and a driver key.
 
 #include "control/Adapters.h"
 

@@ -18,12 +18,12 @@ class Adapters
 public:
     using Settings = std::vector<std::pair<std::string, std::string>>;
 
-    /// Puts an adapter behind the others; its instance id, empty when its driver key can't be written.
-    /// `settings` are texts of its driver key, such as
+    /// Adds an adapter behind the others. Returns its instance id, empty when its driver key can't be
+    /// written. `settings` are texts of its driver key, such as
     /// {"*SpeedDuplex", "0"}.
     [[nodiscard]] static std::string Add(const std::string& description, const Settings& settings);
 
-    /// Takes all adapters and their driver keys away.
+    /// Removes all adapters and their driver keys.
     static void Clear();
 
     /// Instance ids.

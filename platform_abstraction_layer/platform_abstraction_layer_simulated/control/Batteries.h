@@ -11,8 +11,8 @@
 //   ManufactureDate=2008-03-17, DeviceName, ManufactureName, UniqueID, SerialNumber
 //   PowerState, Capacity, Rate: what the battery reports whatever the power source does
 //
-// What has no line isn't known to the battery. Where the last three are missing, the battery follows the
-// power source (PowerSource.h), so that mains and charge are changed in one place; several batteries share
+// A line that is missing is unknown to the battery. Without the last three the battery follows the
+// power source (PowerSource.h), so that AC power and charge are changed in one place; several batteries share
 // the charge by their full capacities. A missing FullChargedCapacity is that of the power source.
 #pragma once
 
@@ -30,13 +30,13 @@ class Batteries
 public:
     static unsigned Count();
 
-    /// Puts one more battery into the machine; its index.
+    /// Adds a battery and returns its index.
     static unsigned Add();
 
-    /// Takes battery and slot away.
+    /// Removes battery and slot.
     static void Remove(unsigned index);
 
-    /// Takes the battery out of its slot, or puts another one in. Its old tag is stale from then on.
+    /// Empties the slot, or inserts another battery. The old tag is stale from then on.
     static void Eject(unsigned index);
     static void Insert(unsigned index);
 
@@ -45,7 +45,7 @@ public:
     /// What the battery reports from now on; nothing lets it follow the power source again.
     static void SetStatus(unsigned index, const std::optional<BATTERY_STATUS>& status);
 
-    /// One of the lines told above.
+    /// Sets one of the lines described above.
     static void SetValue(unsigned index, const std::string& key, const std::string& value);
 };
 

@@ -1,6 +1,6 @@
 // control/FreshNotebook.cpp
 //
-// The content of a fresh notebook.
+// Builds the content of a fresh notebook.
 
 #include "control/FreshNotebook.h"
 

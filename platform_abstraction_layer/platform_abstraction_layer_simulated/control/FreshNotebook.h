@@ -1,7 +1,7 @@
 // control/FreshNotebook.h
 //
 // What a fresh notebook holds: its folders and files, its accounts, its registry and machine.ini. It is
-// the same in all of one kind, so it is worked out once in a process.
+// the same for all of one kind, so it is computed once per process.
 #pragma once
 
 #include "base/HostFiles.h"

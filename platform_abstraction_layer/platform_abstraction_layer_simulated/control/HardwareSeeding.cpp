@@ -1,6 +1,6 @@
 // control/HardwareSeeding.cpp
 //
-// The default notebook as a person would write it down.
+// The default hardware, as it stands in machine.ini.
 
 #include "control/Seeding.h"
 
@@ -14,7 +14,7 @@ namespace
 
 // Registers: the embedded controller's items are backlight, wireless, LAN, 3G and Bluetooth. The processor
 // has ratios 6 to 12 with voltage numbers 10 to 21. The chipset is recognised by its LPC bridge at 00:1F.0,
-// whose register 0xF0 tells where the root complex lies; the word at 0x3418 in there disables functions.
+// whose register 0xF0 locates the root complex; the word at 0x3418 in there disables functions.
 constexpr std::string_view kHardware = R"(
 [Driver]
 Present=1

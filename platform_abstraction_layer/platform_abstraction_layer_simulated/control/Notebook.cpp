@@ -31,7 +31,7 @@ constexpr const char* kMachineSection = "Machine";
 constexpr const char* kInstallationFiles = ".ini";
 constexpr const char* kPowerSchemesFile = "PowerSchemes.ini";
 
-// What lies in a notebook's folder, beside the files that WholeFile needs for a while.
+// What a notebook's folder contains, apart from the temporary files of WholeFile.
 constexpr const char* kParts[] = {"drives", "machine.ini", "objects", "registry"};
 
 constexpr SystemVersion kVersions[] = {
@@ -95,11 +95,11 @@ bool Notebook::Create(const std::string& folder, const NotebookOptions& options)
     {
         return false;
     }
-    std::filesystem::create_directories(folder, ignored); // what it answers shows in the next step
+    std::filesystem::create_directories(folder, ignored); // a failure shows in the next step
     Machine::Use(folder);
     tokens::Reset();
     const FreshNotebook& fresh = FreshNotebook::Of(*version, options.codePage);
-    // The state comes last: a folder without it is no notebook.
+    // machine.ini comes last: a folder without it is no notebook.
     return fresh.tree.MakeIn(folder) && host_files::Write(Machine::PathOf("machine.ini"), fresh.state) &&
            (options.installation.empty() || Install(options.installation));
 }
@@ -142,7 +142,7 @@ bool Notebook::Install(const std::string& hostFolder)
     {
         if (file.path().extension() != kInstallationFiles)
         {
-            continue; // what puts the files in place on Windows
+            continue; // the Windows install scripts
         }
         const std::string name = file.path().filename().string();
         const std::optional<std::string> bytes = ReadWhole(file.path().string());

@@ -1,6 +1,6 @@
 // control/Notebook.h
 //
-// Making a simulated notebook, and the hands that change it: its accounts, its version of Windows, its code
+// Makes a simulated notebook and changes it: its accounts, its version of Windows, its code
 // page, its modules, its files and its registry. Hardware and power have headers of their own beside this
 // one.
 //
@@ -25,7 +25,7 @@ struct NotebookOptions
     std::string installation = {}; ///< host folder with the files of an installation, see `Notebook::Install`
 };
 
-/// All operations are on the notebook that this process uses, and answer false when the host's file system
+/// All operations are on the notebook that this process uses, and return false when the host's file system
 /// refuses.
 class Notebook
 {
@@ -59,26 +59,26 @@ public:
     /// account of that name, and for one with characters that no account's name has.
     [[nodiscard]] static bool AddUser(const std::string& name);
 
-    /// An account that the machine knows but that never logged on: no profile, no hive, no place in
+    /// An account that the machine knows but that never logged on: no profile, no hive, no entry in
     /// "ProfileList".
     [[nodiscard]] static bool AddStranger(const std::string& name);
 
-    /// Loads a user's hive, or takes it out; a stranger's first logon makes his profile. False for an unknown
-    /// account.
+    /// Loads a user's hive, or unloads it; the first logon of a stranger creates a profile. False for an
+    /// unknown account.
     [[nodiscard]] static bool LogOn(const std::string& name);
     [[nodiscard]] static bool LogOff(const std::string& name);
 
-    /// Takes the account, its profile and its hive away.
+    /// Removes the account, its profile and its hive.
     [[nodiscard]] static bool RemoveUser(const std::string& name);
 
-    /// The version that the system answers. Folders and registry stay those of the version that the notebook
+    /// The version that the system reports. Folders and registry stay those of the version that the notebook
     /// was made for. False for a version that isn't known.
     [[nodiscard]] static bool SetVersion(DWORD major, DWORD minor);
 
     /// False for a code page that isn't known.
     [[nodiscard]] static bool SetCodePage(unsigned codePage);
 
-    /// Takes a DLL of the system away, or one of its functions ("PowrProf.dll.PowerDeleteScheme"), or puts it
+    /// Removes a DLL of the system, or one of its functions ("PowrProf.dll.PowerDeleteScheme"), or restores
     /// back.
     [[nodiscard]] static bool SetModule(const std::string& name, bool isPresent);
 };

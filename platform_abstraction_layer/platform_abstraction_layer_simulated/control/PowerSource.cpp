@@ -1,6 +1,6 @@
 // control/PowerSource.cpp
 //
-// Changes of the power source, carried through to every answer that depends on them.
+// Changes the power source and every value that depends on it.
 
 #include "control/PowerSource.h"
 
@@ -17,7 +17,7 @@ constexpr DWORD kChargeRate = 24000;
 constexpr DWORD kDischargeRate = 16000;
 constexpr DWORD kSecondsPerHour = 3600;
 
-// The level flag of a charge, as Windows draws its lines.
+// The level flag of a charge, with the thresholds of Windows.
 BYTE LevelFlag(DWORD percent) noexcept
 {
     constexpr DWORD kHighAbove = 66;
@@ -44,7 +44,7 @@ DWORD PercentOf(const SYSTEM_BATTERY_STATE& battery) noexcept
     return percent > 100 ? 100 : static_cast<DWORD>(percent);
 }
 
-// What flows, given mains and charge.
+// The charging state that follows from AC power and charge.
 void SettleFlow(SYSTEM_BATTERY_STATE& battery) noexcept
 {
     const bool present = battery.BatteryPresent != FALSE;
@@ -55,7 +55,7 @@ void SettleFlow(SYSTEM_BATTERY_STATE& battery) noexcept
     battery.Rate = battery.Charging ? kChargeRate : battery.Discharging ? 0u - kDischargeRate : 0u;
 }
 
-// The answers that follow from the battery's state.
+// The values that follow from the battery's state.
 void SettleStatus(PowerAnswers& answers) noexcept
 {
     SYSTEM_BATTERY_STATE& battery = answers.battery;
@@ -81,7 +81,7 @@ void SettleStatus(PowerAnswers& answers) noexcept
     status.BatteryLifePercent = static_cast<BYTE>(percent);
 }
 
-// Changes the battery's state, lets the rest follow and stores it.
+// Changes the battery's state, updates the rest and stores it.
 template <class Change>
 bool Update(Change change, bool settleFlow = true)
 {

@@ -45,7 +45,7 @@ std::string Joined(std::string_view folder, std::string_view rest)
 
 registry::Hive FreshHive(const Account& account, const Layout& layout)
 {
-    // What is the same for all is worked out once.
+    // The part that all share is computed once.
     static const registry::Hive kFresh = []
     {
         registry::Hive hive("HKEY_CURRENT_USER");
@@ -90,7 +90,7 @@ void Add(host_files::Tree& tree, const Account& account, DWORD majorVersion)
     tree.AddFolder(PartOf(Joined(account.profile, layout.appData)));
     if (layout.localAppData != kEarlyLocalAppData)
     {
-        // Programs of the earlier generation know the folder by the name that it had there.
+        // Older programs know the folder by its earlier name.
         tree.AddLink(PartOf(Joined(account.profile, kEarlyLocalAppData)), "../AppData/Local");
     }
     tree.AddFile(hives::PartOf(account.name), FreshHive(account, layout).Text());

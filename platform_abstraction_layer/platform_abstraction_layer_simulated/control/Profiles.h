@@ -27,11 +27,11 @@ inline constexpr std::string_view kEarlyLocalAppData = "Local Settings\\Applicat
 /// A path on drive C below the notebook's folder, as spelled.
 std::string PartOf(std::string_view windowsPath);
 
-/// Makes profile and hive, or adds them to what is going to be made. The hive isn't loaded yet.
+/// Makes profile and hive, or adds them to a tree that is made later. The hive isn't loaded yet.
 void Add(host_files::Tree& tree, const Account& account, DWORD majorVersion);
 [[nodiscard]] bool Create(const Account& account, DWORD majorVersion);
 
-/// Takes both away.
+/// Removes both.
 [[nodiscard]] bool Remove(const Account& account);
 
 } // namespace simulated::profiles

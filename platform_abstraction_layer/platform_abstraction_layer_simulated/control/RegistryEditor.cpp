@@ -1,6 +1,6 @@
 // control/RegistryEditor.cpp
 //
-// Keys by path, over the same functions that serve the registry to programs.
+// Keys by path, on the functions behind the registry API.
 
 #include "control/RegistryEditor.h"
 

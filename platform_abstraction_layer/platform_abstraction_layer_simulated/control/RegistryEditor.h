@@ -1,6 +1,6 @@
 // control/RegistryEditor.h
 //
-// The registry in the hands of tests and tools: values by one path such as
+// The registry for tests and tools: values by one path such as
 // "HKEY_LOCAL_MACHINE\SOFTWARE\Kelvo\ORVL" or "HKLM\SOFTWARE\Kelvo\ORVL", without opening and closing keys.
 // The short roots are HKLM, HKCU, HKU and HKCR.
 #pragma once
@@ -18,7 +18,7 @@ namespace simulated
 class RegistryEditor
 {
 public:
-    /// The readers answer nothing for a key or value that isn't there.
+    /// The readers return nothing for a missing key or value.
     static std::optional<registry::Value> Read(std::string_view key, std::string_view name);
 
     /// The text up to its first zero; nothing when the value holds no text.
@@ -33,7 +33,7 @@ public:
 
     [[nodiscard]] static bool HasKey(std::string_view key);
 
-    /// Takes a key away with all that is below it.
+    /// Removes a key and everything below it.
     [[nodiscard]] static bool RemoveKey(std::string_view key);
     [[nodiscard]] static bool RemoveValue(std::string_view key, std::string_view name);
 

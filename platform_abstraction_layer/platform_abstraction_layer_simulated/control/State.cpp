@@ -1,6 +1,6 @@
 // control/State.cpp
 //
-// Walks through files, registry and machine.ini.
+// Collects files, registry and machine.ini.
 
 #include "control/State.h"
 
@@ -37,7 +37,7 @@ std::string Joined(std::initializer_list<std::string_view> parts)
     return text;
 }
 
-// Long beginnings of places, and what stands for them in a transcript. The first that fits counts.
+// Long prefixes of locations, and how a transcript abbreviates them. The first match counts.
 struct Abbreviation
 {
     std::string beginning;
@@ -77,7 +77,7 @@ std::string Words(const std::string& bytes)
     return words;
 }
 
-// Collects entries under their abbreviated places.
+// Collects entries under their abbreviated locations.
 class Collector
 {
 public:
@@ -206,7 +206,7 @@ std::vector<std::string> Differences(const State& before, const State& after)
         const auto now = after.find(place);
         if (now == after.end())
         {
-            // What goes with its key or section needs no line.
+            // What vanishes with its key or section needs no line.
             if (gone.empty() || !place.starts_with(gone))
             {
                 gone = place;

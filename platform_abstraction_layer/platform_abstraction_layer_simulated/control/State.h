@@ -11,14 +11,14 @@
 namespace simulated
 {
 
-/// Places such as "PowerSchemes.ini [Scheme 7] Wifi" with what stands there.
+/// Locations such as "PowerSchemes.ini [Scheme 7] Wifi" and their values.
 using State = std::map<std::string, std::string>;
 
 /// The present state of this process's notebook.
 State Observe();
 
-/// A line for each entry that differs: "place: before -> after", "+ place: after", "- place". Of binary
-/// values the 32-bit words that differ.
+/// A line for each entry that differs: "location: before -> after", "+ location: after", "- location". Of
+/// binary values the 32-bit words that differ.
 std::vector<std::string> Differences(const State& before, const State& after);
 
 } // namespace simulated

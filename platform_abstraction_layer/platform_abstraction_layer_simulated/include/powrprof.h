@@ -117,7 +117,7 @@ static_assert(sizeof(MACHINE_PROCESSOR_POWER_POLICY) == 156);
 static_assert(offsetof(MACHINE_PROCESSOR_POWER_POLICY, ProcessorPolicyDc) == 80);
 
 /// Called with number, size of the name in bytes, name, size of the description in bytes, description,
-/// policy and the caller's argument of each scheme. FALSE ends the walk.
+/// policy and the caller's argument of each scheme. FALSE ends the enumeration.
 using PWRSCHEMESENUMPROC = BOOLEAN(CALLBACK*)(UINT, DWORD, LPWSTR, DWORD, LPWSTR, PPOWER_POLICY, LPARAM);
 
 SIM_API BOOLEAN WINAPI GetActivePwrScheme(PUINT scheme);

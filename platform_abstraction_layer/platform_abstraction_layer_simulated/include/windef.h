@@ -99,7 +99,7 @@ typedef HINSTANCE HMODULE;
 typedef HICON HCURSOR;
 typedef HKEY* PHKEY;
 
-// The exact type that GetProcAddress answers is cast by its caller.
+// Callers of GetProcAddress cast its result to the exact type.
 typedef INT_PTR(WINAPI* FARPROC)();
 
 #ifndef TRUE

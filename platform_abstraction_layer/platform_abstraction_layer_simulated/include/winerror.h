@@ -1,6 +1,6 @@
 // include/winerror.h
 //
-// The error numbers that the simulated platform answers, with their documented values.
+// The error numbers that the simulated platform returns, with their documented values.
 #pragma once
 
 #include <windef.h>

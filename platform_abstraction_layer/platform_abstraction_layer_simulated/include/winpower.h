@@ -1,6 +1,6 @@
 // include/winpower.h
 //
-// What the base of Windows declares of power: states, actions, the policies' building blocks, the state of
+// Power declarations of the base of Windows: states, actions, the policies' building blocks, the state of
 // the batteries as a whole, and the status of the power source (kernel32). The functions of the power
 // manager itself stand in powrprof.h.
 #pragma once

@@ -1,6 +1,6 @@
 // include/winreg.h
 //
-// advapi32: the registry. Every function answers an error number and leaves the last error alone. Sizes of
+// advapi32: the registry. Every function returns an error number and leaves the last error alone. Sizes of
 // data are in bytes, of names in characters.
 #pragma once
 
@@ -18,7 +18,7 @@ struct SECURITY_ATTRIBUTES;
 /// handle can be used for. ERROR_FILE_NOT_FOUND when there is no such key.
 SIM_API LSTATUS WINAPI RegOpenKeyExW(HKEY key, LPCWSTR subKey, DWORD options, REGSAM access, PHKEY result);
 
-/// Like `RegOpenKeyExW` with the most that the account may do; a null or empty `subKey` answers `key` itself.
+/// Like `RegOpenKeyExW` with the maximum access; a null or empty `subKey` returns `key` itself.
 SIM_API LSTATUS WINAPI RegOpenKeyW(HKEY key, LPCWSTR subKey, PHKEY result);
 
 /// Opens a subkey, or creates it with all keys on the way. `disposition`, which may be null, becomes
@@ -31,7 +31,7 @@ SIM_API LSTATUS WINAPI RegCreateKeyExW(HKEY key, LPCWSTR subKey, DWORD reserved,
 SIM_API LSTATUS WINAPI RegCloseKey(HKEY key);
 
 /// Reads a value; a null or empty `name` means the default value. `size` comes in as the room in `data` and
-/// goes out as the size of the value; with null `data` it only goes out. ERROR_MORE_DATA when the room is too
+/// goes out as the size of the value; with null `data` only the latter. ERROR_MORE_DATA when the room is too
 /// small, ERROR_FILE_NOT_FOUND when there is no such value.
 SIM_API LSTATUS WINAPI RegQueryValueExW(HKEY key, LPCWSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
                                         LPDWORD size);
@@ -54,7 +54,7 @@ SIM_API LSTATUS WINAPI RegEnumValueW(HKEY key, DWORD index, LPWSTR name, LPDWORD
 SIM_API LSTATUS WINAPI RegDeleteKeyW(HKEY key, LPCWSTR subKey);
 SIM_API LSTATUS WINAPI RegDeleteValueW(HKEY key, LPCWSTR name);
 
-/// Brings the hive in `file` in as the subkey `subKey` of HKEY_USERS or HKEY_LOCAL_MACHINE, and takes it out
+/// Loads the hive in `file` as the subkey `subKey` of HKEY_USERS or HKEY_LOCAL_MACHINE, and unloads it
 /// again. The process needs "SeRestorePrivilege" and "SeBackupPrivilege" enabled, else
 /// ERROR_PRIVILEGE_NOT_HELD. ERROR_SHARING_VIOLATION when the hive is loaded already, ERROR_ACCESS_DENIED
 /// when a hive in use is to be unloaded.

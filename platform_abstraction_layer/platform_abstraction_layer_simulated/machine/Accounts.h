@@ -36,7 +36,7 @@ public:
     /// The account that this process runs as; nothing when the machine doesn't know it.
     static std::optional<Account> Running();
 
-    /// Its SID alone, which every look at HKEY_CURRENT_USER asks for; empty when the machine doesn't know it.
+    /// Its SID alone, needed for every access to HKEY_CURRENT_USER; empty for an unknown account.
     static std::string RunningSid();
 
     /// Adds an account, or changes the one of that name.

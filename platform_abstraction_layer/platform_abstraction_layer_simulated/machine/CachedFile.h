@@ -16,7 +16,7 @@
 namespace simulated
 {
 
-/// `Content` has `void Load(const std::string& text)`, which makes it what the text says, and
+/// `Content` has `void Load(const std::string& text)`, which parses the text, and
 /// `std::string Text() const`. A file that isn't there counts as an empty one.
 template <class Content>
 class CachedFile
@@ -27,7 +27,7 @@ public:
     {
     }
 
-    /// What `look` answers to the content of the file.
+    /// Returns what `look` returns for the content of the file.
     template <class Look>
     auto Read(Look look)
     {
@@ -43,7 +43,7 @@ public:
         return look(std::as_const(m_content));
     }
 
-    /// Lets `change` edit the content under the writers' lock. What it leaves is written when it answers
+    /// Lets `change` edit the content under the writers' lock. The result is written when it returns
     /// true; else it must leave what it found. False, with `errno` set, when the file can't be written.
     template <class Change>
     bool Edit(Change change)

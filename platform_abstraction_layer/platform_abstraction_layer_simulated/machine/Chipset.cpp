@@ -1,8 +1,8 @@
 // machine/Chipset.cpp
 //
 // PCI functions, I/O ports and registers in physical memory, in machine.ini. Known differences: of the
-// read-only registers of PCI functions only those that identify the function are kept from being written; the
-// rest of configuration space takes every byte. A real port that nothing answers on reads as ones; here an
+// read-only registers of PCI functions only those that identify the function are protected; the
+// rest of configuration space is writable. A real port without hardware reads as ones; here an
 // access to it is refused, so that a wrong port number doesn't pass for hardware. Outside the ranges there is
 // nothing to map, while real memory can be mapped anywhere.
 

@@ -32,11 +32,11 @@ class PciBus
 public:
     static constexpr DWORD kConfigurationSize = 256;
 
-    /// Puts a function into the machine: vendor and device number in its configuration space, and the device
-    /// object of that number in front of it.
+    /// Adds a function: vendor and device number in its configuration space, and the device
+    /// object of that number.
     static void Add(unsigned object, const PciAddress& address, WORD vendor, WORD device);
 
-    /// Lets `object` stand for the function at `address`; another object that did so doesn't any more.
+    /// Makes `object` name the function at `address` in place of the object that did so before.
     static void Move(unsigned object, const PciAddress& address);
 
     /// The function behind a device object, named as the kernel names it.

@@ -1,6 +1,6 @@
 // machine/DeviceTree.h
 //
-// The devices of the machine, their places in the tree and their states. machine.ini has a section for each,
+// The devices of the machine, their parents and their states. machine.ini has a section for each,
 // "Device PCI\VEN_10EC&DEV_8168\4&1B2F3C5D&0&00E0", in the order in which they are enumerated:
 //
 //   Class={4D36E972-E325-11CE-BFC1-08002BE10318}   setup class
@@ -44,10 +44,10 @@ public:
         std::vector<std::pair<std::string, std::string>> values = {}; ///< more lines of its section
     };
 
-    /// Puts a device behind those that are there, present and enabled.
+    /// Adds a device behind the others, present and enabled.
     static void Add(const Description& device);
 
-    /// Takes every trace of it away.
+    /// Removes it completely.
     static void Remove(const std::string& instanceId);
 
     /// Instance ids of all devices, those included that aren't present; not the root.

@@ -4,8 +4,8 @@
 //
 // machine.ini, section "EmbeddedController", has a line for each item: "0xC0=0x05". The value 0xFF stands for
 // a device that isn't fitted; writing such an item changes nothing. Section "ControlMethods" has a line for
-// each method that the firmware knows, with what it answers: "_STA=0x0000000F", "GWRI=0x00000001". "GRDI"
-// answers an item's value and needs no number; "EBTR 0x0F" holds the twelve rows of the battery record with
+// each method that the firmware knows, with its result: "_STA=0x0000000F", "GWRI=0x00000001". "GRDI"
+// returns an item's value and needs no number; "EBTR 0x0F" holds the twelve rows of the battery record with
 // selector 15.
 #pragma once
 
@@ -41,11 +41,11 @@ public:
     /// An item's value, or nothing when the controller has no such item.
     static std::optional<DWORD> Item(DWORD item);
 
-    /// Gives an item a value, and makes it when the controller had none.
+    /// Sets an item, and adds it when the controller had none.
     static void SetItem(DWORD item, DWORD value);
     static void RemoveItem(DWORD item);
 
-    /// What a method answers, or nothing when the firmware doesn't know it.
+    /// The result of a method, or nothing when the firmware doesn't know it.
     static std::optional<DWORD> Method(const std::string& name);
     static void SetMethod(const std::string& name, DWORD answer);
 

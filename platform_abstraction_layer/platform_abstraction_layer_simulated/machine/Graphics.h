@@ -6,7 +6,7 @@
 //   Installed=1
 //   Capabilities=0x00000007
 //   FRQG=0x00000001          a policy's record in words; a policy without a line isn't supported
-//   PowerApiOpen.Error=0     driver error that a method answers, and likewise its result ("....Result")
+//   PowerApiOpen.Error=0     driver error that a method returns, and likewise its result ("....Result")
 //   GetPowerPolicy.FRQG.Error=0   the same for one policy alone
 #pragma once
 
@@ -38,7 +38,7 @@ public:
     static void SetPolicy(const std::string& policy, std::span<const DWORD> record);
     static void RemovePolicy(const std::string& policy);
 
-    /// What a method of the object answers before it does anything: 0 and 0 unless something else was
+    /// What a method of the object returns before it does anything: 0 and 0 unless something else was
     /// chosen. `method` is "PowerApiOpen" and the like, or "GetPowerPolicy.ABR" for one policy.
     struct Refusal
     {

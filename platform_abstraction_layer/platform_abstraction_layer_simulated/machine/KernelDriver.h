@@ -1,7 +1,7 @@
 // machine/KernelDriver.h
 //
-// The kernel driver "\\.\orvlebl" as tests and tools handle it: whether it is there and willing, what it was
-// asked, and how long it takes. machine.ini, section "Driver":
+// The kernel driver "\\.\orvlebl" for tests and tools: whether it is present and accepts requests, what it
+// was asked, and how long it takes. machine.ini, section "Driver":
 //
 //   Present=1        0: the device can't be opened, ERROR_FILE_NOT_FOUND
 //   Busy=0           1: every request is refused with ERROR_BUSY; opening works
@@ -40,7 +40,7 @@ public:
     static std::vector<Request> Requests();
     static void ForgetRequests();
 
-    // Holding a request inside the driver shows what other threads of this process meet meanwhile.
+    // Holding a request inside the driver shows what happens to other threads of this process meanwhile.
 
     /// Lets the next request wait inside the driver until `LetGo`.
     static void Hold();
@@ -50,7 +50,7 @@ public:
     static void LetGo();
 };
 
-/// The side of the switches that the driver itself asks.
+/// The driver's own side of these switches.
 class DriverGate
 {
 public:

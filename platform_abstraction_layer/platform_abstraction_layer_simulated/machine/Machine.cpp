@@ -21,7 +21,7 @@ namespace simulated
 namespace
 {
 
-// Below it nothing can exist: a process that was told of no notebook finds an empty machine and can't write.
+// Nothing can exist below it: a process without a notebook finds an empty machine and can't write.
 constexpr const char* kNoNotebook = "/dev/null";
 constexpr const char* kServiceAccount = "SYSTEM";
 constexpr const char* kStateFile = "machine.ini";
@@ -38,7 +38,7 @@ struct Section
     std::map<std::string, std::string> values; ///< by folded key
 };
 
-// machine.ini and where to find what it says.
+// machine.ini and an index of its entries.
 struct Content
 {
     IniDocument document{{}, Encoding::Utf8};

@@ -1,6 +1,6 @@
 // machine/Machine.h
 //
-// Where the simulated notebook lies and what machine.ini says of it. All processes on one notebook share its
+// The folder of the simulated notebook and its machine.ini. All processes on one notebook share the
 // folder; a change is seen by the next reader, whole or not at all.
 #pragma once
 

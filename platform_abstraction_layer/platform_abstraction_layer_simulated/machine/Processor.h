@@ -1,7 +1,7 @@
 // machine/Processor.h
 //
 // The model-specific registers of each core. machine.ini, a section "Core 0" and so on for each core, with a
-// line for each register that the processor has: "0x198=0x00000C1506000C15". How many cores there are is said
+// line for each register that the processor has: "0x198=0x00000C1506000C15". The number of cores stands
 // in section "Processor" (kernel32/Affinity.h).
 #pragma once
 
@@ -20,7 +20,7 @@ public:
     static constexpr DWORD kClockModulation = 0x19A;
     static constexpr DWORD kThermalControl = 0x19D;
 
-    /// What the registers say of ratios and voltages.
+    /// The ratios and voltages that the registers give.
     struct Limits
     {
         DWORD lowestRatio;
@@ -36,7 +36,7 @@ public:
     static void Set(unsigned core, DWORD index, std::uint64_t value);
 
     /// Writes as an instruction does: performance control changes the present ratio and voltage that
-    /// performance status tells, and performance status itself is read-only. An error number.
+    /// performance status reports, and performance status itself is read-only. Returns an error number.
     static DWORD Write(unsigned core, DWORD index, std::uint64_t value);
 
     /// Gives every core the four registers, running at the highest ratio without modulation.

@@ -1,7 +1,7 @@
 // control/tool/Main.cpp
 //
 // notebook: makes a simulated notebook and changes it from the command line. Finds the verb in the tables and
-// tells how it went.
+// reports the outcome.
 
 #include "control/Notebook.h"
 #include "control/tool/Verbs.h"

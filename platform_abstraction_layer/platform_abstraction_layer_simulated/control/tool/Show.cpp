@@ -1,6 +1,6 @@
 // control/tool/Show.cpp
 //
-// The machine at a glance.
+// Prints an overview of the machine.
 
 #include "control/Notebook.h"
 #include "control/PowerSource.h"

@@ -1,7 +1,7 @@
 // control/tool/SystemVerbs.cpp
 //
 // The verbs for the system: making a notebook, its version, code page, modules, accounts and registry, and
-// the part of the party that tells the plug-in of an applied scheme. Values of the registry are shown and
+// the signal that a scheme was applied. Values of the registry are shown and
 // given in the form of a registry export (advapi32/ValueText.h); what has no such form is a text.
 
 #include "control/Notebook.h"

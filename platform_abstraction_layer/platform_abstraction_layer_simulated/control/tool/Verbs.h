@@ -1,6 +1,6 @@
 // control/tool/Verbs.h
 //
-// What the tool can be asked to do. Each area of the machine has a table of verbs of its own; Main.cpp walks
+// The verbs of the tool. Each area of the machine has a table of its own; Main.cpp searches
 // them.
 #pragma once
 
@@ -31,7 +31,7 @@ enum class Outcome
 {
     Done,
     Refused, ///< the machine doesn't have it, or the host doesn't let it be changed
-    Misused  ///< the arguments make no sense
+    Misused  ///< the arguments are invalid
 };
 
 struct Verb

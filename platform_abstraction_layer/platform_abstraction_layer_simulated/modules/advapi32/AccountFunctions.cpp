@@ -1,6 +1,6 @@
 // modules/advapi32/AccountFunctions.cpp
 //
-// Who is who: accounts by name, SIDs as text.
+// Accounts by name, SIDs as text.
 //
 // Known differences from Windows: no groups and no other machines; a name with a machine that isn't this one
 // isn't found.

@@ -25,7 +25,7 @@ struct HiveValue
 struct HiveKey
 {
     std::string path;
-    std::uint64_t id = 0; ///< tells a key from an earlier one at its place; 0 for the root
+    std::uint64_t id = 0; ///< distinguishes a key from an earlier one at its path; 0 for the root
     std::map<std::string, HiveValue> values = {}; ///< by folded name
 
     const HiveValue* Find(std::string_view name) const;
@@ -41,7 +41,7 @@ public:
     /// A hive of the root key alone, which is called `root` in the file.
     explicit Hive(std::string_view root);
 
-    /// Becomes what `text` says. Keys that both have stay the same ones.
+    /// Loads `text`. A key that exists before and after keeps its id.
     void Load(std::string_view text);
     std::string Text() const;
 

@@ -19,7 +19,7 @@ namespace simulated::registry
 namespace
 {
 
-// What both functions ask of their caller: a subkey of HKEY_USERS, and both privileges.
+// Both functions require a subkey of HKEY_USERS and both privileges.
 DWORD CheckCaller(HKEY key, const std::string& subKey)
 {
     Base base;

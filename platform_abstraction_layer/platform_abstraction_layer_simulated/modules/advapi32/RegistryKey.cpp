@@ -63,7 +63,7 @@ bool IsKeyName(std::string_view name)
                        [](char character) { return static_cast<unsigned char>(character) >= 0x20; });
 }
 
-// Goes from `place` on by a path, in which doubled backslashes count once and one at the end not at all.
+// Moves `place` along a path, in which doubled backslashes count once and one at the end not at all.
 // ERROR_INVALID_PARAMETER for a name that can't be, ERROR_BAD_PATHNAME for a path that begins with a
 // backslash.
 DWORD Descend(Place& place, std::string_view path)
@@ -114,7 +114,7 @@ bool IsGone(const Hive& hive, const Base& base, const Place& place)
     return place.hive == base.place.hive && Find(hive, base) == nullptr;
 }
 
-// Gives `work` the key that a base stands for, to look at or to change.
+// Passes the key that a base stands for to `work`, to read or to change it.
 template <class Work>
 DWORD Look(const Base& base, Work work)
 {
@@ -137,7 +137,7 @@ DWORD Change(const Base& base, Work work)
 }
 
 // The lock that a key of the hive holds. Null for the machine's, which always stays; also when the hive has
-// been unloaded meanwhile, which `isLoaded` tells.
+// been unloaded meanwhile, see `isLoaded`.
 std::shared_ptr<FileLock> Use(const Base& base, const std::string& hive, bool& isLoaded)
 {
     isLoaded = true;
@@ -293,7 +293,7 @@ DWORD ReadValue(const Base& base, std::string_view name, Value& value)
                     std::optional<Value> parsed = ParseValue(found->text);
                     if (!parsed)
                     {
-                        return ERROR_BADDB; // somebody has edited the file into nonsense
+                        return ERROR_BADDB; // the file was edited by hand and is damaged
                     }
                     value = *std::move(parsed);
                     return ERROR_SUCCESS;

@@ -6,7 +6,7 @@
 //
 // Known differences from Windows: every account may do everything, so an opener gets the access that it asks
 // for; there are no classes of keys and no links; volatile keys stay, since the machine never restarts; names
-// of keys have no control characters; HKEY_USERS itself has no values; no key tells when it was written; a
+// of keys have no control characters; HKEY_USERS itself has no values; keys have no time of writing; a
 // key that another process deletes and makes anew stays the same key for who had it open and
 // hasn't looked in between.
 #pragma once

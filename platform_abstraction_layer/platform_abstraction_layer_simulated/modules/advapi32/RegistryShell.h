@@ -1,6 +1,6 @@
 // modules/advapi32/RegistryShell.h
 //
-// What the registry functions share in taking arguments and filling buffers.
+// Argument and buffer handling that the registry functions share.
 #pragma once
 
 #include "base/PlatformCall.h"
@@ -35,7 +35,7 @@ DWORD ListFor(HKEY key, REGSAM rights, EntryKind kind, Base& base, std::vector<s
 /// ERROR_MORE_DATA, with everything left alone, when the room is too small.
 DWORD CopyName(std::string_view source, LPWSTR name, DWORD& size);
 
-/// Hands a value out under the rules of RegQueryValueExW; every pointer may be null.
+/// Copies a value out by the rules of RegQueryValueExW; every pointer may be null.
 DWORD CopyValue(const Value& value, LPDWORD type, LPBYTE data, LPDWORD size);
 
 } // namespace simulated::registry

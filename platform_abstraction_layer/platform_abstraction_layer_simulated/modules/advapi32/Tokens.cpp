@@ -3,8 +3,8 @@
 // Tokens and privileges.
 //
 // Known differences from Windows: a process has one token for its account, which every OpenProcessToken
-// opens; few privileges exist; nobody is refused access to his own token;
-// privileges can't be switched off all at once, and their state before is not told.
+// opens; few privileges exist; access to one's own token is never refused;
+// privileges can't be switched off all at once, and their previous state isn't reported.
 
 #include "modules/advapi32/Tokens.h"
 
@@ -116,7 +116,7 @@ const Privilege* FindPrivilege(std::string_view name)
     return found == std::end(kPrivileges) ? nullptr : found;
 }
 
-// The privileges that the caller wants changed. His record may lie at any address.
+// The privileges that the caller wants changed. The record may be unaligned.
 std::vector<LUID_AND_ATTRIBUTES> Wanted(const TOKEN_PRIVILEGES* wanted)
 {
     DWORD count = 0;
@@ -131,7 +131,7 @@ std::vector<LUID_AND_ATTRIBUTES> Wanted(const TOKEN_PRIVILEGES* wanted)
     return rows;
 }
 
-// Switches what is held and notes in `error` when something wasn't.
+// Switches the privileges that are held; `error` reports that one wasn't.
 void Switch(Attributes& token, const std::vector<LUID_AND_ATTRIBUTES>& wanted, DWORD& error)
 {
     for (const LUID_AND_ATTRIBUTES& row : wanted)
@@ -244,7 +244,7 @@ SIM_API BOOL WINAPI AdjustTokenPrivileges(HANDLE token, BOOL disableAll, PTOKEN_
         FALSE,
         [&]() -> Outcome<BOOL>
         {
-            // On success the last error tells whether all were switched, so it is set then too.
+            // On success the last error says whether all were switched, so it is set then too.
             SetLastError(ERROR_SUCCESS);
             const bool isKnown = disableAll == FALSE && wanted != nullptr && previous == nullptr;
             return isKnown ? tokens::Adjust(token, wanted) : Outcome<BOOL>{FALSE, ERROR_INVALID_PARAMETER};

@@ -1,6 +1,6 @@
 // modules/advapi32/ValueText.cpp
 //
-// Registry values to readable text and back. A form that wouldn't give the same bytes back isn't used.
+// Registry values to readable text and back. A form that wouldn't restore the same bytes isn't used.
 
 #include "modules/advapi32/ValueText.h"
 

@@ -87,7 +87,7 @@ LONG RateOf(const std::string& battery, const MachineAnswers& power)
     return power.battery.Discharging ? -static_cast<LONG>(size) : static_cast<LONG>(size);
 }
 
-// What goes back to the caller.
+// What is returned to the caller.
 struct Answer
 {
     std::span<BYTE> room;
@@ -105,7 +105,7 @@ struct Answer
     }
 };
 
-// A level that a battery knows nothing of is refused like a function that it doesn't have.
+// An unknown information level is refused like an unsupported function.
 
 DWORD PutText(const std::string& battery, const char* key, Answer& answer)
 {

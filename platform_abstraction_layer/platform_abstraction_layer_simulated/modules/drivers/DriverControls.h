@@ -147,7 +147,7 @@ struct Exchange
     }
 };
 
-/// The driver's answers, beside 0.
+/// The driver's results, besides 0.
 constexpr DWORD kUnknownControl = ERROR_INVALID_FUNCTION;
 constexpr DWORD kWrongSize = ERROR_INVALID_PARAMETER;
 constexpr DWORD kNoSuchThing = ERROR_FILE_NOT_FOUND; ///< method, item, register, port, memory or object

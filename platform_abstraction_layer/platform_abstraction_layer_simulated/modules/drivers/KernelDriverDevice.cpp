@@ -1,6 +1,6 @@
 // modules/drivers/KernelDriverDevice.cpp
 //
-// The device "\\.\orvlebl": opening it, and the way of a request to its handler. It isn't exclusive, and any
+// The device "\\.\orvlebl": opening it and dispatching requests to handlers. It isn't exclusive, and any
 // access may be asked for.
 
 #include "base/Text.h"

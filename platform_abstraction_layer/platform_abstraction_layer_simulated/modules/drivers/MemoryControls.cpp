@@ -22,7 +22,7 @@ struct Mapped
     DWORD length;
 };
 
-// Looks like a kernel address, so that nobody takes it for one of his own.
+// Looks like a kernel address, so that nobody takes it for a user-mode one.
 constexpr std::uint64_t kFirstAddress = 0xFFFFFA8000000000;
 constexpr std::uint64_t kAddressStep = 0x1000;
 

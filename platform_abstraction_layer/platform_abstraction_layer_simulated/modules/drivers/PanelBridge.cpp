@@ -95,7 +95,7 @@ bool IsOpen(ULONG handle)
     return handles.open.contains(handle);
 }
 
-// Runs a method unless the graphics driver was told to refuse it.
+// Runs a method unless the graphics driver is set to refuse it.
 template <class Work>
 HRESULT RunUnlessRefused(const std::string& method, ULONG* driverError, Work work)
 {

@@ -75,7 +75,7 @@ constexpr Method kMethods[] = {
     {"EBTR", sizeof(EmbeddedController::BatteryRows), &ReadBattery},
 };
 
-// A method that isn't in the table answers the number that the firmware has for it.
+// A method that isn't in the table returns the number that the firmware has for it.
 DWORD ReadNumber(const std::string& name, Exchange& exchange)
 {
     const std::optional<DWORD> answer = EmbeddedController::Method(name);
@@ -136,7 +136,7 @@ DWORD ReadMsr(Exchange& exchange)
     {
         return kNoSuchThing;
     }
-    // The first word means nothing in an answer.
+    // The first word of a result is unused.
     exchange.Answer(Msr{0, static_cast<DWORD>(*value >> 32), static_cast<DWORD>(*value)});
     return ERROR_SUCCESS;
 }
@@ -189,7 +189,7 @@ DWORD ReadPci(Exchange& exchange)
     {
         return error;
     }
-    // Behind the end of configuration space the bus has nothing to give: fewer bytes, and no error.
+    // Reads beyond the end of configuration space return fewer bytes, and no error.
     exchange.returned = PciBus::Read(address, access.offset, exchange.out);
     return ERROR_SUCCESS;
 }

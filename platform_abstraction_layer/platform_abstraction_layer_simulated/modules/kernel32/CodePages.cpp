@@ -22,8 +22,8 @@ using namespace simulated;
 namespace
 {
 
-// Writes what fits of `units`, and answers the length of all. With no capacity that is only asked for.
-// `isWhole` tells whether text may be cut before a unit: a character of several goes whole or not at all.
+// Writes what fits of `units` and returns the total length; without capacity only the latter.
+// `isWhole` says whether text may be cut before a unit: a character of several units isn't split.
 template <class Unit, class Units, class IsWhole>
 Outcome<int> Put(const Units& units, Unit* target, int capacity, IsWhole isWhole)
 {

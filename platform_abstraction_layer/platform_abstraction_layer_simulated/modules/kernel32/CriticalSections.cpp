@@ -1,7 +1,7 @@
 // modules/kernel32/CriticalSections.cpp
 //
 // Critical sections: recursive locks within one process, each a native mutex. It lies in a block of its own,
-// so that a section which is never deleted shows as a leak. They are no entrances of the platform: as on
+// so that a section which is never deleted shows as a leak. They aren't traced as platform calls: as on
 // Windows they don't leave the process, and a trace of every lock would hide what matters.
 //
 // Known differences from Windows: leaving a section that the thread doesn't own, which corrupts it there,

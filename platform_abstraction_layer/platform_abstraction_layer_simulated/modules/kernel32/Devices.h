@@ -1,7 +1,7 @@
 // modules/kernel32/Devices.h
 //
-// Where a device stands between CreateFileW, DeviceIoControl and whoever plays it. A folder that plays
-// devices registers an opener with one object at namespace scope:
+// Devices behind CreateFileW and DeviceIoControl. A folder that implements
+// one registers an opener with one object at namespace scope:
 //
 //     const devices::Registration kRegistration(&OpenKernelDriver);
 //
@@ -26,7 +26,7 @@ public:
     }
 
     /// One I/O control. `in` and `out` don't overlap and hold `inSize` and `outSize` bytes; null when the
-    /// size is 0. Sets `returned`, at most `outSize`, to the bytes that go back to the caller. Answers an
+    /// size is 0. Sets `returned`, at most `outSize`, to the bytes that go back to the caller. Returns an
     /// error number; nothing goes back then. Several threads may be in here at once.
     virtual DWORD Control(DWORD code, const void* in, DWORD inSize, void* out, DWORD outSize,
                           DWORD& returned) = 0;

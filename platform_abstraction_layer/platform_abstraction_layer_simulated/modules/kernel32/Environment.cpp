@@ -70,7 +70,7 @@ std::string Expand(std::string_view text)
         }
         else
         {
-            // The second sign may begin a name that is known.
+            // The second percent sign may begin a known name.
             expanded += text.substr(begin, end - begin);
             text.remove_prefix(end);
         }

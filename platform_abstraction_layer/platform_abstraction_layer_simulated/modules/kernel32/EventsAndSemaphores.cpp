@@ -148,7 +148,7 @@ SIM_API HANDLE WINAPI CreateEventW(LPSECURITY_ATTRIBUTES attributes, BOOL manual
     call.Arguments(manualReset, initialState, name);
     NoteSecurity(call, attributes);
     const NewState wanted{ObjectKind::Event, manualReset != FALSE, initialState != FALSE ? kSignalled : 0};
-    SetLastError(ERROR_SUCCESS); // what tells a new object from one that was there
+    SetLastError(ERROR_SUCCESS); // distinguishes a new object from an existing one
     return call.Result<HANDLE>(
         nullptr, [&] { return HandOut<Event>(KernelState::Create(name, wanted), EVENT_ALL_ACCESS, call); });
 }
@@ -184,7 +184,7 @@ SIM_API HANDLE WINAPI CreateSemaphoreW(LPSECURITY_ATTRIBUTES attributes, LONG in
     PlatformCall call(CallClass::Object, "CreateSemaphoreW", SIM_CALLER);
     call.Arguments(initialCount, maximumCount, name);
     NoteSecurity(call, attributes);
-    SetLastError(ERROR_SUCCESS); // what tells a new object from one that was there
+    SetLastError(ERROR_SUCCESS); // distinguishes a new object from an existing one
     return call.Result<HANDLE>(
         nullptr,
         [&]() -> Outcome<HANDLE>

@@ -1,6 +1,6 @@
 // modules/kernel32/KernelState.cpp
 //
-// Making, finding and giving up the state of kernel objects. Names are looked up, made and removed under one
+// Creates, finds and releases the state of kernel objects. Names are looked up, made and removed under one
 // lock of the notebook; what happens to an object afterwards needs none.
 //
 // Known differences from Windows: security descriptors are taken and not enforced, since all processes on a
@@ -146,7 +146,7 @@ Found Named(const wchar_t* name, ObjectKind kind, const NewState* wanted)
     {
         return {nullptr, ERROR_PATH_NOT_FOUND};
     }
-    // The one character that a file's name can't have gives way to the one that an object's can't.
+    // A slash, which a file's name can't have, becomes a backslash, which an object's can't.
     std::replace(plain.begin(), plain.end(), '/', '\\');
     WakeWord::Current(); // makes the folder
     return LookUp(Machine::PathOf(isGlobal ? "objects/global." : "objects/local.") + plain, kind, wanted);
@@ -181,7 +181,7 @@ KernelState::~KernelState()
     {
         return;
     }
-    // The last process to give the object up removes its file; until the lock is free, another may join it.
+    // The last process to release the object removes its file; until the lock is free, another may open it.
     const FileLock lock(FolderLock(m_path));
     if (lock.IsHeld() && flock(m_file.Get(), LOCK_EX | LOCK_NB) == 0 && IsInPlace())
     {

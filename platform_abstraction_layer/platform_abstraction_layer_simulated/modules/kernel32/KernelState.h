@@ -102,7 +102,7 @@ private:
 void NoteSecurity(PlatformCall& call, const SECURITY_ATTRIBUTES* attributes);
 
 /// A handle to an object of class `Kind` on the state that was found or made, with the rights `access`. The
-/// error of the finding goes along, for it may stand beside an object: ERROR_ALREADY_EXISTS.
+/// error of `found` is passed on, since it may accompany an object: ERROR_ALREADY_EXISTS.
 template <class Kind>
 Outcome<HANDLE> HandOut(Outcome<std::shared_ptr<KernelState>> found, DWORD access, const PlatformCall& call)
 {

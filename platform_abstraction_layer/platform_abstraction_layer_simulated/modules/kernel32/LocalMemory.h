@@ -1,6 +1,6 @@
 // modules/kernel32/LocalMemory.h
 //
-// Memory that a platform function hands out and its caller gives back with LocalFree: SID strings, GUIDs,
+// Memory that a platform function returns and its caller frees with LocalFree: SID strings, GUIDs,
 // security descriptors.
 #pragma once
 
@@ -14,7 +14,7 @@ namespace simulated
 /// `size` bytes of zeros, or null. When the call is the plug-in's, the leak count knows the block.
 void* AllocateLocal(std::size_t size, const PlatformCall& call);
 
-/// Gives a block back; null is fine. For platform functions that fail after they have allocated.
+/// Frees a block; null is fine. For platform functions that fail after they have allocated.
 void FreeLocal(void* block);
 
 } // namespace simulated

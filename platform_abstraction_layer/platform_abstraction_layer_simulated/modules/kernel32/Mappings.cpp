@@ -113,7 +113,7 @@ SIM_API HANDLE WINAPI CreateFileMappingW(HANDLE file, LPSECURITY_ATTRIBUTES attr
     PlatformCall call(CallClass::Object, "CreateFileMappingW", SIM_CALLER);
     call.Arguments(protection, maximumSizeLow, name);
     NoteSecurity(call, attributes);
-    SetLastError(ERROR_SUCCESS); // what tells a new object from one that was there
+    SetLastError(ERROR_SUCCESS); // distinguishes a new object from an existing one
     return call.Result<HANDLE>(nullptr,
                                [&]() -> Outcome<HANDLE>
                                {

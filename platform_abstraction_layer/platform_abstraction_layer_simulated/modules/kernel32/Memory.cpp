@@ -28,12 +28,12 @@ HANDLE ProcessHeap() noexcept
     return &heap;
 }
 
-// What fresh memory holds that wasn't asked to be zero; a caller that counts on zeros shall notice.
+// Fills fresh memory that wasn't requested as zeros; a caller that relies on zeros must notice.
 constexpr int kFreshByte = 0xCD;
 
 void* Allocate(const char* kind, std::size_t size, bool zero, const PlatformCall& call)
 {
-    // A block of no bytes is a block all the same.
+    // A block of zero bytes is a block, too.
     void* const block = std::malloc(size == 0 ? 1 : size);
     if (block == nullptr)
     {
@@ -77,7 +77,7 @@ void FreeLocal(void* block)
 
 using namespace simulated;
 
-// No entrance: it only names the heap.
+// Not traced: it only names the heap.
 SIM_API HANDLE WINAPI GetProcessHeap()
 {
     return ProcessHeap();

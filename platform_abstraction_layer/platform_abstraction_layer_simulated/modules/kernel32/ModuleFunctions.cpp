@@ -5,7 +5,7 @@
 //
 // Known differences from Windows: the plug-in isn't looked for on drive C, GetModuleHandleW finds a module of
 // the system that nobody has loaded, GetModuleHandleExW finds one by an address in it alone, only a module of
-// the system tells its path, and GetProcAddress doesn't tell an unloaded module from a missing entry.
+// the system has a path, and GetProcAddress reports an unloaded module as a missing entry.
 
 #include "base/Text.h"
 #include "modules/kernel32/NativeLibraries.h"

@@ -10,7 +10,7 @@
 //
 // The objects are built when the platform's library is loaded, before any library that stands on it.
 //
-// machine.ini takes modules and entries away, section "Modules": "PowrProf.dll=absent",
+// machine.ini can remove modules and entries, section "Modules": "PowrProf.dll=absent",
 // "PowrProf.dll.PowerReadFriendlyName=absent", "Shlwapi.dll.270=absent". What is bound at link time stays.
 // Any other value adds a module: "ORVLDLL.DLL=C:\Program Files\Kelvo\ORVL\Bin\ORVLDLL.DLL" is loaded from
 // that path and exports nothing.
@@ -32,11 +32,11 @@ struct Export
     DWORD sinceMajor = 0; ///< first major version of the system that has it; older ones lack it
 };
 
-/// A function as GetProcAddress hands it out.
+/// A function as GetProcAddress returns it.
 template <class Function>
 FARPROC Address(Function* function)
 {
-    // By way of the one type that compilers take for any function.
+    // Through the one type that compilers accept for any function.
     return reinterpret_cast<FARPROC>(reinterpret_cast<void (*)()>(function));
 }
 

@@ -12,7 +12,7 @@ namespace simulated::libraries
 {
 
 /// Loads the library that `name` means: a path of the host ("./libx.so"), or a file ("libx.so", "x.dll")
-/// beside the executable or where the native loader looks. Adds a reference. ERROR_MOD_NOT_FOUND, or
+/// beside the executable or where the native loader looks. Adds a reference. Returns ERROR_MOD_NOT_FOUND, or
 /// ERROR_BAD_EXE_FORMAT for a file that can't be loaded.
 Outcome<HMODULE> Load(const std::string& name);
 
@@ -22,7 +22,7 @@ Outcome<HMODULE> FindLoaded(const std::string& name);
 /// The library that `address` lies in, with one more reference; null when there is none.
 HMODULE AddReference(const void* address) noexcept;
 
-/// Gives a reference back. What is bound at link time stays. False for a handle of no library.
+/// Releases a reference. What is bound at link time stays. False for a handle of no library.
 bool Release(HMODULE module) noexcept;
 
 /// The address of a name that the library itself exports, or null.

@@ -1,7 +1,7 @@
 // modules/kernel32/Profile.cpp
 //
-// The profile functions. One open and one walk per reading, which needs no lock; one lock, one edit and one
-// rename per writing.
+// The profile functions. Reading takes no lock and, while nothing changes, no access to the file; one lock,
+// one edit and one rename per writing.
 //
 // Known differences from Windows: there are no lists of sections and keys, so a read without a section or a
 // key gives the default; a handle that is open on the file while it is changed goes on reading the old
@@ -32,7 +32,7 @@ namespace
 
 constexpr std::string_view kWindowsFolder = "C:\\WINDOWS\\";
 
-// What stands before a number's digits; the letters are lower-case alone.
+// Prefixes of a number's digits, in lower case alone.
 constexpr std::pair<std::string_view, int> kPrefixes[] = {{"0x", 16}, {"0o", 8}, {"0b", 2}};
 
 // A bare name means the Windows folder.

@@ -1,6 +1,6 @@
 // modules/kernel32/ShareModes.h
 //
-// What an opener of a file denies others. The claims are locks on the host's file, so they hold between
+// The share modes of open files. The claims are locks on the host's file, so they hold between
 // processes and end with their holder, killed or not.
 #pragma once
 

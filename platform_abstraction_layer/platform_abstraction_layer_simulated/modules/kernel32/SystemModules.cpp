@@ -1,6 +1,6 @@
 // modules/kernel32/SystemModules.cpp
 //
-// The table of system modules, and what machine.ini says of them.
+// The table of system modules, and their entries in machine.ini.
 //
 // Known differences from Windows: these modules are always loaded and have no count.
 
@@ -34,7 +34,7 @@ struct SystemModule
     bool isAdded; ///< by machine.ini, and there only while it says so
 };
 
-// Records never move nor go: their addresses are module handles.
+// Records are never moved or freed: their addresses are module handles.
 struct SystemModules
 {
     std::mutex mutex;

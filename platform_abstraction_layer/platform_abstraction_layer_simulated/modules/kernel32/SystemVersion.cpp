@@ -3,7 +3,7 @@
 // The version of the operating system, as machine.ini says it.
 //
 // Known differences from Windows: from 6.2 on the answer doesn't depend on what the program's manifest says;
-// GetVersionExW tells no service pack.
+// GetVersionExW reports no service pack.
 
 #include "modules/kernel32/SystemVersion.h"
 

@@ -85,7 +85,7 @@ struct Start
 thread_local Start* currentStart = nullptr;
 thread_local std::shared_ptr<ThreadState> currentState;
 
-// Kept apart from what follows the jump: nothing in this frame changes between the two returns of setjmp.
+// Kept apart from the code after the jump: nothing in this frame changes between the two returns of setjmp.
 void RunRoutine(Start& start)
 {
     if (setjmp(start.frame) == 0)
@@ -213,7 +213,7 @@ SIM_API HANDLE WINAPI CreateThread(LPSECURITY_ATTRIBUTES, SIZE_T stackSize, LPTH
     return call.Result<HANDLE>(nullptr, [&] { return Create(start, parameter, flags, threadId, call); });
 }
 
-// The call is noted before the jump, which would pass its end by.
+// The call is recorded before the jump, which skips its end.
 SIM_API void WINAPI FreeLibraryAndExitThread(HMODULE module, DWORD exitCode)
 {
     {
@@ -252,7 +252,7 @@ SIM_API BOOL WINAPI GetProcessAffinityMask(HANDLE process, PDWORD_PTR processMas
         });
 }
 
-// What follows only tells who is there, and is no entrance.
+// The following only return identities and aren't traced.
 SIM_API HANDLE WINAPI GetCurrentProcess()
 {
     return reinterpret_cast<HANDLE>(LONG_PTR{-1});

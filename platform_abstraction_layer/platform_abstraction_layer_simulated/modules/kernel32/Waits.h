@@ -31,13 +31,13 @@ public:
         return *m_wake;
     }
 
-    /// What a wait keeps of the object from its begin, for `TryTake`.
+    /// What a wait remembers of the object from its start, for `TryTake`.
     virtual std::uint32_t Begin() const noexcept
     {
         return 0;
     }
 
-    /// True when the wait that took `begun` is satisfied; what that uses up is then used up.
+    /// True when the wait that started at `begun` is satisfied, and then consumes what it uses up.
     virtual bool TryTake(std::uint32_t begun) noexcept = 0;
 
 private:

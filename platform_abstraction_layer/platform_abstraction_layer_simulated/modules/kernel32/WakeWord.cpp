@@ -58,7 +58,7 @@ std::shared_ptr<WakeWord> WakeWord::Current()
     WakeState& state = TheWakeState();
     const std::string path = Machine::PathOf("objects/.wake");
     const std::lock_guard lock(state.mutex);
-    // A notebook can be thrown away and another made in its place, so the name alone doesn't do.
+    // A notebook can be deleted and another made in its place, so the name alone isn't enough.
     struct stat now = {};
     stat(path.c_str(), &now);
     if (state.word == nullptr || state.path != path || state.file.st_dev != now.st_dev ||

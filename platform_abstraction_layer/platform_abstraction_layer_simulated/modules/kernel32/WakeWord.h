@@ -1,6 +1,6 @@
 // modules/kernel32/WakeWord.h
 //
-// The one thing that all waits on a notebook sleep on: a counter, shared by its processes, that every change
+// What all waits on a notebook sleep on: a counter, shared by its processes, that every change
 // of a kernel object increases. A waiter looks at its objects again whenever it has moved; so a wait on
 // several objects, named and unnamed, needs nothing else, and nobody who is killed leaves a queue behind.
 #pragma once

@@ -1,12 +1,12 @@
 // modules/loader/DllEntry.cpp
 //
-// What the loader of Windows does for a DLL, compiled into the library itself: it tells the platform where
+// What the loader of Windows does for a DLL, compiled into the library itself: it registers where
 // the library lies and calls its DllMain, if there is one. This file comes last among the library's objects,
 // so the order is that of a DLL's start-up code: constructors of static objects, DllMain, use, DllMain,
 // destructors of static objects. The platform knows the library's place around all of that.
 //
-// Known differences from Windows: DllMain hears nothing of threads, the end of the process looks like an
-// unload, and a library bound at link time starts whatever its DllMain answers.
+// Known differences from Windows: DllMain isn't called for threads, the end of the process looks like an
+// unload, and a library bound at link time starts whatever its DllMain returns.
 
 #include "base/Trace.h"
 
@@ -18,7 +18,7 @@ extern "C" const char _end __attribute__((visibility("hidden")));
 extern "C" BOOL WINAPI DllMain(HINSTANCE module, DWORD reason, LPVOID reserved)
     __attribute__((weak, visibility("hidden")));
 
-// What the linker asks this file by.
+// The symbol by which the linker pulls this file in.
 extern "C" __attribute__((visibility("hidden"))) const char simulated_dll_entry;
 const char simulated_dll_entry = 0;
 

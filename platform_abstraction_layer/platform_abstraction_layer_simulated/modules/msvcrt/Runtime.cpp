@@ -1,7 +1,7 @@
 // modules/msvcrt/Runtime.cpp
 //
-// The public functions of the runtime. Formatting is no entrance of the platform: it works in memory alone,
-// and a fault there would be none that Windows knows.
+// The public functions of the runtime. Formatting isn't traced as a platform call: it works in memory alone,
+// and can't fail on Windows.
 //
 // Known differences from Windows: the conversions are d, i, u, x, X, s and S, with the flags "-" and "0", a
 // width of numbers, and the sizes h, l and w. Any other letter is shown as itself and reads no argument.
@@ -27,7 +27,7 @@ namespace
 constexpr std::string_view kLogFolder = "c:/temp1234567890/";
 constexpr std::string_view kLogEnd = ".log";
 
-// An attempt to open a log counts apart from the files that a request works on.
+// Attempts to open a log are counted apart from the files that a request works on.
 CallClass ClassOf(std::string path)
 {
     for (char& character : path)

@@ -2,7 +2,7 @@
 //
 // Which threads have initialised COM, for which kind of apartment and how often; finding a class by its name
 // and making an object of it. Known difference: there is one class, and whether it is installed is the
-// machine's word, not that of HKEY_CLASSES_ROOT.
+// a setting of the machine, not of HKEY_CLASSES_ROOT.
 
 #include "base/GuidText.h"
 #include "base/Text.h"
@@ -62,7 +62,7 @@ public:
         return isFirst ? S_OK : S_FALSE;
     }
 
-    // Once too often does nothing.
+    // An unbalanced call does nothing.
     void Leave()
     {
         if (m_entries.empty())

@@ -1,7 +1,7 @@
 // modules/powrprof/Exports.cpp
 //
 // The functions of PowrProf.dll: thin shells over the power store. Built natively, and for Windows with the
-// entrance of windows/base/PlatformCall.h.
+// entry of windows/base/PlatformCall.h.
 
 #include "PowerStoreMachine.h"
 #include "PowerStoreSchemes.h"
@@ -203,7 +203,7 @@ SIM_API NTSTATUS WINAPI CallNtPowerInformation(POWER_INFORMATION_LEVEL level, PV
             return level == SystemBatteryState ? ReadBatteryState(input, inputSize, output, outputSize)
                                                : kStatusInvalidParameter;
         });
-    // An injected fault is a Win32 error number, which as a status would tell success.
+    // An injected fault is a Win32 error number, which as a status would mean success.
     return static_cast<NTSTATUS>(call.IsRefused() ? kStatusUnsuccessful : static_cast<DWORD>(status));
 }
 

@@ -1,6 +1,6 @@
 // modules/powrprof/PowerStatus.cpp
 //
-// GetSystemPowerStatus, which kernel32 exports, on the power manager's answers.
+// GetSystemPowerStatus, which kernel32 exports, on the power manager's values.
 
 #include "PowerStoreMachine.h"
 #include "base/PlatformCall.h"

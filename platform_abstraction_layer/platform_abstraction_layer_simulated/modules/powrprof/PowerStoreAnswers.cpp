@@ -1,6 +1,6 @@
 // modules/powrprof/PowerStoreAnswers.cpp
 //
-// The table of the machine's answers.
+// The table of the values that the machine reports.
 
 #include "PowerStoreAnswers.h"
 

@@ -1,6 +1,6 @@
 // modules/powrprof/PowerStoreAnswers.h
 //
-// What the machine can be asked about its power, and under which names the registry keeps it.
+// What the machine reports about its power, and under which names the registry keeps it.
 #pragma once
 
 #include <windows.h>
@@ -28,7 +28,7 @@ enum class AnswerGroup
     Hibernation
 };
 
-/// One answer: the registry value that keeps it and the field of 1 or 4 bytes that it fills.
+/// One reported value: the registry value that keeps it and the field of 1 or 4 bytes that it fills.
 struct MachineAnswer
 {
     AnswerGroup group;
@@ -39,7 +39,7 @@ struct MachineAnswer
 
 std::span<const MachineAnswer> MachineAnswerTable() noexcept;
 
-/// The number that `answer` has in `answers`.
+/// The value of `answer` in `answers`.
 DWORD NumberOf(const MachineAnswers& answers, const MachineAnswer& answer) noexcept;
 
 } // namespace power_store

@@ -31,7 +31,7 @@ public:
                      DWORD size) = 0;
 };
 
-/// A notebook on mains with a full battery that may hibernate.
+/// A notebook on AC power with a full battery that may hibernate.
 MachineAnswers DefaultMachineAnswers() noexcept;
 
 /// The part of the machine; paths are below HKEY_LOCAL_MACHINE. `majorVersion` is the operating system's:

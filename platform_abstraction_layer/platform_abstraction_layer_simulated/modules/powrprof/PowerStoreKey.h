@@ -9,7 +9,7 @@
 namespace power_store
 {
 
-/// An open key. Every operation answers a Win32 error number.
+/// An open key. Every operation returns a Win32 error number.
 class Key
 {
 public:

@@ -1,6 +1,6 @@
 // modules/powrprof/PowerStoreMachine.cpp
 //
-// The machine's answers in the registry, one value for each.
+// The machine's power state in the registry, one value for each field.
 
 #include "PowerStoreMachine.h"
 
@@ -31,7 +31,7 @@ DWORD ReadGroup(AnswerGroup group, MachineAnswers& answers)
     return error;
 }
 
-// Gives `to` the part of the answers that one group fills, or leaves it alone.
+// Copies the part of the answers that one group fills to `to`, or leaves it alone.
 template <class Part>
 DWORD ReadPart(AnswerGroup group, Part MachineAnswers::*part, Part& to)
 {

@@ -1,8 +1,8 @@
 // modules/powrprof/PowerStoreMachine.h
 //
-// What the machine answers about its power source, its batteries and hibernation, kept in the registry so
+// What the machine reports about its power source, its batteries and hibernation, kept in the registry so
 // that all processes see one machine and the power manager needs nothing else. Results are Win32 error
-// numbers; an answer that isn't in the registry is ERROR_FILE_NOT_FOUND.
+// numbers; a missing value is ERROR_FILE_NOT_FOUND.
 #pragma once
 
 #include "PowerStoreAnswers.h"

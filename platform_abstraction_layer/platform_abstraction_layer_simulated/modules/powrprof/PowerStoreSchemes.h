@@ -52,7 +52,7 @@ DWORD WriteScheme(UINT& scheme, const wchar_t* name, const wchar_t* description,
 DWORD ReadProcessorScheme(UINT scheme, MACHINE_PROCESSOR_POWER_POLICY& policy);
 DWORD WriteProcessorScheme(UINT scheme, const MACHINE_PROCESSOR_POWER_POLICY& policy);
 
-/// Calls `callback` for each readable scheme in the order of the numbers until it answers FALSE.
+/// Calls `callback` for each readable scheme in the order of the numbers until it returns FALSE.
 DWORD EnumerateSchemes(PWRSCHEMESENUMPROC callback, LPARAM argument);
 
 /// ERROR_ACCESS_DENIED for the active scheme, ERROR_FILE_NOT_FOUND for an unknown one.

@@ -39,8 +39,8 @@ DWORD GetActiveScheme(GUID& scheme);
 DWORD SetActiveScheme(const GUID& scheme);
 
 /// The name of a scheme, a subgroup or a setting. `size` is the room in bytes on entry and the name's size,
-/// terminator included, on return. Without a buffer only the size is told; a buffer that is too small gives
-/// ERROR_MORE_DATA.
+/// terminator included, on return. Without a buffer only the size is returned; a buffer that is too small
+/// gives ERROR_MORE_DATA.
 DWORD ReadFriendlyName(const SettingPlace& place, BYTE* buffer, DWORD& size);
 
 /// `source` is `kMainsValue` or `kBatteryValue`. ERROR_FILE_NOT_FOUND when scheme, setting or value is

@@ -1,7 +1,7 @@
 // modules/setupapi/ConfigurationManager.cpp
 //
-// The device tree as the configuration manager walks it, and the state of its nodes. Known difference: only
-// the root can be located.
+// The device tree as the configuration manager enumerates it, and the state of its nodes. Known difference:
+// only the root can be located.
 
 #include "base/PlatformCall.h"
 #include "base/Text.h"
@@ -19,10 +19,10 @@ namespace simulated
 namespace
 {
 
-// What every node of this system has set; the rest follows from its state.
+// The flags that every node has; the others follow from its state.
 constexpr ULONG kAnyNode = DN_NT_ENUMERATOR | DN_NT_DRIVER;
 
-// Gives `work` the instance id of a present node.
+// Passes the instance id of a present node to `work`.
 template <class Work>
 CONFIGRET WithNode(DEVINST node, ULONG flags, Work work)
 {

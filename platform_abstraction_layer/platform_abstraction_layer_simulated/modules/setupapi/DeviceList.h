@@ -49,7 +49,7 @@ public:
     /// The `index`th interface of a class.
     DWORD DescribeInterface(const GUID& interfaceClass, DWORD index, SP_DEVICE_INTERFACE_DATA* target) const;
 
-    /// Gives `work` the device that a caller's record tells; what `work` answers, or
+    /// Passes the device of a caller's record to `work` and returns its result, or
     /// ERROR_INVALID_USER_BUFFER, or ERROR_INVALID_PARAMETER when the record isn't of this list.
     template <class Work>
     DWORD With(const SP_DEVINFO_DATA* record, Work work)
@@ -60,7 +60,7 @@ public:
         return error == ERROR_SUCCESS ? work(*device) : error;
     }
 
-    /// The interface that a caller's record tells.
+    /// The interface that a caller's record names.
     DWORD Resolve(const SP_DEVICE_INTERFACE_DATA* record, Interface& found) const;
 
 private:
@@ -72,7 +72,7 @@ private:
     std::vector<Interface> m_interfaces;
 };
 
-/// Gives `work` the list behind a handle; what it answers, or ERROR_INVALID_HANDLE.
+/// Passes the list behind a handle to `work` and returns its result, or ERROR_INVALID_HANDLE.
 template <class Work>
 DWORD WithList(HDEVINFO handle, Work work)
 {
@@ -80,7 +80,7 @@ DWORD WithList(HDEVINFO handle, Work work)
     return list == nullptr ? DWORD{ERROR_INVALID_HANDLE} : work(*list);
 }
 
-/// Gives `work` the device of a list; see `DeviceList::With`.
+/// Passes the device of a list to `work`; see `DeviceList::With`.
 template <class Work>
 DWORD WithDevice(HDEVINFO handle, const SP_DEVINFO_DATA* record, Work work)
 {

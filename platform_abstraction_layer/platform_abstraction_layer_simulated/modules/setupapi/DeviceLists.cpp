@@ -1,8 +1,8 @@
 // modules/setupapi/DeviceLists.cpp
 //
-// Making lists of devices and interfaces, walking them, and reading what they hold. Known differences: a list
+// Making lists of devices and interfaces, enumerating and reading them. Known differences: a list
 // is about this machine and one class alone, and the devices of all enumerators; the type and the needed room
-// of a text are not answered; interfaces do not lead to their devices.
+// of a text are not returned; interfaces do not lead to their devices.
 
 #include "base/GuidText.h"
 #include "base/Text.h"

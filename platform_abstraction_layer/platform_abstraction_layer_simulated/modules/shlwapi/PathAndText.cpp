@@ -1,6 +1,6 @@
 // modules/shlwapi/PathAndText.cpp
 //
-// Questions about paths, search in texts, and the parser of GUID texts that the DLL exports by number.
+// Tests of paths, search in texts, and the parser of GUID texts that the DLL exports by number.
 
 #include "base/GuidText.h"
 #include "base/PlatformCall.h"

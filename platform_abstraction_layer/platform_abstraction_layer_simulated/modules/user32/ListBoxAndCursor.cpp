@@ -53,7 +53,7 @@ Outcome<LRESULT> Send(HWND window, UINT message, const wchar_t* text)
     {
         return {0, ERROR_INVALID_WINDOW_HANDLE};
     }
-    // Other messages are answered as by a window that leaves them to the system.
+    // Other messages return what the system's default handling does.
     if (message != LB_ADDSTRING)
     {
         return {0};

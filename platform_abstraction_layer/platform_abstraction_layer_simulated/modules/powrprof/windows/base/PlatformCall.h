@@ -1,6 +1,6 @@
 // modules/powrprof/windows/base/PlatformCall.h
 //
-// The entrance of the exported functions where the power manager is built for Windows, as a PowrProf.dll for
+// The entry of the exported functions where the power manager is built for Windows, as a PowrProf.dll for
 // a machine whose own is a stub: it sets the last error and leaves out what only the simulated platform has.
 #pragma once
 

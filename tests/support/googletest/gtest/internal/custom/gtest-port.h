@@ -1,6 +1,6 @@
 // tests/support/googletest/gtest/internal/custom/gtest-port.h
 //
-// GoogleTest's place for what a platform does otherwise, found before its own empty one. The win32 flavour of
+// GoogleTest's hook for platform differences, found before its own empty one. The win32 flavour of
 // the cross-compiler has no std::mutex, which GoogleTest takes for its notification between threads.
 #pragma once
 
