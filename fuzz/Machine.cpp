@@ -7,6 +7,7 @@
 #include "CommandCatalogue.h"
 #include "Payload.h"
 #include "TextTools.h"
+#include "base/ChangeCount.h"
 #include "base/Clock.h"
 #include "base/Trace.h"
 #include "control/Batteries.h"
@@ -130,12 +131,23 @@ Machine& Machine::Fresh(DWORD major)
     {
         machine.reset(new Machine(major));
     }
-    simulated::Machine::Use(machine->m_folder);
+    static const Machine* present = nullptr;
+    static std::uint64_t restoredAt = 0;
+    if (present != machine.get() || restoredAt != ChangeCount::Value())
+    {
+        simulated::Machine::Use(machine->m_folder);
+        if (!machine->m_snapshot.Restore())
+        {
+            Fail("the notebook can't be restored");
+        }
+        present = machine.get();
+        restoredAt = ChangeCount::Value();
+    }
     tokens::Reset();
     KernelDriver::ForgetRequests();
-    if (!machine->m_snapshot.Restore() || DP_Initialize(&theHost) != TRX_OPERATION_OK)
+    if (DP_Initialize(&theHost) != TRX_OPERATION_OK)
     {
-        Fail("the notebook can't be restored");
+        Fail("the plug-in can't be initialised");
     }
     return *machine;
 }
@@ -182,6 +194,18 @@ void Machine::SendSample(unsigned number)
 {
     const Sample& sample = Samples()[number % Samples().size()];
     Send(sample.command, Notebook::kFirstUser, SamplePayload(number));
+}
+
+void Machine::SendSample(const std::string& command)
+{
+    for (unsigned number = 0; number < Samples().size(); ++number)
+    {
+        if (command == Samples()[number].command)
+        {
+            SendSample(number);
+            return;
+        }
+    }
 }
 
 } // namespace fuzz

@@ -29,8 +29,10 @@ public:
     static LONG Send(const char* command, const char* user, std::span<const std::byte> payload,
                      std::size_t room = 1024);
 
-    /// `Send` with the payload that the sample of that number has; any number will do.
+    /// Sends the sample of that number, whatever the number, or the first one of a command; nothing for an
+    /// unknown command.
     static void SendSample(unsigned number);
+    static void SendSample(const std::string& command);
 
 private:
     explicit Machine(DWORD major);
