@@ -51,7 +51,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::Machine::Fresh(major);
     const std::string path = PathOf(name);
     const bool isWritten =
-        !path.empty() && seeding::WriteBytes(path, std::string_view(text).substr(std::min(end + 1, text.size())));
+        !path.empty() &&
+        seeding::WriteBytes(path, std::string_view(text).substr(std::min(end + 1, text.size())));
     int requests = 0;
     for (std::string command; isWritten && requests < kMostRequests && words >> command; ++requests)
     {

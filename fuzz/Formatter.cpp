@@ -37,12 +37,9 @@ Piece TakeNumber(fuzz::Input& input)
     const std::string flags = input.OneOf(kFlags);
     const unsigned width = input.Byte() % 40;
     const std::string size = input.OneOf(kSizes);
-    const char letter = input.OneOf("diuxX");
+    constexpr char kLetters[] = {'d', 'i', 'u', 'x', 'X'};
+    const char letter = input.OneOf(kLetters);
     const auto number = input.Number<std::int32_t>();
-    if (letter == 0)
-    {
-        return {};
-    }
     const std::string begin = '%' + flags + (width > 0 ? std::to_string(width) : "");
     char shown[64] = {};
     std::snprintf(shown, sizeof shown, (begin + letter).c_str(), number);
@@ -95,7 +92,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     wide.push_back(0);
     const Piece& first = pieces[0];
     const Piece& second = pieces[1];
-    const auto call = [&](auto one, auto two) { text::Format(target.data(), capacity, wide.data(), one, two); };
+    const auto call = [&](auto one, auto two)
+    { text::Format(target.data(), capacity, wide.data(), one, two); };
     const auto withSecond = [&](auto one)
     { second.text.empty() ? call(one, second.number) : call(one, second.text.data()); };
     first.text.empty() ? withSecond(first.number) : withSecond(first.text.data());

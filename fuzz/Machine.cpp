@@ -82,9 +82,8 @@ const std::string& MakeNotebook(DWORD major)
     static Folder folders[] = {Folder("/dev/shm/fuzz-5-XXXXXX"), Folder("/dev/shm/fuzz-6-XXXXXX")};
     const std::string& folder = folders[major == 5 ? 0 : 1].path;
     Clock::SetInstant(true);
-    if (!Notebook::Create(folder, {.major = major,
-                                   .minor = major == 5 ? 1U : 0U,
-                                   .installation = INSTALLATION_FOLDER}))
+    if (!Notebook::Create(
+            folder, {.major = major, .minor = major == 5 ? 1U : 0U, .installation = INSTALLATION_FOLDER}))
     {
         Fail("no notebook");
     }
@@ -161,7 +160,8 @@ void Machine::Finish()
     }
 }
 
-LONG Machine::Send(const char* command, const char* user, std::span<const std::byte> payload, std::size_t room)
+LONG Machine::Send(const char* command, const char* user, std::span<const std::byte> payload,
+                   std::size_t room)
 {
     // Of exactly their sizes, so that the sanitizer sees a byte too far.
     const std::vector<std::byte> params(payload.begin(), payload.end());

@@ -24,8 +24,8 @@ public:
     /// Stops the plug-in and aborts when it still holds anything of the system's.
     static void Finish();
 
-    /// Sends a request from buffers of exactly its sizes and aborts when its result code is none of the four or
-    /// the reply is longer than the room. A null span has no buffer.
+    /// Sends a request from buffers of exactly its sizes and aborts when its result code is none of the four
+    /// or the reply is longer than the room. A null span has no buffer.
     static LONG Send(const char* command, const char* user, std::span<const std::byte> payload,
                      std::size_t room = 1024);
 

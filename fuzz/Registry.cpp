@@ -1,58 +1,67 @@
 // fuzz/Registry.cpp
 //
-// Values of the registry with any type and size. An input is a byte for the generation of Windows (even: 5.1), one
-// for the number of values, and for each of them its number in the table, its type, a length and as many bytes;
-// then numbers of samples to send.
+// Values of the registry with any type and size. An input is a byte for the generation of Windows
+// (even: 5.1), one for the number of values, and for each of them its number in the table, its type, a length
+// and as many bytes; then numbers of samples to send.
 
 #include "fuzz/Input.h"
 #include "fuzz/Machine.h"
 
+#include "control/Notebook.h"
 #include "control/RegistryEditor.h"
+#include "machine/Accounts.h"
 
 namespace
 {
 
 struct Value
 {
+    const char* account; ///< null for a key of the machine
     const char* key;
     const char* name;
 };
 
-#define USER "HKEY_USERS\\S-1-5-18\\"
-#define ALICE "HKEY_USERS\\S-1-5-21-1957994488-1220945662-839522115-1003\\"
-#define MACHINE "HKEY_LOCAL_MACHINE\\"
+#define CLASS "SYSTEM\\CurrentControlSet\\Control\\Class\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\0000"
+#define POWER "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg"
+#define USER_POWER "Control Panel\\PowerCfg"
 
+constexpr const char* kService = simulated::Notebook::kServiceAccount;
+constexpr const char* kUser = simulated::Notebook::kFirstUser;
 constexpr Value kValues[] = {
-    {MACHINE "SOFTWARE\\Kelvo\\ORVL", "CfgPath"},
-    {MACHINE "SOFTWARE\\Kelvo\\ORVA", "AutoRunFlag"},
-    {MACHINE "SOFTWARE\\Kelvo\\ORVL", "CurrentPwrSchemeID"},
-    {MACHINE "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run", "ORVA"},
-    {MACHINE "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg", "LastID"},
-    {MACHINE "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg\\PowerPolicies\\1", "Policies"},
-    {MACHINE "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg\\ProcessorPolicies\\1",
-     "Policies"},
-    {MACHINE "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Controls Folder\\PowerCfg\\GlobalPowerPolicy",
-     "Policies"},
-    {MACHINE "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList\\S-1-5-18", "ProfileImagePath"},
-    {MACHINE "SYSTEM\\CurrentControlSet\\Control\\Class\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\0000",
-     "*SpeedDuplex"},
-    {MACHINE "SYSTEM\\CurrentControlSet\\Control\\Class\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\0000",
-     "DriverDesc"},
-    {USER "Control Panel\\PowerCfg", "CurrentPowerPolicy"},
-    {USER "Control Panel\\PowerCfg\\PowerPolicies\\1", "Policies"},
-    {USER "Control Panel\\PowerCfg\\PowerPolicies\\1", "Name"},
-    {USER "Control Panel\\PowerCfg\\PowerPolicies\\1", "Description"},
-    {USER "Control Panel\\PowerCfg\\GlobalPowerPolicy", "Policies"},
-    {ALICE "Control Panel\\PowerCfg", "CurrentPowerPolicy"},
-    {ALICE "Control Panel\\PowerCfg\\PowerPolicies\\1", "Policies"},
-    {ALICE "Control Panel\\PowerCfg\\GlobalPowerPolicy", "Policies"},
-    {ALICE "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders", "Local AppData"},
-    {ALICE "Volatile Environment", "USERNAME"},
+    {nullptr, "SOFTWARE\\Kelvo\\ORVL", "CfgPath"},
+    {nullptr, "SOFTWARE\\Kelvo\\ORVL", "CurrentPwrSchemeID"},
+    {nullptr, "SOFTWARE\\Kelvo\\ORVA", "AutoRunFlag"},
+    {nullptr, "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Run", "ORVA"},
+    {nullptr, "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList\\S-1-5-18", "ProfileImagePath"},
+    {nullptr, CLASS, "*SpeedDuplex"},
+    {nullptr, CLASS, "DriverDesc"},
+    {nullptr, POWER, "LastID"},
+    {nullptr, POWER "\\PowerPolicies\\1", "Policies"},
+    {nullptr, POWER "\\ProcessorPolicies\\1", "Policies"},
+    {nullptr, POWER "\\GlobalPowerPolicy", "Policies"},
+    {kService, USER_POWER, "CurrentPowerPolicy"},
+    {kService, USER_POWER "\\PowerPolicies\\1", "Policies"},
+    {kService, USER_POWER "\\PowerPolicies\\1", "Name"},
+    {kService, USER_POWER "\\PowerPolicies\\1", "Description"},
+    {kService, USER_POWER "\\GlobalPowerPolicy", "Policies"},
+    {kUser, USER_POWER, "CurrentPowerPolicy"},
+    {kUser, USER_POWER "\\PowerPolicies\\1", "Policies"},
+    {kUser, USER_POWER "\\GlobalPowerPolicy", "Policies"},
+    {kUser, "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders", "Local AppData"},
+    {kUser, "Volatile Environment", "USERNAME"},
 };
 
-#undef MACHINE
-#undef ALICE
-#undef USER
+#undef USER_POWER
+#undef POWER
+#undef CLASS
+
+std::string KeyOf(const Value& value)
+{
+    const std::string root = value.account == nullptr
+                                 ? "HKEY_LOCAL_MACHINE"
+                                 : "HKEY_USERS\\" + simulated::Accounts::Find(value.account)->sid;
+    return root + '\\' + value.key;
+}
 
 constexpr int kMostRequests = 3;
 
@@ -66,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     {
         const Value& value = input.OneOf(kValues);
         const DWORD type = input.Byte();
-        if (!simulated::RegistryEditor::Write(value.key, value.name, {type, input.Bytes()}))
+        if (!simulated::RegistryEditor::Write(KeyOf(value), value.name, {type, input.Bytes()}))
         {
             fuzz::Fail("a value can't be written");
         }

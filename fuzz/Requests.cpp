@@ -2,8 +2,8 @@
 //
 // Sequences of requests, good and bad ones, on one notebook. An input is a byte for the generation of Windows
 // (even: 5.1) and then for each request: the number of a sample, or from 200 on of an unknown command; the
-// user; what is wrong with the request, as bits; the number of patches, and for each of them an offset into the
-// payload and four bytes.
+// user; what is wrong with the request, as bits; the number of patches, and for each of them an offset into
+// the payload and four bytes.
 
 #include "fuzz/Input.h"
 #include "fuzz/Machine.h"
@@ -45,7 +45,9 @@ constexpr int kMostRequests = 6;
 const char* TakeUser(fuzz::Input& input)
 {
     const unsigned user = input.Byte();
-    return user == kNoUser ? nullptr : user == kLongUser ? kLongName.c_str() : kUsers[user % std::size(kUsers)];
+    return user == kNoUser     ? nullptr
+           : user == kLongUser ? kLongName.c_str()
+                               : kUsers[user % std::size(kUsers)];
 }
 
 const CommandInfo* InfoOf(std::string_view command)

@@ -12,5 +12,5 @@ scripts/format.sh --check
 database=$(mktemp -d)
 trap 'rm -r "$database"' EXIT
 sed -E 's/ -fno-gnu-unique//g; s/ -Winvalid-pch -include [^ ]+//g' "$1/compile_commands.json" > "$database/compile_commands.json"
-git ls-files '*.cpp' | grep -vE '^(tests|benchmarks)/' |
+git ls-files '*.cpp' | grep -vE '^(tests|benchmarks|fuzz)/' |
   xargs -P"$(nproc)" -n4 clang-tidy --quiet --extra-arg=-Wno-unknown-warning-option -p "$database" 2>/dev/null
