@@ -1,7 +1,7 @@
-# What `cmake --install` lays down: the library, the headers of everything that it exports, the reference
+# What `cmake --install` installs: the library, the headers of everything that it exports, the reference
 # configuration, and what a program needs to find them by find_package(pm_limited_support). The native package
-# carries the simulated Windows too: its library, its headers, and the width of wchar_t as a compile option of
-# whoever uses it.
+# has the simulated Windows too: its library, its headers, and the width of wchar_t as a compile option for its
+# users.
 #
 # Component "library" is what find_package needs; the rest belongs to component "programs".
 include(CMakePackageConfigHelpers)
@@ -64,7 +64,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/pm_limited_supportConfigVersion.cmake
 
 file(GLOB reference_files ${PROJECT_SOURCE_DIR}/installation/*.ini)
 if(WIN32)
-  # As install.cmd expects it beside itself.
+  # The layout that install.cmd expects.
   file(GLOB commands ${PROJECT_SOURCE_DIR}/installation/*.cmd)
   install(FILES ${commands} ${PROJECT_SOURCE_DIR}/installation/README.txt DESTINATION . COMPONENT programs)
   install(FILES ${reference_files} DESTINATION cfg COMPONENT programs)
@@ -80,8 +80,8 @@ foreach(program IN ITEMS trxhost orvlservice notebook hardware_tour)
   endif()
 endforeach()
 
-# `cpack` gives one zip of all of it. That of the product holds what an integrator reads, and examples that build
-# from the zip alone.
+# `cpack` makes one zip of everything. The product's also has the documents for integrators, and examples that
+# build from the zip alone.
 if(WIN32)
   install(FILES ${PROJECT_SOURCE_DIR}/docs/installation.md ${PROJECT_SOURCE_DIR}/docs/requests.md
     DESTINATION docs COMPONENT programs)

@@ -1,8 +1,8 @@
-# Where the project can be built. Elsewhere a build would fail late, or make something that nobody has tried.
+# Where the project can be built. Elsewhere a build would fail late or produce something untested.
 #
 #   the product    any system with a MinGW-w64 g++ for 32-bit Windows, by cmake/mingw-i686-win32.cmake
-#   natively       Linux on x86, 64-bit or 32-bit, with g++ 12 or clang++ 14 and later: the simulated Windows leans on
-#                  glibc and on the records of an x86 machine
+#   natively       Linux on x86, 64-bit or 32-bit, with g++ 12 or clang++ 14 and later: the simulated Windows relies on
+#                  glibc and on the record layouts of x86
 
 if(WIN32)
   if(NOT MINGW OR NOT CMAKE_SIZEOF_VOID_P EQUAL 4)

@@ -1,5 +1,5 @@
-# The cross-compiler for the product: i686 MinGW-w64 in its win32 flavour, whose run-time library asks of
-# Windows no more than KERNEL32 and msvcrt.
+# The cross-compiler for the product: i686 MinGW-w64 in its win32 flavour, whose run-time library needs only
+# KERNEL32 and msvcrt.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR i686)
 

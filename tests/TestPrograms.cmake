@@ -15,13 +15,13 @@ if(WIN32)
 endif()
 add_subdirectory(${GTEST_SOURCES} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 if(SANITIZE MATCHES address)
-  # It isn't what is tested, and takes a tenth of the build. The thread sanitizer must see its locks.
+  # GoogleTest isn't under test; sanitizing it takes a tenth of the build. The thread sanitizer must see its locks.
   foreach(library IN ITEMS gtest gtest_main gmock)
     target_compile_options(${library} PRIVATE -fno-sanitize=all -g0)
   endforeach()
 endif()
 if(WIN32)
-  # Before its own folders; to those who use it, whose system folders come last, by an option.
+  # Before GoogleTest's own folders; for its users by an option, because their system folders come last.
   set(custom ${CMAKE_CURRENT_SOURCE_DIR}/support/googletest)
   target_include_directories(gtest BEFORE PRIVATE ${custom})
   target_compile_options(gtest INTERFACE -I${custom})
