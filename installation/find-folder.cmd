@@ -1,7 +1,7 @@
 @echo off
 rem find-folder.cmd ACCOUNT
 rem
-rem Sets appdata_folder to the local application data folder of an account, as the account's hive tells it. Empty
+rem Sets appdata_folder to the local application data folder of an account, read from the account's hive. Empty
 rem when it isn't known. Called by install.cmd.
 set appdata_folder=
 set shell_folders=Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders
@@ -22,12 +22,12 @@ rem A 32-bit program that asks for a folder below system32 gets the one below Sy
 if exist "%SystemRoot%\SysWOW64\" set "appdata_folder=%appdata_folder:\system32\=\SysWOW64\%"
 exit /b 0
 
-rem :query KEY VALUE: puts the line that holds the value into a file, and an empty one when there is none.
+rem :query KEY VALUE: writes the line with the value to a file, which is empty when there is none.
 :query
 reg query %1 /v %2 2>nul | find "REG_" >"%TEMP%\orvl-query.txt"
 exit /b 0
 
-rem :ask KEY: the value's text stands behind its name, which has a blank in it, and its type.
+rem :ask KEY: the value's text comes after its name, which contains a blank, and its type.
 :ask
 call :query %1 "Local AppData"
 for /f "usebackq tokens=3*" %%a in ("%TEMP%\orvl-query.txt") do set "appdata_folder=%%b"

@@ -25,10 +25,10 @@ set failed=no
 set first=yes
 set "list=%TEMP%\orvl-installed.lst"
 if exist "%list%" del "%list%"
-rem An installation over another one goes on with its list.
+rem An installation over an earlier one continues its list.
 if exist "%folder%\installed.lst" set first=no
 if %first%==no call :copy "%folder%\installed.lst" "%list%"
-rem It would be overwritten now and removed with the plug-in.
+rem Another program's file would be overwritten now and removed with the plug-in.
 if %first%==yes if exist "%folder%\uninstall.cmd" call :fail "%folder%\uninstall.cmd belongs to another program"
 if %failed%==yes goto refused
 if %first%==yes call :note_path "HKEY_LOCAL_MACHINE\Software\Kelvo\ORVL"
@@ -72,7 +72,7 @@ echo The installation failed. Stop the host and whatever else uses the files, an
 echo administrator again; uninstall.cmd removes what was created.
 exit /b 1
 
-rem :note KIND NAME [VALUE]: the newest entry stands first, because removal goes backwards.
+rem :note KIND NAME [VALUE]: the newest entry comes first, because removal goes backwards.
 :note
 echo %~1;"%~2";%~3>"%list%.new"
 if exist "%list%" type "%list%" >>"%list%.new"
@@ -84,8 +84,8 @@ if exist "%~1" if %first%==yes call :note kept "%~1"
 if not exist "%~1" call :note file "%~1"
 exit /b 0
 
-rem :make_folder PATH: with its parents, each of them noted. A drive or a share is its own parent. Like everything that
-rem copies it does nothing more after a failure.
+rem :make_folder PATH: with its parents, each of them noted. A drive or a share is its own parent. Like the copying, it
+rem does nothing after a failure.
 :make_folder
 if exist "%~1\" exit /b 0
 for %%p in ("%~1\..") do set "parent=%%~fp"
@@ -107,7 +107,7 @@ exit /b 0
 if %failed%==yes exit /b 0
 copy /y "%~1" "%~2" >nul
 if errorlevel 1 call :fail "Can't copy %~1 to %~2"
-rem From a compact disc the attribute comes along.
+rem A copy from a compact disc is read-only.
 if %failed%==no attrib -r "%~2"
 exit /b 0
 
@@ -148,7 +148,7 @@ if errorlevel 1 call :fail "Can't create %key%"
 call :note key "%~1"
 exit /b 0
 
-rem :note_path KEY: before anything can fail, for a second attempt finds a list and takes nothing for foreign.
+rem :note_path KEY: called before anything can fail: a second attempt finds a list and takes CfgPath for its own.
 :note_path
 call :view "%~1"
 reg query "%key%" /v CfgPath >nul 2>nul

@@ -21,7 +21,7 @@ if errorlevel 1 goto failed
 "%TEMP%\orvl-uninstall.cmd" "%folder%"
 
 :remove
-rem A folder in which the prompt stands can't be removed.
+rem The prompt's current folder can't be removed.
 cd /d "%SystemRoot%"
 set left=no
 set failed=no
@@ -78,7 +78,7 @@ set "key=%~1"
 if not "%PROCESSOR_ARCHITECTURE%"=="x86" set "key=%key:\Software\=\Software\Wow6432Node\%"
 exit /b 0
 
-rem A key below which others have put keys of their own meanwhile stays.
+rem A key stays when others have put keys below it.
 :remove_key
 call :view "%~1"
 set others=no
