@@ -2,7 +2,7 @@
 # check-dll.sh DLL
 #
 # Whether Windows XP SP3 can load the DLL, and whether it is what an integrator expects: machine, subsystem
-# version, imports against the reviewed list, exports, size. Prints what it finds; every fault is named.
+# version, imports against the reviewed list, exports, size. Prints what it finds, and every fault.
 set -euo pipefail
 
 dll=$1
@@ -33,7 +33,7 @@ done
 tls=$($objdump -h "$dll" | awk '$2 == ".tls" {print $3}')
 [ -z "$tls" ] || [ $((16#$tls)) -le 32 ] || fault "$((16#$tls)) bytes of static thread-local storage"
 
-# "DLL Name: X" begins a library; the lines behind it end in the name of a function.
+# "DLL Name: X" begins a library; each line below it ends with the name of a function.
 imports=$(awk '/DLL Name:/ {dll = tolower($3); next}
   /^\t[0-9a-f]+\t +[0-9]+ / {print dll, $NF}
   /^$/ {next}' <<<"$headers" | sort -u)

@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 # check ROOT RULES: each rule is a line "FOLDER INCLUDABLE...", for the folders of ROOT and the paths with a folder
-# that its sources may name. A name without a folder is a system header in <>, a neighbour of the source in "".
+# that its sources may name. A name without a folder is a system header in <>, a file beside the source in "".
 check() {
   local root=$1 rules=$2 folders ruled
   folders=$(cd "$root" && find . -mindepth 1 -maxdepth 1 -type d -printf '%f\n' | sort)

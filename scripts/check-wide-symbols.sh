@@ -2,7 +2,7 @@
 # check-wide-symbols.sh LIBRARY...
 #
 # The native build has the 16-bit wchar_t of Windows; the C and C++ libraries of the machine have 32-bit
-# copies of their wide functions. A library that calls one of them would go wrong silently, so none may.
+# copies of their wide functions. A library that calls one of them would silently misbehave, so none may.
 set -euo pipefail
 
 bad=0

@@ -1,11 +1,11 @@
-# What `run` and `test` share: saying what happens, and having the packages that a step needs.
-# Sourced by bash; the caller has set `set -euo pipefail` and stands in the project's folder.
+# What `run` and `test` share: messages, builds, and the packages that a step needs.
+# Sourced by bash in the project's folder, after `set -euo pipefail`.
 
 say() { printf '\n==> %s\n' "$*"; }
 loud() { printf '\n!!! %s\n' "$*" >&2; }
 die() { loud "$*"; exit 1; }
 
-packages_asked=no
+is_index_updated=no
 
 # have_or_install COMMAND-OR-FILE PACKAGE...: true when it is there, or is after installing the packages.
 have_or_install() {
@@ -15,8 +15,8 @@ have_or_install() {
   [ "$(id -u)" = 0 ] && command -v apt-get >/dev/null || return 1
   say "Installing $* (for $wanted)"
   export DEBIAN_FRONTEND=noninteractive
-  if [ "$packages_asked" = no ]; then
-    packages_asked=yes
+  if [ "$is_index_updated" = no ]; then
+    is_index_updated=yes
     timeout 300 apt-get update -qq >/dev/null 2>&1 || true
   fi
   timeout 900 apt-get install -y -qq "$@" >/dev/null 2>&1 || true
@@ -30,7 +30,7 @@ is_there() {
   esac
 }
 
-# need COMMAND-OR-FILE PACKAGE...: ends the script with a clear word when it can't be had.
+# need COMMAND-OR-FILE PACKAGE...: ends the script with a message when it can't be installed.
 need() {
   have_or_install "$@" || die "$1 is missing and could not be installed. On Debian it comes with: ${*:2}"
 }

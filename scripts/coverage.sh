@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # coverage.sh BUILD
 #
-# What the tests reached of the plug-in, the host and the service: a row for each file with the lines that none
-# reached, from what the programs of that build folder have counted. Fails when one of the three is below its goal.
+# The line coverage of the plug-in, the host and the service: a row for each file with the lines that no test
+# reached, from the counts in that build folder. Fails when one of the three is below its goal.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 counted=$1/coverage.json

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# format.sh [--check]   formats the sources by .clang-format, or says which aren't
+# format.sh [--check]   formats the sources by .clang-format, or reports those that aren't
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

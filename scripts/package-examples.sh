@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # package-examples.sh BUILD
 #
-# Builds the examples of the Windows package from that package alone, as its README has it, and leaves them in
-# BUILD/package-examples, where the package's trial on Wine finds them.
+# Builds the examples of the Windows package from that package alone, as its README says, and leaves them in
+# BUILD/package-examples for wine-package.sh.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/common.sh

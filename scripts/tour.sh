@@ -52,7 +52,7 @@ configuration_and_event() {
   wait $!
 }
 
-road_of_a_scheme() {
+applied_scheme() {
   say "The road of an applied scheme on Windows $1: host, service and notebook are three processes"
   fresh_notebook "$1"
   start_service
@@ -96,8 +96,8 @@ if [ "${2:-}" = --shell ]; then
 fi
 
 configuration_and_event
-road_of_a_scheme 5.1
-road_of_a_scheme 6.0
+applied_scheme 5.1
+applied_scheme 6.0
 live_hardware
 life_of_schemes
 exported_classes

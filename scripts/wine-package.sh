@@ -57,7 +57,7 @@ fail() {
 # Wine's fc compares nothing. All that differ here differ in size.
 printf '%s\r\n' '@echo off' 'if "%~z2"=="%~z3" exit /b 0' 'exit /b 1' >"$work/prompt/fc.cmd"
 
-# run PATH ARGUMENT...: a command file by its Windows path. What it says is in $work/said.
+# run PATH ARGUMENT...: a command file by its Windows path. Its output is in $work/said.
 run() {
   local status=0
   (cd "$work/prompt" && in_time 240 "$prompt" cmd /c "$@" >"$work/said.crlf" 2>&1) || status=$?
@@ -67,20 +67,20 @@ run() {
 
 said() { grep -qF -- "$1" "$work/said"; }
 
-# same FILE FILE, with what is wrong when they aren't.
+# same FILE FILE MESSAGE: fails with the message when the files differ.
 same() { cmp -s "$1" "$2" || fail "$3"; }
 
 install() { run 'C:\package\install.cmd' "$account" "$@"; }
 
-# snapshot NAME: files and the machine's keys, but for the power manager's own, which applying a scheme changes.
+# snapshot NAME: files and the machine's keys, except the power manager's own, which applying a scheme changes.
 snapshot() {
   (cd "$drive" && find . \( -path ./package -o -path './users/*/Temp' \) -prune -o -print | sort) >"$work/$1.files"
-  # A key's name has its time behind it.
+  # A key's name is followed by its time.
   awk 'BEGIN { RS = ""; ORS = "\n\n" } /^\[Software/ && !/Controls Folder\\\\PowerCfg/' "$WINEPREFIX/system.reg" |
     sed -e 's/^\(\[.*\]\) [0-9]*$/\1/' -e '/^#time=/d' >"$work/$1.reg"
 }
 
-# What a first installation finds stays, is updated by nobody and outlives the removal.
+# What a first installation finds is neither updated nor removed.
 over_foreign_settings() {
   mkdir -p "$standard/Cfg"
   echo '; mine' >"$standard/Cfg/ORVLCfg.ini"
@@ -115,7 +115,7 @@ install_deep() {
   registered
 }
 
-# CfgPath is in the plug-in's view of the registry, whatever the prompt's.
+# CfgPath is in the 32-bit view of the registry, which the plug-in has, for either prompt.
 registered() {
   in_time 60 "$prompt" reg query "$software\\Kelvo\\ORVL" /v CfgPath 2>&1 | tr -d '\r' >"$work/said" || true
   grep -q ' C:\\deep\\orvl\\Cfg\\$' "$work/said" || fail "CfgPath isn't where a 32-bit program looks for it"
@@ -129,7 +129,7 @@ self_test() {
   said "count               4" || fail "the self-test has another answer"
 }
 
-# The example runs to its end without the driver that it asks for.
+# The example runs to its end without the driver that it needs.
 run_example() {
   cp "$build/package-examples/hardware_tour/hardware_tour.exe" "$deep/example.exe"
   (cd "$deep" && in_time 60 wine example.exe >"$work/said" 2>&1) || true
@@ -137,7 +137,7 @@ run_example() {
   said "gather the devices" || fail "the example doesn't run"
 }
 
-# A host, a service and the plug-in in two processes. The power manager of a real machine comes from beside them.
+# A host, a service and the plug-in in two processes. powrprof.dll beside them is the power manager.
 try_out() {
   cp "$build/bin/powrprof.dll" "$deep/"
   (cd "$deep" && in_time 120 wine orvlservice.exe --verbose >"$work/service" 2>/dev/null) &
@@ -198,7 +198,7 @@ while_dll_is_in_use() {
   rm "$drive/in-use"
 }
 
-# The folder is written with slashes and one at the end, as by a program that composes it.
+# The folder has slashes, also at its end, as from a program that composes it.
 update() {
   for file in Cfg/ORVLCfg.ini Cfg/PowerSetting.ini trxhost.exe; do echo '; changed' >>"$deep/$file"; done
   echo '; changed' >>"$rows/PowerSchemes.ini"
@@ -215,8 +215,8 @@ update() {
   [ ! -e "$deep/Cfg/SBXCfg.ini.new" ] || fail "the update left a .new beside the same file"
 }
 
-# Wine keeps a running command file until it has ended, so the installed one doesn't see itself gone. It says so, and
-# the package's one does the rest.
+# Wine keeps a running command file until it has ended, so the installed one can't remove itself. It says so, and the
+# package's one does the rest.
 remove() {
   ! run 'C:\deep\orvl\uninstall.cmd' || fail "the installed uninstall.cmd claims success on Wine"
   said "Can't remove C:\\deep\\orvl\\uninstall.cmd" || fail "uninstall.cmd doesn't say what it couldn't remove"

@@ -1,15 +1,15 @@
-# What the scripts share that run Windows programs: a Wine with a machine of its own below build/.
+# Shared by the scripts that run Windows programs: Wine with its own machine below build/.
 # Sourced by bash in the project's folder.
 #
 # Wine stands in for two generations of Windows by its version setting. Its power manager is a stub, so the
-# programs find our own powrprof.dll beside them and Wine is told to take it.
+# programs have our own powrprof.dll beside them, and Wine is configured to use it.
 #
-# An installed Wine need not run. The product is 32-bit, so the kernel must execute 32-bit programs (an emulator that
+# An installed Wine may not work. The product is 32-bit, so the kernel must execute 32-bit programs (an emulator that
 # is registered for them starts Wine, which then hangs), and the machine below build/ must come up. A Wine therefore
 # counts as available when a Windows program has just run on it. WINE_PATIENCE multiplies all time limits, for slow
 # machines.
 
-# A 32-bit Wine that was unpacked beside a 64-bit one needs its libraries named.
+# A 32-bit Wine that was unpacked beside a 64-bit one needs the path of its libraries.
 lib32=/usr/lib/i386-linux-gnu
 export LD_LIBRARY_PATH=$lib32${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}
 export WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree=d;mshtml=d;powrprof=n,b"
@@ -33,7 +33,7 @@ kernel_runs_x86() {
   return "$status"
 }
 
-# install_wine: what of Wine the machine lacks, from Debian's packages. Beside a 64-bit Wine the 32-bit packages can't
+# install_wine: installs what is missing of Wine from Debian's packages. Beside a 64-bit Wine the 32-bit packages can't
 # always be installed, so their files are unpacked. Otherwise the reason is printed.
 install_wine() {
   command -v wine >/dev/null && [ -e "$lib32/wine/i386-windows/ntdll.dll" ] && return
@@ -99,8 +99,8 @@ runs() {
   return 1
 }
 
-# prepare_prefix WINE: the machine below build/, made with this Wine when there is none. It gets its name when it is
-# complete. Otherwise the reason is printed.
+# prepare_prefix WINE: the machine below build/, made with this Wine when there is none and renamed when it is complete.
+# Otherwise the reason is printed.
 prepare_prefix() {
   [ ! -e "$WINEPREFIX/system.reg" ] || return 0
   local final=$WINEPREFIX
@@ -136,7 +136,7 @@ wine_rests() {
   in_time 60 wineserver -w
 }
 
-# stop_wine: ends all programs of this machine, those included that hang before the server knows them.
+# stop_wine: ends all programs of this machine, including those that hang before the server knows them.
 stop_wine() {
   local process
   in_time 30 wineserver -k || true

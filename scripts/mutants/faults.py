@@ -12,7 +12,7 @@ TOKEN = re.compile(r'''
   | (?P<operator><<=|>>=|<=>|->\*|::|->|\+\+|--|<<|>>|<=|>=|==|!=|&&|\|\||[-+*/%&|^]=|[^\s\w])
 ''', re.X | re.S | re.M)
 
-# What an operator becomes. `is_operator` tells which signs are none.
+# What an operator becomes. `is_operator` finds out which signs are operators.
 OPERATORS = {
     '<': ['<=', '>='], '<=': ['<', '>'], '>': ['>=', '<='], '>=': ['>', '<'],
     '==': ['!='], '!=': ['=='], '&&': ['||'], '||': ['&&'],

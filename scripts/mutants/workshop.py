@@ -51,14 +51,14 @@ class Build:
 
 
 class Bench:
-    """A place of its own to build and try one fault after another."""
+    """A folder in which one fault after another is built and tried."""
 
     def __init__(self, build: Build, folder: pathlib.Path):
         self.build, self.folder = build, folder
         shutil.rmtree(folder, ignore_errors=True)
         (folder / 'source').mkdir(parents=True)
         (folder / 'home').mkdir()
-        # The simulated Windows looks for the library beside the program, so the programs stand here too.
+        # The simulated Windows looks for the library beside the program, so the programs are here, too.
         (folder / 'bin').mkdir()
         for path in (build.folder / 'bin').iterdir():
             if path.is_file() and path.name != LIBRARY:
