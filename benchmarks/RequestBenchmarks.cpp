@@ -1,8 +1,8 @@
 // benchmarks/RequestBenchmarks.cpp
 //
 // What a request costs in the plug-in itself, and what the platform's calls add. The platform here is the
-// simulated one, whose files and registry are slower or faster than Windows'; so a request that asks the
-// platform stands beside the same platform calls made by hand, and the difference is the plug-in's share.
+// simulated one, whose files and registry are slower or faster than Windows'; so beside a request that
+// calls the platform the same calls are measured alone, and the difference is the plug-in's share.
 
 #include "control/Notebook.h"
 #include "foundation/Text.h"

@@ -1,6 +1,6 @@
 // host/CommandCatalogue.h
 //
-// What the host shows of each command: the fields of its payload and of its reply, and what it is for.
+// What the host shows for each command: the fields of its payload and of its reply, and what it is for.
 #pragma once
 
 #include "RecordShapes.h"
@@ -20,10 +20,10 @@ struct CommandEntry
     const char* summary;
 };
 
-/// All 43 commands, in the order of the topics: live devices, schemes, configuration, maintenance.
+/// All 43 commands, grouped by topic: live devices, schemes, configuration, maintenance.
 std::span<const CommandEntry> Commands() noexcept;
 
-/// The entry of `name`, whatever its case, or null.
+/// The entry of `name`, ignoring case, or null.
 const CommandEntry* FindCommand(std::string_view name) noexcept;
 
 } // namespace host

@@ -162,7 +162,7 @@ int PreparePlatform(const Options& options)
     return 0;
 }
 
-// The answer's code goes out as the exit status; one request or a whole script.
+// Runs one request or a whole script. Returns the exit status.
 int RunAll(host::Console& console, const Options& options)
 {
     if (!options.words.empty())

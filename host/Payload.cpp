@@ -47,7 +47,7 @@ std::optional<std::int32_t> NumberOf(const Field& field, const std::string& valu
     return ParseNumber(value);
 }
 
-// Writes one value into the record; what is wrong with it, or an empty text.
+// Writes one value into the record. Returns what is wrong with it, or an empty text.
 std::string Store(std::vector<std::byte>& bytes, const Field& field, const std::string& value)
 {
     if (field.kind == FieldKind::Number)

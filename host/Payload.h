@@ -1,6 +1,6 @@
 // host/Payload.h
 //
-// From words of the command line to the bytes of a payload.
+// Turns words of the command line into the bytes of a payload.
 #pragma once
 
 #include "RecordShapes.h"

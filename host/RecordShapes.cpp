@@ -33,8 +33,8 @@ constexpr const char* kBatteryTime = "s until full, or left while discharging";
 
 constexpr std::size_t kWord = 4;
 
-// -1 is a value that no option list holds, so a whole-scheme edit leaves the variables that the caller didn't
-// name as they are.
+// No option list has -1, so a whole-scheme edit leaves the variables that the caller didn't name as they
+// are.
 constexpr std::int32_t kLeaveAlone = -1;
 
 constexpr Field Number(const char* name, std::size_t offset, std::span<const ValueName> names = {},

@@ -1,7 +1,7 @@
 // host/RecordShapes.h
 //
 // The records of the request interface as lists of named fields, so that a payload can be given and a reply
-// be shown field by field. Offsets and sizes are those of the wire; the numbers are little-endian.
+// shown field by field. Offsets and sizes are those of the wire; the numbers are little-endian.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 // host/Session.cpp
 //
-// Loading and calling the plug-in through nothing but its exported names.
+// Loads and calls the plug-in through its exported names alone.
 
 #include "Session.h"
 

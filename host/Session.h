@@ -42,7 +42,7 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// Loads the library and starts the plug-in. An empty text, or what went wrong.
+    /// Loads the library and starts the plug-in. Returns an empty text, or what went wrong.
     std::string Start(const std::string& library, Listener listener);
 
     /// Stops the plug-in and unloads it; the destructor does the same.
@@ -51,7 +51,7 @@ public:
     std::string ModuleId() const;
     std::string Description() const;
 
-    /// Hands one request over. `user` is narrow, in the ANSI code page.
+    /// Sends one request. `user` is narrow, in the ANSI code page.
     Answer Send(const std::string& command, const std::string& user,
                 std::span<const std::byte> payload) const;
 

@@ -16,7 +16,7 @@ namespace host
 namespace
 {
 
-// A native terminal speaks UTF-8; a Windows program gets its arguments in the ANSI code page already.
+// A native terminal uses UTF-8; a Windows program gets its arguments in the ANSI code page already.
 #ifdef _WIN32
 constexpr UINT kConsoleCodePage = CP_ACP;
 #else

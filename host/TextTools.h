@@ -22,14 +22,14 @@ std::optional<std::vector<std::string>> SplitWords(std::string_view line);
 /// A decimal or "0x" number of 32 bits, signed or unsigned; nothing for every other text.
 std::optional<std::int32_t> ParseNumber(std::string_view text) noexcept;
 
-/// A time in milliseconds; nothing for what is no number or negative.
+/// A time in milliseconds; nothing for other text and for negative numbers.
 std::optional<std::uint32_t> ParseMilliseconds(std::string_view text) noexcept;
 
-/// Text as the console has it, in the ANSI code page of the wire, and back.
+/// Converts between the console's text and the wire's, which is in the ANSI code page.
 std::string ToWire(std::string_view consoleText);
 std::string FromWire(std::string_view wireText);
 
-/// The name of the account that this process runs in, as the console has it; empty when it isn't known.
+/// The name of the account that this process runs in, as console text; empty when it isn't known.
 std::string RunningAccount();
 
 } // namespace host

@@ -1,6 +1,6 @@
 // service/Boards.cpp
 //
-// Requests off one board, answers onto the other.
+// Takes requests from one board and puts answers on the other.
 
 #include "Boards.h"
 
@@ -14,8 +14,8 @@ namespace
 
 using namespace service_boards;
 
-// A board refuses at once while the other side copies, which takes microseconds; only a party that died in
-// the middle holds the lock for longer.
+// A board refuses at once while the other side copies, which takes microseconds; only a process that died
+// while copying holds the lock for longer.
 constexpr int kAttempts = 100;
 constexpr DWORD kPause = 10;
 
@@ -48,7 +48,7 @@ bool CopyText(const BYTE* board, DWORD size, wchar_t* text)
 
 bool Boards::Create()
 {
-    // Askers open the result board first: when that succeeds, the other one must be there.
+    // Callers open the result board first: when that succeeds, the other one must be there.
     return m_parameters.Reset(kParameters, kSize, 1, kInstance) == 0 &&
            m_results.Reset(kResults, kSize, 1, kInstance) == 0;
 }

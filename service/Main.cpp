@@ -94,7 +94,7 @@ int Serve(const Options& options)
 
 int main(int count, char** arguments)
 {
-    // Each line is of use as soon as it is written, to a person and to a script that waits for it.
+    // Unbuffered: a script may wait for a line.
     std::setvbuf(stdout, nullptr, _IONBF, 0);
 
     Options options;

@@ -29,7 +29,7 @@ struct Options
 /// standard error.
 bool ParseOptions(int count, char** arguments, Options& options);
 
-/// Prints how the service is called.
+/// Prints the usage.
 void PrintUsage(std::FILE* stream);
 
 } // namespace service

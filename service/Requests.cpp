@@ -25,7 +25,7 @@ constexpr const wchar_t* kCompanionKey = L"Software\\Kelvo\\ORVA";
 constexpr const wchar_t* kCurrentScheme = L"CurrentPwrSchemeID";
 constexpr const wchar_t* kAppliedEvent = L"ApplySchemeEvent";
 
-// The system's error number, 0 when the number of the scheme was stored.
+// Returns the system's error number, 0 when the number of the scheme was stored.
 LSTATUS StoreScheme(DWORD scheme)
 {
     owners::Key key;

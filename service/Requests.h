@@ -11,7 +11,7 @@ namespace service
 /// Carries `request` out and prints the outcome.
 Answer Carry(const Request& request);
 
-/// The notice that something went wrong, with the reason.
+/// A failure notice with its reason.
 Answer FailureNotice(LONG reason) noexcept;
 
 /// Prints one line about `request`, with control characters in its text escaped.

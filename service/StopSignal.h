@@ -22,7 +22,8 @@ public:
         return m_event.Get();
     }
 
-    /// Ends the wait by the named event or by one of the others; these are seen within `kPollMilliseconds`.
+    /// True once the service must end. Only the named event ends a wait for `Event`; the other two are
+    /// noticed within `kPollMilliseconds`.
     bool IsDue() const;
 
     static constexpr DWORD kPollMilliseconds = 100;

@@ -92,8 +92,8 @@ bool TourGraphics()
     return first != -1 && graphics.GetEblLevel() == first;
 }
 
-// Prints the managed devices and gives the number of the first one that runs, can be disabled, and has the
-// description, if one is asked for; -1 when there is none.
+// Prints the managed devices. Returns the number of the first one that runs, can be disabled, and has the
+// wanted description, if any; -1 when there is none.
 LONG ListDevices(CDevMgr& devices, const wchar_t* wanted)
 {
     LONG chosen = -1;

@@ -1,7 +1,7 @@
 // hardware_tour/Printing.cpp
 //
-// Conversions by the system's own functions, so that the source is the same where wide text is UTF-16 and
-// the C library's isn't.
+// Converts by Windows functions: wide text is UTF-16 in the native build too, but not in the native C
+// library.
 
 #include "Printing.h"
 

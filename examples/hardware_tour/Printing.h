@@ -1,13 +1,13 @@
 // hardware_tour/Printing.h
 //
-// Text between the classes, which speak wide text, and the console, which doesn't.
+// Converts text between the classes, which use wide text, and the console, which doesn't.
 #pragma once
 
 #include <windows.h>
 
 #include <string>
 
-/// Wide text in the console's code page.
+/// Wide text in the ANSI code page.
 std::string Narrow(const wchar_t* wide);
 
 /// A command line argument as wide text, in `capacity` characters; false when it is too long.

@@ -1,6 +1,6 @@
 /* minimal_host/main.c
  *
- * The least that a host does, in C: it names the plug-in, takes its events, and sends three requests for an
+ * A minimal host in C: it prints the plug-in's identity, receives its events, and sends three requests for an
  * account that is logged on. One source for Windows and for the simulated notebook.
  *
  *   minimal_host ACCOUNT
@@ -10,7 +10,7 @@
 #include <stdio.h>
 #include <string.h>
 
-/* May be entered by two threads at once: by the one that sends a request and by the plug-in's own. */
+/* May be called on two threads at once: the one that sends a request and the plug-in's own. */
 static int __cdecl PrintEvent(const char* moduleId, const char* eventName, const void* data, DWORD dataLen)
 {
     LONG value = 0;
@@ -22,7 +22,7 @@ static int __cdecl PrintEvent(const char* moduleId, const char* eventName, const
     return 0; /* ignored */
 }
 
-/* Sends a command whose payload and reply are one number or nothing (null). The result code. */
+/* Sends a command whose payload and reply are one number or nothing (null). Returns the result code. */
 static LONG Send(const char* account, const char* command, const LONG* payload, LONG* reply)
 {
     DWORD replyLen = sizeof *reply;
@@ -60,11 +60,11 @@ int main(int argc, char** argv)
     }
     LONG scheme = -1;
     LONG level = -1;
-    const LONG answered = Send(argv[1], "GET_ACTIVE_SCHEME", NULL, &scheme);
+    const LONG result = Send(argv[1], "GET_ACTIVE_SCHEME", NULL, &scheme);
     if (Send(NULL, "GET_LCD_BRIGHTNESS", NULL, &level) == TRX_OPERATION_OK)
     {
         Send(NULL, "SET_LCD_BRIGHTNESS", &level, NULL);
     }
     DP_Uninitialize();
-    return answered == TRX_OPERATION_OK ? 0 : 1;
+    return result == TRX_OPERATION_OK ? 0 : 1;
 }
