@@ -20,7 +20,7 @@ constexpr unsigned kSeed = 20081117;
 constexpr int kRounds = 12;
 constexpr std::size_t kNumber = 4;
 
-// The length of these isn't looked at; the host always gives the whole record.
+// The length of these isn't checked; the host always gives the whole record.
 const std::set<std::string> kOfAnyLength = {"CLEAR_SCHEMES", "AUTORUN_ORVA", "SET_LUMS_LEVEL"};
 
 // The reply of these is left out where there is no room for it.

@@ -27,7 +27,7 @@ const std::string kUsers[] = {environment::UserName(), environment::OtherUserNam
 // Set on the threads on which requests are sent.
 thread_local bool isClient = false;
 
-// The number in a file that all clients share, of which each has its own.
+// Each client's own number in a file that all of them share.
 std::string MarkOf(unsigned client)
 {
     return "type=profile file=sample.ini section=Clients item=Client" + std::to_string(client);
@@ -69,7 +69,7 @@ protected:
         };
     }
 
-    // The next request from within an event, and now and then a stop from within a request's own event.
+    // Sends a request from within an event, and sometimes stops the plug-in within a request's own event.
     void OnEvent()
     {
         if (isClient && ++m_events % 4 == 0)

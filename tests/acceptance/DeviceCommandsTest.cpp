@@ -154,7 +154,7 @@ void Set(const Battery& battery)
     simulated::Batteries::RefuseOpening(0, battery.statusKnown ? 0U : DWORD{ERROR_ACCESS_DENIED});
 }
 
-TEST_F(DeviceCommands, StatesAsTheTwoBatteryRepliesTellThem)
+TEST_F(DeviceCommands, StatesInTheTwoBatteryReplies)
 {
     // State, percentage and time of the battery reply and of the power reply.
     using Told = std::array<int, 3>;

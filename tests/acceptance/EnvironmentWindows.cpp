@@ -1,8 +1,8 @@
 // tests/acceptance/EnvironmentWindows.cpp
 //
 // The machine as it is, with a folder of its own for the installation's files, and a power manager whose
-// store is seeded anew. What the tests leave in the registry and in the account's configuration folder goes
-// with each of them; the account loses its own power schemes.
+// store is seeded anew. What a test leaves in the registry and in the account's configuration folder is
+// removed after it; the account loses its own power schemes.
 
 #include "acceptance/Environment.h"
 

@@ -19,7 +19,7 @@ constexpr int kWarmUpCycles = 20; // what the system itself keeps is there after
 class LifeCycle : public AcceptanceTest
 {
 protected:
-    // A thread that nobody waits for takes the library along when it ends.
+    // A thread that nobody waits for unloads the library when it ends.
     static void WaitUntilUnloaded()
     {
         WaitUntil([] { return GetModuleHandleW(L"pm_limited_support.dll") == nullptr; });
@@ -184,7 +184,7 @@ TEST_F(LifeCycle, OneSignalGivesOneEvent)
     EXPECT_TRUE(host.TakeEvents().empty());
 }
 
-TEST_F(LifeCycle, TheLogTellsOfEachStartAndOfEachRound)
+TEST_F(LifeCycle, EachStartAndEachRoundAreLogged)
 {
     ASSERT_TRUE(seeding::SetNumber(HKEY_LOCAL_MACHINE, kKey, kValue, 3));
     host.Uninitialize();

@@ -1,6 +1,6 @@
 // tests/acceptance/RequestWords.cpp
 //
-// From words to bytes and back.
+// Converts words to bytes and back.
 
 #include "acceptance/RequestWords.h"
 

@@ -156,7 +156,7 @@ TEST_P(SchemeCommands, AVariablesNameEndsWithItsField)
                             "PM_QUERY_SCHEME schemeID=1, ifAC=1, valName=" + std::string(32, 'x')));
 }
 
-// And of two commands the length isn't looked at.
+// For two commands the length isn't checked either.
 TEST_P(SchemeCommands, RepliesThatNobodyWantsAreLeftOut)
 {
     Ask(*host, "ADD_SCHEME", "name=Mine scheme=1");
@@ -192,7 +192,7 @@ TEST_P(SchemeCommands, RepliesThatNobodyWantsAreLeftOut)
     }
 }
 
-TEST_P(SchemeCommands, ClearingAnswersZeroAndRepliesWithNothing)
+TEST_P(SchemeCommands, ClearingReturnsZeroAndRepliesWithNothing)
 {
     Ask(*host, "ADD_SCHEME", "name=Mine scheme=1");
     const auto before = seeding::ReadBytes(ProfileFile("PowerSchemes.ini"));

@@ -56,7 +56,7 @@ TEST_F(Threads, RequestsRunOneAfterTheOther)
     EXPECT_TRUE(host.WaitForEvent().has_value());
 }
 
-// A request and one from within its event give their lock up whole while the plug-in stops: here the
+// A request and one from within its event release the lock entirely while the plug-in stops: here the
 // notification thread waits for it.
 TEST_F(Threads, ARequestsEventMayStopThePlugIn)
 {
@@ -142,7 +142,7 @@ TEST_F(Threads, EachStopWaitsForAllNotificationThreads)
     }
 }
 
-// Two threads of the plug-in's are in the host's function, and each waits for what the other does.
+// Two threads of the plug-in are in the host's function, and each waits for the other.
 TEST_F(Threads, AStopOnANotificationThreadWaitsForNone)
 {
     std::atomic<int> inside = 0;

@@ -1,6 +1,6 @@
 // tests/acceptance/UsersTest.cpp
 //
-// For whom a request is: the table of sixteen users.
+// The user of a request: the table of sixteen users.
 
 #include "acceptance/AcceptanceTest.h"
 #include "acceptance/RequestWords.h"
@@ -58,7 +58,7 @@ protected:
     Host host;
 };
 
-TEST_F(Users, AKnownUserKeepsHisSlotWhateverTheCase)
+TEST_F(Users, AKnownUserKeepsTheSlotWhateverTheCase)
 {
     EXPECT_EQ(NewIn(0), Find("alice"));
     Trace::Clear();
@@ -77,7 +77,7 @@ TEST_F(Users, AFailedResolutionLeavesTheSlotFree)
 {
     EXPECT_EQ(NewIn(0, 6), Find("nobody"));
     EXPECT_EQ(NewIn(0, 6), Find(""));
-    EXPECT_EQ(NewIn(0, 6), Find("carol")); // has no hive while he isn't logged on
+    EXPECT_EQ(NewIn(0, 6), Find("carol")); // has no hive while not logged on
     EXPECT_EQ("get user infor index failed", seeding::LogLines("trxpm.log").back());
     EXPECT_EQ(NewIn(0), Find("alice"));
 }
@@ -100,7 +100,7 @@ TEST_F(Users, TheSeventeenthUserTakesSlotTwo)
     EXPECT_EQ(NewIn(2), Find("alice"));
 }
 
-// The system's comparison takes these names for one; they are accounts of their own all the same.
+// The system's comparison takes these names for equal, but they are different accounts.
 TEST_F(Users, NamesThatReadTheSameAreDifferentUsers)
 {
     int slot = 0;
@@ -112,7 +112,7 @@ TEST_F(Users, NamesThatReadTheSameAreDifferentUsers)
     }
 }
 
-// Nobody is looked up, and nobody loses his slot, for a name that no account can have.
+// A name that no account can have is not looked up and takes no slot.
 TEST_F(Users, ANameHas256CharactersAtMost)
 {
     for (const std::size_t length : {257U, 1023U, 1500U})

@@ -22,7 +22,7 @@ protected:
     Host host;
 };
 
-TEST_F(WithoutHardware, WhatNeedsItFailsAndTheRestTellsOfNone)
+TEST_F(WithoutHardware, WhatNeedsItFailsAndTheRestReportsNone)
 {
     SYSTEM_POWER_STATUS status{};
     ASSERT_NE(0, GetSystemPowerStatus(&status));

@@ -65,7 +65,7 @@ TEST_F(HivesTest, TheCurrentUserIsTheRunningAccount)
     {
         EXPECT_EQ(name, RegistryEditor::ReadText("HKU\\" + SidOf(name) + "\\Software\\Mine", "Who")) << name;
     }
-    // Who has no hive loaded gets the default one, which is the service account's.
+    // An account without a loaded hive gets the default one, which is the service account's.
     Machine::RunAs(Notebook::kAbsentUser);
     EXPECT_EQ("SYSTEM", RegistryEditor::ReadText("HKCU\\Software\\Mine", "Who"));
     EXPECT_EQ("SYSTEM", RegistryEditor::ReadText("HKU\\.default\\Software\\Mine", "Who"));

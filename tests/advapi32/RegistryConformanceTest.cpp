@@ -4,7 +4,7 @@
 // and Windows itself are held to the same tables.
 //
 // Wine, on which the Windows build runs in the tests, differs where a row says what it does there: it orders
-// names by their small letters, so that "_" comes before them.
+// names by their lower-case letters, so that "_" comes before them.
 
 #include "RegistryScript.h"
 #include "support/Wine.h"
@@ -56,7 +56,7 @@ struct Case
     const char* onWine = nullptr;
 };
 
-// The registry functions answer their error and leave the last error alone, so each row looks at it too.
+// The registry functions return their error and leave the last error alone, so each row checks that, too.
 TEST_F(RegistryConformance, Scripts)
 {
     const Case rows[] = {
@@ -115,8 +115,8 @@ TEST_F(RegistryConformance, Scripts)
     }
 }
 
-// What a handle may do depends on the access that was asked for at opening, but the making and deleting of
-// subkeys doesn't.
+// What a handle may do depends on the access that was asked for at opening, but making and deleting subkeys
+// doesn't.
 TEST_F(RegistryConformance, AccessRights)
 {
     // get, set, drop, keys, make, delete
@@ -126,10 +126,10 @@ TEST_F(RegistryConformance, AccessRights)
         {"set", "5 0 0 5 new 0"},         {"enumerate", "5 5 5 Grand 259 new 0"},
         {"create", "5 5 5 5 new 0"},
     };
-    for (const auto& [access, told] : rows)
+    for (const auto& [access, expected] : rows)
     {
         Refresh();
-        EXPECT_EQ(told,
+        EXPECT_EQ(expected,
                   Play(m_key, "-make Child\\Grand; -hold Child all; -@set v x; -close; -hold Child " +
                                   access + "; @get v; @set v y; @drop v; @keys; @make New; @delete Grand"))
             << access;

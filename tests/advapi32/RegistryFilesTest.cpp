@@ -64,14 +64,14 @@ TEST_F(RegistryFilesTest, EachValueHasAReadableFormThatGivesItBack)
     {
         ASSERT_TRUE(RegistryEditor::Write(kKey, "v\"\\=]", value));
         EXPECT_EQ("\"v\\\"\\\\=]\"=" + text + '\n', Lines());
-        ASSERT_TRUE(WriteWhole(File(), *ReadWhole(File()))); // which is read anew
+        ASSERT_TRUE(WriteWhole(File(), *ReadWhole(File()))); // so that it is read again
         const std::optional<Value> read = RegistryEditor::Read(kKey, "V\"\\=]");
         ASSERT_TRUE(read) << text;
         EXPECT_TRUE(value.type == read->type && value.bytes == read->bytes) << text;
     }
 }
 
-TEST_F(RegistryFilesTest, AFileThatAnEditorOfTextsHasWritten)
+TEST_F(RegistryFilesTest, AFileWrittenByATextEditor)
 {
     ASSERT_TRUE(WriteWhole(File(),
                            "REGEDIT4\r\n\r\n; a remark\r\n[HKEY_LOCAL_MACHINE\\A\\b]\r\n@=\"x\"\r\n"

@@ -33,7 +33,7 @@ struct State
     {
         return index < words.size() ? words[index] : std::string();
     }
-    /// Null for "null"; good until the next text of the same place.
+    /// Null for "null"; valid until the next call for the same index.
     const wchar_t* Text(std::size_t index)
     {
         texts.at(index) = Wide(Word(index) == "''" ? std::string() : Word(index));
@@ -125,7 +125,7 @@ std::string Keys(State& state)
 
 using Word = std::string (*)(State& state);
 
-// A closed handle stays in `held`, for what is done with closed ones.
+// A closed handle stays in `held`, for tests of closed handles.
 const std::map<std::string, Word> kWords = {
     {"make", &Make},
     {"open", &Open},

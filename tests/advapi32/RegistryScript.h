@@ -18,7 +18,7 @@ namespace registry_script
 
 constexpr const wchar_t* kScratch = L"Software\\PmConformance";
 
-/// Runs a script on `key`; what its steps gave, with blanks between them.
+/// Runs a script on `key`. Returns the output of its steps, with blanks between them.
 std::string Play(HKEY key, const std::string& script);
 
 /// Deletes a key with all that is below it, when it is there.

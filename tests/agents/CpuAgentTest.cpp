@@ -119,7 +119,7 @@ TEST_F(CpuAgentTest, ImpossibleLevelsAndProcessorsAreRefused)
     const std::pair<Processor::Limits, const char*> processors[] = {
         {{6, 12, 0, 21}, "Cannot calucate VID."},   // no voltage at the lowest ratio
         {{12, 12, 10, 10}, "Cannot calucate VID."}, // a range of one ratio has no slope
-        {{12, 6, 10, 10}, "Invalid level 12."},     // nor has one upside down
+        {{12, 6, 10, 10}, "Invalid level 12."},     // nor has an inverted one
         {{0, 0, 10, 10}, "m_nMinCBR0,m_nMaxCBR0,m_nMinVID10,m_nMaxVID10"}, // nothing is tried
     };
     constexpr DWORD kStatus = Processor::kPerformanceStatus;

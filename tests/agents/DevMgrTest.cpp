@@ -59,7 +59,7 @@ protected:
     }
 };
 
-/// Shows what the configuration sets.
+/// Exposes what the configuration sets.
 struct Manager : CDevMgr
 {
     using CDevMgr::DoStateChangeRemote;
@@ -128,7 +128,7 @@ TEST_F(DevMgrTest, DevicesAreDescribedAndChangedByTheirNumber)
     EXPECT_THAT(Trace::CallsOf("LoadCursorW").front().arguments, testing::EndsWith("0x7F02"));
 }
 
-TEST_F(DevMgrTest, ChangeByInstanceIdPassesOverWhatCantBeDisabled)
+TEST_F(DevMgrTest, ChangeByInstanceIdSkipsWhatCantBeDisabled)
 {
     EXPECT_EQ(kSucceeded, CDevMgr::ExecStateChange(L"pci\\ven_10ec\\1", OrvlDeviceDisable));
     EXPECT_FALSE(Runs(kCard));
@@ -164,7 +164,7 @@ TEST_F(DevMgrTest, DescriptionIsLookedForDepthFirstIgnoringCase)
     EXPECT_EQ("Input buffer is too small for 15", NewLogLines().back());
 }
 
-TEST_F(DevMgrTest, ByDefaultTheServiceIsAskedForAsLongAsTheFileSays)
+TEST_F(DevMgrTest, ByDefaultTheServiceIsCalledWithTheConfiguredTimeout)
 {
     Manager manager;
     EXPECT_EQ(1000U, manager.m_nTimeout) << "until the file has been read";

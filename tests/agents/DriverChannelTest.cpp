@@ -1,6 +1,6 @@
 // agents/DriverChannelTest.cpp
 //
-// When the connection is opened and closed, who may be in the driver, and how its errors come back.
+// When the connection is opened and closed, that one thread is in the driver, and how errors are returned.
 
 #include "agents/AgentsTest.h"
 

@@ -68,9 +68,9 @@ TEST_F(DspxAgentTest, WordStandsForTheThreePolicies)
     EXPECT_THAT(NewLogLines(), testing::ElementsAre("Wrong level!"));
 }
 
-TEST_F(DspxAgentTest, FeatureThatTheDriverDoesntHaveIsPassedOverAndOtherFailuresEndTheWalk)
+TEST_F(DspxAgentTest, FeatureThatTheDriverLacksIsSkippedAndOtherFailuresEndTheLoop)
 {
-    // A copy has the driver's interface and handle too, but a share of COM of its own.
+    // A copy has the same driver interface and handle, but initialises COM for itself.
     CDspxAgent first;
     ASSERT_EQ(kSucceeded, first.Setup());
     CDspxAgent copy(first);
@@ -106,7 +106,7 @@ TEST_F(DspxAgentTest, FeatureThatTheDriverDoesntHaveIsPassedOverAndOtherFailures
     Leaks::Forget(); // the driver has kept the handle that it refused to close
 }
 
-TEST_F(DspxAgentTest, RefusedPowerInterfaceIsLetGo)
+TEST_F(DspxAgentTest, RefusedPowerInterfaceIsReleased)
 {
     CDspxAgent agent;
     for (const auto& [refusal, result, line] :

@@ -15,7 +15,7 @@ namespace
 
 constexpr PciAddress kBridge = {1, 30, 2};
 
-// Sections without their headers. Of a key that stands twice the first counts, so a change goes in front.
+// Sections without their headers. The first of two equal keys counts, so a change goes in front.
 const std::string kAddress = "Bus=1\nDevice=30\nFunction=2\n";
 const std::string kIdentification =
     "RegisterType=PCIConfig\nOffset=2\nValueSize=2\nValue=0x27B9\nName=Hub\n" + kAddress;

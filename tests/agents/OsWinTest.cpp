@@ -55,7 +55,7 @@ TEST_F(OsWinTest, CompositionIsSwitchedWhereTheSystemHasIt)
     EXPECT_THAT(NewLogLines(), testing::ElementsAre("Failed to get function in dwmapi.dll"));
 }
 
-TEST_F(OsWinTest, RegistryIsOnlyAskedWithWhatItNeeds)
+TEST_F(OsWinTest, RegistryIsOnlyCalledWithAllArguments)
 {
     wchar_t key[] = L"Software\\Kelvo\\ORVL";
     ULONG type = REG_DWORD;

@@ -96,7 +96,7 @@ TEST_F(Boards, OpeningNeedsACreatorOfThatInstanceAndResetClosesWhatWasOpen)
     EXPECT_EQ(kGeneralFailure, opener.Reset(L"B", kSize, 0, 0));
 }
 
-TEST_F(Boards, AFailingStepIsToldAndLeavesTheBoardClosedOrItsLockFree)
+TEST_F(Boards, AFailingStepIsReportedAndLeavesTheBoardClosedOrItsLockFree)
 {
     constexpr std::pair<const char*, const char*> kSteps[] = {
         {"InitializeSecurityDescriptor", "Cannot InitializeSecurityDescriptor for 0x8"},

@@ -105,7 +105,7 @@ TEST_F(ConfigurationFiles, HexadecimalNumbersNeedTheirPrefix)
     EXPECT_EQ(L'#', room[0]);
 }
 
-TEST_F(ConfigurationFiles, ProfileFilesComeIntoBeing)
+TEST_F(ConfigurationFiles, ProfileFilesAreCreated)
 {
     for (const auto& [where, isUser, folder] :
          {std::tuple{static_cast<const char*>(nullptr), 0, FolderOf({})},
@@ -166,7 +166,7 @@ TEST_F(ConfigurationFiles, FoldersAreBoundedByTheCallersRoom)
     EXPECT_EQ("none none", told(cfg.GetDllPath(folder, 0)) + ' ' + told(cfg.GetDllPath(nullptr, 24)));
 }
 
-TEST(EntryLimitTest, ALongListIsBelievedAsFarAsItsEntriesGo)
+TEST(EntryLimitTest, ALongListCountsAsFarAsItsEntriesGo)
 {
     EXPECT_EQ(1001, EntryLimit().Take(1001, [](int) { return true; }));
     EXPECT_EQ(3, EntryLimit().Take(1001, [](int entry) { return entry < 3; }));

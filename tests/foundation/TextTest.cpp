@@ -65,7 +65,7 @@ TEST(BoundedText, FormatCutsAtTheCapacity)
     }
 }
 
-TEST(BoundedText, ComparisonsTellCaseApartAsTheyPromise)
+TEST(BoundedText, ComparisonsTreatCaseAsDocumented)
 {
     // With the neighbours of the letters, and a pair that is equal to the system but of different length.
     constexpr std::tuple<const char*, const char*, bool, bool, bool> kCases[] = {

@@ -65,7 +65,7 @@ protected:
     ULONG m_pathSize = 0;
 };
 
-// What the way through the account database finds is in the transcripts.
+// The lookup through the account database is covered by the transcripts.
 TEST_F(UserLookup, ALoggedOnUserIsFoundByLogonName)
 {
     const std::string sid = Sid("alice");
@@ -81,7 +81,7 @@ TEST_F(UserLookup, ALoggedOnUserIsFoundByLogonName)
               seeding::LogLines("orvl.log").back());
 }
 
-TEST_F(UserLookup, FailuresAreToldInTheLog)
+TEST_F(UserLookup, FailuresAreLogged)
 {
     const std::string absent = "GetCurrentUserSubkeyProfilePath: open shell folder key " + Sid("carol") +
                                kShellFolders + " failed 2";
@@ -111,8 +111,8 @@ TEST_F(UserLookup, AnEmptyFolderLeavesThePathAlone)
     }
 }
 
-// Keys that stand before the user's in the order of names and lead to a hive with the user's logon name.
-TEST_F(UserLookup, TheWalkPassesOverWhatBelongsToNobody)
+// Keys that come before the user's in the order of names and lead to a hive with the user's logon name.
+TEST_F(UserLookup, TheSearchSkipsWhatBelongsToNobody)
 {
     const std::string hive = simulated::hives::Loaded(Sid("alice"));
     for (const auto& [name, isUser] :
@@ -129,7 +129,7 @@ TEST_F(UserLookup, TheWalkPassesOverWhatBelongsToNobody)
     EXPECT_EQ("S-1-5-18" + kPolicies, FindByLogon("system"));
 }
 
-TEST_F(UserLookup, TheWalkGoesOnAfterAFolderThatDoesntFit)
+TEST_F(UserLookup, TheSearchContinuesAfterAFolderThatDoesntFit)
 {
     const std::string first = std::min(Sid("alice"), Sid("bob"));
     const std::string second = std::max(Sid("alice"), Sid("bob"));

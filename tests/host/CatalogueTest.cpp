@@ -1,6 +1,6 @@
 // host/CatalogueTest.cpp
 //
-// The host's view of the commands beside the interface's own list, and the documents beside both.
+// Compares the host's view of the commands with the interface's own list, and the document with both.
 
 #include "CommandCatalogue.h"
 

@@ -84,7 +84,7 @@ TEST_F(ProfileProcessesTest, KilledWriterLeavesOldOrNew)
     EXPECT_TRUE(Write("number", "last")) << "a dead writer's lock held on";
 }
 
-// The plug-in's tests run as one who may write everywhere; these files have no bit that says so.
+// Natively the tests may run as root, which may write any file; the simulated file is read-only all the same.
 TEST_F(ProfileProcessesTest, ReadOnlyFilesStayAsTheyAre)
 {
     ASSERT_TRUE(Write("k", "1"));

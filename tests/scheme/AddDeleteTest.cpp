@@ -210,13 +210,13 @@ TEST_F(AddDelete, WhatARefusedOrFailedDeletionLeavesBehind)
     ASSERT_TRUE(SetActivePwrScheme(6, nullptr, nullptr));
     Run("delete 6 asUser -> 0");
 
-    // The scheme goes, section and entry stay.
+    // The scheme is deleted; section and entry stay.
     ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "PowerScheme", ""));
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(7, L"alice")); }),
                 ElementsAre("orvlScheme.Initialize(buffer) failed"));
     ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "PowerScheme", "PowerSchemes.ini"));
     EXPECT_EQ("0", Stored(7, "Wifi"));
-    // Scheme and section go, the entry stays, and the call reports success.
+    // Scheme and section are deleted, the entry stays, and the call reports success.
     ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "UserScheme", ""));
     Run("delete 8 asUser -> 1");
     EXPECT_EQ(kAbsent, Stored(8, "Wifi"));
@@ -229,7 +229,7 @@ TEST_F(AddDelete, WhatARefusedOrFailedDeletionLeavesBehind)
 
 std::vector<std::string> s_noted;
 
-// Notes each scheme; the walk ends at the one that the argument names.
+// Records each scheme; the enumeration ends at the one that the argument names.
 unsigned char CALLBACK Note(unsigned int number, ULONG nameSize, wchar_t* name, ULONG descriptionSize,
                             wchar_t* description, LONG last)
 {

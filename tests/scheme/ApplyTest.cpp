@@ -36,7 +36,7 @@ protected:
 };
 using VistaApply = OnVista<XpApply>;
 
-TEST_F(XpApply, TheServiceIsToldWhateverCanBeRead)
+TEST_F(XpApply, TheServiceIsNotifiedWhateverCanBeRead)
 {
     // Two threads agree on the time only in real time.
     Clock::SetInstant(false);

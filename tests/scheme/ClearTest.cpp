@@ -1,6 +1,6 @@
 // tests/scheme/ClearTest.cpp
 //
-// Clearing: what it takes from accounts that are logged on or not, and what its failures leave behind. The
+// Clearing: what it removes from accounts that are logged on or not, and what its failures leave behind. The
 // rest is pinned by the transcripts.
 
 #include "scheme/SchemeTest.h"
@@ -49,7 +49,7 @@ protected:
     }
 };
 
-TEST_F(Clearing, TakesTheKeysOfThoseWhoAreNotLoggedOn)
+TEST_F(Clearing, RemovesTheKeysOfAccountsThatAreNotLoggedOn)
 {
     ASSERT_TRUE(Notebook::AddStranger("dave"));
     ASSERT_TRUE(Notebook::LogOn("carol"));
@@ -102,7 +102,7 @@ TEST_F(Clearing, WhatFailuresLeaveBehind)
     EXPECT_EQ(6, Files());
 }
 
-TEST_F(Clearing, AnAccountThatCantBeReadIsPassedOver)
+TEST_F(Clearing, AnAccountThatCantBeReadIsSkipped)
 {
     ASSERT_TRUE(seeding::RemoveValue(
         HKEY_LOCAL_MACHINE, "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList\\" + SidOf("alice"),

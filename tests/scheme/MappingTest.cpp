@@ -1,6 +1,6 @@
 // tests/scheme/MappingTest.cpp
 //
-// The choice of the path, and the way from a scheme index to the operating system's scheme and back.
+// The choice of the back end, and the mapping of a scheme index to the operating system's scheme and back.
 
 #include "scheme/SchemeTest.h"
 
@@ -23,7 +23,7 @@ constexpr const char* kUnknownText = "{01234567-89AB-CDEF-0123-456789ABCDEF}";
 using XpMapping = SchemeTest;
 using VistaMapping = OnVista<SchemeTest>;
 
-TEST_F(XpMapping, MajorVersionSixAloneTakesTheVistaPath)
+TEST_F(XpMapping, MajorVersionSixAloneTakesTheVistaBackEnd)
 {
     for (const auto& [major, minor, vista] :
          {std::tuple{5U, 1U, 0}, std::tuple{6U, 0U, 1}, std::tuple{6U, 1U, 1}, std::tuple{10U, 0U, 0}})
@@ -99,7 +99,7 @@ TEST_F(VistaMapping, SchemesAreRowsAndHaveNoNames)
     Run("active 0 -> 0; delete 1 -> 0; find 1 -> 1");
 }
 
-TEST_F(VistaMapping, AStaleRowGoesWithAllThatItHolds)
+TEST_F(VistaMapping, AStaleRowIsRemovedWithAllThatItHolds)
 {
     ASSERT_TRUE(Store(2, "Wifi", "1"));
     ASSERT_TRUE(Store(2, "GUID", kUnknownText));

@@ -94,7 +94,7 @@ TEST_F(PresentState, AutoRunTakesBothEntriesOutAndRecordsAnyFlag)
                 ElementsAre("WriteAutoRunSettings: Write ORVA path into Run failed at 87"));
 }
 
-TEST_F(PresentState, BatteryItemsAreFoundByTheirConfiguredPlace)
+TEST_F(PresentState, BatteryItemsAreFoundAtTheirConfiguredOffset)
 {
     EXPECT_GT(engine.GetRemainBatPer(0), 0.0F);
     EXPECT_GT(engine.GetRemainingUsageTime(0), 0U);
@@ -149,7 +149,7 @@ TEST_F(PresentState, WithoutAStateThereIsNoBattery)
     EXPECT_EQ(0U, engine.GetCompleteTime(0) + engine.GetRemainingUsageTime(0) + engine.GetRemainCapacity(0));
 }
 
-TEST_F(PresentState, LiveDevicesGoByTheirVariablesName)
+TEST_F(PresentState, LiveDevicesHaveTheirVariablesName)
 {
     int status = 77;
     EXPECT_EQ(-1, engine.GetDeviceStatus(L"Nothing", &status));

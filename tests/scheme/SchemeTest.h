@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-/// What stands under a key that isn't there.
+/// What reading a missing key returns.
 constexpr const char* kAbsent = "(absent)";
 
 /// Row 1 of the reference installation.
@@ -75,7 +75,7 @@ protected:
         return FolderOf(user) + "\\OrvProfile.ini";
     }
 
-    /// What stands under a key of a scheme's section in the scheme values file.
+    /// The value of a key in a scheme's section of the scheme values file.
     static std::string Stored(int scheme, const std::string& key)
     {
         return seeding::GetKey(Values(), "Scheme " + std::to_string(scheme), key);

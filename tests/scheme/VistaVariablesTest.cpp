@@ -1,7 +1,7 @@
 // tests/scheme/VistaVariablesTest.cpp
 //
-// Single variables on the Vista path: settings of the operating system, packed copies, and the writes that
-// follow from a write.
+// Single variables on the Vista back end: settings of the operating system, packed copies, and the writes
+// that follow from a write.
 
 #include "scheme/SchemeTest.h"
 #include "scheme/VariableTable.h"

@@ -1,6 +1,6 @@
 // tests/scheme/XpVariablesTest.cpp
 //
-// Single variables on the XP path: where each lies, what a read leaves behind, what a write refuses.
+// Single variables on the XP back end: where each is stored, what a read leaves behind, what a write refuses.
 
 #include "scheme/SchemeTest.h"
 #include "scheme/VariableTable.h"
@@ -48,7 +48,7 @@ protected:
 
 TEST_F(XpVariables, StandbyAndHibernationShareTheirFields)
 {
-    // The catalogue's next time behind 1800 is 2700.
+    // The catalogue's next time after 1800 is 2700.
     Run("set 3 ac HibernateTimeOut = 0 -> 1; set 3 ac StandbyTimeOut = 600 -> 1; "
         "set 3 ac HibernateTimeOut = 1800 -> 1; get 3 ac HibernateTimeOut -> 1800; "
         "set 3 ac StandbyTimeOut = 1800 -> 1; get 3 ac hibernatetimeout -> 2700");
@@ -112,7 +112,7 @@ TEST_F(XpVariables, SpeedAndAdaptivePolicyChangeThreeFieldsTogether)
              { edited.user.ThrottlePolicyAc = policy; });
         Run("get 3 ac CpuSpeed -> 100");
     }
-    // The processor's range has no place here.
+    // The processor's range isn't stored here.
     Run("set 3 ac CpuSpeedMin = 50 -> 1; get 3 ac CpuSpeedMin -> -1");
 }
 

@@ -5,8 +5,8 @@
 # on one notebook, and compares what they print and how they end with what the file says below each line. With
 # UPDATE_TRANSCRIPTS in the environment it writes the present output into the file.
 #
-# Events come from a thread of their own, so those of one command line stand behind the rest of its output, sorted
-# by their names. Folders and addresses that differ from run to run are masked.
+# Events come from a thread of their own, so those of one command line come after the rest of its output, sorted by
+# name. Folders and addresses that differ from run to run are masked.
 set -uo pipefail
 project=$(cd "$(dirname "$0")/../.." && pwd)
 session=$(realpath "$2")

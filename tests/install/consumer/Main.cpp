@@ -1,6 +1,7 @@
 // install/consumer/Main.cpp
 //
-// Makes an object of every exported class, copies and assigns it, and asks its version through the base.
+// Makes an object of every exported class, copies and assigns it, and gets its version through the base
+// class.
 
 #include "agents/BatAgent.h"
 #include "agents/CpuAgent.h"
