@@ -168,9 +168,9 @@ bool Console::Pause(const Words& words)
 bool Console::Echo(const Words& words)
 {
     std::string line;
-    for (std::size_t place = 1; place < words.size(); ++place)
+    for (std::size_t index = 1; index < words.size(); ++index)
     {
-        line += (place == 1 ? "" : " ") + words[place];
+        line += (index == 1 ? "" : " ") + words[index];
     }
     Print(line + '\n');
     return true;

@@ -80,7 +80,7 @@ Payload BuildPayload(const RecordShape& shape, std::span<const std::string> word
     {
         if (field.kind == FieldKind::Number)
         {
-            std::memcpy(payload.bytes.data() + field.offset, &field.otherwise, sizeof field.otherwise);
+            std::memcpy(payload.bytes.data() + field.offset, &field.defaultValue, sizeof field.defaultValue);
         }
     }
 

@@ -38,9 +38,9 @@ constexpr std::size_t kWord = 4;
 constexpr std::int32_t kLeaveAlone = -1;
 
 constexpr Field Number(const char* name, std::size_t offset, std::span<const ValueName> names = {},
-                       const char* unit = "", std::int32_t otherwise = 0)
+                       const char* unit = "", std::int32_t defaultValue = 0)
 {
-    return {name, FieldKind::Number, offset, kWord, unit, names, otherwise};
+    return {name, FieldKind::Number, offset, kWord, unit, names, defaultValue};
 }
 
 constexpr Field Text(const char* name, std::size_t offset, std::size_t size)

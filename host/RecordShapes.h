@@ -33,7 +33,7 @@ struct Field
     std::size_t size;
     const char* unit;                 ///< empty where the number has none
     std::span<const ValueName> names; ///< empty where the value has no name
-    std::int32_t otherwise;           ///< what a payload holds when the caller doesn't give the field
+    std::int32_t defaultValue;        ///< what a payload holds when the caller doesn't give the field
 };
 
 /// A record: its size on the wire and its fields in order. A reply of kind "text" has size 0: it is as long

@@ -64,28 +64,28 @@ bool EqualIgnoringCase(std::string_view left, std::string_view right) noexcept
 std::optional<std::vector<std::string>> SplitWords(std::string_view line)
 {
     std::vector<std::string> words;
-    std::size_t place = 0;
+    std::size_t position = 0;
     for (;;)
     {
-        while (place < line.size() && IsBlank(line[place]))
+        while (position < line.size() && IsBlank(line[position]))
         {
-            ++place;
+            ++position;
         }
-        if (place == line.size() || line[place] == '#')
+        if (position == line.size() || line[position] == '#')
         {
             return words;
         }
         std::string word;
         bool quoted = false;
-        for (; place < line.size() && (quoted || !IsBlank(line[place])); ++place)
+        for (; position < line.size() && (quoted || !IsBlank(line[position])); ++position)
         {
-            if (line[place] != '"')
+            if (line[position] != '"')
             {
-                word += line[place];
+                word += line[position];
             }
-            else if (quoted && place + 1 < line.size() && line[place + 1] == '"')
+            else if (quoted && position + 1 < line.size() && line[position + 1] == '"')
             {
-                word += line[++place];
+                word += line[++position];
             }
             else
             {
