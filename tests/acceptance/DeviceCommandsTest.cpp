@@ -157,8 +157,8 @@ void Set(const Battery& battery)
 TEST_F(DeviceCommands, StatesInTheTwoBatteryReplies)
 {
     // State, percentage and time of the battery reply and of the power reply.
-    using Told = std::array<int, 3>;
-    const std::tuple<Battery, Told, Told> rows[] = {
+    using Reported = std::array<int, 3>;
+    const std::tuple<Battery, Reported, Reported> rows[] = {
         {{.powerState = 1}, {1, 80, -1}, {1, 80, -1}},
         {{.acLine = 0, .powerState = 2, .discharging = true}, {2, 80, 1234}, {2, 80, 1234}},
         {{.powerState = 4, .charging = true}, {4, 80, 3600}, {4, 80, 3600}},
@@ -175,10 +175,10 @@ TEST_F(DeviceCommands, StatesInTheTwoBatteryReplies)
         {{.acLine = 0, .batteryFlag = 128, .percent = 255, .powerState = 2}, {2, -1, -1}, {-1, -1, -1}},
         {{.powerState = 1, .statusKnown = false}, {0, 80, -1}, {-1, 80, -1}},
     };
-    const auto inWords = [](const Told& told)
+    const auto inWords = [](const Reported& reported)
     {
-        return "0 state=" + std::to_string(told[0]) + " percent=" + std::to_string(told[1]) +
-               " time=" + std::to_string(told[2]);
+        return "0 state=" + std::to_string(reported[0]) + " percent=" + std::to_string(reported[1]) +
+               " time=" + std::to_string(reported[2]);
     };
     for (const auto& [battery, info, power] : rows)
     {

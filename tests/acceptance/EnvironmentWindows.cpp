@@ -158,10 +158,10 @@ Holdings Held()
     GetProcessHandleCount(GetCurrentProcess(), &held.handles);
     HANDLE heaps[64];
     const DWORD count = GetProcessHeaps(static_cast<DWORD>(std::size(heaps)), heaps);
-    for (DWORD place = 0; place < count && place < std::size(heaps); ++place)
+    for (DWORD index = 0; index < count && index < std::size(heaps); ++index)
     {
         PROCESS_HEAP_ENTRY entry{};
-        while (HeapWalk(heaps[place], &entry) != 0)
+        while (HeapWalk(heaps[index], &entry) != 0)
         {
             held.heapBytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
         }

@@ -40,9 +40,9 @@ protected:
 
     static std::string NewIn(int slot, LONG code = 0)
     {
-        const std::string place = std::to_string(slot);
-        return std::to_string(code) + ", can't find subkey&path, find an empty one " + place +
-               ", set subkey&path at pos" + place + (code == 0 ? " succeed" : " failed");
+        const std::string number = std::to_string(slot);
+        return std::to_string(code) + ", can't find subkey&path, find an empty one " + number +
+               ", set subkey&path at pos" + number + (code == 0 ? " succeed" : " failed");
     }
     static std::string KnownIn(int slot)
     {

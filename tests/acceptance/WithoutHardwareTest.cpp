@@ -27,7 +27,7 @@ TEST_F(WithoutHardware, WhatNeedsItFailsAndTheRestReportsNone)
     SYSTEM_POWER_STATUS status{};
     ASSERT_NE(0, GetSystemPowerStatus(&status));
     ASSERT_TRUE(status.BatteryFlag == 255 || (status.BatteryFlag & 0x80) != 0) << "there is a battery";
-    const bool isOnMains = status.ACLineStatus == 1; // otherwise the driver is asked for the battery
+    const bool isOnAc = status.ACLineStatus == 1; // otherwise the driver is asked for the battery
     const std::tuple<const char*, const char*, const char*> rows[] = {
         {"GET_MAX_LCD_BRIGHTNESS", "", "6"},
         {"GET_LCD_BRIGHTNESS", "", "6"},
@@ -46,12 +46,12 @@ TEST_F(WithoutHardware, WhatNeedsItFailsAndTheRestReportsNone)
         {"GET_LAN_SPEED", "", "6"},
         {"SET_LAN_SPEED", "speed=1", "6"},
         {"GET_BATTERY_COUNT", "", "0 count=0"},
-        {"GET_POWER_INFO", "", isOnMains ? "0 state=1 percent=-1 time=-1" : "0 state=-1 percent=-1 time=-1"},
+        {"GET_POWER_INFO", "", isOnAc ? "0 state=1 percent=-1 time=-1" : "0 state=-1 percent=-1 time=-1"},
         {"GET_BATTERY_INFO", "battery=0",
-         isOnMains ? "0 state=1 percent=-1 time=-1 designed=0 fullCharged=0 chemistry=\"\" extended0=0 "
-                     "extended1=0 extended2=0"
-                   : "6 state=0 percent=0 time=0 designed=0 fullCharged=0 chemistry=\"\" extended0=0 "
-                     "extended1=0 extended2=0"},
+         isOnAc ? "0 state=1 percent=-1 time=-1 designed=0 fullCharged=0 chemistry=\"\" extended0=0 "
+                  "extended1=0 extended2=0"
+                : "6 state=0 percent=0 time=0 designed=0 fullCharged=0 chemistry=\"\" extended0=0 "
+                  "extended1=0 extended2=0"},
     };
     for (const auto& [command, fields, outcome] : rows)
     {

@@ -26,9 +26,9 @@ class DspxAgentTest : public AgentsTest
 protected:
     static void UsePolicies(const Policies& policies)
     {
-        for (std::size_t place = 0; place < policies.size(); ++place)
+        for (std::size_t index = 0; index < policies.size(); ++index)
         {
-            Graphics::SetPolicy(kNames[place], policies[place]);
+            Graphics::SetPolicy(kNames[index], policies[index]);
         }
     }
     static Policies Present()

@@ -35,7 +35,7 @@ namespace
 {
 
 // The steps of one run.
-class Protocol
+class StepLog
 {
 public:
     // The results by reference: the first one's call fills in the others.
@@ -69,16 +69,16 @@ public:
 
     // The first step that isn't as in `good`, with the last line that is new in its log, and how many others
     // aren't. Empty for no difference.
-    std::string Effect(const Protocol& good) const
+    std::string Effect(const StepLog& good) const
     {
         std::string effect;
         int others = -1;
-        for (std::size_t place = 0; place < m_steps.size(); ++place)
+        for (std::size_t index = 0; index < m_steps.size(); ++index)
         {
-            const std::string wanted = place < good.m_steps.size() ? good.m_steps[place] : "";
-            if (m_steps[place] != wanted && others++ < 0)
+            const std::string wanted = index < good.m_steps.size() ? good.m_steps[index] : "";
+            if (m_steps[index] != wanted && others++ < 0)
             {
-                std::istringstream lines(m_steps[place]);
+                std::istringstream lines(m_steps[index]);
                 std::getline(lines, effect);
                 std::string news;
                 for (std::string line; std::getline(lines, line);)
@@ -112,7 +112,7 @@ private:
     std::vector<std::string> m_steps;
 };
 
-void UseBatteries(Protocol& run)
+void UseBatteries(StepLog& run)
 {
     BATTERY_INFORMATION info = {};
     BATTERY_STATUS status = {};
@@ -133,7 +133,7 @@ void UseBatteries(Protocol& run)
     run("Cleanup", agent.Cleanup());
 }
 
-void UseDevices(Protocol& run)
+void UseDevices(StepLog& run)
 {
     wchar_t id[64] = {};
     ULONG status = 0;
@@ -151,7 +151,7 @@ void UseDevices(Protocol& run)
     run("(cursor)", Cursor::Shown());
 }
 
-void UseAdapter(Protocol& run)
+void UseAdapter(StepLog& run)
 {
     CLanAgent adapter;
     run("Initialize", adapter.Initialize());
@@ -166,7 +166,7 @@ void UseAdapter(Protocol& run)
     run("GetWLANConnectStatus", adapter.GetWLANConnectStatus());
 }
 
-void UseProcessor(Protocol& run)
+void UseProcessor(StepLog& run)
 {
     CCpuAgent processor;
     run("SetEblLevel(40)", processor.SetEblLevel(40));
@@ -175,7 +175,7 @@ void UseProcessor(Protocol& run)
     run("GetEblLevel", processor.GetEblLevel());
 }
 
-void UseGraphics(Protocol& run)
+void UseGraphics(StepLog& run)
 {
     CDspxAgent graphics;
     run("SetEblLevel", graphics.SetEblLevel(0));
@@ -186,7 +186,7 @@ void UseGraphics(Protocol& run)
     run("Cleanup", graphics.Cleanup());
 }
 
-void UseHardware(Protocol& run)
+void UseHardware(StepLog& run)
 {
     unsigned __int64 value = 0x0102030405060708;
     DWORD data = 0x1111;
@@ -212,7 +212,7 @@ void UseHardware(Protocol& run)
     run("UnmapMemorySpace", hardware.UnmapMemorySpace(mapping));
 }
 
-void UseChipset(Protocol& run)
+void UseChipset(StepLog& run)
 {
     int disabled = 5;
     CHwSBX chipset;
@@ -227,7 +227,7 @@ void UseChipset(Protocol& run)
 }
 
 // What all classes have in common, and the tuners without a function.
-void UseTuners(Protocol& run)
+void UseTuners(StepLog& run)
 {
     CEblTuner any;
     CDisplayAgent display;
@@ -274,13 +274,13 @@ protected:
                            bit + "[InPorts]\nRegisterType=IO\nValueOffset=0x1080\n" + base + "0xF8\n" + bit);
     }
 
-    static Protocol ProtocolOf(void (*use)(Protocol&))
+    static StepLog StepsOf(void (*use)(StepLog&))
     {
         NewLogLines();
         NewDriverInputs();
         SetLastError(ERROR_SUCCESS);
         Trace::Clear();
-        Protocol run;
+        StepLog run;
         use(run);
         if (const unsigned held = Leaks::Count(); held != 0)
         {
@@ -290,27 +290,27 @@ protected:
         return run;
     }
 
-    static void Sweep(const char* agent, void (*use)(Protocol&))
+    static void Sweep(const char* agent, void (*use)(StepLog&))
     {
         Snapshot snapshot(Machine::Folder());
-        ProtocolOf(use); // fills the table of device objects
+        StepsOf(use); // fills the table of device objects
         EXPECT_TRUE(snapshot.Restore());
-        const Protocol good = ProtocolOf(use);
+        const StepLog good = StepsOf(use);
         const std::vector<TracedCall> calls = Trace::Calls();
         FailureRows rows;
         std::map<std::string, unsigned> ordinals;
-        for (std::size_t place = 0; place < calls.size(); ++place)
+        for (std::size_t index = 0; index < calls.size(); ++index)
         {
-            const std::string& function = calls[place].function;
+            const std::string& function = calls[index].function;
             const std::string name = function + ' ' + std::to_string(++ordinals[function]);
-            if (IsOfLog(calls, place) || function.starts_with("GetPrivateProfile"))
+            if (IsOfLog(calls, index) || function.starts_with("GetPrivateProfile"))
             {
                 continue;
             }
             SCOPED_TRACE(name);
             ASSERT_TRUE(snapshot.Restore());
-            Faults::Inject("*", static_cast<unsigned>(place + 1), ERROR_GEN_FAILURE);
-            rows.Add(name, ProtocolOf(use).Effect(good));
+            Faults::Inject("*", static_cast<unsigned>(index + 1), ERROR_GEN_FAILURE);
+            rows.Add(name, StepsOf(use).Effect(good));
             EXPECT_TRUE(Faults::AllHit());
             Faults::Clear();
         }

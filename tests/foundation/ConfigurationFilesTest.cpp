@@ -146,24 +146,24 @@ TEST_F(ConfigurationFiles, AProfileFileWithoutAFolderFails)
 
 TEST_F(ConfigurationFiles, FoldersAreBoundedByTheCallersRoom)
 {
-    const auto told = [](const wchar_t* answer) { return answer == nullptr ? "none" : Utf8(answer); };
+    const auto shown = [](const wchar_t* answer) { return answer == nullptr ? "none" : Utf8(answer); };
     CORVLProfile file;
     wchar_t folder[text::kPathCapacity];
-    EXPECT_EQ(FolderOf({}), told(file.GetHomePath(folder, static_cast<int>(std::size(folder)))));
+    EXPECT_EQ(FolderOf({}), shown(file.GetHomePath(folder, static_cast<int>(std::size(folder)))));
     folder[10] = L'#';
-    EXPECT_EQ(FolderOf({}).substr(0, 9), told(file.GetHomePath(folder, 10)));
+    EXPECT_EQ(FolderOf({}).substr(0, 9), shown(file.GetHomePath(folder, 10)));
     EXPECT_EQ(L'#', folder[10]);
-    EXPECT_EQ("none none", told(file.GetHomePath(folder, 0)) + ' ' + told(file.GetHomePath(nullptr, 10)));
+    EXPECT_EQ("none none", shown(file.GetHomePath(folder, 0)) + ' ' + shown(file.GetHomePath(nullptr, 10)));
     ASSERT_TRUE(simulated::host_files::RemoveAll(
         simulated::Machine::PathOf(simulated::profiles::PartOf(seeding::LocalAppData()))));
-    EXPECT_EQ("none", told(file.GetHomePath(folder, 260))) << "an account without the folder";
+    EXPECT_EQ("none", shown(file.GetHomePath(folder, 260))) << "an account without the folder";
     // The folder of the installation's module, and its parent.
-    EXPECT_EQ("none none", told(cfg.GetDllPath(folder, 260)) + ' ' + told(cfg.GetHomePath(folder, 260)));
+    EXPECT_EQ("none none", shown(cfg.GetDllPath(folder, 260)) + ' ' + shown(cfg.GetHomePath(folder, 260)));
     ASSERT_TRUE(simulated::Machine::Write("Modules", "ORVLDLL.DLL", "C:\\ORVL\\Bin\\ORVLDLL.DLL"));
-    EXPECT_EQ("C:\\ORVL\\Bin", told(cfg.GetDllPath(folder, 24)));
-    EXPECT_EQ("C:\\ORVL", told(cfg.GetHomePath(folder, 24)));
-    EXPECT_EQ("none", told(cfg.GetDllPath(folder, 23))) << "the module's own name doesn't fit";
-    EXPECT_EQ("none none", told(cfg.GetDllPath(folder, 0)) + ' ' + told(cfg.GetDllPath(nullptr, 24)));
+    EXPECT_EQ("C:\\ORVL\\Bin", shown(cfg.GetDllPath(folder, 24)));
+    EXPECT_EQ("C:\\ORVL", shown(cfg.GetHomePath(folder, 24)));
+    EXPECT_EQ("none", shown(cfg.GetDllPath(folder, 23))) << "the module's own name doesn't fit";
+    EXPECT_EQ("none none", shown(cfg.GetDllPath(folder, 0)) + ' ' + shown(cfg.GetDllPath(nullptr, 24)));
 }
 
 TEST(EntryLimitTest, ALongListCountsAsFarAsItsEntriesGo)

@@ -24,9 +24,9 @@ struct Target
     {
         std::fill(std::begin(text), std::end(text), kUntouched);
     }
-    bool IsUntouchedFrom(std::size_t place) const
+    bool IsUntouchedFrom(std::size_t position) const
     {
-        return std::all_of(text + place, std::end(text), [](wchar_t unit) { return unit == kUntouched; });
+        return std::all_of(text + position, std::end(text), [](wchar_t unit) { return unit == kUntouched; });
     }
 };
 

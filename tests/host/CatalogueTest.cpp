@@ -34,10 +34,10 @@ std::string RowFrom(const std::string& document, const std::string& name)
     std::istringstream lines(document);
     for (std::string line; std::getline(lines, line);)
     {
-        const std::size_t place = line.find('`' + name + '`');
-        if (line.starts_with("| `") && place < line.find(" |"))
+        const std::size_t position = line.find('`' + name + '`');
+        if (line.starts_with("| `") && position < line.find(" |"))
         {
-            return line.substr(place + name.size() + 2);
+            return line.substr(position + name.size() + 2);
         }
     }
     return "";

@@ -95,17 +95,17 @@ TEST_F(AddDelete, AnEntryKeepsItsNameAlsoWhenItMoves)
     {
         EXPECT_EQ(1, engine.AddtoUserScheme(seeding::Wide(name).data(), L"alice", number++));
     }
-    for (const int place : {1, 0})
+    for (const int index : {1, 0})
     {
         number = 100;
         for (const auto& [name, quoted] : rows)
         {
             const std::string text = quoted ? '"' + name + '"' : name;
-            const std::string key = "SchemeName" + std::to_string(number - 100 + place) + '=';
+            const std::string key = "SchemeName" + std::to_string(number - 100 + index) + '=';
             EXPECT_THAT(seeding::ReadBytes(Users()).value_or(""), testing::HasSubstr(key + text + "\r\n"));
             EXPECT_EQ(number++, engine.FindPwrScheme(seeding::Wide(name).data(), L"alice")) << name;
         }
-        EXPECT_EQ(place, engine.DeletePwrScheme(6, L"alice"));
+        EXPECT_EQ(index, engine.DeletePwrScheme(6, L"alice"));
     }
     const auto before = seeding::ReadBytes(Users());
     EXPECT_EQ(-1, engine.AddtoUserScheme(L"a\nNumber=9", L"alice", 200));

@@ -61,7 +61,7 @@ TEST_F(VistaDamagedFiles, GarbageReadsAsNothing)
 }
 
 /// How often the profile functions are called while `work` runs.
-unsigned LooksOf(const std::function<void()>& work)
+unsigned ProfileCallsOf(const std::function<void()>& work)
 {
     Trace::Clear();
     work();
@@ -91,12 +91,12 @@ TEST_F(VistaDamagedFiles, CountsWithoutEntriesEndSoon)
 {
     Trace::Record(false);
     ASSERT_TRUE(seeding::SetKey(kCatalogue, "Wifi", "OptionNumber", kHuge));
-    EXPECT_EQ(1002U, LooksOf([&] { EXPECT_EQ(0, engine.ValidateData(L"Wifi", 77)); }));
+    EXPECT_EQ(1002U, ProfileCallsOf([&] { EXPECT_EQ(0, engine.ValidateData(L"Wifi", 77)); }));
     ASSERT_TRUE(seeding::SetKey(Users(), SidOf("alice"), "Number", kHuge));
-    EXPECT_EQ(3U, LooksOf([&] { EXPECT_EQ(-1, engine.FindPwrScheme(L"name", L"alice")); }));
+    EXPECT_EQ(3U, ProfileCallsOf([&] { EXPECT_EQ(-1, engine.FindPwrScheme(L"name", L"alice")); }));
     ASSERT_TRUE(seeding::SetKey(Values(), "Schemes", "SchemeMaxIndex", kHuge));
     const GUID unknown{};
-    EXPECT_EQ(5004U, LooksOf([&] { EXPECT_EQ(-1, engine.SchemeGuidToIndex(&unknown)); }));
+    EXPECT_EQ(5004U, ProfileCallsOf([&] { EXPECT_EQ(-1, engine.SchemeGuidToIndex(&unknown)); }));
 }
 
 // A list whose end can't be reached gets no further entry, which would cut off what lies behind.
@@ -127,9 +127,9 @@ TEST_F(XpDamagedFiles, AProductOfCountsEndsSoon)
         sections += "[U" + number + "]\r\nNumber=1000\r\n";
     }
     ASSERT_TRUE(seeding::WriteBytes(Users(), list + sections));
-    EXPECT_EQ(10033U, LooksOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(42, L"alice")); }));
+    EXPECT_EQ(10033U, ProfileCallsOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(42, L"alice")); }));
     Faults::Inject("DeletePwrScheme", 1, ERROR_ACCESS_DENIED, true);
-    EXPECT_EQ(10005U, LooksOf([&] { EXPECT_EQ(1, engine.ClearPwrSchemes()); }));
+    EXPECT_EQ(10005U, ProfileCallsOf([&] { EXPECT_EQ(1, engine.ClearPwrSchemes()); }));
     EXPECT_EQ(kAbsent, seeding::GetKey(Users(), "U8", "Number"));
     EXPECT_EQ("1000", seeding::GetKey(Users(), "U10", "Number"));
 }

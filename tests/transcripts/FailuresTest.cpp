@@ -36,14 +36,14 @@ std::vector<Candidate> CandidatesOf(const std::vector<TracedCall>& calls)
     std::vector<Candidate> candidates;
     std::map<std::string, unsigned> ordinals;
     std::set<const void*> sites;
-    for (std::size_t place = 0; place < calls.size(); ++place)
+    for (std::size_t index = 0; index < calls.size(); ++index)
     {
-        const TracedCall& call = calls[place];
+        const TracedCall& call = calls[index];
         const unsigned ordinal = ++ordinals[call.function];
-        if (!IsOfLog(calls, place) && sites.insert(call.site).second)
+        if (!IsOfLog(calls, index) && sites.insert(call.site).second)
         {
             candidates.push_back(
-                {static_cast<unsigned>(place + 1), call.function + ' ' + std::to_string(ordinal)});
+                {static_cast<unsigned>(index + 1), call.function + ' ' + std::to_string(ordinal)});
         }
     }
     return candidates;

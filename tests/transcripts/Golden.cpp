@@ -51,11 +51,11 @@ void CompareWithGolden(const std::string& file, const std::string& text)
     }
 }
 
-bool IsOfLog(const std::vector<TracedCall>& calls, std::size_t place)
+bool IsOfLog(const std::vector<TracedCall>& calls, std::size_t index)
 {
     const auto isLog = [&](std::size_t which) { return calls[which].callClass == CallClass::Log; };
     // A line is converted right after its file has been opened.
-    return isLog(place) || (place > 0 && calls[place].function == "WideCharToMultiByte" && isLog(place - 1));
+    return isLog(index) || (index > 0 && calls[index].function == "WideCharToMultiByte" && isLog(index - 1));
 }
 
 void FailureRows::Add(const std::string& call, const std::string& effect)

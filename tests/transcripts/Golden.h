@@ -14,7 +14,7 @@
 void CompareWithGolden(const std::string& file, const std::string& text);
 
 /// True for a log's own calls, whose failure shows in the log alone.
-bool IsOfLog(const std::vector<simulated::TracedCall>& calls, std::size_t place);
+bool IsOfLog(const std::vector<simulated::TracedCall>& calls, std::size_t index);
 
 /// The calls that have the same effect when they fail, and the effect.
 class FailureRows

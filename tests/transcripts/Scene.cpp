@@ -89,12 +89,12 @@ std::string Counts()
 {
     std::string text;
     const auto counts = Trace::Counts();
-    for (std::size_t place = 0; place < counts.size(); ++place)
+    for (std::size_t index = 0; index < counts.size(); ++index)
     {
-        if (counts[place] != 0)
+        if (counts[index] != 0)
         {
-            text += (text.empty() ? "" : ", ") + std::string(Name(static_cast<CallClass>(place))) + ' ' +
-                    std::to_string(counts[place]);
+            text += (text.empty() ? "" : ", ") + std::string(Name(static_cast<CallClass>(index))) + ' ' +
+                    std::to_string(counts[index]);
         }
     }
     return text;

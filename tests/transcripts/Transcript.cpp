@@ -33,10 +33,10 @@ std::string WithNames(std::string text)
     static const std::vector<simulated::Account> accounts = simulated::Accounts::All();
     for (const simulated::Account& account : accounts)
     {
-        for (std::size_t place = text.find(account.sid); place != std::string::npos;
-             place = text.find(account.sid))
+        for (std::size_t position = text.find(account.sid); position != std::string::npos;
+             position = text.find(account.sid))
         {
-            text.replace(place, account.sid.size(), '(' + account.name + ')');
+            text.replace(position, account.sid.size(), '(' + account.name + ')');
         }
     }
     return text;
@@ -74,13 +74,13 @@ std::string Neutral(std::string line)
 // its own; a blank at an end is shown.
 void AddLog(std::vector<std::string>& lines, const char* heading, const std::vector<std::string>& log)
 {
-    for (std::size_t place = 0; place < log.size(); ++place)
+    for (std::size_t index = 0; index < log.size(); ++index)
     {
-        std::string line = Neutral(log[place]);
-        if (place + 1 < log.size() && log[place + 1].empty())
+        std::string line = Neutral(log[index]);
+        if (index + 1 < log.size() && log[index + 1].empty())
         {
             line += "\\n";
-            ++place;
+            ++index;
         }
         Add(lines, heading, line.ends_with(' ') ? line + '$' : line);
     }

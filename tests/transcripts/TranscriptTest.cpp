@@ -55,24 +55,24 @@ const std::map<std::string, std::string>& Texts()
         std::map<std::string, std::string> made;
         const std::vector<Rendered> xp = RenderOn(5);
         const std::vector<Rendered> vista = RenderOn(6);
-        std::size_t place = 0;
+        std::size_t index = 0;
         for (const Sample& sample : Samples())
         {
             std::string& text = made[sample.command];
             text += (text.empty() ? "" : "\n") + Title(sample);
-            if (xp[place].lines == vista[place].lines)
+            if (xp[index].lines == vista[index].lines)
             {
-                Add(text, "5.1 and 6.0\n", xp[place]);
-                text += CallsLine("calls 5.1 ", xp[place]) + CallsLine("calls 6.0 ", vista[place]);
+                Add(text, "5.1 and 6.0\n", xp[index]);
+                text += CallsLine("calls 5.1 ", xp[index]) + CallsLine("calls 6.0 ", vista[index]);
             }
             else
             {
-                Add(text, "5.1\n", xp[place]);
-                text += CallsLine("calls     ", xp[place]);
-                Add(text, "6.0\n", vista[place]);
-                text += CallsLine("calls     ", vista[place]);
+                Add(text, "5.1\n", xp[index]);
+                text += CallsLine("calls     ", xp[index]);
+                Add(text, "6.0\n", vista[index]);
+                text += CallsLine("calls     ", vista[index]);
             }
-            ++place;
+            ++index;
         }
         return made;
     }();

@@ -23,9 +23,9 @@ std::vector<std::byte> Bytes(const std::string& text)
         const std::size_t star = word.find('*');
         const std::size_t count = star == std::string::npos ? 1 : std::stoul(word);
         const std::string digits = star == std::string::npos ? word : word.substr(star + 1);
-        for (std::size_t place = 0; place < digits.size() * count; place += 2)
+        for (std::size_t position = 0; position < digits.size() * count; position += 2)
         {
-            bytes.push_back(std::byte(std::stoul(digits.substr(place % digits.size(), 2), nullptr, 16)));
+            bytes.push_back(std::byte(std::stoul(digits.substr(position % digits.size(), 2), nullptr, 16)));
         }
     }
     return bytes;
