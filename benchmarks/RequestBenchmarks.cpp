@@ -179,12 +179,12 @@ void ConfigRequestsShareOfThePlatform(benchmark::State& state)
 BENCHMARK(ConfigRequestsShareOfThePlatform);
 
 // What every scheme command costs for a known user.
-void SchemeFrame(benchmark::State& state)
+void SchemeCommandOverhead(benchmark::State& state)
 {
     Request request("INIT_CFG_FILE");
     Send(state, request, TRX_OPERATION_OK);
 }
-BENCHMARK(SchemeFrame);
+BENCHMARK(SchemeCommandOverhead);
 
 void QueryWholeScheme(benchmark::State& state)
 {

@@ -22,7 +22,7 @@ namespace
 
 constexpr std::uint32_t kDefaultWait = 5000;
 
-constexpr std::size_t kWordWidth = 17;
+constexpr std::size_t kUsageWidth = 17;
 
 } // namespace
 
@@ -104,7 +104,7 @@ int Console::Run(const Words& words)
 }
 
 // A command of the host itself: its usage, how many words its line may have, what it does.
-struct Console::OwnWord
+struct Console::OwnCommand
 {
     const char* name;
     const char* otherName; // the same again where it has none
@@ -115,10 +115,10 @@ struct Console::OwnWord
     const char* help;
 };
 
-std::span<const Console::OwnWord> Console::OwnWords()
+std::span<const Console::OwnCommand> Console::OwnCommands()
 {
     constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
-    static constexpr OwnWord kOwnWords[] = {
+    static constexpr OwnCommand kOwnCommands[] = {
         {"list", "list", 1, 1, &Console::List, "list", "all commands with payload and reply"},
         {"user", "user", 2, 2, &Console::SetUser, "user NAME",
          "the account for which the next requests are made"},
@@ -129,7 +129,7 @@ std::span<const Console::OwnWord> Console::OwnWords()
         {"help", "?", 1, 1, &Console::Help, "help", "this text"},
         {"quit", "exit", 1, 1, &Console::Quit, "quit", "ends"},
     };
-    return kOwnWords;
+    return kOwnCommands;
 }
 
 bool Console::List(const Words&)
@@ -183,11 +183,11 @@ bool Console::Help(const Words&)
         "  GET_INT_FROM_CONFIG type=0 file=ORVLCfg.ini section=ORVLCfg item=MaxBrightLevel default=7\n"
         "  APPLY_SCHEME 3\n"
         "Words of the host's own:\n";
-    for (const OwnWord& word : OwnWords())
+    for (const OwnCommand& command : OwnCommands())
     {
-        std::string usage = word.usage;
-        usage.resize(std::max(usage.size(), kWordWidth), ' ');
-        text += "  " + usage + word.help + '\n';
+        std::string usage = command.usage;
+        usage.resize(std::max(usage.size(), kUsageWidth), ' ');
+        text += "  " + usage + command.help + '\n';
     }
     Print(text);
     return true;
@@ -201,7 +201,7 @@ bool Console::Quit(const Words&)
 
 bool Console::RunLine(const Words& words)
 {
-    for (const OwnWord& own : OwnWords())
+    for (const OwnCommand& own : OwnCommands())
     {
         if (words.front() != own.name && words.front() != own.otherName)
         {

@@ -36,8 +36,8 @@ public:
     int RunLines(std::istream& lines, const std::string& prompt);
 
 private:
-    struct OwnWord;
-    static std::span<const OwnWord> OwnWords();
+    struct OwnCommand;
+    static std::span<const OwnCommand> OwnCommands();
 
     // The host's own commands. False, with a message, for a malformed line or a wait that timed out.
     bool List(const Words& words);

@@ -32,7 +32,7 @@ void ServeOne(Boards& boards, const Options& options)
         std::printf("  left without an answer\n");
         return;
     }
-    const Answer answer = options.refuse ? FailureNotice(kGeneralFailure) : Carry(request);
+    const Answer answer = options.refuse ? FailureNotice(kGeneralFailure) : CarryOut(request);
     if (options.slowMilliseconds != 0)
     {
         Sleep(options.slowMilliseconds);

@@ -71,7 +71,7 @@ struct Service
 {
     DWORD code;
     const char* name;
-    Answer (*carry)(const Request& request);
+    Answer (*carryOut)(const Request& request);
 };
 
 constexpr Service kServices[] = {
@@ -121,7 +121,7 @@ Answer FailureNotice(LONG reason) noexcept
     return {kFailure, static_cast<DWORD>(reason)};
 }
 
-Answer Carry(const Request& request)
+Answer CarryOut(const Request& request)
 {
     const Service* service = Find(request.code);
     if (service == nullptr)
@@ -134,7 +134,7 @@ Answer Carry(const Request& request)
         std::printf("  the text doesn't fit the board or doesn't end\n");
         return FailureNotice(kBadArgument);
     }
-    return service->carry(request);
+    return service->carryOut(request);
 }
 
 void Print(const Request& request)

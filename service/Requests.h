@@ -9,7 +9,7 @@ namespace service
 {
 
 /// Carries `request` out and prints the outcome.
-Answer Carry(const Request& request);
+Answer CarryOut(const Request& request);
 
 /// A failure notice with its reason.
 Answer FailureNotice(LONG reason) noexcept;
