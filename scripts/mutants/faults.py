@@ -28,9 +28,9 @@ CALL = re.compile(r'^\s*[\w:.>\[\]-]+\([^;]*\);\s*$')
 ASSIGNMENT = re.compile(r'^\s*[\w.>\[\]-]+ = [^;]*;\s*$')
 RETURN = re.compile(r'^(\s*(?:if \(.*\) |else )?return) ([^;]+);\s*$')
 ARRAY = re.compile(r'^\s*(?:static |constexpr |const )*[\w:]+ \w+\[')
-CAPACITY = re.compile(r'\bk\w*(?:Capacity|Chars|Room)\b')
+CAPACITY = re.compile(r'\bk\w*(?:Capacity|Chars|Room)\b|\bFormatted<')
 DECLARED_VALUE = re.compile(r'^\s*(?!const|static|return|using)[\w:]+\*? (\w+)(?: = |\{)')
-SYMMETRIC = re.compile(r'(?:Equal\w*|WrappingSum|WrappingProduct|min|max|\(std::min\)|\(std::max\))\($')
+SYMMETRIC = re.compile(r'(?:Equal\w*|AreUsable|WrappingSum|WrappingProduct|min|max|\(std::min\)|\(std::max\))\($')
 NOT_CODE = re.compile(r'^\s*(?:static_assert|template|namespace|using |class |struct |enum |public|private|friend|extern|case .*:$)')
 
 

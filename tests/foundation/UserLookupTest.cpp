@@ -45,10 +45,9 @@ protected:
     {
         m_pathSize = room;
         CORVLCfg anyObject;
-        return anyObject.GetCurrentUserSubkeyProfilePath(Wide(user).data(), m_subKey, nullptr, m_path,
-                                                         &m_pathSize) == 0
-                   ? ""
-                   : Utf8(m_subKey);
+        const int found = anyObject.GetCurrentUserSubkeyProfilePath(Wide(user).data(), m_subKey, nullptr,
+                                                                    m_path, &m_pathSize);
+        return found == 1 ? Utf8(m_subKey) : found == 0 ? "" : "another result";
     }
 
     static std::string Sid(const char* user)

@@ -12,6 +12,7 @@
 #include <algorithm>
 
 using namespace simulated;
+using testing::Contains;
 using testing::ElementsAre;
 
 namespace
@@ -220,6 +221,11 @@ TEST_F(AddDelete, WhatARefusedOrFailedDeletionLeavesBehind)
     ASSERT_TRUE(seeding::SetKey(kRoot, "ORVLCfg", "UserScheme", ""));
     Run("delete 8 asUser -> 1");
     EXPECT_EQ(kAbsent, Stored(8, "Wifi"));
+    const std::vector<std::string> lines =
+        LinesOf([&] { EXPECT_EQ(-1, engine.AddtoUserScheme(L"unlisted", L"alice", 9)); });
+    EXPECT_THAT(lines, Contains("AddtoUserList: initialize the user scheme cfg file failed"));
+    EXPECT_EQ("initialize the user scheme cfg file failed", lines.back());
+    EXPECT_EQ(-1, engine.AddtoUserList(L"alice"));
     seeding::Remove(kRoot);
     EXPECT_THAT(LinesOf([&] { EXPECT_EQ(0, engine.DeletePwrScheme(9)); }),
                 ElementsAre("orvlCfg.Initialize finished"));

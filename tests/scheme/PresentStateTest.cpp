@@ -146,6 +146,8 @@ TEST_F(PresentState, WithoutAStateThereIsNoBattery)
     EXPECT_EQ(0, engine.GetBatteryStatus(0, status));
     Faults::Inject("SetupDiGetClassDevsW", 1, ERROR_ACCESS_DENIED, true);
     EXPECT_EQ(-1, engine.GetBatteryStatus(0, status));
+    _BATTERY_INFORMATION info{};
+    EXPECT_EQ(0, engine.GetBatteryInfo(0, info));
     EXPECT_EQ(0U, engine.GetCompleteTime(0) + engine.GetRemainingUsageTime(0) + engine.GetRemainCapacity(0));
 }
 
