@@ -18,8 +18,8 @@ namespace
 {
 
 constexpr unsigned kSeed = 19830512;
-constexpr unsigned kClients = 4;
-constexpr int kRequestsOfEach = 60;
+constexpr unsigned kClients = 8;
+constexpr int kRequestsOfEach = 30;
 
 // Two known users and two unknown ones.
 const std::string kUsers[] = {environment::UserName(), environment::OtherUserName(), "nobody", ""};

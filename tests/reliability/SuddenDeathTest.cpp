@@ -1,8 +1,9 @@
 // tests/reliability/SuddenDeathTest.cpp
 //
-// The host is killed at each step of a request that changes several places. Every key and value then is the old or
-// the new one, and the next process serves every command.
+// The host is killed at each step of a request that changes several places. Every key and value then is the
+// old or the new one, and the next process serves every command.
 
+#include "reliability/Thorough.h"
 #include "reliability/TracedProcess.h"
 
 #include "acceptance/AcceptanceTest.h"
@@ -14,7 +15,6 @@
 #include "support/ChildProcess.h"
 #include "transcripts/Samples.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <set>
 #include <sstream>
@@ -29,14 +29,17 @@ struct Request
     const char* command;
     const char* fields;
 
-    /// Parts of places that are neither old nor new in the middle: a new scheme that is still its model's copy, the
-    /// file that is deleted at the end, the hive of an account that isn't logged on.
+    /// Parts of places that are neither old nor new in the middle: a new scheme that is still its model's
+    /// copy, the file that is deleted at the end, the hive of an account that isn't logged on.
     std::vector<std::string> passing = {};
 };
 
+constexpr unsigned kStride = 29; ///< one step of so many is tried when there is little time
+
 const Request kRequests[] = {
     {"APPLY_SCHEME", "scheme=2"},
-    {"ADD_SCHEME_ALL", "name=Journey desc=\"On the road\" scheme=1 ac.wifi=1 dc.wifi=0",
+    {"ADD_SCHEME_ALL",
+     "name=Journey desc=\"On the road\" scheme=1 ac.wifi=1 dc.wifi=0",
      {"PowerPolicies\\7", "[Scheme 7]"}},
     {"EDIT_SCHEME_ALL", "scheme=1 ac.monitorOffTimeOut=1200 dc.monitorOffTimeOut=300 ac.wifi=0 dc.wifi=1"},
     {"DELETE_SCHEME", "scheme=6"},
@@ -44,13 +47,6 @@ const Request kRequests[] = {
     {"CLEAR_SCHEMES", "selector=1", {"PowerSchemes.ini", "UserSchemes.ini", "HKU\\", "machine.ini [Hives]"}},
     {"PUT_STR_INTO_CONFIG", "type=profile file=Window.ini section=Place item=Title string=\"Two words\""},
 };
-
-// Every so many steps one is tried; all of them where RELIABILITY says "thorough".
-unsigned Stride()
-{
-    const char* const wanted = std::getenv("RELIABILITY");
-    return wanted != nullptr && std::string(wanted) == "thorough" ? 1 : 29;
-}
 
 // What a place holds in a state.
 std::optional<std::string> Find(const State& state, const std::string& place)
@@ -75,7 +71,8 @@ std::vector<BYTE> BytesOf(const std::optional<std::string>& value)
     return words.eof() ? bytes : std::vector<BYTE>();
 }
 
-// Several settings may lie in one number or record, which are written one by one: each byte is an old or a new one.
+// Several settings may lie in one number or record, which are written one by one: each byte is an old or a
+// new one.
 bool IsOldOrNew(const std::optional<std::string>& value, const std::optional<std::string>& before,
                 const std::optional<std::string>& after)
 {
@@ -105,10 +102,11 @@ std::vector<std::string> Strangers(const State& before, const State& after, cons
     std::erase_if(places,
                   [&](const std::string& place)
                   {
-                      const bool isPassing =
-                          std::any_of(passing.begin(), passing.end(),
-                                      [&](const std::string& part) { return place.find(part) != place.npos; });
-                      return isPassing || IsOldOrNew(Find(present, place), Find(before, place), Find(after, place));
+                      const bool isPassing = std::any_of(passing.begin(), passing.end(),
+                                                         [&](const std::string& part)
+                                                         { return place.find(part) != place.npos; });
+                      return isPassing ||
+                             IsOldOrNew(Find(present, place), Find(before, place), Find(after, place));
                   });
     return {places.begin(), places.end()};
 }
@@ -122,7 +120,8 @@ bool ServesEveryCommand()
                    Host host;
                    for (const Sample& sample : Samples())
                    {
-                       const LONG code = host.Send(sample.command, PayloadOf(sample.command, sample.fields)).code;
+                       const LONG code =
+                           host.Send(sample.command, PayloadOf(sample.command, sample.fields)).code;
                        const bool isOne = code == TRX_OPERATION_OK || code == TRX_OPERATION_REFUSED ||
                                           code == TRX_UNKNOWN_COMMAND || code == TRX_OPERATION_FAIL;
                        if (!isOne)
@@ -173,10 +172,11 @@ TEST_P(SuddenDeath, OfTheHostLeavesOldOrNewValues)
         unsigned step = 1;
         while (snapshot.Restore() && IsKilledAt(step, start, send))
         {
-            SCOPED_TRACE(std::string(request.command) + ' ' + request.fields + ", step " + std::to_string(step));
+            SCOPED_TRACE(std::string(request.command) + ' ' + request.fields + ", step " +
+                         std::to_string(step));
             EXPECT_EQ(std::vector<std::string>(), Strangers(before, after, Observe(), request.passing));
             EXPECT_TRUE(ServesEveryCommand());
-            step += Stride();
+            step += IsThorough() ? 1 : kStride;
         }
         EXPECT_GT(step, 1U) << request.command;
     }

@@ -1,7 +1,7 @@
 // tests/reliability/TracedProcess.h
 //
-// A process that is killed at a chosen step: one of the system calls by which it changes what others see. What it
-// writes to shared memory lies between two of them.
+// A process that is killed at a chosen step: one of the system calls by which it changes what others see.
+// What it writes to shared memory lies between two of them.
 #pragma once
 
 #include <algorithm>
@@ -13,8 +13,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-/// Runs `setUp` and then `work` in a process of its own and kills it at the `step`th step (from 1) of `work`'s
-/// calling thread, before that step takes effect. False when `work` ended before.
+/// Runs `setUp` and then `work` in a process of its own and kills it at the `step`th step (from 1) of
+/// `work`'s calling thread, before that step takes effect. False when `work` ended before.
 inline bool IsKilledAt(unsigned step, const std::function<void()>& setUp, const std::function<void()>& work)
 {
     constexpr unsigned long kSteps[] = {SYS_write,  SYS_rename,    SYS_renameat2, SYS_unlink, SYS_mkdir,
