@@ -1,7 +1,8 @@
 // tests/reliability/TwoProcessesTest.cpp
 //
-// Two hosts on one machine. No write of one undoes a key of the other, and the user scheme file keeps its form. What
-// isn't guarded between processes is the choice of a new scheme's number: both may get the same one.
+// Two hosts on one machine. No write of one undoes a key of the other, and the user scheme file keeps its
+// form. What isn't guarded between processes is the choice of a new scheme's number: both may get the same
+// one.
 
 #include "reliability/Thorough.h"
 
@@ -55,9 +56,9 @@ Numbers Listed(const std::string& user)
     return numbers;
 }
 
-// Adds and deletes schemes of one user at random. True when the user's section then lists those that were added and
-// not deleted. A number may be there twice: a scheme that the other process has deleted as its own leaves an entry, and
-// the number is free again.
+// Adds and deletes schemes of one user at random. True when the user's section then lists those that were
+// added and not deleted. A number may be there twice: a scheme that the other process has deleted as its own
+// leaves an entry, and the number is free again.
 bool AddAndDelete(const std::string& user, unsigned seed)
 {
     Host host;
