@@ -9,42 +9,59 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <string>
+#include <vector>
 
 namespace
 {
 
-struct Rendered
+// The transcripts of all samples on one generation, each line indented by two blanks.
+std::vector<std::vector<std::string>> RenderOn(DWORD major)
 {
-    std::vector<std::string> lines;
-    std::string calls;
-};
-
-// The transcripts of all samples on one generation.
-std::vector<Rendered> RenderOn(DWORD major)
-{
-    std::vector<Rendered> all;
+    std::vector<std::vector<std::string>> all;
     Scene scene(major);
     for (const Sample& sample : Samples())
     {
         const RequestOutcome outcome = scene.Run(sample);
-        all.push_back({Show(sample, outcome, scene.Changes()), outcome.calls});
+        all.push_back(Show(sample, outcome, scene.Changes()));
+        all.back().push_back("  calls     " + (outcome.calls.empty() ? "none" : outcome.calls));
     }
     return all;
 }
 
-void Add(std::string& text, const char* heading, const Rendered& rendered)
+// Both generations' lines in one text, in their order: what only one of them has starts with its number.
+std::string Merge(const std::vector<std::string>& xp, const std::vector<std::string>& vista)
 {
-    text += heading;
-    for (const std::string& line : rendered.lines)
+    // How many lines the rests from each pair of lines have in common.
+    std::vector<std::vector<std::size_t>> common(xp.size() + 1, std::vector<std::size_t>(vista.size() + 1));
+    for (std::size_t i = xp.size(); i-- > 0;)
     {
-        text += line + '\n';
+        for (std::size_t j = vista.size(); j-- > 0;)
+        {
+            common[i][j] =
+                xp[i] == vista[j] ? common[i + 1][j + 1] + 1 : std::max(common[i + 1][j], common[i][j + 1]);
+        }
     }
-}
-
-std::string CallsLine(const std::string& heading, const Rendered& rendered)
-{
-    return "  " + heading + (rendered.calls.empty() ? "none" : rendered.calls) + '\n';
+    std::string text;
+    for (std::size_t i = 0, j = 0; i < xp.size() || j < vista.size();)
+    {
+        if (i < xp.size() && j < vista.size() && xp[i] == vista[j])
+        {
+            text += "  " + xp[i++] + '\n';
+            ++j;
+        }
+        else if (j == vista.size() || (i < xp.size() && common[i + 1][j] >= common[i][j + 1]))
+        {
+            text += "5.1" + xp[i++].substr(1) + '\n';
+        }
+        else
+        {
+            text += "6.0" + vista[j++].substr(1) + '\n';
+        }
+    }
+    return text;
 }
 
 // The content of each command's golden file. Made once: a scene costs more than all requests in it.
@@ -53,25 +70,13 @@ const std::map<std::string, std::string>& Texts()
     static const std::map<std::string, std::string> texts = []
     {
         std::map<std::string, std::string> made;
-        const std::vector<Rendered> xp = RenderOn(5);
-        const std::vector<Rendered> vista = RenderOn(6);
+        const auto xp = RenderOn(5);
+        const auto vista = RenderOn(6);
         std::size_t index = 0;
         for (const Sample& sample : Samples())
         {
             std::string& text = made[sample.command];
-            text += (text.empty() ? "" : "\n") + Title(sample);
-            if (xp[index].lines == vista[index].lines)
-            {
-                Add(text, "5.1 and 6.0\n", xp[index]);
-                text += CallsLine("calls 5.1 ", xp[index]) + CallsLine("calls 6.0 ", vista[index]);
-            }
-            else
-            {
-                Add(text, "5.1\n", xp[index]);
-                text += CallsLine("calls     ", xp[index]);
-                Add(text, "6.0\n", vista[index]);
-                text += CallsLine("calls     ", vista[index]);
-            }
+            text += (text.empty() ? "" : "\n") + Title(sample) + Merge(xp[index], vista[index]);
             ++index;
         }
         return made;
