@@ -44,15 +44,18 @@ public:
     /// A length byte and as many bytes, or what is left of them.
     std::string Bytes()
     {
-        const std::span<const std::uint8_t> bytes = Take(Byte());
+        return Bytes(Byte());
+    }
+    std::string Bytes(std::size_t length)
+    {
+        const std::span<const std::uint8_t> bytes = Take(length);
         return {bytes.begin(), bytes.end()};
     }
 
     /// Everything up to the end.
     std::string Rest()
     {
-        const std::span<const std::uint8_t> bytes = Take(m_rest.size());
-        return {bytes.begin(), bytes.end()};
+        return Bytes(m_rest.size());
     }
 
     /// One of `choices`.

@@ -12,20 +12,27 @@ minutes=${2:-}
 targets='requests 64 1500
 files 4000 800
 registry 300 500
+answers 300 800
+classes 200 1500
 formatter 300 100000'
 
 export ASAN_OPTIONS=malloc_context_size=3:quarantine_size_mb=4:detect_leaks=0 # leaks are counted by the targets
 
 run_target() {
   local name=$1 length=$2 inputs=$3 log=$build/$1.log options
-  mkdir -p "$build/corpus/$name" "$build/finds"
+  local learnt=$build/corpus/$name
+  if [ -z "$minutes" ]; then
+    learnt=$build/short-run/$name
+    rm -rf "$learnt"
+  fi
+  mkdir -p "$learnt" "$build/finds"
   options=(-seed=1 "-max_len=$length" "-artifact_prefix=$build/finds/$name-" -timeout=30)
   if [ -z "$minutes" ]; then
-    options+=("-runs=$inputs" "fuzz/corpus/$name")
+    options+=("-runs=$inputs")
   else
-    options+=("-max_total_time=$((minutes * 60 * $(nproc) / 4))" "$build/corpus/$name" "fuzz/corpus/$name")
+    options+=("-max_total_time=$((minutes * 60 * $(nproc) / $(wc -l <<<"$targets")))")
   fi
-  if ! "$build/bin/fuzz_$name" "${options[@]}" >"$log" 2>&1; then
+  if ! "$build/bin/fuzz_$name" "${options[@]}" "$learnt" "fuzz/corpus/$name" >"$log" 2>&1; then
     grep -E 'FOUND|ERROR|SUMMARY|Test unit' "$log" >&2 || tail -5 "$log" >&2
     echo "fuzz_$name found a fault; the whole log is in $log" >&2
     return 1
@@ -34,5 +41,5 @@ run_target() {
 }
 
 export -f run_target
-export build minutes
+export build minutes targets
 printf '%s\n' "$targets" | xargs -P"$(nproc)" -L1 bash -c 'run_target "$@"' _
