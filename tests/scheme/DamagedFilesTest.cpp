@@ -103,14 +103,18 @@ TEST_F(VistaDamagedFiles, CountsWithoutEntriesEndSoon)
 TEST_F(XpDamagedFiles, AFullListGetsNoFurtherEntry)
 {
     Trace::Record(false);
-    std::string entries;
+    std::string users;
+    std::string schemes;
     for (int entry = 0; entry < 2500; ++entry)
     {
-        entries += "User" + std::to_string(entry) + "=1\r\n";
+        users += "User" + std::to_string(entry) + "=1\r\n";
+        schemes += "Scheme" + std::to_string(entry) + "=7\r\n";
     }
-    const std::string list = "[UserList]\r\nNumber=2501\r\n" + entries;
+    const std::string list =
+        "[UserList]\r\nNumber=2501\r\n" + users + '[' + SidOf("alice") + "]\r\nNumber=2501\r\n" + schemes;
     ASSERT_TRUE(seeding::WriteBytes(Users(), list));
     EXPECT_EQ(-1, engine.AddtoUserList(L"alice"));
+    EXPECT_EQ(-1, engine.AddtoUserScheme(L"one more", L"alice", 9));
     EXPECT_EQ(list, seeding::ReadBytes(Users()));
 }
 
