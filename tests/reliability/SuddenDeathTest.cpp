@@ -34,7 +34,7 @@ struct Request
     std::vector<std::string> passing = {};
 };
 
-constexpr unsigned kStride = 29; ///< one step of so many is tried when there is little time
+constexpr unsigned kStride = 83; ///< one step of so many is tried when there is little time
 
 const Request kRequests[] = {
     {"APPLY_SCHEME", "scheme=2"},
