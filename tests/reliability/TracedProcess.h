@@ -36,7 +36,8 @@ inline bool IsKilledAt(unsigned step, const std::function<void()>& setUp, const 
            waitpid(process, &status, 0) == process && WIFSTOPPED(status))
     {
         const bool isCall = WSTOPSIG(status) == (SIGTRAP | 0x80);
-        signal = isCall ? 0 : WSTOPSIG(status);
+        // A program that replaces this one begins with a trap of its own.
+        signal = isCall || WSTOPSIG(status) == SIGTRAP ? 0 : WSTOPSIG(status);
         __ptrace_syscall_info info = {};
         if (isCall && ptrace(PTRACE_GET_SYSCALL_INFO, process, sizeof info, &info) > 0 &&
             info.op == PTRACE_SYSCALL_INFO_ENTRY &&
