@@ -1,8 +1,7 @@
 // tests/advapi32/RegistryFilesTest.cpp
 //
-// The registry's files in the notebook's folder, and several processes on them, some of which are killed.
+// The registry's files in the notebook's folder.
 
-#include "support/ChildProcess.h"
 #include "support/NotebookTest.h"
 
 #include "base/WholeFile.h"
@@ -13,7 +12,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 using namespace simulated;
@@ -83,42 +81,6 @@ TEST_F(RegistryFilesTest, AFileWrittenByATextEditor)
     EXPECT_EQ("x", RegistryEditor::ReadText("HKLM\\A\\b", ""));
     EXPECT_EQ((std::vector<std::string>{"", "v"}), RegistryEditor::Values("HKLM\\A\\b"));
     EXPECT_EQ("\x03", RegistryEditor::Read("HKLM\\A\\b", "v").value_or(Value{}).bytes);
-}
-
-constexpr DWORD kRounds = 300;
-
-bool WriteAllRounds(const char* name, DWORD count)
-{
-    bool done = true;
-    for (DWORD round = 1; round <= count; ++round)
-    {
-        done = RegistryEditor::WriteText(kKey, name, std::to_string(round)) && done;
-    }
-    return done;
-}
-
-TEST_F(RegistryFilesTest, TwoProcessesWriteOneKey)
-{
-    ChildProcess first([] { return WriteAllRounds("0", kRounds); });
-    ChildProcess second([] { return WriteAllRounds("1", kRounds); });
-    EXPECT_EQ(0, first.Await());
-    EXPECT_EQ(0, second.Await());
-    EXPECT_EQ(std::to_string(kRounds), RegistryEditor::ReadText(kKey, "0"));
-    EXPECT_EQ(std::to_string(kRounds), RegistryEditor::ReadText(kKey, "1"));
-}
-
-// Whatever a killed writer was doing: the value is an old or a new one, and the next writer isn't held up.
-TEST_F(RegistryFilesTest, AWriterIsKilled)
-{
-    for (unsigned attempt = 0; attempt < 20; ++attempt)
-    {
-        ASSERT_TRUE(RegistryEditor::WriteText(kKey, "Shared", "0"));
-        ChildProcess writer([] { return WriteAllRounds("Shared", 0xFFFFFFFF); });
-        usleep(500 + attempt * 700);
-        writer.Kill();
-        const std::string text = RegistryEditor::ReadText(kKey, "Shared").value_or("none");
-        EXPECT_EQ(text, std::to_string(std::strtoul(text.c_str(), nullptr, 10)));
-    }
 }
 
 } // namespace

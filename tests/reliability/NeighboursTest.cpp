@@ -13,6 +13,7 @@
 
 #include <cwchar>
 #include <filesystem>
+#include <sys/stat.h>
 
 using simulated::Faults;
 using simulated::Leaks;
@@ -39,6 +40,13 @@ protected:
         return answer;
     }
 
+    // The folder of the system's own configuration.
+    static std::string Folder()
+    {
+        return simulated::Machine::PathOf(
+            "drives/C/WINDOWS/system32/config/systemprofile/Local Settings/Application Data/Kelvo");
+    }
+
     Host host;
 };
 
@@ -51,16 +59,14 @@ struct ResultBoard : CInterProcessBoard
     }
 };
 
-// The service answers in its own time, twice, or for somebody else: an answer that isn't the last request's is
-// gone by the next one.
+// The service answers in its own time, twice, or for somebody else: an answer that isn't the last request's
+// is gone by the next one.
 TEST_F(Neighbours, AnswersAreTakenOncePerRequest)
 {
     int requests = 0;
     BoardService service(
-        [&](const service::Request&) -> std::optional<service::Answer>
-        {
-            return ++requests == 2 ? std::nullopt
-                                   : std::optional(service::Answer{service_boards::kDone, 0});
+        [&](const service::Request&) -> std::optional<service::Answer> {
+            return ++requests == 2 ? std::nullopt : std::optional(service::Answer{service_boards::kDone, 0});
         });
     EXPECT_EQ("0 answer=1", Answered(kApply, kScheme));
     EXPECT_EQ("0 answer=-1", Answered(kApply, kScheme)) << "no answer";
@@ -106,8 +112,9 @@ TEST_F(Neighbours, AnswersOfAnyFormAreFailuresAtMost)
 // comes.
 TEST_F(Neighbours, TakenNamesCostTheServiceAndTheEventsAlone)
 {
-    for (const wchar_t* const name : {L"Global\\IPB_EventORVL_IPB_RSLT0", L"Global\\IPB_SemaphoreORVL_IPB_PARA0",
-                                      L"Global\\IPB_MapORVL_IPB_RSLT0"})
+    for (const wchar_t* const name :
+         {L"Global\\IPB_EventORVL_IPB_RSLT0", L"Global\\IPB_SemaphoreORVL_IPB_PARA0",
+          L"Global\\IPB_MapORVL_IPB_RSLT0"})
     {
         const owners::Handle squatter(std::wcsstr(name, L"Event") == nullptr
                                           ? CreateEventW(nullptr, TRUE, FALSE, name)
@@ -123,15 +130,23 @@ TEST_F(Neighbours, TakenNamesCostTheServiceAndTheEventsAlone)
 
 TEST_F(Neighbours, AFolderThatIsAFileHoldsNoConfiguration)
 {
-    const std::string folder = simulated::Machine::PathOf(
-        "drives/C/WINDOWS/system32/config/systemprofile/Local Settings/Application Data/Kelvo");
-    ASSERT_LT(0U, std::filesystem::remove_all(folder));
-    ASSERT_TRUE(simulated::WriteWhole(folder, "no folder"));
+    ASSERT_LT(0U, std::filesystem::remove_all(Folder()));
+    ASSERT_TRUE(simulated::WriteWhole(Folder(), "no folder"));
     EXPECT_EQ("6", Answered("PUT_INT_INTO_CONFIG", kMark));
     EXPECT_EQ("0 answer=1", Answered("EDIT_SCHEME", kEdit)) << "a file's write isn't looked at";
     EXPECT_EQ("6 answer=-1", Answered("QUERY_SCHEME", "scheme=1 ac=mains name=Wifi"));
     EXPECT_EQ("0 scheme=6", Answered("ADD_SCHEME", "name=Mine desc=x scheme=1"));
-    EXPECT_EQ("no folder", simulated::ReadWhole(folder));
+    EXPECT_EQ("no folder", simulated::ReadWhole(Folder()));
+}
+
+TEST_F(Neighbours, AReadOnlyFileStaysAsItIs)
+{
+    ASSERT_EQ("0", Answered("PUT_INT_INTO_CONFIG", kMark));
+    const auto bytes = seeding::ReadBytes(ProfileFile("Window.ini"));
+    ASSERT_EQ(0, chmod((Folder() + "/ORVL/Cfg/Window.ini").c_str(), S_IRUSR));
+    EXPECT_EQ(
+        "6", Answered("PUT_INT_INTO_CONFIG", "type=profile file=Window.ini section=Place item=Left value=8"));
+    EXPECT_EQ(bytes, seeding::ReadBytes(ProfileFile("Window.ini")));
 }
 
 // Calls that are refused from now on, as a full disk, a locked key and a missing right refuse them.

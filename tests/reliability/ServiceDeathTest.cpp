@@ -70,8 +70,7 @@ protected:
     {
         simulated::Clock::SetInstant(false); // two processes agree on the time only in real time
         const std::string timeout = IsThorough() ? "1000" : "300";
-        ASSERT_TRUE(
-            seeding::SetKey(InstallationFile("ORVLCfg.ini"), "OrvlDevMgr", "TimeoutMS", timeout));
+        ASSERT_TRUE(seeding::SetKey(InstallationFile("ORVLCfg.ini"), "OrvlDevMgr", "TimeoutMS", timeout));
     }
 
     // Calls `isKilledAt` for each step until it says that there was none.

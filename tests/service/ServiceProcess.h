@@ -26,11 +26,6 @@ public:
         return WaitFor("serving\n");
     }
 
-    void Kill()
-    {
-        m_process->Kill();
-    }
-
 private:
     std::unique_ptr<ChildProcess> m_process;
     int m_input = -1;

@@ -157,25 +157,4 @@ TEST_F(ServiceTest, MalformedRequestsGetAFailureNoticeAndHarmNothing)
     EXPECT_EQ(9, StoredScheme());
 }
 
-TEST_F(ServiceTest, AKilledServiceLeavesRoomForTheNext)
-{
-    {
-        ServiceProcess service(Folder(), {"--silent"});
-        ASSERT_TRUE(service.IsServing());
-        std::thread killer(
-            [&]
-            {
-                EXPECT_TRUE(service.WaitFor("left without an answer"));
-                service.Kill();
-            });
-        EXPECT_EQ(kGeneralFailure, Call(3, L"x", 1, 500));
-        killer.join();
-    }
-    EXPECT_EQ(kGeneralFailure, Call(3, L"x", 1));
-    ServiceProcess next(Folder(), {});
-    ASSERT_TRUE(next.IsServing());
-    EXPECT_EQ(0, Call(3, L"x", 2));
-    EXPECT_EQ(2, StoredScheme());
-}
-
 } // namespace
