@@ -103,6 +103,7 @@ TEST_F(HwSBXTest, IncompleteSectionsAreRefusedAndChangeNothing)
         {kInPorts, {"AddressSize="}},
     };
     SetRegister(0);
+    NewDriverInputs();
     for (const auto& [section, changes] : cases)
     {
         for (const std::string change : changes)
@@ -111,6 +112,8 @@ TEST_F(HwSBXTest, IncompleteSectionsAreRefusedAndChangeNothing)
             EXPECT_EQ(kGeneralFailure, chipset.FunctionDisable(L"HD Audio", 0)) << change;
             EXPECT_EQ(kGeneralFailure, chipset.GetFunctionDisable(L"HD Audio", &disabled)) << change;
             EXPECT_EQ(-1, disabled);
+            const bool isTheHardwares = change == "Device=29" || change == "AddressOffset=0xFE";
+            EXPECT_EQ(isTheHardwares, !NewDriverInputs().empty()) << change;
         }
     }
     EXPECT_EQ(0U, Register());

@@ -54,13 +54,12 @@ LONG Percent(const SYSTEM_POWER_STATUS& status) noexcept
 bool FillExtendedFields(CEcAgent& agent, PM_Battery_Info& info) noexcept
 {
     _BATTERY_EXTEND_FIELDS fields{};
-    const bool read = agent.GetBatteryExtends(&fields, kExtendedBatteryRecord) >= 0;
-    agent.Cleanup();
-    if (read)
+    if (agent.GetBatteryExtends(&fields, kExtendedBatteryRecord) < 0)
     {
-        std::copy_n(fields.field, std::size(info.extendedField), info.extendedField);
+        return false;
     }
-    return read;
+    std::copy_n(fields.field, std::size(info.extendedField), info.extendedField);
+    return true;
 }
 
 // The operating system's part of the record.

@@ -24,9 +24,7 @@ LONG WithController(Work work) noexcept
     {
         return TRX_OPERATION_FAIL;
     }
-    const LONG result = work(agent);
-    agent.Cleanup();
-    return result;
+    return work(agent);
 }
 
 LONG ReplyNumber(const PM_Request& request, LONG number) noexcept

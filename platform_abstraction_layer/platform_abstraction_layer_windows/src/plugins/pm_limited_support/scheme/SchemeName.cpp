@@ -21,7 +21,6 @@ bool HasLineBreak(const wchar_t* name) noexcept
 
 bool SchemeName::Take(const wchar_t* name) noexcept
 {
-    m_text[0] = L'\0';
     if (name == nullptr)
     {
         return false;

@@ -22,5 +22,5 @@ public:
     wchar_t* Text() noexcept;
 
 private:
-    wchar_t m_text[text::kPathCapacity];
+    wchar_t m_text[text::kPathCapacity] = {};
 };
