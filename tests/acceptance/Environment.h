@@ -8,6 +8,7 @@
 #include <windows.h>
 
 #include <cstddef>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,27 @@ struct Holdings
     std::size_t heapBytes = 0; ///< natively 0: there the address sanitizer looks
 };
 Holdings Held();
+
+/// What the plug-in's work leaves: the heap in use, what is held as in `Holdings`, and the files of the
+/// machine or, on Windows, of its configuration.
+struct Footprint
+{
+    std::size_t heapBytes = 0; ///< 0 under the address sanitizer
+    DWORD handles = 0;
+    std::size_t files = 0;
+    std::size_t fileBytes = 0;
+};
+Footprint Measured();
+
+/// Counts files and their bytes below a folder.
+inline void AddFiles(const std::filesystem::path& folder, Footprint& footprint)
+{
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+    {
+        footprint.files += entry.is_regular_file() ? 1 : 0;
+        footprint.fileBytes += entry.is_regular_file() ? static_cast<std::size_t>(entry.file_size()) : 0;
+    }
+}
 
 /// A machine for one test.
 class Machine

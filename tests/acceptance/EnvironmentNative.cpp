@@ -9,8 +9,10 @@
 #include "control/Batteries.h"
 #include "control/PowerSource.h"
 #include "machine/KernelDriver.h"
+#include "machine/Machine.h"
 #include "support/NotebookTest.h"
 
+#include <malloc.h>
 #include <memory>
 
 namespace environment
@@ -81,6 +83,16 @@ void ForgetCalls()
 Holdings Held()
 {
     return {simulated::Leaks::Count(), 0};
+}
+
+Footprint Measured()
+{
+    simulated::Trace::Record(false); // a list of all calls isn't the plug-in's
+    Footprint footprint;
+    footprint.heapBytes = mallinfo2().uordblks;
+    footprint.handles = simulated::Leaks::Count();
+    AddFiles(simulated::Machine::Folder(), footprint);
+    return footprint;
 }
 
 Machine::Machine()

@@ -169,6 +169,15 @@ Holdings Held()
     return held;
 }
 
+Footprint Measured()
+{
+    const Holdings held = Held();
+    Footprint footprint{held.heapBytes, held.handles};
+    AddFiles(kFolder, footprint);
+    AddFiles(seeding::Wide(seeding::LocalAppData() + "\\Kelvo").data(), footprint);
+    return footprint;
+}
+
 Machine::Machine()
 {
     Recreate(MajorVersion());

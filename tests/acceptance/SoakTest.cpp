@@ -1,0 +1,91 @@
+// tests/acceptance/SoakTest.cpp
+//
+// Mixed requests in one process, as many as SOAK_REQUESTS says. What process and machine hold at the end is
+// what they held after the first of them; the numbers on the way are printed for a graph.
+
+#include "acceptance/AcceptanceTest.h"
+#include "acceptance/RequestWords.h"
+#include "transcripts/Samples.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+#include <random>
+
+namespace
+{
+
+constexpr int kFewRequests = 200;
+constexpr int kFirst = 1000;
+constexpr unsigned kSeed = 19991231;
+
+// Fragments of a heap and what a runtime library keeps for the next call.
+constexpr double kHeapTolerance = 0.02;
+
+class Soak : public GenerationTest
+{
+protected:
+    void SetUp() override
+    {
+        GenerationTest::SetUp();
+        for (const Sample& sample : Samples())
+        {
+            // The samples name schemes of another machine; 1 is one of every machine.
+            std::string fields = sample.fields;
+            std::replace(fields.begin(), fields.end(), '7', '1');
+            m_payloads.push_back(PayloadOf(sample.command, fields));
+        }
+    }
+
+    void Send(std::size_t number)
+    {
+        host->Send(Samples()[number].command, m_payloads[number]);
+        host->TakeEvents();
+    }
+
+    // The same state whatever was sent before.
+    environment::Footprint AtRest()
+    {
+        for (std::size_t number = 0; number < m_payloads.size(); ++number)
+        {
+            Send(number);
+        }
+        host->Send("CLEAR_SCHEMES", Payload(LONG{1}));
+        return environment::Measured();
+    }
+
+    std::vector<std::vector<std::byte>> m_payloads;
+};
+
+INSTANTIATE_TEST_SUITE_P(Windows, Soak, testing::ValuesIn(environment::Generations()));
+
+TEST_P(Soak, HoldsNothingMoreThanAfterTheFirstRequests)
+{
+    const char* const wanted = std::getenv("SOAK_REQUESTS");
+    const int stages = wanted == nullptr ? 2 : 50;
+    const int inEach = (wanted == nullptr ? kFewRequests : std::atoi(wanted)) / stages;
+    std::mt19937 random(kSeed);
+    environment::Footprint first;
+    environment::Footprint now;
+    for (int stage = 0; stage <= stages; ++stage)
+    {
+        for (int request = 0; request < (stage == 0 ? std::min(inEach, kFirst) : inEach); ++request)
+        {
+            Send(random() % m_payloads.size());
+        }
+        now = AtRest();
+        first = stage == 0 ? now : first;
+        if (wanted != nullptr)
+        {
+            std::cout << "soak " << GetParam() << ' ' << stage * inEach << ' ' << now.heapBytes << ' '
+                      << now.handles << ' ' << now.files << ' ' << now.fileBytes << std::endl;
+        }
+    }
+    EXPECT_NEAR(static_cast<double>(first.heapBytes), static_cast<double>(now.heapBytes),
+                kHeapTolerance * static_cast<double>(first.heapBytes));
+    EXPECT_EQ(first.handles, now.handles);
+    EXPECT_EQ(first.files, now.files);
+    EXPECT_EQ(first.fileBytes, now.fileBytes);
+}
+
+} // namespace
