@@ -10,6 +10,7 @@
 #include "control/PowerSource.h"
 #include "machine/KernelDriver.h"
 #include "machine/Machine.h"
+#include "modules/kernel32/DebugOutput.h"
 #include "support/NotebookTest.h"
 
 #include <malloc.h>
@@ -87,7 +88,9 @@ Holdings Held()
 
 Footprint Measured()
 {
-    simulated::Trace::Record(false); // a list of all calls isn't the plug-in's
+    simulated::Trace::Record(false); // such lists are the simulated platform's own
+    simulated::KernelDriver::ForgetRequests();
+    simulated::DebugOutput::Clear();
     Footprint footprint;
     footprint.heapBytes = mallinfo2().uordblks;
     footprint.handles = simulated::Leaks::Count();
