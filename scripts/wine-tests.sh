@@ -2,6 +2,8 @@
 # wine-tests.sh --available [64] exit status 0 when a 32-bit (64-bit) Wine runs here; otherwise the reason is printed
 # wine-tests.sh BUILD            runs the Windows test programs of that build folder on it, on both generations,
 #                                and its package as a user would
+# wine-tests.sh BUILD PROGRAM FILTER
+#                                runs only those tests of one program
 #
 # Programs that are byte for byte those of the last passing run are not run again; WINE_TESTS=again runs them.
 set -euo pipefail
@@ -11,7 +13,7 @@ cd "$(dirname "$0")/.."
 run_program() {
   local program=$1 version=$2
   printf -- '-- %s on %s\n' "$(basename "$program")" "$version"
-  (cd "$(dirname "$program")" && in_time 300 wine "./$(basename "$program")" --gtest_brief=1)
+  (cd "$(dirname "$program")" && in_time "${3:-300}" wine "./$(basename "$program")" --gtest_brief=1 "${@:4}")
 }
 
 if [ "${1:-}" = --available ]; then
@@ -20,6 +22,16 @@ if [ "${1:-}" = --available ]; then
 fi
 
 build=$1
+if [ $# = 3 ]; then
+  prepare_prefix wine
+  for version in winxp vista; do
+    set_version "$version"
+    run_program "$build/bin/$2.exe" "$version" 3600 --gtest_filter="$3"
+  done
+  stop_wine
+  exit
+fi
+
 passed=$PWD/build/wine-tests.passed
 sum=$(cat "$build"/bin/*.exe "$build"/bin/*.dll installation/* cmake/Install.cmake \
   examples/*/* scripts/common.sh scripts/package-examples.sh scripts/wine*.sh | sha256sum)

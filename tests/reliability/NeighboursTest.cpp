@@ -3,6 +3,8 @@
 // What other processes and a full or locked machine may do to the plug-in: each has its result, soon, and
 // nothing stays held.
 
+#include "reliability/Thorough.h"
+
 #include "acceptance/AcceptanceTest.h"
 #include "acceptance/RequestWords.h"
 #include "base/Trace.h"
@@ -35,9 +37,17 @@ protected:
         const unsigned held = Leaks::Count();
         const auto begin = std::chrono::steady_clock::now();
         const std::string answer = Ask(host, command, fields);
-        EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5)) << command;
+        m_longest = std::max(m_longest, std::chrono::steady_clock::now() - begin);
+        EXPECT_LT(m_longest, std::chrono::seconds(5)) << command;
         EXPECT_EQ(held, Leaks::Count()) << Leaks::Describe();
         return answer;
+    }
+
+    void TearDown() override
+    {
+        PrintFigure(testing::UnitTest::GetInstance()->current_test_info()->name(),
+                    ": the longest request took ",
+                    std::chrono::duration_cast<std::chrono::milliseconds>(m_longest).count(), " ms");
     }
 
     // The folder of the system's own configuration.
@@ -48,6 +58,9 @@ protected:
     }
 
     Host host;
+
+private:
+    std::chrono::steady_clock::duration m_longest{};
 };
 
 // A result board as any process may make it.

@@ -75,37 +75,40 @@ protected:
 
     // Calls `isKilledAt` for each step until it says that there was none.
     template <class Function>
-    static void AtEachStep(Function isKilledAt)
+    static void AtEachStep(const char* killed, Function isKilledAt)
     {
         unsigned step = 1;
+        unsigned deaths = 0;
         for (bool wasKilled = true; wasKilled; step += IsThorough() ? 1 : kStride)
         {
             SCOPED_TRACE("step " + std::to_string(step));
             wasKilled = isKilledAt(step);
+            deaths += wasKilled ? 1 : 0;
             ServiceProcess next(simulated::Machine::Folder(), {});
             EXPECT_EQ(0, ChildProcess(ApplyWithService).Await());
         }
-        EXPECT_GT(step, 1 + kStride);
+        EXPECT_GT(deaths, 1U);
+        PrintFigure(killed, " killed at ", deaths, " steps while the two talk");
     }
 };
 
 TEST_F(ServiceDeath, OfTheServiceLeavesTheHostItsAnswer)
 {
-    AtEachStep(
-        [](unsigned step)
-        {
-            ChildProcess host(
-                []
-                {
-                    Host caller;
-                    WaitForBoards(200); // the service may be dead before it has them
-                    return Apply(caller, false);
-                });
-            const bool wasKilled = IsKilledAt(
-                step, [] {}, BecomeService);
-            EXPECT_EQ(0, host.Await());
-            return wasKilled;
-        });
+    AtEachStep("the service",
+               [](unsigned step)
+               {
+                   ChildProcess host(
+                       []
+                       {
+                           Host caller;
+                           WaitForBoards(200); // the service may be dead before it has them
+                           return Apply(caller, false);
+                       });
+                   const bool wasKilled = IsKilledAt(
+                       step, [] {}, BecomeService);
+                   EXPECT_EQ(0, host.Await());
+                   return wasKilled;
+               });
 }
 
 // A host that dies while it copies to a board leaves the board locked. Then schemes are applied without the
@@ -118,20 +121,20 @@ TEST_F(ServiceDeath, OfTheHostLeavesTheServiceToBeStartedAgain)
         host.emplace();
         EXPECT_TRUE(WaitForBoards());
     };
-    AtEachStep(
-        [&](unsigned step)
-        {
-            ServiceProcess service(simulated::Machine::Folder(), {});
-            const bool wasKilled = IsKilledAt(step, start, [&] { Apply(*host, false); });
-            EXPECT_EQ(0, ChildProcess(
-                             []
-                             {
-                                 Host next;
-                                 return Apply(next, false);
-                             })
-                             .Await());
-            return wasKilled;
-        });
+    AtEachStep("the host",
+               [&](unsigned step)
+               {
+                   ServiceProcess service(simulated::Machine::Folder(), {});
+                   const bool wasKilled = IsKilledAt(step, start, [&] { Apply(*host, false); });
+                   EXPECT_EQ(0, ChildProcess(
+                                    []
+                                    {
+                                        Host next;
+                                        return Apply(next, false);
+                                    })
+                                    .Await());
+                   return wasKilled;
+               });
 }
 
 } // namespace

@@ -86,6 +86,9 @@ bool AddAndDelete(const std::string& user, unsigned seed)
             }
         }
     }
+    PrintFigure(user, ": ", steps, " additions and deletions beside another process, ", own.size(),
+                " schemes left, ", own.size() - std::set<LONG>(own.begin(), own.end()).size(),
+                " numbers given twice");
     return own == Listed(user) && !testing::Test::HasFailure();
 }
 
