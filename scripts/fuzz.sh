@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # fuzz.sh BUILD           runs each fuzz target of that build folder for a fixed number of inputs, about half a minute in all
-# fuzz.sh BUILD MINUTES   runs all targets for so long together; what they learn stays in BUILD/corpus
+# fuzz.sh BUILD MINUTES   runs all targets, for so long in all; what they learn stays in BUILD/corpus
 #
 # A find ends its target, is named and stays in BUILD/finds. The seeds lie in fuzz/corpus.
 set -euo pipefail
@@ -30,7 +30,7 @@ run_target() {
   if [ -z "$minutes" ]; then
     options+=("-runs=$inputs")
   else
-    options+=("-max_total_time=$((minutes * 60 * $(nproc) / $(wc -l <<<"$targets")))")
+    options+=("-max_total_time=$((minutes * 60 / $(wc -l <<<"$targets")))")
   fi
   if ! "$build/bin/fuzz_$name" "${options[@]}" "$learnt" "fuzz/corpus/$name" >"$log" 2>&1; then
     grep -E 'FOUND|ERROR|SUMMARY|Test unit' "$log" >&2 || tail -5 "$log" >&2
