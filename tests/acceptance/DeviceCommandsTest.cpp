@@ -13,12 +13,15 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <tuple>
 
 using simulated::EmbeddedController;
 using simulated::Faults;
+using simulated::Trace;
+using simulated::TracedCall;
 using Ec = EmbeddedController;
 
 namespace
@@ -189,6 +192,24 @@ TEST_F(DeviceCommands, StatesInTheTwoBatteryReplies)
     EXPECT_EQ("0 count=1", Ask(host, "GET_BATTERY_COUNT"));
     Set({.batteryFlag = 255});
     EXPECT_EQ("0 count=0", Ask(host, "GET_BATTERY_COUNT"));
+}
+
+// While the batteries are asked, which may take seconds, the controller's driver is closed again.
+TEST_F(DeviceCommands, TheControllerIsLetGoBeforeTheBatteriesAreAsked)
+{
+    for (const LONG code : {0, 6})
+    {
+        Trace::Clear();
+        EXPECT_EQ(code, host.Send("GET_BATTERY_INFO", PayloadOf("GET_BATTERY_INFO", "battery=0")).code);
+        const std::vector<TracedCall> calls = Trace::Calls();
+        const auto first = [&](const char* function)
+        {
+            return std::find_if(calls.begin(), calls.end(),
+                                [&](const auto& call) { return call.function == function; });
+        };
+        EXPECT_LT(first("CloseHandle"), first("SetupDiGetClassDevsW"));
+        EmbeddedController::RemoveBattery(15);
+    }
 }
 
 // The host's figure for the reply's room is trusted. Where the firmware fails, the rest of the record is

@@ -54,12 +54,13 @@ LONG Percent(const SYSTEM_POWER_STATUS& status) noexcept
 bool FillExtendedFields(CEcAgent& agent, PM_Battery_Info& info) noexcept
 {
     _BATTERY_EXTEND_FIELDS fields{};
-    if (agent.GetBatteryExtends(&fields, kExtendedBatteryRecord) < 0)
+    const bool read = agent.GetBatteryExtends(&fields, kExtendedBatteryRecord) >= 0;
+    agent.Cleanup();
+    if (read)
     {
-        return false;
+        std::copy_n(fields.field, std::size(info.extendedField), info.extendedField);
     }
-    std::copy_n(fields.field, std::size(info.extendedField), info.extendedField);
-    return true;
+    return read;
 }
 
 // The operating system's part of the record.

@@ -24,7 +24,9 @@ LONG WithController(Work work) noexcept
     {
         return TRX_OPERATION_FAIL;
     }
-    return work(agent);
+    const LONG result = work(agent);
+    agent.Cleanup();
+    return result;
 }
 
 LONG ReplyNumber(const PM_Request& request, LONG number) noexcept
