@@ -19,7 +19,7 @@
 #include "modules/kernel32/Devices.h"
 #include "service/Boards.h"
 
-#include <array>
+#include <optional>
 #include <thread>
 
 using namespace simulated;
@@ -42,7 +42,7 @@ constexpr DWORD kErrors[] = {
 constexpr unsigned kFirstError = 200;
 constexpr unsigned kMostRequests = 3;
 
-// What the devices take their answers from.
+// What the devices take their answers from while requests run.
 fuzz::Input* answers = nullptr;
 
 class AnsweringDevice final : public Device
@@ -59,12 +59,12 @@ public:
 
     DWORD Control(DWORD, const void*, DWORD, void* out, DWORD outSize, DWORD& returned) override
     {
-        const unsigned length = answers == nullptr ? 0 : answers->Byte();
+        const unsigned length = answers->Byte();
         if (length >= kFirstError)
         {
             return kErrors[length % std::size(kErrors)];
         }
-        const std::string bytes = answers == nullptr ? "" : answers->Bytes(length);
+        const std::string bytes = answers->Bytes(length);
         returned = std::min(static_cast<DWORD>(bytes.size()), outSize);
         std::copy_n(bytes.begin(), returned, static_cast<char*>(out));
         return ERROR_SUCCESS;
@@ -163,14 +163,8 @@ void SeedAdapter(fuzz::Input& input)
     static_cast<void>(Adapters::Add(description, {{setting, input.Bytes()}}));
 }
 
-} // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+void Seed(fuzz::Input& input, unsigned who)
 {
-    fuzz::Input input(data, size);
-    present = input.Byte() % 2 == 0 ? 5 : 6;
-    fuzz::Machine::Fresh(present);
-    const unsigned who = input.Byte();
     if ((who & Driver) != 0)
     {
         KernelDriver::SetPresent(false);
@@ -187,22 +181,28 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     {
         SeedAdapter(input);
     }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    fuzz::Input input(data, size);
+    present = input.Byte() % 2 == 0 ? 5 : 6;
+    fuzz::Machine::Fresh(present);
+    const unsigned who = input.Byte();
+    Seed(input, who);
     std::optional<OtherSide> otherSide;
     if ((who & Service) != 0)
     {
         const auto offset = input.Number<std::uint16_t>();
         otherSide.emplace(offset, input.Bytes());
     }
-    std::array<unsigned, kMostRequests> samples = {};
-    const unsigned requests = 1 + input.Byte() % kMostRequests;
-    for (unsigned request = 0; request < requests; ++request)
-    {
-        samples[request] = input.Byte();
-    }
+    const std::string samples = input.Bytes(1 + input.Byte() % kMostRequests);
     answers = &input;
-    for (unsigned request = 0; request < requests; ++request)
+    for (const char sample : samples)
     {
-        fuzz::Machine::SendSample(samples[request]);
+        fuzz::Machine::SendSample(static_cast<unsigned char>(sample));
     }
     answers = nullptr;
     otherSide.reset();

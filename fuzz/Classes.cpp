@@ -37,7 +37,6 @@ struct Schemes : CSchemeEx
 {
     using CSchemeEx::FindPwrScheme;
     using CSchemeEx::GetHiberTimeFromStandbyTime;
-    using CSchemeEx::ParseVarName;
     using CSchemeEx::ValidateData;
 };
 
@@ -84,34 +83,31 @@ public:
         {
             return &CountDown;
         }
-        else if constexpr (std::is_same_v<Type, HKEY>)
-        {
-            return HKEY_LOCAL_MACHINE;
-        }
         else if constexpr (std::is_reference_v<Type>)
         {
             return *static_cast<std::remove_reference_t<Type>*>(
                 Record(sizeof(std::remove_reference_t<Type>)));
         }
-        else if constexpr (std::is_same_v<Type, wchar_t*> || std::is_same_v<Type, unsigned char*> ||
-                           std::is_same_v<Type, void*>)
+        else if constexpr (std::is_same_v<Type, wchar_t*>)
         {
-            return static_cast<Type>(
-                Buffer(sizeof(std::conditional_t<std::is_same_v<Type, wchar_t*>, wchar_t, char>)));
+            return static_cast<Type>(Buffer(sizeof(wchar_t)));
+        }
+        else if constexpr (std::is_same_v<Type, unsigned char*> || std::is_same_v<Type, void*>)
+        {
+            return static_cast<Type>(Buffer(1));
         }
         else if constexpr (std::is_pointer_v<Type>)
         {
             void* const record = Record(sizeof(std::remove_pointer_t<Type>));
-            if constexpr (std::is_same_v<Type, ULONG*>)
+            if (std::is_same_v<Type, ULONG*> && m_size.has_value())
             {
-                *static_cast<ULONG*>(record) =
-                    m_size.has_value() ? static_cast<ULONG>(Size()) : *static_cast<ULONG*>(record);
+                *static_cast<ULONG*>(record) = static_cast<ULONG>(TakeSize());
             }
             return static_cast<Type>(record);
         }
         else
         {
-            return static_cast<Type>(m_size.has_value() ? static_cast<int>(Size()) : Number());
+            return static_cast<Type>(m_size.has_value() ? static_cast<int>(TakeSize()) : Number());
         }
     }
 
@@ -154,7 +150,7 @@ private:
         return Record(*m_size);
     }
 
-    std::size_t Size()
+    std::size_t TakeSize()
     {
         return *std::exchange(m_size, std::nullopt) / m_sizeUnit;
     }

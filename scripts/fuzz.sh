@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# fuzz.sh BUILD           runs each fuzz target of that build folder for a fixed number of inputs, about half a minute in all
-# fuzz.sh BUILD MINUTES   runs all targets, for so long in all; what they learn stays in BUILD/corpus
+# fuzz.sh BUILD           runs each fuzz target of that build folder for a fixed number of inputs, half a minute in total
+# fuzz.sh BUILD MINUTES   runs all targets for that long in total; what they learn stays in BUILD/corpus
 #
 # A find ends its target, is named and stays in BUILD/finds. The seeds lie in fuzz/corpus.
 set -euo pipefail

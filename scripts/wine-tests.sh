@@ -10,6 +10,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 . scripts/wine.sh
 
+# run_program PROGRAM VERSION [SECONDS [OPTION...]]
 run_program() {
   local program=$1 version=$2
   printf -- '-- %s on %s\n' "$(basename "$program")" "$version"
@@ -24,11 +25,11 @@ fi
 build=$1
 if [ $# = 3 ]; then
   prepare_prefix wine
+  trap stop_wine EXIT
   for version in winxp vista; do
     set_version "$version"
     run_program "$build/bin/$2.exe" "$version" 3600 --gtest_filter="$3"
   done
-  stop_wine
   exit
 fi
 

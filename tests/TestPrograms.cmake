@@ -9,7 +9,7 @@ set(GTEST_SOURCES /usr/src/googletest CACHE PATH "Where the sources of GoogleTes
 if(NOT EXISTS ${GTEST_SOURCES}/CMakeLists.txt)
   message(FATAL_ERROR "The sources of GoogleTest are missing in ${GTEST_SOURCES}: install the package libgtest-dev")
 endif()
-set(CMAKE_POLICY_DEFAULT_CMP0077 NEW) # GoogleTest's options heed what is set here
+set(CMAKE_POLICY_DEFAULT_CMP0077 NEW) # so that GoogleTest takes the options set here
 set(INSTALL_GTEST OFF)
 if(WIN32)
   set(gtest_disable_pthreads ON)

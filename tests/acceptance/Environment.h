@@ -33,34 +33,17 @@ void RemoveHardware();
 bool HasOnlyLogged();
 void ForgetCalls();
 
-/// What is held of the system: on Windows by this process, natively by the plug-in.
+/// What is held of the system: handles on Windows by this process, natively by the plug-in. Natively this
+/// ends the recording of calls, whose list would count as heap.
 struct Holdings
 {
     DWORD handles = 0;
-    std::size_t heapBytes = 0; ///< natively 0: there the address sanitizer looks
+    std::size_t heapBytes = 0; ///< in use; 0 under a sanitizer, which looks for itself
 };
 Holdings Held();
 
-/// What the plug-in's work leaves: the heap in use, what is held as in `Holdings`, and the files of the
-/// machine or, on Windows, of its configuration.
-struct Footprint
-{
-    std::size_t heapBytes = 0; ///< 0 under the address sanitizer
-    DWORD handles = 0;
-    std::size_t files = 0;
-    std::size_t fileBytes = 0;
-};
-Footprint Measured();
-
-/// Counts files and their bytes below a folder.
-inline void AddFiles(const std::filesystem::path& folder, Footprint& footprint)
-{
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-    {
-        footprint.files += entry.is_regular_file() ? 1 : 0;
-        footprint.fileBytes += entry.is_regular_file() ? static_cast<std::size_t>(entry.file_size()) : 0;
-    }
-}
+/// The folders in which requests leave files.
+std::vector<std::filesystem::path> Folders();
 
 /// A machine for one test.
 class Machine

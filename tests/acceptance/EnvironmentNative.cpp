@@ -83,19 +83,16 @@ void ForgetCalls()
 
 Holdings Held()
 {
-    return {simulated::Leaks::Count(), 0};
-}
-
-Footprint Measured()
-{
-    simulated::Trace::Record(false); // such lists are the simulated platform's own
+    simulated::Trace::Record(false);
+    simulated::Trace::Clear();
     simulated::KernelDriver::ForgetRequests();
     simulated::DebugOutput::Clear();
-    Footprint footprint;
-    footprint.heapBytes = mallinfo2().uordblks;
-    footprint.handles = simulated::Leaks::Count();
-    AddFiles(simulated::Machine::Folder(), footprint);
-    return footprint;
+    return {simulated::Leaks::Count(), mallinfo2().uordblks};
+}
+
+std::vector<std::filesystem::path> Folders()
+{
+    return {simulated::Machine::Folder()};
 }
 
 Machine::Machine()

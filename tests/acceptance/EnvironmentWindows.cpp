@@ -169,13 +169,9 @@ Holdings Held()
     return held;
 }
 
-Footprint Measured()
+std::vector<std::filesystem::path> Folders()
 {
-    const Holdings held = Held();
-    Footprint footprint{held.heapBytes, held.handles};
-    AddFiles(kFolder, footprint);
-    AddFiles(seeding::Wide(seeding::LocalAppData() + "\\Kelvo").data(), footprint);
-    return footprint;
+    return {kFolder, seeding::Wide(seeding::LocalAppData() + "\\Kelvo").data()};
 }
 
 Machine::Machine()

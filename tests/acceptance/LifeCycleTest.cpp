@@ -33,9 +33,9 @@ protected:
         return event.has_value() ? event->Number() : -100;
     }
 
-    // A start writes a line on the host's thread and one on the plug-in's, at once, and a log has no lock:
-    // now and then one is written over the other. True once both of a start are in the log, its first round
-    // too.
+    // The host's thread and the plug-in's each log a line of a start at the same time. Logs have no lock, so
+    // now and then one line overwrites the other; the start is then repeated. True when the log holds both
+    // lines, followed by those of one signal.
     bool StartUntilBothLinesAreWhole()
     {
         const auto isWhole = []
@@ -44,14 +44,13 @@ protected:
             return std::count(lines.begin(), lines.end(), "Create Event APPLY_SCHEME_EVENT") == 1 &&
                    std::count(lines.begin(), lines.end(), "enter PMNotifyHandler") == 1;
         };
-        int attempts = 0;
-        do
+        for (int attempt = 0; attempt < 20 && !isWhole(); ++attempt)
         {
             host.Uninitialize();
             seeding::Remove("C:\\temp1234567890\\trxpm.log");
             EXPECT_EQ(0, host.Initialize());
             EXPECT_EQ(3, SignalledScheme());
-        } while (!isWhole() && ++attempts < 20);
+        }
         return isWhole();
     }
 
