@@ -20,8 +20,9 @@ constexpr int kFewRequests = 200;
 constexpr int kWarmUp = 1000; ///< what the process keeps for good is there after these
 constexpr unsigned kSeed = 19991231;
 
-// What a runtime library keeps for the next call, or loads and lets go again.
-constexpr std::size_t kHeapTolerance = 96 * 1024;
+// What libraries keep for the next call; natively the simulated platform too, whose heap settles after half a
+// million requests. The plug-in's own blocks are among what is held, and must be the same.
+constexpr std::size_t kHeapTolerance = 160 * 1024;
 
 // The power manager's counter of scheme numbers may have more of them.
 constexpr std::size_t kDigits = 4;

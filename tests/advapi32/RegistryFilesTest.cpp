@@ -1,7 +1,8 @@
 // tests/advapi32/RegistryFilesTest.cpp
 //
-// The registry's files in the notebook's folder.
+// The registry's files in the notebook's folder, and two processes on them.
 
+#include "support/ChildProcess.h"
 #include "support/NotebookTest.h"
 
 #include "base/WholeFile.h"
@@ -81,6 +82,28 @@ TEST_F(RegistryFilesTest, AFileWrittenByATextEditor)
     EXPECT_EQ("x", RegistryEditor::ReadText("HKLM\\A\\b", ""));
     EXPECT_EQ((std::vector<std::string>{"", "v"}), RegistryEditor::Values("HKLM\\A\\b"));
     EXPECT_EQ("\x03", RegistryEditor::Read("HKLM\\A\\b", "v").value_or(Value{}).bytes);
+}
+
+constexpr int kRounds = 300;
+
+bool WriteAllRounds(const char* name)
+{
+    bool done = true;
+    for (int round = 1; round <= kRounds; ++round)
+    {
+        done = RegistryEditor::WriteText(kKey, name, std::to_string(round)) && done;
+    }
+    return done;
+}
+
+TEST_F(RegistryFilesTest, TwoProcessesWriteOneKey)
+{
+    ChildProcess first([] { return WriteAllRounds("0"); });
+    ChildProcess second([] { return WriteAllRounds("1"); });
+    EXPECT_EQ(0, first.Await());
+    EXPECT_EQ(0, second.Await());
+    EXPECT_EQ(std::to_string(kRounds), RegistryEditor::ReadText(kKey, "0"));
+    EXPECT_EQ(std::to_string(kRounds), RegistryEditor::ReadText(kKey, "1"));
 }
 
 } // namespace
