@@ -184,6 +184,13 @@ void On(Objects& objects, fuzz::Input& input)
     Invoke(objects.*kObject, kFunction, arguments);
 }
 
+// Once, or again after a clean-up: a second interface would replace the first.
+void SetUpGraphics(Objects& objects, fuzz::Input&)
+{
+    objects.graphics.Cleanup();
+    static_cast<void>(objects.graphics.Setup());
+}
+
 // A mapping is read, written and given back where it was made: its handle is the driver's own.
 void UseMapping(Objects& objects, fuzz::Input& input)
 {
@@ -230,6 +237,17 @@ void SetAutoRun(Objects& objects, fuzz::Input& input)
     static_cast<void>(objects.schemes.SetAutoRunORVA(flag, path, length));
 }
 
+// The key takes 260 characters; the folder's size counts bytes.
+void LookUserUp(Objects& objects, fuzz::Input& input)
+{
+    Arguments arguments(input, 1);
+    const wchar_t* const user = arguments.Text();
+    wchar_t key[text::kPathCapacity];
+    auto* const folder = arguments.Take<wchar_t*>();
+    static_cast<void>(
+        objects.file.GetCurrentUserSubkeyProfilePath(user, key, nullptr, folder, arguments.Take<ULONG*>()));
+}
+
 // One of several functions of a name, by its arguments.
 template <class... Types>
 using Scheme = int (CSchemeEx::*)(Types...) noexcept;
@@ -273,7 +291,7 @@ constexpr Call kCalls[] = {
     &On<kDevices, &CDevMgr::GetDevRegProp>,
     &On<kDevices, &CDevMgr::GetInstID, kWide>,
     &On<kDevices, &CDevMgr::GetDeviceStatus>,
-    &On<kGraphics, &CDspxAgent::Setup>,
+    &SetUpGraphics,
     &On<kGraphics, &CDspxAgent::Cleanup>,
     &On<kGraphics, &CDspxAgent::CheckSupportStatus>,
     &On<kGraphics, &CDspxAgent::GetEblLevel>,
@@ -311,7 +329,7 @@ constexpr Call kCalls[] = {
     &On<kFile, &CORVLCfg::GetHex>,
     &On<kFile, &CORVLCfg::PutHex>,
     &On<kFile, &CORVLCfg::PutString>,
-    &On<kFile, &CORVLCfg::GetCurrentUserSubkeyProfilePath, kWide>,
+    &LookUserUp,
     &On<kFile, &CORVLCfg::ServiceCall>,
     &On<kProfile, &CORVLProfile::Initialize>,
     &On<kProfile, &CORVLProfile::GetHomePath, kWide>,
