@@ -152,10 +152,9 @@ void ForgetCalls()
 {
 }
 
-Holdings Held()
+std::size_t HeapInUse()
 {
-    Holdings held;
-    GetProcessHandleCount(GetCurrentProcess(), &held.handles);
+    std::size_t bytes = 0;
     HANDLE heaps[64];
     const DWORD count = GetProcessHeaps(static_cast<DWORD>(std::size(heaps)), heaps);
     for (DWORD index = 0; index < count && index < std::size(heaps); ++index)
@@ -163,10 +162,17 @@ Holdings Held()
         PROCESS_HEAP_ENTRY entry{};
         while (HeapWalk(heaps[index], &entry) != 0)
         {
-            held.heapBytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
+            bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
         }
     }
-    return held;
+    return bytes;
+}
+
+Holdings Held()
+{
+    DWORD handles = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &handles);
+    return {handles, HeapInUse()};
 }
 
 std::vector<std::filesystem::path> Folders()
